@@ -1,0 +1,56 @@
+# Tessaphon: the two everyday commands are `make run` and `make test`.
+BUILD      ?= build
+FUZZ_BUILD ?= build-fuzz
+ASAN_BUILD ?= build-asan
+FUZZ_SECONDS ?= 60
+JOBS       ?= $(shell nproc)
+
+.PHONY: all deps configure build run test test-asan bench fuzz clean
+
+all: build
+
+deps:
+	@bash tools/install-deps.sh
+
+$(BUILD)/build.ninja:
+	cmake -S . -B $(BUILD) -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo
+
+configure: deps $(BUILD)/build.ninja
+
+build: configure
+	cmake --build $(BUILD) -j $(JOBS)
+
+run: build
+	@if [ -x $(BUILD)/bin/tessaphon ]; then \
+		$(BUILD)/bin/tessaphon; \
+	else \
+		$(BUILD)/bin/tessaphon-cli synth examples/vowel-a.stk -o $(BUILD)/vowel-a.wav && \
+		echo "Synthesized examples/vowel-a.stk into $(BUILD)/vowel-a.wav"; \
+	fi
+
+test: build
+	cd $(BUILD) && QT_QPA_PLATFORM=offscreen ctest --output-on-failure -j $(JOBS)
+
+# The whole suite under AddressSanitizer and UndefinedBehaviorSanitizer.
+test-asan: deps
+	cmake -S . -B $(ASAN_BUILD) -G Ninja -DCMAKE_BUILD_TYPE=Debug -DTESSAPHON_SANITIZE=ON -DTESSAPHON_BENCH=OFF
+	cmake --build $(ASAN_BUILD) -j $(JOBS)
+	cd $(ASAN_BUILD) && QT_QPA_PLATFORM=offscreen ctest --output-on-failure -j $(JOBS)
+
+bench: build
+	@for b in $(BUILD)/bin/bench_*; do echo "== $$b"; $$b --benchmark_repetitions=5 --benchmark_report_aggregates_only=true; done
+
+# Each fuzz target runs for FUZZ_SECONDS on its seed corpus (made by the program itself).
+fuzz: deps
+	CXX=clang++ cmake -S . -B $(FUZZ_BUILD) -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+		-DTESSAPHON_FUZZ=ON -DTESSAPHON_GUI=OFF -DTESSAPHON_TESTS=OFF -DTESSAPHON_BENCH=OFF
+	cmake --build $(FUZZ_BUILD) -j $(JOBS)
+	@for f in $(FUZZ_BUILD)/bin/fuzz_*; do \
+		name=$$(basename $$f); corpus=$(FUZZ_BUILD)/corpus/$$name; mkdir -p $$corpus; \
+		$$f --make-seeds $$corpus >/dev/null 2>&1 || true; \
+		echo "== $$name ($(FUZZ_SECONDS) s)"; \
+		$$f -max_total_time=$(FUZZ_SECONDS) -print_final_stats=1 $$corpus || exit 1; \
+	done
+
+clean:
+	rm -rf $(BUILD) $(FUZZ_BUILD) $(ASAN_BUILD)

@@ -1,0 +1,201 @@
+#include "document/MyDocument.h"
+
+#include "document/DocumentException.h"
+
+#include <new>
+
+namespace {
+MyDocument::ConfigurationHook& configurationLoader()
+{
+    static MyDocument::ConfigurationHook hook;
+    return hook;
+}
+MyDocument::ConfigurationHook& configurationWriter()
+{
+    static MyDocument::ConfigurationHook hook;
+    return hook;
+}
+} // namespace
+
+void MyDocument::setConfigurationLoader(ConfigurationHook loader)
+{
+    configurationLoader() = std::move(loader);
+}
+
+void MyDocument::setConfigurationWriter(ConfigurationHook writer)
+{
+    configurationWriter() = std::move(writer);
+}
+
+void MyDocument::saveConfig()
+{
+    if (configurationWriter())
+        configurationWriter()(*this);
+}
+
+MyDocument::MyDocument()
+{
+    // Flags, table data and undo lists have their initial values from the declarations.
+    for (auto& channel : m_Channel)
+        channel = std::make_unique<Channels>();
+    for (int i = 0; i < 10; ++i) {
+        m_bgColor[i] = Color::white();
+        m_ColorTracing[i] = Color::black();
+    }
+    setAnalysisDefaults(11025.0);
+    SetFileDefaultValues();
+    if (configurationLoader())
+        configurationLoader()(*this);
+}
+
+MyDocument::~MyDocument() = default;
+
+void MyDocument::setAnalysisDefaults(double sampleRate)
+{
+    const int rate = static_cast<int>(sampleRate);
+    const int frequencyRange = (rate / 2000) * 1000;
+    int fftOrder = static_cast<int>(2.0 * sampleRate / 2000.0 + 4.0);
+    fftOrder -= fftOrder % 2;
+    int specOrder = static_cast<int>(2.0 * sampleRate / 2000.0) + 4;
+    specOrder -= specOrder % 2;
+
+    m_nFFTWindowLengthSelector = 3;
+    m_nFFTWindowLength = 256;
+    m_nFFTAppliedWindowLength = static_cast<int>(256000.0 / sampleRate);
+    m_nFFTfrequencyRange = frequencyRange;
+    m_nFFTAverageStepSize = 10;
+    m_nLPCNumberofCoefficients = fftOrder > 400 ? 400 : fftOrder;
+    m_bFFTDrawLPC = 1;
+    m_bFFTAbsolute = 1;
+    m_nFFTAbsoluteRange = 80;
+    m_bFFTInches = 1;
+    m_bFFTColor = 1;
+    m_dFFTWidth = 6.0;
+    m_dFFTHeight = 4.0;
+    m_bFFTDrawFrequencyGrid = 1;
+    m_nFFTFrequencyGrid = 1000;
+    m_bFFTDrawDBGrid = 1;
+    m_nFFTDBGrid = 20;
+
+    m_nSpecWindowLengthSelector = 2;
+    m_nSpecWindowLength = 128;
+    m_nSpecDynamicRange = 50;
+    m_nSpecfrequencyRange = frequencyRange;
+    m_dPreEmphasis = 0.98;
+    m_bSpecDrawFormantTracking = 1;
+    m_nSpecLPCNumberofCoefficients = specOrder;
+    m_bSpecDrawFrequencyGrid = 1;
+    m_nSpecFrequencyGrid = 1000;
+    m_bSpecDrawTimeGrid = 1;
+    m_nSpecTimeGrid = 500;
+    m_bSpecInches = 1;
+    m_dSpecWidth = 6.0;
+    m_dSpecHeight = 4.0;
+
+    m_dPitchWindowLength = 35.0;
+    m_dPitchStepSize = 10.0;
+    m_dFreqDeviation = 100.0;
+    m_dPitchTrackingThreshHold = 1.0;
+    m_dCalculationLow = 50.0;
+    m_dCalculationHigh = 500.0;
+    m_nPitchDisplayLow = 50;
+    m_nPitchDisplayHigh = 500;
+    m_bPitchDrawFreqGrid = 1;
+    m_nPitchFreqGrid = 50;
+    m_bPitchDrawTimeGrid = 1;
+    m_nPitchTimeGrid = 1000;
+}
+
+void MyDocument::SetFileDefaultValues()
+{
+    for (auto& channel : m_Channel) {
+        channel->m_nParameterNumber = 31;
+        channel->m_dLengthMS = 200.0;
+        channel->m_nUpdateIntervalMS = 10;
+        channel->m_nColumnNum = static_cast<int>(channel->m_dLengthMS / channel->m_nUpdateIntervalMS);
+        for (int row = 0; row < kParameterCount; ++row) {
+            const ParameterFactoryRow& f = kFactoryParameters[row];
+            ParameterDefinition& p = channel->m_Parameters[row];
+            p.strName = f.name;
+            p.strDefinition = f.definition;
+            p.nDefaultValue = f.defaultValue;
+            p.nValue = f.defaultValue;
+            p.nMinValue = f.minValue;
+            p.nMaxValue = f.maxValue;
+            p.bSelected = f.selected;
+            p.mColor = RGBColor16{65535, 65535, 65535};
+            p.nsSetColor = Color::white();
+        }
+        // Row 23 (a7f) has no colour object, and the white meant for row 47 (gain) sits in
+        // spare entry 48: the table has always been laid out so, and saved documents and
+        // configurations carry it.
+        channel->m_Parameters[23].nsSetColor = Color();
+        channel->m_Parameters[47].nsSetColor = Color();
+        channel->m_Parameters[48].nsSetColor = Color::white();
+    }
+}
+
+int MyDocument::updateInterval()
+{
+    Channels& c = *m_Channel[0];
+    if (c.m_nUpdateIntervalMS < 1)
+        c.m_nUpdateIntervalMS = 10;
+    return c.m_nUpdateIntervalMS;
+}
+
+bool MyDocument::SetUpDataGridMemory()
+{
+    Channels& c = *m_Channel[0];
+    c.m_snppDataImage_Col_Row.clear();
+    const long long columns = c.m_nColumnNum < 0 ? 0 : static_cast<long long>(c.m_nColumnNum);
+    try {
+        // Two spare columns beyond the frames, as the grid has always had.
+        c.m_snppDataImage_Col_Row.assign(static_cast<std::size_t>(columns + 2), GridColumn{});
+    } catch (const std::bad_alloc&) {
+        c.m_snppDataImage_Col_Row.clear();
+        throw DocumentException::memoryError("Unable to allocate memory, in setupdatagrid");
+    } catch (const std::length_error&) {
+        c.m_snppDataImage_Col_Row.clear();
+        throw DocumentException::memoryError("Unable to allocate memory, in setupdatagrid");
+    }
+    for (long long col = 0; col < columns; ++col)
+        for (int row = 0; row < kParameterCount; ++row)
+            c.m_snppDataImage_Col_Row[col][row] = static_cast<std::int16_t>(c.m_Parameters[row].nDefaultValue);
+    return true;
+}
+
+void MyDocument::updateChangeCount(ChangeKind kind)
+{
+    switch (kind) {
+    case ChangeDone:
+        ++m_nChangeCount;
+        break;
+    case ChangeUndone:
+        --m_nChangeCount;
+        break;
+    case ChangeCleared:
+        m_nChangeCount = 0;
+        break;
+    }
+}
+
+bool MyDocument::CheckParameterNew(const std::string& name, bool batvapv) const
+{
+    const Channels& c = *m_Channel[0];
+    for (int row = 0; row < kParameterCount; ++row) {
+        const char* recordName = c.m_Parameters[row].strName;
+        if (recordName && name == recordName)
+            return true;
+        // "atv" is the older name of apv, accepted from the older documents.
+        if (batvapv && row == Row::apv && name == "atv")
+            return true;
+    }
+    return false;
+}
+
+bool MyDocument::CheckParameter(const char* name, bool batvapv) const
+{
+    if (!name)
+        return false;
+    return CheckParameterNew(std::string(name), batvapv);
+}

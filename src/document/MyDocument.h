@@ -1,0 +1,186 @@
+#pragma once
+// One synthetic utterance: four channels (0 synthesis with the grid, 1 previous synthesis,
+// 2 model utterance, 3 spare), the table data the editors change in place, the undo and redo
+// snapshots, the display colours, the track switches and the analysis settings.
+// Main thread only. Operations that fail throw DocumentException (name + reason); readers
+// answer 0 for success and -1 for failure.
+//
+// Where things live: set-up and grid in MyDocument.cpp, table data in MyDocumentTableData.cpp,
+// parameter documents in StkFile.cpp, WAVE files in WaveFile.cpp, undo/redo/revert in
+// UndoRedo.cpp (all src/document/); Synthesize in src/synthesis/Synthesize.cpp.
+#include "document/Channels.h"
+#include "document/Color.h"
+#include "table/DataTableDictionary.h"
+
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+class MyDocument {
+public:
+    enum ChangeKind { ChangeDone = 0, ChangeUndone = 1, ChangeCleared = 2 };
+
+    // Runs the set-up in order: flags, empty table data and undo lists, file type "stk", four
+    // channels, colours, track switches, analysis defaults, SetFileDefaultValues, then the
+    // configuration hook (when one is installed).
+    MyDocument();
+    ~MyDocument();
+    MyDocument(const MyDocument&) = delete;
+    MyDocument& operator=(const MyDocument&) = delete;
+
+    // The configuration file is the application's business: it installs a loader that every
+    // new document runs at the end of its set-up, and a writer that saveConfig() runs.
+    using ConfigurationHook = std::function<void(MyDocument&)>;
+    static void setConfigurationLoader(ConfigurationHook loader);
+    static void setConfigurationWriter(ConfigurationHook writer);
+    void saveConfig();
+
+    // --- parameters and grid ---
+    void SetFileDefaultValues();
+    bool SetUpDataGridMemory(); // throws "Memory Error" / "Unable to allocate memory, in setupdatagrid"
+    Channels* getChannel(int index) { return m_Channel[index].get(); }
+    const Channels* getChannel(int index) const { return m_Channel[index].get(); }
+    // Channel 0's update interval; a value below 1 is written back as 10 and 10 is used.
+    int updateInterval();
+
+    // --- table data ---
+    // Empties and rebuilds _dataTableDictionary from the parameter records of channel 0: values
+    // from the records for a new document, from the grid and the anchor list for a read one
+    // (m_bReadFile set). Repairs an update interval of 0 or less to 10 first.
+    void buildDataTableDictionary();
+    // Background colour of a row's cells: the group colour of m_bgColor by row; row 0 stays white.
+    Color groupBackgroundColor(int row) const;
+
+    // --- change count and file identity ---
+    void updateChangeCount(ChangeKind kind);
+    bool isDocumentEdited() const { return m_nChangeCount != 0; }
+    const std::string& fileURL() const { return m_strFileURL; } // a file-system path, may be empty
+    void setFileURL(const std::string& path) { m_strFileURL = path; }
+    const std::string& fileType() const { return m_strFileType; }
+    void setFileType(const std::string& type) { m_strFileType = type; }
+    // Why the last read failed, in words (for messages that name the file and the fault).
+    const std::string& lastReadError() const { return m_strReadError; }
+
+    // --- parameter document files ---
+    std::string Save_STK_FileType50(bool allRows);
+    std::string Save_STK_FileType(bool allRows); // undo snapshots
+    int Read_STK_FileType(const std::string& bytes);
+    static void EnterNumber(std::string& text, int number, bool bCRLFOnly);
+    static void EnterParameter(std::string& text, const char* name);
+    // Writes the document atomically (temporary file in the same folder, then rename); on
+    // failure the old file is untouched and `error` names the file and the system's reason.
+    bool writeSafelyToURL(const std::string& path, const std::string& typeName, std::string* error);
+
+    // --- WAVE files ---
+    std::string save_Wave_FileType();
+    int Read_WAVE_FileType(const std::string& bytes);
+    // Open entry point: WAVE first, then parameter document. On failure sets *errorCode = -4.
+    bool readFromData(const std::string& bytes, const std::string& typeName, int* errorCode);
+
+    // --- undo, redo, revert ---
+    void saveUndo();
+    void saveRedo();
+    void doUndo(); // throws "Error in reading the file" on an unreadable snapshot
+    void doRedo();
+    bool canUndo() const;
+    bool canRedo() const;
+    bool canRevert() const;
+    bool Read_STK_FileTypeDoUndo(const std::string& snapshot);
+    bool doRevertDocumentToSaved();
+
+    // --- synthesis (src/synthesis/Synthesize.cpp) ---
+    void Synthesize();
+    void ReadGridData() {}
+    void CopyCurrentToPrevious();
+    bool CheckParameterNew(const std::string& name, bool batvapv) const;
+    bool CheckParameter(const char* name, bool batvapv) const;
+
+    // ===== fields =====
+    std::array<std::unique_ptr<Channels>, 4> m_Channel;
+    DataTableDictionary _dataTableDictionary;
+    std::string _fileTypeName;
+    std::string _fileData;
+    std::uint8_t m_bAudiofile = 0;
+    std::uint8_t _bShowGridData = 1;
+    std::uint8_t m_bver50 = 0;
+    std::uint8_t m_bSaveAll = 1;
+    std::uint8_t m_bReadFile = 0;
+    double m_dNewSampleRate = 0.0;
+    double m_dNewLengthMS = 0.0;
+    std::int32_t m_nNewUpdateIntervalMS = 0;
+    std::array<Color, 15> m_bgColor{};
+    std::array<Color, 15> m_ColorTracing{};
+    std::int32_t m_nF0 = 1, m_nF1 = 0, m_nF2 = 0, m_nF3 = 0, m_nF4 = 0, m_nF5 = 0, m_nF6 = 0, m_nF7 = 0, m_nF8 = 0;
+    std::int32_t m_nAV = 0, m_nAPV = 0;
+    std::int32_t m_nA1F = 0, m_nA2F = 0, m_nA3F = 0, m_nA4F = 0, m_nA5F = 0, m_nA6F = 0, m_nA7F = 0, m_nA8F = 0;
+
+    // Undo and redo: snapshots before and after edits, oldest first, one shared position.
+    std::vector<std::string> _arrayUndo;
+    std::vector<std::string> _arrayRedo;
+    std::int32_t _nUndoRedoManCount = 10;
+    std::int32_t _nUndoRedoIndex = -1;
+    std::uint8_t _bDoRevert = 0;
+
+    // Frame dialog settings, remembered between uses: where (0 beginning, 1 after the
+    // selected frame, 2 end) and how many ms.
+    std::int32_t _nindexModifyColumn = 2;
+    std::int32_t _nDurationModifyColumn = 100;
+
+    // Analysis settings: FFT/LPC slice.
+    std::int32_t m_nFFTWindowLengthSelector = 3;
+    std::int32_t m_nFFTWindowLength = 256;
+    std::int32_t m_nFFTAppliedWindowLength = 23;
+    std::int32_t m_nFFTfrequencyRange = 5000;
+    std::int32_t m_nFFTAverageStepSize = 10;
+    std::int32_t m_nLPCNumberofCoefficients = 14;
+    std::uint8_t m_bFFTDrawLPC = 1;
+    std::uint8_t m_bFFTAbsolute = 1;
+    std::int32_t m_nFFTAbsoluteRange = 80;
+    std::uint8_t m_bFFTInches = 1;
+    std::uint8_t m_bFFTColor = 1;
+    double m_dFFTWidth = 6.0, m_dFFTHeight = 4.0;
+    std::uint8_t m_bFFTDrawFrequencyGrid = 1;
+    std::int32_t m_nFFTFrequencyGrid = 1000;
+    std::uint8_t m_bFFTDrawDBGrid = 1;
+    std::int32_t m_nFFTDBGrid = 20;
+    // Spectrogram.
+    std::int32_t m_nSpecWindowLengthSelector = 2;
+    std::int32_t m_nSpecWindowLength = 128;
+    std::int32_t m_nSpecDynamicRange = 50;
+    std::int32_t m_nSpecfrequencyRange = 5000;
+    double m_dPreEmphasis = 0.98;
+    std::uint8_t m_bSpecDrawFormantTracking = 1;
+    std::int32_t m_nSpecLPCNumberofCoefficients = 14;
+    std::uint8_t m_bSpecDrawFrequencyGrid = 1;
+    std::int32_t m_nSpecFrequencyGrid = 1000;
+    std::uint8_t m_bSpecDrawTimeGrid = 1;
+    std::int32_t m_nSpecTimeGrid = 500;
+    std::int32_t m_bSpecInches = 1;
+    double m_dSpecWidth = 6.0, m_dSpecHeight = 4.0;
+    // Pitch.
+    double m_dPitchWindowLength = 35.0;
+    double m_dPitchStepSize = 10.0;
+    double m_dFreqDeviation = 100.0;
+    double m_dPitchTrackingThreshHold = 1.0;
+    double m_dCalculationLow = 50.0;
+    double m_dCalculationHigh = 500.0;
+    std::int32_t m_nPitchDisplayLow = 50;
+    std::int32_t m_nPitchDisplayHigh = 500;
+    std::uint8_t m_bPitchDrawFreqGrid = 1;
+    std::int32_t m_nPitchFreqGrid = 50;
+    std::uint8_t m_bPitchDrawTimeGrid = 1;
+    std::int32_t m_nPitchTimeGrid = 1000;
+
+    // Sets the analysis settings to the values the option panels' Default buttons give for
+    // a sample rate (frequency ranges and LPC orders depend on it).
+    void setAnalysisDefaults(double sampleRate);
+
+private:
+    std::string m_strFileURL;
+    std::string m_strFileType = "stk";
+    std::string m_strReadError;
+    long m_nChangeCount = 0;
+};
