@@ -1,0 +1,258 @@
+// Inserting and removing frames and clearing anchors on a document's table data.
+#include "table/FrameEditing.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <vector>
+
+namespace
+{
+
+// A document of `frames` frames of 10 ms whose f0 cells carry 1000 + frame number, so that
+// every frame can be recognised wherever it ends up.
+struct FiveFrames : ::testing::Test {
+    MyDocument doc;
+    std::vector<CellRef> f0Cells; // f0 cell of old frame k at index k - 1
+
+    void SetUp() override { makeFrames(5); }
+
+    void makeFrames(int frames)
+    {
+        Channels& c = *doc.getChannel(0);
+        c.m_nUpdateIntervalMS = 10;
+        c.m_dLengthMS = 10.0 * frames;
+        c.m_nColumnNum = frames;
+        doc.buildDataTableDictionary();
+        f0Cells.clear();
+        for (int k = 1; k <= frames; ++k) {
+            CellRef cell = doc._dataTableDictionary.cellAt(k * 10, Row::f0);
+            cell->set_nValue(1000 + k);
+            cell->setInttoStringValue(1000 + k);
+            f0Cells.push_back(cell);
+        }
+    }
+
+    // The old frame number at table frame k, 0 for a new frame, -1 for a missing column.
+    int originAt(int k) const
+    {
+        CellRef cell = doc._dataTableDictionary.cellAt(static_cast<long long>(k) * 10, Row::f0);
+        if (!cell)
+            return -1;
+        for (std::size_t i = 0; i < f0Cells.size(); ++i)
+            if (f0Cells[i] == cell)
+                return static_cast<int>(i) + 1;
+        return 0;
+    }
+
+    std::vector<int> layout() const
+    {
+        std::vector<int> origins;
+        const int frames = static_cast<int>(doc._dataTableDictionary.count()) - 1;
+        for (int k = 1; k <= frames; ++k)
+            origins.push_back(originAt(k));
+        return origins;
+    }
+
+    int frameCount() const { return doc.getChannel(0)->m_nColumnNum; }
+    double lengthMS() const { return doc.getChannel(0)->m_dLengthMS; }
+    std::size_t undoSteps() const { return doc._arrayUndo.size(); }
+
+    void addFrames(int place, int durationMS, int selectedColumn = -1)
+    {
+        doc._nindexModifyColumn = place;
+        doc._nDurationModifyColumn = durationMS;
+        modifyColumns(doc, selectedColumn);
+    }
+};
+
+using Origins = std::vector<int>;
+
+} // namespace
+
+TEST_F(FiveFrames, AddingAtTheEndAddsWholeIntervalsWithRecordValues)
+{
+    doc.getChannel(0)->m_Parameters[Row::av].nValue = 47;
+    addFrames(FramesAtEnd, 35);
+    EXPECT_EQ(layout(), (Origins{1, 2, 3, 4, 5, 0, 0, 0}));
+    EXPECT_EQ(frameCount(), 8);
+    EXPECT_DOUBLE_EQ(lengthMS(), 80.0);
+    EXPECT_EQ(undoSteps(), 1u);
+    ASSERT_NE(doc._dataTableDictionary.objectForKey("80"), nullptr);
+    EXPECT_EQ(doc._dataTableDictionary.objectForKey("90"), nullptr);
+
+    // New frames: one cell per parameter row, the record's current value as value and text,
+    // limits and default of the record, no anchor; every frame has cells of its own.
+    const CellArray& added = *doc._dataTableDictionary.objectForKey("60");
+    ASSERT_EQ(added.size(), static_cast<std::size_t>(kParameterCount));
+    EXPECT_EQ(added[Row::av]->_nValue(), 47);
+    EXPECT_EQ(added[Row::av]->stringValue(), "47");
+    EXPECT_EQ(added[Row::f0]->_nValue(), 1000);
+    EXPECT_EQ(added[Row::f2]->_nMaxValue(), 3000);
+    EXPECT_EQ(added[Row::f2]->_nMinValue(), 550);
+    EXPECT_STREQ(added[Row::gain]->_strName(), "gain");
+    EXPECT_FALSE(added[Row::av]->_bAnchor());
+    EXPECT_NE(added[Row::av], doc._dataTableDictionary.cellAt(70, Row::av));
+    // The name column is carried over unchanged.
+    EXPECT_EQ(doc._dataTableDictionary.objectForKey("0")->size(), static_cast<std::size_t>(kParameterCount));
+}
+
+TEST_F(FiveFrames, AddingAtTheBeginningMovesEveryOldFrameUp)
+{
+    addFrames(FramesAtBeginning, 20);
+    EXPECT_EQ(layout(), (Origins{0, 0, 1, 2, 3, 4, 5}));
+    EXPECT_EQ(frameCount(), 7);
+    EXPECT_DOUBLE_EQ(lengthMS(), 70.0);
+    EXPECT_EQ(doc._dataTableDictionary.cellAt(30, Row::f0)->_nValue(), 1001);
+}
+
+TEST_F(FiveFrames, AddingAfterTheSelectedFrame)
+{
+    addFrames(FramesAfterSelection, 20, 2);
+    EXPECT_EQ(layout(), (Origins{1, 2, 0, 0, 3, 4, 5}));
+
+    // The name column stands for frame 1.
+    makeFrames(5);
+    addFrames(FramesAfterSelection, 10, 0);
+    EXPECT_EQ(layout(), (Origins{1, 0, 2, 3, 4, 5}));
+
+    // After the last frame.
+    makeFrames(5);
+    addFrames(FramesAfterSelection, 10, 5);
+    EXPECT_EQ(layout(), (Origins{1, 2, 3, 4, 5, 0}));
+    EXPECT_DOUBLE_EQ(lengthMS(), 60.0);
+}
+
+TEST_F(FiveFrames, AddingLessThanAnIntervalOrWithoutSelectionOnlyRecordsUndo)
+{
+    doc._nindexModifyColumn = FramesAtEnd;
+    doc._nDurationModifyColumn = 5;
+    EXPECT_TRUE(modifyColumns(doc, -1));
+    EXPECT_EQ(layout(), (Origins{1, 2, 3, 4, 5}));
+    EXPECT_EQ(undoSteps(), 1u);
+
+    doc._nindexModifyColumn = FramesAfterSelection;
+    doc._nDurationModifyColumn = 100;
+    EXPECT_FALSE(modifyColumns(doc, -1));
+    EXPECT_EQ(layout(), (Origins{1, 2, 3, 4, 5}));
+    EXPECT_EQ(frameCount(), 5);
+    EXPECT_EQ(undoSteps(), 2u);
+
+    // A negative duration adds nothing either.
+    addFrames(FramesAtBeginning, -40);
+    EXPECT_EQ(layout(), (Origins{1, 2, 3, 4, 5}));
+}
+
+TEST_F(FiveFrames, AddingUsesTheRepairedIntervalAndTheLengthsFrameCount)
+{
+    // An interval below 1 is read as 10 and written back.
+    doc.getChannel(0)->m_nUpdateIntervalMS = 0;
+    addFrames(FramesAtEnd, 20);
+    EXPECT_EQ(doc.getChannel(0)->m_nUpdateIntervalMS, 10);
+    EXPECT_EQ(layout(), (Origins{1, 2, 3, 4, 5, 0, 0}));
+
+    // The old frames are counted from the length: 45 ms at 10 ms is 4 frames, so old frame
+    // 5 is dropped when the table data is rebuilt.
+    makeFrames(5);
+    doc.getChannel(0)->m_dLengthMS = 45.0;
+    addFrames(FramesAtEnd, 10);
+    EXPECT_EQ(layout(), (Origins{1, 2, 3, 4, 0}));
+
+    // A length that claims more frames than the table holds adds no holes.
+    makeFrames(5);
+    doc.getChannel(0)->m_dLengthMS = 1e12;
+    addFrames(FramesAtEnd, 10);
+    EXPECT_EQ(layout(), (Origins{1, 2, 3, 4, 5, 0}));
+    // A length that is no number keeps every frame of the table data.
+    doc.getChannel(0)->m_dLengthMS = std::nan("");
+    addFrames(FramesAtBeginning, 10);
+    EXPECT_EQ(layout(), (Origins{0, 1, 2, 3, 4, 5, 0}));
+    EXPECT_DOUBLE_EQ(lengthMS(), 70.0);
+}
+
+TEST_F(FiveFrames, RemovingTakesTheWholeSpanOfTheSelection)
+{
+    // Frames 2 and 4 selected: 2, 3 and 4 go.
+    EXPECT_TRUE(removeColumns(doc, 2, 4));
+    EXPECT_EQ(layout(), (Origins{1, 5}));
+    EXPECT_EQ(frameCount(), 2);
+    EXPECT_DOUBLE_EQ(lengthMS(), 20.0);
+    EXPECT_EQ(doc._dataTableDictionary.count(), 3u);
+    EXPECT_EQ(undoSteps(), 1u);
+
+    // The name column counts as frame 1.
+    makeFrames(5);
+    EXPECT_TRUE(removeColumns(doc, 0, 2));
+    EXPECT_EQ(layout(), (Origins{3, 4, 5}));
+
+    // Everything.
+    makeFrames(5);
+    EXPECT_TRUE(removeColumns(doc, 1, 5));
+    EXPECT_TRUE(layout().empty());
+    EXPECT_EQ(frameCount(), 0);
+    EXPECT_DOUBLE_EQ(lengthMS(), 0.0);
+    ASSERT_NE(doc._dataTableDictionary.objectForKey("0"), nullptr);
+
+    // A selection past the last frame removes up to the end and no further.
+    makeFrames(5);
+    EXPECT_TRUE(removeColumns(doc, 4, 9));
+    EXPECT_EQ(layout(), (Origins{1, 2, 3}));
+}
+
+TEST_F(FiveFrames, RemovingWithoutSelectionChangesOnlyTheUndoHistory)
+{
+    EXPECT_FALSE(removeColumns(doc, -1, -1));
+    EXPECT_EQ(layout(), (Origins{1, 2, 3, 4, 5}));
+    EXPECT_EQ(frameCount(), 5);
+    EXPECT_EQ(undoSteps(), 1u);
+}
+
+TEST_F(FiveFrames, AddedFramesCanBeRemovedAgain)
+{
+    addFrames(FramesAfterSelection, 30, 3);
+    ASSERT_EQ(layout(), (Origins{1, 2, 3, 0, 0, 0, 4, 5}));
+    removeColumns(doc, 4, 6);
+    EXPECT_EQ(layout(), (Origins{1, 2, 3, 4, 5}));
+    EXPECT_EQ(doc._dataTableDictionary.cellAt(50, Row::f0)->_nValue(), 1005);
+}
+
+TEST_F(FiveFrames, RemovingAnchorsClearsOnlyFlagsOfTheRowSpan)
+{
+    auto anchorEverywhere = [&] {
+        for (int k = 1; k <= 5; ++k)
+            for (const CellRef& cell : *doc._dataTableDictionary.objectForKey(k * 10))
+                cell->set_bAnchor(true);
+    };
+    auto anchoredRows = [&] {
+        std::vector<int> rows;
+        for (int row = 0; row < kParameterCount; ++row) {
+            bool all = true;
+            for (int k = 1; k <= 5; ++k)
+                all = all && doc._dataTableDictionary.cellAt(k * 10, row)->_bAnchor();
+            if (all)
+                rows.push_back(row);
+        }
+        return rows;
+    };
+
+    anchorEverywhere();
+    removeAnchors(doc, 2, 7);
+    std::vector<int> expected = {0, 1};
+    for (int row = 8; row < kParameterCount; ++row)
+        expected.push_back(row);
+    EXPECT_EQ(anchoredRows(), expected);
+    for (int k = 1; k <= 5; ++k)
+        EXPECT_EQ(doc._dataTableDictionary.cellAt(k * 10, Row::f0)->_nValue(), 1000 + k);
+    EXPECT_EQ(undoSteps(), 0u);
+
+    // Rows beyond the table and reversed or negative spans are harmless.
+    removeAnchors(doc, 40, 1000);
+    EXPECT_EQ(anchoredRows().back(), 39);
+    removeAnchors(doc, 1, 0);
+    removeAnchors(doc, -5, -1);
+    EXPECT_EQ(anchoredRows().front(), 0);
+
+    removeAllAnchors(doc);
+    EXPECT_TRUE(anchoredRows().empty());
+    EXPECT_EQ(undoSteps(), 0u);
+}
