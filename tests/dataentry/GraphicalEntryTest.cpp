@@ -1,0 +1,245 @@
+// The graphical data-entry window driven with real mouse events under the offscreen platform;
+// the checks are on the document's cells and undo lists.
+#include "dataentry/dataentryGraphicalController.h"
+#include "dataentry/viewF0.h"
+#include "dataentry/viewFormants.h"
+#include "dataentry/viewOthers.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QImage>
+#include <QMouseEvent>
+#include <QPushButton>
+#include <QTest>
+
+#include <cstdlib>
+#include <memory>
+
+namespace
+{
+
+// A 20-frame document (10 ms frames, factory values) in a window whose plots are 400 pixels
+// wide (20 pixels per frame); the F0 plot is 100 pixels high.
+struct GraphicalEntry : ::testing::Test {
+    MyDocument doc;
+    std::unique_ptr<dataentryGraphicalController> controller;
+
+    void SetUp() override
+    {
+        doc.buildDataTableDictionary();
+        controller = std::make_unique<dataentryGraphicalController>(&doc, nullptr);
+        showAt(505, 426);
+    }
+
+    void showAt(int w, int h)
+    {
+        QWidget* window = controller->window();
+        window->show();
+        // The content area (below the menu bar) is what the plots share.
+        const QSize content = static_cast<QWidget*>(controller->_viewF0()->parent())->size();
+        window->resize(window->width() + (w - content.width()), window->height() + (h - content.height()));
+        QApplication::processEvents();
+    }
+
+    viewF0& f0View() { return *controller->_viewF0(); }
+    int value(int frame, int row) const
+    {
+        return doc._dataTableDictionary.cellAt(static_cast<long long>(frame + 1) * 10, row)->_nValue();
+    }
+    std::string text(int frame, int row) const
+    {
+        return doc._dataTableDictionary.cellAt(static_cast<long long>(frame + 1) * 10, row)->stringValue();
+    }
+
+    static void send(QWidget& view, QEvent::Type type, QPointF at, Qt::MouseButton button,
+                     Qt::MouseButtons held)
+    {
+        QMouseEvent event(type, at, view.mapToGlobal(at), button, held, Qt::NoModifier);
+        QApplication::sendEvent(&view, &event);
+    }
+    // Press at the first point, drag through the others, release at the last.
+    static void drag(QWidget& view, std::initializer_list<QPointF> points)
+    {
+        auto p = points.begin();
+        send(view, QEvent::MouseButtonPress, *p, Qt::LeftButton, Qt::LeftButton);
+        for (++p; p != points.end(); ++p)
+            send(view, QEvent::MouseMove, *p, Qt::NoButton, Qt::LeftButton);
+        send(view, QEvent::MouseButtonRelease, *(points.end() - 1), Qt::LeftButton, Qt::NoButton);
+    }
+};
+
+} // namespace
+
+TEST_F(GraphicalEntry, DraggingOverTheF0PlotSetsExactlyTheFramesUnderThePointer)
+{
+    ASSERT_EQ(f0View().width(), 400);
+    ASSERT_EQ(f0View().height(), 100);
+    const CellRef frame3 = doc._dataTableDictionary.cellAt(40, Row::f0);
+
+    // Press in frame 0, drag through frames 1 and 3 (frame 2 skipped), release in frame 3.
+    drag(f0View(), {{10, 50}, {30, 50}, {70, 25}});
+
+    EXPECT_EQ(value(0, Row::f0), 1000);
+    EXPECT_EQ(value(1, Row::f0), 1500); // trunc((100 - 50) x 3000 / 100)
+    EXPECT_EQ(value(2, Row::f0), 1000);
+    EXPECT_EQ(value(3, Row::f0), 2250);
+    EXPECT_EQ(value(4, Row::f0), 1000);
+    // Committed on release: the texts follow, the table keeps the same cell objects, and
+    // one undo and one redo snapshot frame the edit.
+    EXPECT_EQ(text(1, Row::f0), "1500");
+    EXPECT_EQ(text(3, Row::f0), "2250");
+    EXPECT_EQ(doc._dataTableDictionary.cellAt(40, Row::f0), frame3);
+    EXPECT_EQ(doc._arrayUndo.size(), 1u);
+    EXPECT_EQ(doc._arrayRedo.size(), 1u);
+    EXPECT_TRUE(doc.isDocumentEdited());
+    EXPECT_TRUE(f0View()._arraytrace().empty());
+    // The other rows of those frames are untouched.
+    EXPECT_EQ(value(1, Row::av), 60);
+}
+
+TEST_F(GraphicalEntry, EdgesGiveFullScaleAndZeroAndPointsOutsideAreIgnored)
+{
+    drag(f0View(), {{5, 0}, {5, 0}, {25, 100}, {45, 100.5}, {400, 10}, {-1, 10}});
+    EXPECT_EQ(value(0, Row::f0), 3000);  // top edge: full scale, above f0's maximum, kept as drawn
+    EXPECT_EQ(value(1, Row::f0), 0);     // bottom edge
+    EXPECT_EQ(value(2, Row::f0), 1000);  // below the bottom edge: outside
+    EXPECT_EQ(value(19, Row::f0), 1000); // the right edge maps past the last frame
+
+    // The formant plot (200 high, scale 5000) in F2 mode.
+    controller->actionParameter(dataentryGraphicalController::F2);
+    drag(*controller->_viewFormants(), {{390, 0}, {390, 0}, {390, 199}});
+    EXPECT_EQ(value(19, Row::f2), 25); // trunc(1 x 5000 / 200)
+}
+
+TEST_F(GraphicalEntry, ButtonsChooseTheActiveTracksAndStoreTheSwitches)
+{
+    viewFormants& formants = *controller->_viewFormants();
+    viewOthers& others = *controller->_viewOthers();
+
+    // The window opens in F0 mode.
+    EXPECT_TRUE(f0View()._bActiveF0());
+    EXPECT_FALSE(formants.hasActiveTrack());
+    EXPECT_FALSE(others.hasActiveTrack());
+
+    controller->button(dataentryGraphicalController::F2)->click();
+    EXPECT_FALSE(f0View().hasActiveTrack());
+    EXPECT_TRUE(formants._bActiveF(1));
+    EXPECT_TRUE(others.isActive("a2f"));
+    EXPECT_EQ(doc.m_nF2, 1);
+    EXPECT_EQ(doc.m_nF0, 0);
+    EXPECT_EQ(others.caption().left(3), "a2f");
+
+    controller->button(dataentryGraphicalController::AV)->click();
+    EXPECT_FALSE(f0View().hasActiveTrack());
+    EXPECT_FALSE(formants.hasActiveTrack());
+    EXPECT_TRUE(others._bActiveF(5));
+    EXPECT_EQ(doc.m_nF2, 0);
+    EXPECT_EQ(doc.m_nAV, 1);
+    EXPECT_FALSE(controller->button(dataentryGraphicalController::F2)->isChecked());
+
+    // A drag in a plot without an active track records nothing.
+    drag(f0View(), {{10, 10}, {10, 10}});
+    EXPECT_EQ(value(0, Row::f0), 1000);
+    EXPECT_TRUE(doc._arrayUndo.empty());
+
+    // The A5F switch is read but never written back.
+    doc.m_nA5F = 7;
+    controller->button(dataentryGraphicalController::A5F)->click();
+    EXPECT_TRUE(others.isActive("a5f"));
+    EXPECT_EQ(doc.m_nA5F, 7);
+    EXPECT_EQ(doc.m_nAV, 0);
+}
+
+TEST_F(GraphicalEntry, AClickWithoutADragRecordsUndoAndRedoOnly)
+{
+    const CellRef before = doc._dataTableDictionary.cellAt(10, Row::f0);
+    send(f0View(), QEvent::MouseButtonPress, {10, 10}, Qt::LeftButton, Qt::LeftButton);
+    send(f0View(), QEvent::MouseButtonRelease, {10, 10}, Qt::LeftButton, Qt::NoButton);
+    EXPECT_EQ(doc._arrayUndo.size(), 1u);
+    EXPECT_EQ(doc._arrayRedo.size(), 1u);
+    for (int frame = 0; frame < 20; ++frame)
+        EXPECT_EQ(value(frame, Row::f0), 1000);
+    EXPECT_EQ(doc._dataTableDictionary.cellAt(10, Row::f0), before);
+}
+
+TEST_F(GraphicalEntry, AmplitudeDragEditsTheActiveAmplitudeRow)
+{
+    controller->actionParameter(dataentryGraphicalController::F1);
+    viewOthers& others = *controller->_viewOthers();
+    ASSERT_EQ(others.height(), 95);
+    drag(others, {{50, 0}, {50, 0}, {110, 95}});
+    EXPECT_EQ(value(2, Row::a1f), 90);
+    EXPECT_EQ(value(5, Row::a1f), 0);
+    EXPECT_EQ(value(2, Row::a2f), 30);
+    EXPECT_EQ(value(2, Row::f1), 500);
+}
+
+TEST_F(GraphicalEntry, UndoAfterADragRestoresTheValues)
+{
+    drag(f0View(), {{10, 50}, {30, 50}, {50, 50}});
+    ASSERT_EQ(value(2, Row::f0), 1500);
+    doc.doUndo();
+    controller->setupViews();
+    EXPECT_EQ(value(1, Row::f0), 1000);
+    EXPECT_EQ(value(2, Row::f0), 1000);
+    // The views hold the new cells: another drag edits the table again.
+    drag(f0View(), {{50, 0}, {50, 0}});
+    EXPECT_EQ(value(2, Row::f0), 3000);
+}
+
+TEST_F(GraphicalEntry, DragAfterTheTableReplacedCellsKeepsTheTablesEdit)
+{
+    // The table replaces a cell with a new one (as typed entry and interpolation do).
+    auto replacement = std::make_shared<ImageAndTextCell>();
+    replacement->copy(*doc._dataTableDictionary.cellAt(60, Row::f0));
+    replacement->set_nValue(1234);
+    replacement->setInttoStringValue(1234);
+    (*doc._dataTableDictionary.objectForKey(60))[Row::f0] = replacement;
+
+    drag(f0View(), {{10, 50}, {10, 50}});
+    EXPECT_EQ(value(5, Row::f0), 1234);
+    EXPECT_EQ(value(0, Row::f0), 1500);
+}
+
+TEST_F(GraphicalEntry, PlotsTileTheHeightOneTwoOneAndFollowResizes)
+{
+    showAt(705, 626); // H = 600
+    EXPECT_EQ(controller->_viewF0()->geometry(), QRect(100, 5, 600, 150));
+    EXPECT_EQ(controller->_viewFormants()->geometry(), QRect(100, 155, 600, 300));
+    EXPECT_EQ(controller->_viewOthers()->geometry(), QRect(100, 455, 600, 145));
+    // The buttons sit in the left margin beside their plots.
+    const QRect f3 = controller->button(dataentryGraphicalController::F3)->geometry();
+    EXPECT_LT(f3.right(), 100);
+    EXPECT_GE(f3.top(), 155);
+    EXPECT_LT(f3.bottom(), 455);
+    const QRect a5f = controller->button(dataentryGraphicalController::A5F)->geometry();
+    EXPECT_GE(a5f.top(), 455);
+    EXPECT_LT(a5f.bottom(), 600);
+}
+
+TEST_F(GraphicalEntry, ColoursAndVoicingDecideWhatTheF0PlotShows)
+{
+    controller->actionColor(0, Qt::red);
+    controller->actionColor(3, Qt::blue);
+    EXPECT_EQ(doc.m_ColorTracing[0], Color::rgb(1, 0, 0));
+    EXPECT_EQ(controller->_viewFormants()->_tracingColor(2), QColor(Qt::blue));
+
+    // Frame 4 unvoiced (av 10): its f0 point is hidden, frame 5's (av 11) is drawn. Both
+    // points would sit at x = 20 k, y = 100 - 1000 x 100 / 3000 = 67.
+    doc._dataTableDictionary.cellAt(50, Row::av)->set_nValue(10);
+    doc._dataTableDictionary.cellAt(60, Row::av)->set_nValue(11);
+    const QImage image = f0View().grab().toImage();
+    auto isRed = [&](int x, int y) { return image.pixelColor(x, y) == QColor(Qt::red); };
+    EXPECT_FALSE(isRed(81, 68));
+    EXPECT_TRUE(isRed(101, 68));
+}
+
+int main(int argc, char** argv)
+{
+    if (!std::getenv("QT_QPA_PLATFORM"))
+        setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    QApplication app(argc, argv);
+    ::testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}
