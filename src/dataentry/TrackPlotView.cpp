@@ -205,6 +205,7 @@ void TrackPlotView::commitActiveTracks()
 void TrackPlotView::paintEvent(QPaintEvent* event)
 {
     QPainter painter(this);
+    painter.setClipRect(event->rect());
     const QRect bounds = rect();
     painter.fillRect(bounds, Qt::white);
     painter.setPen(Qt::black);
