@@ -132,6 +132,7 @@ void dataentryGraphicalController::makeControls()
         m_wells[well] = button;
     }
     m_content->installEventFilter(this);
+    m_window->installEventFilter(this);
 }
 
 void dataentryGraphicalController::makeMenus()
@@ -261,6 +262,10 @@ bool dataentryGraphicalController::eventFilter(QObject* watched, QEvent* event)
         const QSize size = static_cast<QResizeEvent*>(event)->size();
         specialWindowDidResize(size.width(), size.height());
     }
+    // Edits in the table (typed values, interpolation) replace cells; coming back to this
+    // window shows the cells the table holds now.
+    if (watched == m_window.get() && event->type() == QEvent::WindowActivate)
+        setupViews();
     return QObject::eventFilter(watched, event);
 }
 

@@ -1,0 +1,64 @@
+#include "table/addColumns.h"
+
+#include "document/MyDocument.h"
+
+#include <QButtonGroup>
+#include <QDialogButtonBox>
+#include <QFormLayout>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QSpinBox>
+#include <QVBoxLayout>
+
+addColumns::addColumns(QWidget* parent) : QDialog(parent)
+{
+    setWindowTitle(QStringLiteral("Add Frames"));
+    auto* layout = new QVBoxLayout(this);
+    m_groupLocation = new QButtonGroup(this);
+    const char* places[] = {"At the beginning", "After the selected frame", "At the end"};
+    for (int row = 0; row < 3; ++row) {
+        auto* radio = new QRadioButton(QString::fromUtf8(places[row]), this);
+        m_groupLocation->addButton(radio, row);
+        layout->addWidget(radio);
+    }
+    auto* form = new QFormLayout;
+    m_duration = new QSpinBox(this);
+    m_duration->setRange(0, kMaximumDurationMS);
+    m_duration->setSuffix(QStringLiteral(" ms"));
+    form->addRow(QStringLiteral("Duration to add:"), m_duration);
+    layout->addLayout(form);
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
+    connect(buttons->button(QDialogButtonBox::Ok), &QPushButton::clicked, this, &addColumns::oktButton);
+    connect(buttons->button(QDialogButtonBox::Cancel), &QPushButton::clicked, this,
+            &addColumns::canceltButton);
+    layout->addWidget(buttons);
+}
+
+void addColumns::setup(const MyDocument& doc)
+{
+    // A remembered place outside the three is shown as "at the end", the factory choice.
+    QAbstractButton* place = m_groupLocation->button(doc._nindexModifyColumn);
+    (place ? place : m_groupLocation->button(2))->setChecked(true);
+    m_duration->setValue(doc._nDurationModifyColumn);
+}
+
+void addColumns::save(MyDocument& doc) const
+{
+    m_duration->interpretText(); // a number still being typed counts
+    doc._nindexModifyColumn = m_groupLocation->checkedId();
+    doc._nDurationModifyColumn = m_duration->value();
+}
+
+int addColumns::showInWindow(QWidget* parent, MyDocument* doc)
+{
+    if (parent && parentWidget() != parent)
+        setParent(parent, Qt::Dialog);
+    setWindowModality(Qt::WindowModal);
+    if (doc)
+        setup(*doc);
+    const int code = exec();
+    if (code == kOK && doc)
+        save(*doc);
+    close();
+    return code == kOK ? kOK : kCancel;
+}
