@@ -122,6 +122,7 @@ void TrackPlotView::mousePressEvent(QMouseEvent* event)
     // Take the cells afresh: an edit in the table may have replaced some since the last set-up,
     // and committing stale cells would undo that edit.
     setup();
+    m_nFollowedColumn = -1;
     m_arraytrace.clear();
     _pDoc->saveUndo();
     m_bDrawing = true;
@@ -133,9 +134,7 @@ void TrackPlotView::mouseMoveEvent(QMouseEvent* event)
     if (!_pDoc || !inside(p))
         return;
     if (!(event->buttons() & Qt::LeftButton)) {
-        const int frame = frameAt(p.x());
-        if (m_mainTableID && frame >= 0)
-            m_mainTableID->selectaColumn(frame + 1);
+        followInTable(frameAt(p.x()));
         return;
     }
     if (m_bDrawing && hasActiveTrack())
@@ -148,8 +147,7 @@ void TrackPlotView::dragTo(const QPointF& p)
     if (frame < 0)
         return;
     const int value = valueAt(p.y());
-    if (m_mainTableID)
-        m_mainTableID->selectaColumn(frame + 1);
+    followInTable(frame);
     m_arraytrace.push_back(p);
     bool changed = false;
     for (Track& track : m_tracks) {
@@ -164,6 +162,21 @@ void TrackPlotView::dragTo(const QPointF& p)
         updateFrame(frame);
         emit frameEdited(frame);
     }
+}
+
+void TrackPlotView::followInTable(int frame)
+{
+    // Selecting the column the table already shows selected would only cost time.
+    if (!m_mainTableID || frame < 0 || frame + 1 == m_nFollowedColumn)
+        return;
+    m_nFollowedColumn = frame + 1;
+    m_mainTableID->selectaColumn(m_nFollowedColumn);
+}
+
+void TrackPlotView::leaveEvent(QEvent* event)
+{
+    m_nFollowedColumn = -1; // the user may select in the table meanwhile
+    QWidget::leaveEvent(event);
 }
 
 void TrackPlotView::mouseReleaseEvent(QMouseEvent* event)

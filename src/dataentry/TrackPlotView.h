@@ -93,6 +93,7 @@ protected:
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
+    void leaveEvent(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
@@ -100,6 +101,7 @@ private:
     bool inside(const QPointF& p) const;
     void dragTo(const QPointF& p);
     void commitActiveTracks();
+    void followInTable(int frame);
     void drawTrack(QPainter& painter, const Track& track, int first, int last) const;
     void drawTrace(QPainter& painter, const QRect& clip) const;
     std::vector<CellRef> rowCells(int row, int frames) const;
@@ -109,5 +111,6 @@ private:
     int m_nScale;
     std::vector<Track> m_tracks;
     std::vector<QPointF> m_arraytrace;
-    bool m_bDrawing = false; // a mouse down with an active track started a drag
+    bool m_bDrawing = false;    // a mouse down with an active track started a drag
+    int m_nFollowedColumn = -1; // the table column last selected for the pointer
 };

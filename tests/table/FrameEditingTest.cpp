@@ -207,6 +207,18 @@ TEST_F(FiveFrames, RemovingWithoutSelectionChangesOnlyTheUndoHistory)
     EXPECT_EQ(undoSteps(), 1u);
 }
 
+TEST_F(FiveFrames, UndoReturnsToTheFramesBeforeTheEdit)
+{
+    removeColumns(doc, 2, 3);
+    ASSERT_EQ(frameCount(), 3);
+    doc.doUndo();
+    EXPECT_EQ(frameCount(), 5);
+    EXPECT_DOUBLE_EQ(lengthMS(), 50.0);
+    ASSERT_EQ(doc._dataTableDictionary.count(), 6u);
+    for (int k = 1; k <= 5; ++k)
+        EXPECT_EQ(doc._dataTableDictionary.cellAt(k * 10, Row::f0)->_nValue(), 1000 + k);
+}
+
 TEST_F(FiveFrames, AddedFramesCanBeRemovedAgain)
 {
     addFrames(FramesAfterSelection, 30, 3);

@@ -1,0 +1,222 @@
+// The table's frame, anchor and interpolation commands and the add-frames dialog, run on a
+// real table under the offscreen platform; the checks are on the document.
+#include "table/Alert.h"
+#include "table/addColumns.h"
+#include "table/mainTable.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QButtonGroup>
+#include <QItemSelectionModel>
+#include <QSpinBox>
+#include <QTimer>
+
+#include <cstdlib>
+#include <memory>
+
+namespace
+{
+
+struct RecordedAlert {
+    QString title, message, button;
+};
+
+// A five-frame document (10 ms) in a table; frame k's f0 is 1000 + k.
+struct FrameCommands : ::testing::Test {
+    MyDocument doc;
+    std::unique_ptr<mainTable> table;
+    std::vector<RecordedAlert> alerts;
+
+    void SetUp() override
+    {
+        Channels& c = *doc.getChannel(0);
+        c.m_dLengthMS = 50.0;
+        c.m_nColumnNum = 5;
+        doc.buildDataTableDictionary();
+        for (int k = 1; k <= 5; ++k)
+            setValue(k - 1, Row::f0, 1000 + k);
+        table = std::make_unique<mainTable>(&doc);
+        Alert::setHandler([this](const QString& t, const QString& m, const QString& b) {
+            alerts.push_back({t, m, b});
+        });
+    }
+    void TearDown() override { Alert::setHandler({}); }
+
+    CellRef cell(int frame, int row) const
+    {
+        return doc._dataTableDictionary.cellAt(static_cast<long long>(frame + 1) * 10, row);
+    }
+    int value(int frame, int row) const { return cell(frame, row)->_nValue(); }
+    void setValue(int frame, int row, int v) const
+    {
+        cell(frame, row)->set_nValue(v);
+        cell(frame, row)->setInttoStringValue(v);
+    }
+    std::vector<int> f0s() const
+    {
+        std::vector<int> values;
+        for (int k = 0; k < doc.getChannel(0)->m_nColumnNum; ++k)
+            values.push_back(value(k, Row::f0));
+        return values;
+    }
+    void select(int row, int column) const
+    {
+        table->selectionModel()->select(table->model()->index(row, column), QItemSelectionModel::Select);
+    }
+};
+
+// Clicks a button of the modal dialog once it is up.
+void answerDialog(std::function<void(addColumns&)> answer)
+{
+    QTimer::singleShot(0, [answer] {
+        auto* dialog = qobject_cast<addColumns*>(QApplication::activeModalWidget());
+        ASSERT_NE(dialog, nullptr);
+        answer(*dialog);
+    });
+}
+
+} // namespace
+
+TEST_F(FrameCommands, DialogShowsAndStoresTheRememberedSettingsOnlyOnOK)
+{
+    doc._nindexModifyColumn = 1;
+    doc._nDurationModifyColumn = 70;
+    addColumns dialog;
+    answerDialog([](addColumns& d) {
+        EXPECT_EQ(d._groupLocation()->checkedId(), 1);
+        EXPECT_EQ(d._duration()->value(), 70);
+        d._groupLocation()->button(0)->setChecked(true);
+        d._duration()->setValue(40);
+        d.canceltButton();
+    });
+    EXPECT_EQ(dialog.showInWindow(nullptr, &doc), 1001);
+    EXPECT_EQ(doc._nindexModifyColumn, 1);
+    EXPECT_EQ(doc._nDurationModifyColumn, 70);
+
+    addColumns again;
+    answerDialog([](addColumns& d) {
+        d._groupLocation()->button(0)->setChecked(true);
+        d._duration()->setValue(40);
+        d.oktButton();
+    });
+    EXPECT_EQ(again.showInWindow(nullptr, &doc), 1000);
+    EXPECT_EQ(doc._nindexModifyColumn, 0);
+    EXPECT_EQ(doc._nDurationModifyColumn, 40);
+}
+
+TEST_F(FrameCommands, AddFramesCommandInsertsAfterTheSelectedFrame)
+{
+    doc._nindexModifyColumn = 1;
+    doc._nDurationModifyColumn = 20;
+    table->selectaColumn(2);
+    answerDialog([](addColumns& d) { d.oktButton(); });
+    table->_editAddColumns();
+
+    EXPECT_EQ(f0s(), (std::vector<int>{1001, 1002, 1000, 1000, 1003, 1004, 1005}));
+    EXPECT_DOUBLE_EQ(doc.getChannel(0)->m_dLengthMS, 70.0);
+    EXPECT_EQ(table->model()->columnCount(), 8);
+    EXPECT_TRUE(table->_bSynthesize);
+    EXPECT_TRUE(doc.isDocumentEdited());
+    EXPECT_EQ(doc._arrayUndo.size(), 1u);
+
+    // Undo returns to the five frames.
+    table->undo();
+    EXPECT_EQ(f0s(), (std::vector<int>{1001, 1002, 1003, 1004, 1005}));
+    EXPECT_EQ(table->model()->columnCount(), 6);
+}
+
+TEST_F(FrameCommands, AddingAtTheEndAndCancellingTheDialog)
+{
+    doc._nindexModifyColumn = 2;
+    doc._nDurationModifyColumn = 35;
+    answerDialog([](addColumns& d) { d.canceltButton(); });
+    table->_editAddColumns();
+    EXPECT_EQ(doc.getChannel(0)->m_nColumnNum, 5);
+    EXPECT_TRUE(doc._arrayUndo.empty());
+
+    answerDialog([](addColumns& d) { d.oktButton(); });
+    table->_editAddColumns();
+    EXPECT_EQ(doc.getChannel(0)->m_nColumnNum, 8);
+    EXPECT_DOUBLE_EQ(doc.getChannel(0)->m_dLengthMS, 80.0);
+    EXPECT_NE(doc._dataTableDictionary.objectForKey("80"), nullptr);
+}
+
+TEST_F(FrameCommands, RemoveFramesTakesTheSpanOrExplainsAnEmptySelection)
+{
+    table->clearSelection();
+    table->_editRemoveColumns();
+    ASSERT_EQ(alerts.size(), 1u);
+    EXPECT_EQ(alerts[0].title, "No Column Selected");
+    EXPECT_EQ(alerts[0].message, "Select a colum or a range of clumns first.");
+    EXPECT_EQ(alerts[0].button, "OK");
+    EXPECT_EQ(doc.getChannel(0)->m_nColumnNum, 5);
+    EXPECT_EQ(doc._arrayUndo.size(), 1u);
+
+    select(0, 2);
+    select(0, 4);
+    table->_editRemoveColumns();
+    EXPECT_EQ(alerts.size(), 1u);
+    EXPECT_EQ(f0s(), (std::vector<int>{1001, 1005}));
+    EXPECT_DOUBLE_EQ(doc.getChannel(0)->m_dLengthMS, 20.0);
+    EXPECT_EQ(table->model()->columnCount(), 3);
+    EXPECT_EQ(doc._arrayUndo.size(), 2u);
+}
+
+TEST_F(FrameCommands, InterpolatingTheSelectionFillsTheRowSpanWithTruncatedValues)
+{
+    // Rows 3 (af) and 9 (f4) between anchors; rows 2 and 7 selected, so 2..7 are interpolated.
+    for (int row : {Row::af, Row::f4}) {
+        setValue(0, row, 10);
+        setValue(3, row, 0);
+        cell(0, row)->set_bAnchor(true);
+        cell(3, row)->set_bAnchor(true);
+    }
+    select(Row::ah, 1);
+    select(Row::f6, 3);
+    table->_InterpolateSelection();
+
+    EXPECT_EQ(value(1, Row::af), 6); // 10 - 3.33 truncated
+    EXPECT_EQ(value(2, Row::af), 3);
+    EXPECT_EQ(cell(1, Row::af)->stringValue(), "6");
+    EXPECT_EQ(value(1, Row::f4), 3250); // outside the span: untouched
+    EXPECT_EQ(doc._arrayUndo.size(), 1u);
+    EXPECT_EQ(doc._arrayRedo.size(), 1u);
+    EXPECT_TRUE(table->_bSynthesize);
+    EXPECT_TRUE(doc.isDocumentEdited());
+
+    // Nothing selected: nothing recorded.
+    table->clearSelection();
+    table->_InterpolateSelection();
+    EXPECT_EQ(doc._arrayUndo.size(), 1u);
+}
+
+TEST_F(FrameCommands, RemovingAnchorsKeepsValuesAndRecordsNothing)
+{
+    for (int row : {Row::f0, Row::av, Row::gain})
+        for (int frame = 0; frame < 5; ++frame)
+            cell(frame, row)->set_bAnchor(true);
+    select(Row::av, 2);
+    select(Row::tl, 2);
+    table->_anchorRemoveSelection();
+    EXPECT_TRUE(cell(2, Row::f0)->_bAnchor());
+    EXPECT_FALSE(cell(2, Row::av)->_bAnchor());
+    EXPECT_FALSE(cell(4, Row::av)->_bAnchor());
+    EXPECT_TRUE(cell(0, Row::gain)->_bAnchor());
+
+    table->_anchorRemoveAll();
+    EXPECT_FALSE(cell(0, Row::gain)->_bAnchor());
+    EXPECT_FALSE(cell(4, Row::f0)->_bAnchor());
+    EXPECT_EQ(f0s(), (std::vector<int>{1001, 1002, 1003, 1004, 1005}));
+    EXPECT_TRUE(doc._arrayUndo.empty());
+    EXPECT_TRUE(alerts.empty());
+}
+
+int main(int argc, char** argv)
+{
+    if (!std::getenv("QT_QPA_PLATFORM"))
+        setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    QApplication app(argc, argv);
+    ::testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}
