@@ -74,21 +74,24 @@ double CMathFunc::DoPitchCepstrumNewFloat(const float* samples, double start, do
 
     // Only the first fftSize points of a longer window enter the transform.
     const int windowed = std::clamp(windowLength, 0, fftSize);
+    const double* hamming = spectrum::windowTable(windowLength, 1, windowed);
     for (int i = 0; i < windowed; ++i)
-        re[i] = (0.54 - 0.46 * std::cos(spectrum::kTwoPi * i / windowLength)) * c[i];
+        re[i] = hamming[i] * c[i];
     std::fill(re + windowed, re + fftSize, 0.0);
-    std::fill(im, im + fftSize, 0.0);
-    FFT_CODE_REAL(re, im, m);
 
-    for (int i = 0; i < fftSize; ++i) {
-        re[i] = spectrum::levelDb(re[i], im[i]);
-        im[i] = 0.0;
-    }
-    FFT_CODE_REAL(re, im, m);
-
+    // Both transforms take real input, so each is made from half its bins: the level spectrum
+    // of a real window is symmetric, and so the second transform needs only its first half.
     const int half = fftSize / 2;
+    double* binRe = im;
+    double* binIm = im + half + 1;
+    spectrum::realSpectrum(re, m, binRe, binIm);
+    for (int i = 0; i <= half; ++i)
+        re[i] = spectrum::levelDb(binRe[i], binIm[i]);
+    for (int i = half + 1; i < fftSize; ++i)
+        re[i] = re[fftSize - i];
+    spectrum::realSpectrum(re, m, binRe, binIm);
     for (int i = 0; i < half; ++i)
-        c[i] = spectrum::levelDb(re[i], im[i]);
+        c[i] = spectrum::levelDb(binRe[i], binIm[i]);
 
     const int qLow = quefrencyIndex(sampleRate, highHz);
     const int qHigh = quefrencyIndex(sampleRate, lowHz);

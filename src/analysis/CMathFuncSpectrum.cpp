@@ -19,38 +19,76 @@ TransformArrays& transformArrays()
     return arrays;
 }
 
-const double* windowTable(int n, int window)
+const double* windowTable(int n, int window, int count)
 {
     struct Table {
         int length = -1;
         int kind = -1;
-        std::vector<double> dHamming;
+        std::vector<double> dHamming; // its size is the number of points made
     };
     thread_local std::array<Table, 4> tables;
     thread_local std::size_t next = 0;
     const int kind = window == 1 ? 1 : 0;
+    count = std::clamp(count, 0, std::max(n, 0));
     for (const Table& t : tables)
-        if (t.length == n && t.kind == kind)
+        if (t.length == n && t.kind == kind && t.dHamming.size() >= static_cast<std::size_t>(count))
             return t.dHamming.data();
     Table& t = tables[next];
     next = (next + 1) % tables.size();
     t.length = n;
     t.kind = kind;
-    t.dHamming.resize(static_cast<std::size_t>(std::max(n, 1)));
-    for (int i = 0; i < n; ++i)
-        t.dHamming[i] = kind == 1 ? 0.54 - 0.46 * std::cos(kTwoPi * i / n) : 1.0;
+    t.dHamming.assign(static_cast<std::size_t>(count), 1.0);
+    if (kind == 1)
+        for (int i = 0; i < count; ++i)
+            t.dHamming[i] = 0.54 - 0.46 * std::cos(kTwoPi * i / n);
     return t.dHamming.data();
 }
 
 void windowFrame(const double* x, int n, double preEmphasis, int window, double* re)
 {
-    const double* w = windowTable(n, window);
+    const double* w = windowTable(n, window, n);
     if (preEmphasis > 0.0) {
         for (int i = 0; i < n; ++i)
             re[i] = (x[i + 1] - preEmphasis * x[i]) * w[i];
     } else {
         for (int i = 0; i < n; ++i)
             re[i] = x[i] * w[i];
+    }
+}
+
+void realSpectrum(const double* x, int m, double* re, double* im)
+{
+    struct HalfTransform {
+        int m = -1;
+        std::vector<double> zr, zi, wr, wi; // packed sequence and twiddles e^(-2 pi i k / N)
+    };
+    thread_local HalfTransform h;
+    const int n = 1 << m;
+    const int half = n / 2;
+    if (h.m != m) {
+        h.m = m;
+        h.zr.assign(half, 0.0);
+        h.zi.assign(half, 0.0);
+        h.wr.resize(half + 1);
+        h.wi.resize(half + 1);
+        for (int k = 0; k <= half; ++k) {
+            h.wr[k] = std::cos(2.0 * M_PI * k / n);
+            h.wi[k] = -std::sin(2.0 * M_PI * k / n);
+        }
+    }
+    // Even samples as real parts, odd samples as imaginary parts.
+    for (int j = 0; j < half; ++j) {
+        h.zr[j] = x[2 * j];
+        h.zi[j] = x[2 * j + 1];
+    }
+    CMathFunc().FFT_CODE_REAL(h.zr.data(), h.zi.data(), m - 1);
+    for (int k = 0; k <= half; ++k) {
+        const int a = k % half, b = (half - k) % half;
+        // Spectra of the even and the odd samples, then one butterfly.
+        const double er = 0.5 * (h.zr[a] + h.zr[b]), ei = 0.5 * (h.zi[a] - h.zi[b]);
+        const double orr = 0.5 * (h.zi[a] + h.zi[b]), oi = -0.5 * (h.zr[a] - h.zr[b]);
+        re[k] = er + h.wr[k] * orr - h.wi[k] * oi;
+        im[k] = ei + h.wr[k] * oi + h.wi[k] * orr;
     }
 }
 

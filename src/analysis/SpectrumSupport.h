@@ -25,14 +25,20 @@ struct TransformArrays {
 };
 TransformArrays& transformArrays();
 
-// The calling thread's window of n points: the periodic Hamming window for window 1, else all
-// ones. The last few tables made are kept, so that a spectrogram alternating between its FFT and
-// its LPC frame length does not recompute them for every column.
-const double* windowTable(int n, int window);
+// The first `count` points (at most n) of the calling thread's window of n points: the periodic
+// Hamming window for window 1, else all ones. The last few tables made are kept, so that a
+// spectrogram alternating between its FFT and its LPC frame length does not recompute them for
+// every column. The pointer stays valid until the thread asks for four other tables.
+const double* windowTable(int n, int window, int count);
 
 // re[i] = (x[i+1] - p x[i]) w[i] when p > 0, else x[i] w[i], for i = 0 .. n-1, w as windowTable.
 // Reads n + 1 samples of x when p > 0.
 void windowFrame(const double* x, int n, double preEmphasis, int window, double* re);
+
+// Bins 0 .. N/2 of the forward transform of the real sequence x[0 .. N-1], N = 2^m, 1 <= m <= 13:
+// the values FFT_CODE_REAL gives for (x, 0), computed as one complex transform of half the size.
+// re, im: N/2 + 1 elements; x is not modified. The other bins are the conjugates of these.
+void realSpectrum(const double* x, int m, double* re, double* im);
 
 // Smallest m >= 1 with 2^m >= n.
 int transformOrder(int n);

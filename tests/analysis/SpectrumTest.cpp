@@ -1,4 +1,5 @@
 #include "analysis/CMathFunc.h"
+#include "analysis/SpectrumSupport.h"
 #include "analysis/TestSignals.h"
 
 #include <gtest/gtest.h>
@@ -43,6 +44,19 @@ TEST(Spectrum, FftMatchesDirectDftForEverySize)
             ASSERT_NEAR(im[k], expected.imag(), 1e-9 * n) << "m=" << m << " k=" << k;
         }
     }
+    // The half-size transform of real input gives the same bins.
+    for (int m = 1; m <= 12; ++m) {
+        const int n = 1 << m;
+        std::vector<double> re = signals::noise(n, m), im(n, 0.0);
+        std::vector<double> halfRe(n / 2 + 1), halfIm(n / 2 + 1);
+        spectrum::realSpectrum(re.data(), m, halfRe.data(), halfIm.data());
+        math.FFT_CODE_REAL(re.data(), im.data(), m);
+        for (int k = 0; k <= n / 2; ++k) {
+            ASSERT_NEAR(halfRe[k], re[k], 1e-9 * n) << "m=" << m << " k=" << k;
+            ASSERT_NEAR(halfIm[k], im[k], 1e-9 * n) << "m=" << m << " k=" << k;
+        }
+    }
+
     // Sizes outside the supported range leave the arrays as they are.
     double re[2] = {1.0, 2.0}, im[2] = {3.0, 4.0};
     math.FFT_CODE_REAL(re, im, 0);
