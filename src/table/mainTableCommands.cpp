@@ -2,6 +2,7 @@
 // windows and the data-entry windows.
 #include "table/mainTable.h"
 
+#include "document/DocumentException.h"
 #include "document/MyDocument.h"
 #include "options/optionFile.h"
 #include "options/optionsParameters.h"
@@ -75,7 +76,8 @@ void mainTable::redo()
 void mainTable::revertDocumentToSaved()
 {
     guarded(QStringLiteral("Error in Revert to Save"), [&] {
-        m_pDoc->doRevertDocumentToSaved();
+        if (!m_pDoc->doRevertDocumentToSaved())
+            throw DocumentException("Error in reading the file", m_pDoc->lastReadError());
         afterSnapshotRestored();
     });
 }
