@@ -68,7 +68,8 @@ DocumentWindow* WorkbenchApplication::openFile(const QString& path)
 {
     const QString absolute = QFileInfo(path).absoluteFilePath();
     for (DocumentWindow* w : m_windows) {
-        if (!w->filePath().isEmpty() && QFileInfo(w->filePath()) == QFileInfo(absolute)) {
+        // Compared as paths: a document's file need not exist yet (a WAVE file's x.stk).
+        if (!w->filePath().isEmpty() && QFileInfo(w->filePath()).absoluteFilePath() == absolute) {
             w->raise();
             w->activateWindow();
             return w;
