@@ -55,6 +55,12 @@ void ParameterTableModel::reload()
         emit dataChanged(index(0, 0), index(m_nRows - 1, static_cast<int>(m_columns.size()) - 1));
 }
 
+void ParameterTableModel::cellChanged(int row, int column)
+{
+    const QModelIndex changed = index(row, column);
+    emit dataChanged(changed, changed);
+}
+
 CellRef ParameterTableModel::cellAt(int row, int column) const
 {
     if (column < 0 || column >= static_cast<int>(m_columns.size()) || row < 0)

@@ -25,6 +25,8 @@ public:
     // resets the model; otherwise every cell is reported changed (the view repaints only
     // what it shows).
     void reload();
+    // Reports one cell changed (a typed value replaced it; the columns are the same).
+    void cellChanged(int row, int column);
 
     // The stored cell at a table position, or nullptr.
     CellRef cellAt(int row, int column) const;

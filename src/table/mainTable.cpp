@@ -87,8 +87,11 @@ void mainTable::reloadData()
 void mainTable::updateRowHeights()
 {
     const int rows = m_pModel->rowCount();
-    for (int row = 0; row < rows; ++row)
-        verticalHeader()->resizeSection(row, m_pModel->rowShown(row) ? kShownRowHeight : kHiddenRowHeight);
+    for (int row = 0; row < rows; ++row) {
+        const int height = m_pModel->rowShown(row) ? kShownRowHeight : kHiddenRowHeight;
+        if (verticalHeader()->sectionSize(row) != height)
+            verticalHeader()->resizeSection(row, height);
+    }
 }
 
 void mainTable::refreshTable()
@@ -151,7 +154,11 @@ void mainTable::typedValue(int row, int column, const QString& text)
         if (outcome == TypedEntryOutcome::Unchanged)
             return;
         _bSynthesize = true;
-        reloadData();
+        // A single stored value leaves the columns as they were: only that cell is redrawn.
+        if (outcome == TypedEntryOutcome::Stored)
+            m_pModel->cellChanged(row, column);
+        else
+            reloadData();
         emit documentChanged();
     });
 }
