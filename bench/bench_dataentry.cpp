@@ -5,12 +5,13 @@
 #include "dataentry/viewF0.h"
 #include "table/mainTable.h"
 
+#include "app/TestEnvironment.h"
+
 #include <benchmark/benchmark.h>
 
 #include <QApplication>
 #include <QMouseEvent>
 
-#include <cstdlib>
 #include <memory>
 
 namespace
@@ -98,11 +99,15 @@ BENCHMARK(BM_FullRepaint)->Unit(benchmark::kMicrosecond);
 
 int main(int argc, char** argv)
 {
-    if (!std::getenv("QT_QPA_PLATFORM"))
-        setenv("QT_QPA_PLATFORM", "offscreen", 1);
-    QApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
+    const std::string folder = prepareTestEnvironment();
+    {
+        QApplication app(argc, argv);
+        benchmark::Initialize(&argc, argv);
+        benchmark::RunSpecifiedBenchmarks();
+        benchmark::Shutdown();
+        window().controller.reset(); // the window goes before the application
+        window().table.reset();
+    }
+    removeTestEnvironment(folder);
     return 0;
 }

@@ -57,12 +57,12 @@ Color toColor(const QColor& c)
     return Color::rgb(c.redF(), c.greenF(), c.blueF(), c.alphaF());
 }
 
+// The document's name; the table that opens the window puts "data entry:: " before it.
 QString windowTitle(const MyDocument* doc)
 {
-    QString name = QStringLiteral("Untitled");
     if (doc && !doc->fileURL().empty())
-        name = QFileInfo(QString::fromStdString(doc->fileURL())).fileName();
-    return QStringLiteral("data entry:: ") + name;
+        return QFileInfo(QString::fromStdString(doc->fileURL())).fileName();
+    return QStringLiteral("Untitled");
 }
 
 } // namespace

@@ -13,7 +13,6 @@
 #include <QPushButton>
 #include <QTest>
 
-#include <cstdlib>
 #include <memory>
 
 namespace
@@ -233,13 +232,4 @@ TEST_F(GraphicalEntry, ColoursAndVoicingDecideWhatTheF0PlotShows)
     auto isRed = [&](int x, int y) { return image.pixelColor(x, y) == QColor(Qt::red); };
     EXPECT_FALSE(isRed(81, 68));
     EXPECT_TRUE(isRed(101, 68));
-}
-
-int main(int argc, char** argv)
-{
-    if (!std::getenv("QT_QPA_PLATFORM"))
-        setenv("QT_QPA_PLATFORM", "offscreen", 1);
-    QApplication app(argc, argv);
-    ::testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
 }

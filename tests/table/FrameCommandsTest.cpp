@@ -1,18 +1,19 @@
 // The table's frame, anchor and interpolation commands and the add-frames dialog, run on a
 // real table under the offscreen platform; the checks are on the document.
+#include "document/MyDocument.h"
 #include "table/Alert.h"
 #include "table/addColumns.h"
 #include "table/mainTable.h"
 
 #include <gtest/gtest.h>
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QButtonGroup>
 #include <QItemSelectionModel>
 #include <QSpinBox>
 #include <QTimer>
 
-#include <cstdlib>
 #include <memory>
 
 namespace
@@ -210,13 +211,4 @@ TEST_F(FrameCommands, RemovingAnchorsKeepsValuesAndRecordsNothing)
     EXPECT_EQ(f0s(), (std::vector<int>{1001, 1002, 1003, 1004, 1005}));
     EXPECT_TRUE(doc._arrayUndo.empty());
     EXPECT_TRUE(alerts.empty());
-}
-
-int main(int argc, char** argv)
-{
-    if (!std::getenv("QT_QPA_PLATFORM"))
-        setenv("QT_QPA_PLATFORM", "offscreen", 1);
-    QApplication app(argc, argv);
-    ::testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
 }
