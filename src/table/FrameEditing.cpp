@@ -1,6 +1,7 @@
 #include "table/FrameEditing.h"
 
 #include "document/DocumentException.h"
+#include "table/TableEditing.h"
 
 #include <algorithm>
 #include <climits>
@@ -59,20 +60,11 @@ void installTableData(MyDocument& doc, DataTableDictionary newData, int interval
 
 void clearAnchorRows(MyDocument& doc, int firstRow, int lastRow)
 {
-    DataTableDictionary& data = doc._dataTableDictionary;
-    const CellArray* names = data.objectForKey(0);
-    if (!names || data.count() < 2)
-        return;
-    firstRow = std::max(firstRow, 0);
-    lastRow = std::min(lastRow, static_cast<int>(names->size()) - 1);
-    const int interval = doc.updateInterval();
-    const long long frames = static_cast<long long>(data.count()) - 1;
-    for (long long k = 1; k <= frames; ++k) {
-        CellArray* column = data.objectForKey(k * interval);
+    for (CellArray* column : frameColumns(doc)) {
         if (!column)
             continue;
         const int last = std::min(lastRow, static_cast<int>(column->size()) - 1);
-        for (int row = firstRow; row <= last; ++row)
+        for (int row = std::max(firstRow, 0); row <= last; ++row)
             (*column)[row]->set_bAnchor(false);
     }
 }
@@ -85,21 +77,10 @@ CellArray newFrameCells(const MyDocument& doc)
     CellArray cells;
     cells.reserve(kParameterCount);
     for (int row = 0; row < kParameterCount; ++row) {
-        const ParameterDefinition& p = c.m_Parameters[row];
-        auto cell = std::make_shared<ImageAndTextCell>();
-        cell->set_strName(p.strName ? p.strName : "");
-        cell->set_strDefinition(p.strDefinition ? p.strDefinition : "");
-        cell->set_nDefaultValue(p.nDefaultValue);
-        cell->set_nValue(p.nValue);
-        cell->set_nMinValue(p.nMinValue);
-        cell->set_nMaxValue(p.nMaxValue);
-        cell->set_mColor(p.mColor);
-        // New frames are always marked shown; a row's height follows the name column's flag.
+        CellRef cell = newFrameCell(c.m_Parameters[row], doc.groupBackgroundColor(row));
+        // Inserted frames are marked shown whatever the record says; a row's height follows
+        // the name column's flag, not these.
         cell->set_bSelected(true);
-        cell->set_bAnchor(false);
-        // The group background, so that inserted frames look like their neighbours.
-        cell->set_nsbgColor(doc.groupBackgroundColor(row));
-        cell->setInttoStringValue(p.nValue);
         cells.push_back(std::move(cell));
     }
     return cells;

@@ -35,7 +35,6 @@ bool removeColumns(MyDocument& doc, int firstSelectedColumn, int lastSelectedCol
 void removeAnchors(MyDocument& doc, int firstRow, int lastRow);
 void removeAllAnchors(MyDocument& doc);
 
-// The cells of one new frame, rows 0..47, from channel 0's parameter records: the record's
-// current value shown as text, the limits, default and colour of the record, shown flag on,
-// anchor off, and the row's group background.
+// The cells of one new frame, rows 0..47, from channel 0's parameter records (newFrameCell)
+// with the row's group background, the shown flag on and no anchor.
 CellArray newFrameCells(const MyDocument& doc);

@@ -5,12 +5,11 @@
 #include <QButtonGroup>
 #include <QDialogButtonBox>
 #include <QFormLayout>
-#include <QPushButton>
 #include <QRadioButton>
 #include <QSpinBox>
 #include <QVBoxLayout>
 
-addColumns::addColumns(QWidget* parent) : QDialog(parent)
+addColumns::addColumns(QWidget* parent) : OptionPanel(parent)
 {
     setWindowTitle(QStringLiteral("Add Frames"));
     auto* layout = new QVBoxLayout(this);
@@ -27,38 +26,24 @@ addColumns::addColumns(QWidget* parent) : QDialog(parent)
     m_duration->setSuffix(QStringLiteral(" ms"));
     form->addRow(QStringLiteral("Duration to add:"), m_duration);
     layout->addLayout(form);
-    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
-    connect(buttons->button(QDialogButtonBox::Ok), &QPushButton::clicked, this, &addColumns::oktButton);
-    connect(buttons->button(QDialogButtonBox::Cancel), &QPushButton::clicked, this,
-            &addColumns::canceltButton);
-    layout->addWidget(buttons);
+    layout->addWidget(makeButtons(false));
 }
 
-void addColumns::setup(const MyDocument& doc)
+void addColumns::setup(MyDocument* doc)
 {
+    if (!doc)
+        return;
     // A remembered place outside the three is shown as "at the end", the factory choice.
-    QAbstractButton* place = m_groupLocation->button(doc._nindexModifyColumn);
+    QAbstractButton* place = m_groupLocation->button(doc->_nindexModifyColumn);
     (place ? place : m_groupLocation->button(2))->setChecked(true);
-    m_duration->setValue(doc._nDurationModifyColumn);
+    m_duration->setValue(doc->_nDurationModifyColumn);
 }
 
-void addColumns::save(MyDocument& doc) const
+void addColumns::save(MyDocument* doc)
 {
+    if (!doc)
+        return;
     m_duration->interpretText(); // a number still being typed counts
-    doc._nindexModifyColumn = m_groupLocation->checkedId();
-    doc._nDurationModifyColumn = m_duration->value();
-}
-
-int addColumns::showInWindow(QWidget* parent, MyDocument* doc)
-{
-    if (parent && parentWidget() != parent)
-        setParent(parent, Qt::Dialog);
-    setWindowModality(Qt::WindowModal);
-    if (doc)
-        setup(*doc);
-    const int code = exec();
-    if (code == kOK && doc)
-        save(*doc);
-    close();
-    return code == kOK ? kOK : kCancel;
+    doc->_nindexModifyColumn = m_groupLocation->checkedId();
+    doc->_nDurationModifyColumn = m_duration->value();
 }

@@ -129,7 +129,6 @@ private:
     void setAnchorFlag(int row, int column, bool anchor);
     void schedulePlay(int channel);
     void afterSnapshotRestored();
-    void afterFramesChanged();
     void openDataEntry(std::unique_ptr<DataEntryController>& slot, const DataEntryFactory& factory,
                        const QString& titlePrefix);
 

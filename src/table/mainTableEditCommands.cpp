@@ -9,20 +9,6 @@
 #include "table/TableEditing.h"
 #include "table/addColumns.h"
 
-void mainTable::afterFramesChanged()
-{
-    rebuildColumns();
-    viewport()->update();
-    _bSynthesize = true;
-    m_pDoc->updateChangeCount(MyDocument::ChangeDone);
-    // The data-entry views map the pointer over the frame count, which just changed.
-    if (m_pDataentryGraphical)
-        m_pDataentryGraphical->setupViews();
-    if (m_pDataentryTrace)
-        m_pDataentryTrace->setupViews();
-    emit documentChanged();
-}
-
 void mainTable::_editAddColumns()
 {
     guarded(QStringLiteral("OK"), [&] {
@@ -34,8 +20,11 @@ void mainTable::_editAddColumns()
 
 void mainTable::modifyColumns()
 {
-    if (::modifyColumns(*m_pDoc, selectedColumnSpan().first))
-        afterFramesChanged();
+    if (!::modifyColumns(*m_pDoc, selectedColumnSpan().first))
+        return;
+    // Rebuilt like after an undo: new columns, and data-entry views set up on the new frames.
+    m_pDoc->updateChangeCount(MyDocument::ChangeDone);
+    afterSnapshotRestored();
 }
 
 void mainTable::_editRemoveColumns()
@@ -48,7 +37,8 @@ void mainTable::_editRemoveColumns()
             return;
         }
         clearSelection();
-        afterFramesChanged();
+        m_pDoc->updateChangeCount(MyDocument::ChangeDone);
+        afterSnapshotRestored();
     });
 }
 
