@@ -77,5 +77,7 @@ private:
     QAction* m_pRedo = nullptr;
     QAction* m_pPlayModel = nullptr;
     QAction* m_pTrace = nullptr;
+    QAction* m_pInterpolateSelection = nullptr;
+    QAction* m_pAnchorRemoveSelection = nullptr;
     QMenu* m_pRecent = nullptr;
 };

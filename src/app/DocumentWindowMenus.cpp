@@ -48,6 +48,18 @@ void DocumentWindow::createMenus()
     edit->addSeparator();
     edit->addAction(tr("&Parameters..."), m_pTable, &mainTable::_editRows);
 
+    QMenu* frames = menuBar()->addMenu(tr("F&rames"));
+    frames->addAction(tr("&Add Frames..."), m_pTable, &mainTable::_editAddColumns);
+    frames->addAction(tr("&Remove Frames"), m_pTable, &mainTable::_editRemoveColumns);
+    frames->addSeparator();
+    m_pInterpolateSelection =
+        frames->addAction(tr("&Interpolate Selection"), m_pTable, &mainTable::_InterpolateSelection);
+    frames->addAction(tr("Interpolate A&ll"), m_pTable, &mainTable::_InterpolateAll);
+    frames->addSeparator();
+    m_pAnchorRemoveSelection =
+        frames->addAction(tr("Remove Anchors in &Selection"), m_pTable, &mainTable::_anchorRemoveSelection);
+    frames->addAction(tr("Remove All A&nchors"), m_pTable, &mainTable::_anchorRemoveAll);
+
     QMenu* play = menuBar()->addMenu(tr("&Play"));
     play->addAction(tr("Play &Current"), QKeySequence(Qt::Key_Space), m_pTable, &mainTable::_PlayCurrent);
     play->addAction(tr("Play &Previous"), QKeySequence(tr("Ctrl+Shift+Space")), m_pTable,
@@ -69,7 +81,7 @@ void DocumentWindow::createMenus()
     options->addAction(tr("&Parameters..."), m_pTable, &mainTable::_optionsParameters);
     options->addAction(tr("&File..."), m_pTable, &mainTable::_optionsFile);
 
-    for (QMenu* menu : {file, edit, play, options})
+    for (QMenu* menu : {file, edit, frames, play, options})
         connect(menu, &QMenu::aboutToShow, this, &DocumentWindow::updateActions);
 }
 
@@ -84,4 +96,8 @@ void DocumentWindow::updateActions()
     m_pPlayModel->setEnabled(model);
     if (m_pTrace)
         m_pTrace->setEnabled(model);
+    // The selection commands work on the span of the selected rows.
+    const bool rowSelected = m_pTable->selectedRowSpan().first >= 0;
+    m_pInterpolateSelection->setEnabled(rowSelected);
+    m_pAnchorRemoveSelection->setEnabled(rowSelected);
 }

@@ -2,7 +2,9 @@
 
 #include "app/ConfigurationFile.h"
 #include "app/DocumentWindow.h"
+#include "dataentry/dataentryGraphicalController.h"
 #include "document/MyDocument.h"
+#include "table/mainTable.h"
 
 #include <QApplication>
 #include <QFile>
@@ -22,6 +24,9 @@ const char* kRecentKey = "recentFiles";
 WorkbenchApplication::WorkbenchApplication(QObject* parent) : QObject(parent)
 {
     ConfigurationFile::install();
+    mainTable::setGraphicalDataEntryFactory([](mainTable* table) -> DataEntryController* {
+        return new dataentryGraphicalController(table->document(), table);
+    });
 }
 
 WorkbenchApplication::~WorkbenchApplication()

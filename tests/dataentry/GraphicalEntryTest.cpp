@@ -4,6 +4,7 @@
 #include "dataentry/viewF0.h"
 #include "dataentry/viewFormants.h"
 #include "dataentry/viewOthers.h"
+#include "table/mainTable.h"
 
 #include <gtest/gtest.h>
 
@@ -232,4 +233,39 @@ TEST_F(GraphicalEntry, ColoursAndVoicingDecideWhatTheF0PlotShows)
     auto isRed = [&](int x, int y) { return image.pixelColor(x, y) == QColor(Qt::red); };
     EXPECT_FALSE(isRed(81, 68));
     EXPECT_TRUE(isRed(101, 68));
+}
+
+TEST(GraphicalEntryFromTheTable, OpensWithThePrefixFollowsThePointerAndUndoesThroughTheTable)
+{
+    MyDocument doc;
+    mainTable table(&doc);
+    mainTable::setGraphicalDataEntryFactory([](mainTable* t) -> DataEntryController* {
+        return new dataentryGraphicalController(t->document(), t);
+    });
+    table._dataentryGraphical();
+    mainTable::setGraphicalDataEntryFactory({});
+    auto* controller = dynamic_cast<dataentryGraphicalController*>(table.graphicalDataEntry());
+    ASSERT_NE(controller, nullptr);
+    EXPECT_EQ(controller->window()->windowTitle(), "data entry:: Untitled");
+    controller->window()->resize(505, 426 + controller->window()->height() -
+                                          controller->_viewF0()->parentWidget()->height());
+    QApplication::processEvents();
+    viewF0& plot = *controller->_viewF0();
+    ASSERT_EQ(plot.width(), 400);
+
+    // Moving without a button selects the frame's column in the table.
+    GraphicalEntry::send(plot, QEvent::MouseMove, {130, 10}, Qt::NoButton, Qt::NoButton);
+    EXPECT_EQ(table.selectedColumnSpan(), std::make_pair(7, 7));
+
+    // A drag: the table follows, synthesis is due, and the table's undo restores the value.
+    const int before = doc._dataTableDictionary.cellAt(30, Row::f0)->_nValue();
+    GraphicalEntry::drag(plot, {{45, 10}, {45, 10}});
+    EXPECT_EQ(table.selectedColumnSpan(), std::make_pair(3, 3));
+    EXPECT_EQ(doc._dataTableDictionary.cellAt(30, Row::f0)->_nValue(), 2700);
+    EXPECT_TRUE(table._bSynthesize);
+    controller->undo();
+    EXPECT_EQ(doc._dataTableDictionary.cellAt(30, Row::f0)->_nValue(), before);
+    // The views took the restored cells: a new drag edits the table's cells again.
+    GraphicalEntry::drag(plot, {{45, 50}, {45, 50}});
+    EXPECT_EQ(doc._dataTableDictionary.cellAt(30, Row::f0)->_nValue(), 1500);
 }
