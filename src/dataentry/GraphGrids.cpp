@@ -65,7 +65,8 @@ void TimeGrids(QPainter& painter, const QRect& area, double startMS, double endM
             continue;
         painter.setPen(kGridColor);
         painter.drawLine(x, area.top(), x, area.bottom());
-        if (!labels || j % labelEvery != 0 || x + widest > area.right())
+        // The left edge is left to the value labels.
+        if (!labels || j == 0 || j % labelEvery != 0 || x + widest > area.right())
             continue;
         painter.setPen(kLabelColor);
         painter.drawText(x + 2, area.top() + metrics.ascent() + 1, numberText(t));
