@@ -194,6 +194,7 @@ void TrackPlotView::mouseReleaseEvent(QMouseEvent* event)
         _pDoc->updateChangeCount(MyDocument::ChangeDone);
     _pDoc->saveRedo();
     update();
+    emit committed();
 }
 
 void TrackPlotView::commitActiveTracks()

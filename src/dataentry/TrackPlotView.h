@@ -74,6 +74,8 @@ public:
 signals:
     // A drag changed the value of a frame (any track of this view).
     void frameEdited(int frame);
+    // A drag ended and was committed to the table (undo and redo recorded).
+    void committed();
 
 protected:
     struct ValueGrid {

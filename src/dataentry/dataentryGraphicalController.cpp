@@ -78,14 +78,13 @@ dataentryGraphicalController::dataentryGraphicalController(MyDocument* doc, main
     m_viewOthers = new viewOthers(m_content);
     // An edited amplitude decides which F0 and formant points show: every plot repaints the
     // strip of an edited frame.
-    for (TrackPlotView* source :
-         {static_cast<TrackPlotView*>(m_viewF0), static_cast<TrackPlotView*>(m_viewFormants),
-          static_cast<TrackPlotView*>(m_viewOthers)})
-        for (TrackPlotView* target :
-             {static_cast<TrackPlotView*>(m_viewF0), static_cast<TrackPlotView*>(m_viewFormants),
-              static_cast<TrackPlotView*>(m_viewOthers)})
+    for (TrackPlotView* source : views())
+        for (TrackPlotView* target : views())
             if (source != target)
                 connect(source, &TrackPlotView::frameEdited, target, &TrackPlotView::updateFrame);
+    // Undo becomes possible after a drag: the shortcut must not wait for the menu to open.
+    for (TrackPlotView* view : views())
+        connect(view, &TrackPlotView::committed, this, &dataentryGraphicalController::validateMenus);
     makeControls();
     makeMenus();
     setmaintableID(table);
@@ -93,6 +92,11 @@ dataentryGraphicalController::dataentryGraphicalController(MyDocument* doc, main
 }
 
 dataentryGraphicalController::~dataentryGraphicalController() = default;
+
+std::array<TrackPlotView*, 3> dataentryGraphicalController::views() const
+{
+    return {m_viewF0, m_viewFormants, m_viewOthers};
+}
 
 QWidget* dataentryGraphicalController::window()
 {
@@ -102,9 +106,7 @@ QWidget* dataentryGraphicalController::window()
 void dataentryGraphicalController::setmaintableID(mainTable* table)
 {
     m_mainTableID = table;
-    for (TrackPlotView* view :
-         {static_cast<TrackPlotView*>(m_viewF0), static_cast<TrackPlotView*>(m_viewFormants),
-          static_cast<TrackPlotView*>(m_viewOthers)}) {
+    for (TrackPlotView* view : views()) {
         view->set_mainTableID(table);
         view->setDocument(m_pDoc);
     }
@@ -183,9 +185,10 @@ void dataentryGraphicalController::windowDidLoad()
 
 void dataentryGraphicalController::setupViews()
 {
-    m_viewF0->setup();
-    m_viewFormants->setup();
-    m_viewOthers->setup();
+    if (m_undo)
+        validateMenus();
+    for (TrackPlotView* view : views())
+        view->setup();
     if (m_pDoc)
         m_viewF0->setColor(toQColor(m_pDoc->m_ColorTracing[0]));
 }

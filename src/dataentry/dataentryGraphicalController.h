@@ -18,6 +18,7 @@ class mainTable;
 class viewF0;
 class viewFormants;
 class viewOthers;
+class TrackPlotView;
 class QMainWindow;
 class QPushButton;
 class QToolButton;
@@ -74,6 +75,7 @@ private:
     void validateMenus();
     void storeSwitches();
     void forward(void (mainTable::*command)());
+    std::array<TrackPlotView*, 3> views() const;
     void showWellColor(int well);
     void placeButtons(int top, int height, int firstButton, int count, int columns);
 
