@@ -140,51 +140,49 @@ std::string writeParameterText(MyDocument& document, bool allRows, ParameterText
     const TableReader table(document);
     const Channels& c = *document.getChannel(0);
     const bool snapshot = use == ParameterTextUse::Snapshot;
-    auto writesAnchor = [&](const FrameCell& cell) { return cell.anchor && (snapshot || cell.selected); };
 
+    // One pass over the cells writes the value lines and collects the anchor entries, whose
+    // count the settings lines need first.
+    std::string values;
+    values.reserve(static_cast<std::size_t>(table.frames()) * kParameterCount * 5 + 64);
+    std::string anchorEntries;
+    TenPerLine entries(anchorEntries);
     int anchors = 0;
-    for (int k = 1; k <= table.frames(); ++k)
-        for (int row = 0; row < kParameterCount; ++row)
-            anchors += writesAnchor(table.cell(k, row)) ? 1 : 0;
+    for (int k = 1; k <= table.frames(); ++k) {
+        for (int row = 0; row < kParameterCount; ++row) {
+            const FrameCell cell = table.cell(k, row);
+            if (cell.anchor && (snapshot || cell.selected)) {
+                const char* name = c.m_Parameters[row].strName;
+                anchorEntries += name ? name : "";
+                anchorEntries += ',';
+                MyDocument::EnterNumber(anchorEntries, k - 1, false);
+                entries.entryWritten();
+                ++anchors;
+            }
+            if (allRows || cell.selected)
+                MyDocument::EnterNumber(values, cell.value, false);
+        }
+        MyDocument::EnterNumber(values, 0, true);
+    }
 
     std::string text;
-    text.reserve(static_cast<std::size_t>(table.frames()) * kParameterCount * 5 + 1024);
+    text.reserve(values.size() + anchorEntries.size() + 1024);
     writeSettings(document, text, anchors, snapshot ? kSnapshotMarker : kFileMarker);
-
     TenPerLine flags(text);
     for (int row = 0; row < kParameterCount; ++row) {
         MyDocument::EnterNumber(text, table.rowSelected(row) ? 1 : 0, false);
         flags.entryWritten();
     }
     flags.close();
-
     if (anchors > 0) {
-        TenPerLine entries(text);
-        for (int k = 1; k <= table.frames(); ++k)
-            for (int row = 0; row < kParameterCount; ++row)
-                if (writesAnchor(table.cell(k, row))) {
-                    const char* name = c.m_Parameters[row].strName;
-                    text += name ? name : "";
-                    text += ',';
-                    MyDocument::EnterNumber(text, k - 1, false);
-                    entries.entryWritten();
-                }
         entries.close();
+        text += anchorEntries;
     }
-
     for (int row = 0; row < kParameterCount; ++row)
         if (allRows || table.rowSelected(row))
             MyDocument::EnterParameter(text, c.m_Parameters[row].strName);
     MyDocument::EnterNumber(text, 0, true);
-
-    for (int k = 1; k <= table.frames(); ++k) {
-        for (int row = 0; row < kParameterCount; ++row) {
-            const FrameCell cell = table.cell(k, row);
-            if (allRows || cell.selected)
-                MyDocument::EnterNumber(text, cell.value, false);
-        }
-        MyDocument::EnterNumber(text, 0, true);
-    }
+    text += values;
     return text;
 }
 
@@ -195,9 +193,9 @@ void MyDocument::EnterNumber(std::string& text, int number, bool bCRLFOnly)
         return;
     }
     char digits[16];
-    const auto end = std::to_chars(digits, digits + sizeof digits, number).ptr;
+    char* end = std::to_chars(digits, digits + sizeof digits - 1, number).ptr;
+    *end++ = '\t';
     text.append(digits, end);
-    text += '\t';
 }
 
 void MyDocument::EnterParameter(std::string& text, const char* name)

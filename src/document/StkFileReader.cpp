@@ -137,9 +137,12 @@ bool readSettingsLine(std::string_view line, ParsedDocument& doc, std::string& r
         reason = "the sample rate of " + std::to_string(doc.sampleRate) + " Hz is out of range";
         return false;
     }
+    if (interval > MyDocument::kMaxLengthMS) {
+        reason = "the update interval of " + std::to_string(interval) + " ms is out of range";
+        return false;
+    }
     // An interval below 1 is read as 10, as everywhere the interval is used.
-    doc.interval =
-        interval < 1 ? 10 : static_cast<int>(std::min<long long>(interval, MyDocument::kMaxLengthMS));
+    doc.interval = interval < 1 ? 10 : static_cast<int>(interval);
     const long long frames = doc.lengthMS / doc.interval;
     if (frames > MyDocument::kMaxFrames) {
         reason = "the document has " + std::to_string(frames) + " frames; at most " +
@@ -321,7 +324,6 @@ int readParameterText(MyDocument& document, const std::string& text, ParameterTe
     c.m_nUpdateIntervalMS = doc.interval;
     c.m_bCascade_Parallel = doc.cascade ? 1 : 0;
     c.m_bParallel = doc.cascade ? 0 : 1;
-    document.m_bver50 = doc.marker == "50" ? 1 : 0;
     applyColours(document, doc, use == ParameterTextUse::Snapshot);
     for (int row = 0; row < doc.selectedCount; ++row)
         c.m_Parameters[row].bSelected = doc.selected[row];
@@ -332,6 +334,7 @@ int readParameterText(MyDocument& document, const std::string& text, ParameterTe
     c.m_bHaveData = 1;
     c.m_bSynthesize = 1;
     if (use == ParameterTextUse::File) {
+        document.m_bver50 = doc.marker == "50" ? 1 : 0;
         document.m_bAudiofile = 0;
         document.setFileType("stk");
     }

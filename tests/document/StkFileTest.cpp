@@ -205,6 +205,7 @@ TEST(StkFile, AbsurdDocumentsAreRefusedAndLeaveTheDocumentAlone)
         {"-5\t11025\t10\t\r\n" + tail, "length"},
         {"200\t0\t10\t\r\n" + tail, "sample rate"},
         {"3600000\t11025\t1\t\r\n" + tail, "frames"},
+        {"200\t11025\t99999999999\t\r\n" + tail, "update interval"},
         {"200\t11025\t10\t\r\nx\r\n", "second line"},
     };
     for (const auto& c : cases) {

@@ -73,6 +73,7 @@ TEST(UndoRedo, SnapshotsRestoreFramesSelectionAndEveryAnchor)
 {
     auto document = makeDocument(50.0);
     Channels* c = document->getChannel(0);
+    document->m_bver50 = 1;                              // as read from a file
     frameCell(*document, 2, Row::oq)->set_bAnchor(true); // anchor on a hidden row
     frameCell(*document, 5, Row::f0)->set_bAnchor(true);
     setValue(*document, 5, Row::f0, 1234);
@@ -110,6 +111,7 @@ TEST(UndoRedo, SnapshotsRestoreFramesSelectionAndEveryAnchor)
     EXPECT_FALSE(frameCell(*document, 2, Row::oq)->_bAnchor());
     // Undo does not touch the file identity.
     EXPECT_EQ(document->fileType(), "stk");
+    EXPECT_EQ(document->m_bver50, 1);
 }
 
 TEST(UndoRedo, DamagedSnapshotsAndUnevenListsFailCleanly)
