@@ -5,6 +5,7 @@
 #include "document/Log.h"
 
 #include <algorithm>
+#include <memory>
 #include <vector>
 
 thread_local const RootRecord* lp_Roots = nullptr;
@@ -24,8 +25,9 @@ struct LpcWork {
 };
 LpcWork& lpcWork()
 {
-    thread_local LpcWork work;
-    return work;
+    // On the heap, made on first use, so that threads that never analyse do not carry it.
+    thread_local const std::unique_ptr<LpcWork> work = std::make_unique<LpcWork>();
+    return *work;
 }
 
 // Predictor coefficients from reflection coefficients (step-up recursion).

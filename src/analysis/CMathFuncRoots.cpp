@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <memory>
 #include <vector>
 
 namespace
@@ -25,8 +26,9 @@ struct RootWork {
 };
 RootWork& rootWork()
 {
-    thread_local RootWork work;
-    return work;
+    // On the heap, made on first use, so that threads that never analyse do not carry it.
+    thread_local const std::unique_ptr<RootWork> work = std::make_unique<RootWork>();
+    return *work;
 }
 
 std::vector<double>& sized(std::vector<double>& v, int n)

@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <memory>
+#include <new>
 #include <vector>
 
 namespace spectrum
@@ -200,7 +202,10 @@ void CMathFunc::spline(const double* x, const double* y, int n, double yp1, doub
             y2[i] = 0.0;
         return;
     }
-    std::vector<double> u(static_cast<std::size_t>(n) + 1, 0.0);
+    // Without memory for the work vector the second derivatives are left as they are.
+    const std::unique_ptr<double[]> u(new (std::nothrow) double[static_cast<std::size_t>(n) + 1]());
+    if (!u)
+        return;
     if (yp1 > 0.99e30) {
         y2[1] = u[1] = 0.0;
     } else {

@@ -143,11 +143,13 @@ bool SpectrogramComputation::DoSpectrogram(const Channels& channel, const std::a
     m_bHaveFormants = 0;
     const int W = m_nDisplayRange;
     const int H = m_nDisplayVerticalRange;
-    if (W <= 0 || H <= 0 || m_phdDataFile.empty())
+    // Storage made for another geometry (SetupDisplay again without GetStorage) is not used.
+    if (W <= 0 || H <= 0 || m_phdDataFile.size() < frameOffset(W))
         return false;
     m_dSampleRate = channel.m_dSampleRate;
     m_dwFileLength = usableLength(channel.m_dwFileLength);
-    const bool tracking = m_settings.m_bSpecDrawFormantTracking && !m_phsnFormants.empty();
+    const bool tracking =
+        m_settings.m_bSpecDrawFormantTracking && m_phsnFormants.size() >= static_cast<std::size_t>(W);
 
     // The LPC frame lasts as many milliseconds as the LPC order has coefficients. Its buffer
     // lives for the whole run, so a short frame near the end keeps the previous column's tail.

@@ -50,7 +50,7 @@ public:
     void GetStorage();
     void DeleteAllDataStorage();
     // Fills the level frames and formant records from the channel's samples. Returns false when
-    // cancelled or when there is no storage.
+    // cancelled or when there is no storage for the geometry of SetupDisplay.
     bool DoSpectrogram(const Channels& channel, const std::atomic<bool>* cancel = nullptr);
     // The whole sequence for one display size.
     bool compute(const Channels& channel, int width, int height, const std::atomic<bool>* cancel = nullptr);

@@ -91,24 +91,3 @@ TEST(Pitch, WindowsNearTheEndReuseThePreviousCallsArrays)
     });
     EXPECT_NE(afterOther, stale);
 }
-
-TEST(Pitch, ConcurrentTracksEqualSerialOnes)
-{
-    auto track = [](double f0) {
-        const auto x =
-            signals::toFloat(signals::vowel(8000, f0, kRate, {{600.0, 100.0}, {1400.0, 120.0}}), 0.05);
-        std::vector<double> out;
-        for (double start = 0.0; start < 8000.0; start += 110.25)
-            out.push_back(pitchOf(x, start));
-        return out;
-    };
-    const auto serialA = onFreshThread([&] { return track(130.0); });
-    const auto serialB = onFreshThread([&] { return track(190.0); });
-    std::vector<double> a, b;
-    std::thread ta([&] { a = track(130.0); });
-    std::thread tb([&] { b = track(190.0); });
-    ta.join();
-    tb.join();
-    EXPECT_EQ(a, serialA);
-    EXPECT_EQ(b, serialB);
-}

@@ -159,6 +159,10 @@ TEST(SpectrogramComputation, TrackingOffCancelAndBadInput)
     SpectrogramComputation bad(defaults());
     EXPECT_FALSE(bad.compute(*channel, 0, 40));
     EXPECT_FALSE(bad.compute(*channel, 50, -3));
+    bad.SetupDisplay(50, 40, kRate);
+    bad.GetStorage();
+    bad.SetupDisplay(500, 40, kRate); // storage of the old size
+    EXPECT_FALSE(bad.DoSpectrogram(*channel));
 
     // A length beyond the samples held: nothing past the block is read.
     auto lying = channelOf(x, kRate);
