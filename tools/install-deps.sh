@@ -8,7 +8,7 @@ packages=(
     qt6-base-dev qt6-base-dev-tools libgl-dev
     portaudio19-dev libasound2-dev libasound2-plugins
     libcli11-dev libpng-dev
-    xvfb xauth
+    xvfb xauth imagemagick
 )
 missing=()
 for p in "${packages[@]}"; do

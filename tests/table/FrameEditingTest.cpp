@@ -219,15 +219,6 @@ TEST_F(FiveFrames, UndoReturnsToTheFramesBeforeTheEdit)
         EXPECT_EQ(doc._dataTableDictionary.cellAt(k * 10, Row::f0)->_nValue(), 1000 + k);
 }
 
-TEST_F(FiveFrames, AddedFramesCanBeRemovedAgain)
-{
-    addFrames(FramesAfterSelection, 30, 3);
-    ASSERT_EQ(layout(), (Origins{1, 2, 3, 0, 0, 0, 4, 5}));
-    removeColumns(doc, 4, 6);
-    EXPECT_EQ(layout(), (Origins{1, 2, 3, 4, 5}));
-    EXPECT_EQ(doc._dataTableDictionary.cellAt(50, Row::f0)->_nValue(), 1005);
-}
-
 TEST_F(FiveFrames, RemovingAnchorsClearsOnlyFlagsOfTheRowSpan)
 {
     auto anchorEverywhere = [&] {
