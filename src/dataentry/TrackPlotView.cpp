@@ -17,12 +17,12 @@ constexpr int kPointSize = 4;    // the square and the oval of a track point, in
 constexpr int kGateMinimum = 10; // a gated point shows only above this amplitude (dB)
 } // namespace
 
-TrackPlotView::TrackPlotView(int scale, std::initializer_list<TrackSpec> tracks, QWidget* parent)
+TrackPlotView::TrackPlotView(int scale, std::initializer_list<TrackDefinition> tracks, QWidget* parent)
     : QWidget(parent), m_nScale(scale)
 {
-    for (const TrackSpec& spec : tracks) {
+    for (const TrackDefinition& definition : tracks) {
         m_tracks.emplace_back();
-        static_cast<TrackSpec&>(m_tracks.back()) = spec;
+        static_cast<TrackDefinition&>(m_tracks.back()) = definition;
     }
     // Mouse moves without a button make the table follow the pointer.
     setMouseTracking(true);

@@ -32,12 +32,12 @@ class TrackPlotView : public QWidget
     Q_OBJECT
 public:
     // What a track shows, as a subclass declares it.
-    struct TrackSpec {
+    struct TrackDefinition {
         const char* name = ""; // parameter name that activates it ("f0", "f1", "a1f", "av", ...)
         int row = 0;           // parameter row in the table data
         int gateRow = -1;      // a point shows only where this row's value exceeds 10; -1 always
     };
-    struct Track : TrackSpec {
+    struct Track : TrackDefinition {
         QColor color = Qt::black;
         bool active = false;
         std::vector<CellRef> cells; // index k: the cell of table column k + 1 (nullptr: missing)
@@ -84,7 +84,7 @@ protected:
         QString label;
     };
 
-    TrackPlotView(int scale, std::initializer_list<TrackSpec> tracks, QWidget* parent);
+    TrackPlotView(int scale, std::initializer_list<TrackDefinition> tracks, QWidget* parent);
 
     virtual ValueGrid valueGrid() const = 0;
     virtual bool timeLabels() const { return false; }
