@@ -20,7 +20,7 @@ std::int64_t time_count = 0;
 std::uint64_t noise_state = 1;
 
 // Four numbers per step: four interleaved states each jump four places ahead, so that they do
-// not wait for each other. The sequence is the one nextRandom() gives.
+// not wait for each other. The sequence is the one a single state stepping one place gives.
 void noiseSamples(int* out, int count)
 {
     constexpr std::uint64_t a1 = kRandomMultiplier, c1 = kRandomIncrement;
@@ -78,12 +78,6 @@ void setAntiresonator(const klatt_global_t& g, resonator_t& r, double freq, doub
     r.c = -r.c * r.a;
 }
 
-void warn(const klatt_global_t& g, const char* text)
-{
-    if (!g.quiet)
-        Log::write(text);
-}
-
 // Voicing parameters of a new period (f0 > 0): period, gains, open phase, pulse shape, skew.
 // Answers whether the tilt may be updated.
 bool startVoicedPeriod(klatt_global_t& g, klatt_frame_t& f)
@@ -98,7 +92,8 @@ bool startVoicedPeriod(klatt_global_t& g, klatt_frame_t& f)
         open = 263;
     if (open >= std::int64_t{g.period_len} - 1) {
         open = std::int64_t{g.period_len} - 2;
-        warn(g, "Warning: glottal open period cannot exceed T0, truncated\n");
+        if (!g.quiet)
+            Log::write("Warning: glottal open period cannot exceed T0, truncated\n");
     }
     if (open < 40) {
         open = 40;
@@ -247,11 +242,12 @@ void CKlattEngine::parwave(klatt_global_t* g, klatt_frame_t* f, int* output)
     const FilterPass filter = pickFilterPass(*g);
     FrameMemory memory;
     SourceBlock block;
-    for (int first = 0; first < total; first += kBlockSamples) {
-        const int count = std::min(kBlockSamples, total - first);
+    for (std::int64_t first = 0; first < total; first += kBlockSamples) {
+        const int start = static_cast<int>(first);
+        const int count = std::min(kBlockSamples, total - start);
         klatt_state::noiseSamples(block.raw, count);
-        voicing(*g, *f, first, count, memory, block);
-        filter(*g, block, count, memory, output + first);
+        voicing(*g, *f, start, count, memory, block);
+        filter(*g, block, count, memory, output + start);
     }
     g->sample_index = total;
 }

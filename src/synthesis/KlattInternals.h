@@ -18,19 +18,13 @@ extern std::int32_t skew;         // alternate-period skew; its sign says which 
 extern std::int64_t time_count;   // flutter counter, one step per frame
 extern std::uint64_t noise_state; // noise generator
 
-// Uniform integers 0..2^31-1 (the range of the C library's rand()) from a 64-bit linear
-// congruential generator, high bits. rand() takes a lock on every call, which would cost more
-// than all the other work of a sample.
+// The noise generator: a 64-bit linear congruential generator whose high bits give uniform
+// integers 0..2^31-1, the range of the C library's rand(). rand() takes a lock on every call,
+// which would cost more than all the other work of a sample.
 constexpr std::uint64_t kRandomMultiplier = 6364136223846793005ULL;
 constexpr std::uint64_t kRandomIncrement = 1442695040888963407ULL;
 
-inline std::int32_t nextRandom()
-{
-    noise_state = noise_state * kRandomMultiplier + kRandomIncrement;
-    return static_cast<std::int32_t>(noise_state >> 33);
-}
-
-// The next `count` numbers of the same sequence, as noise samples (mod 16383, minus 8191).
+// The next `count` numbers as noise samples: (number mod 16383) - 8191.
 void noiseSamples(int* out, int count);
 } // namespace klatt_state
 

@@ -143,11 +143,11 @@ void quarterSteps(klatt_global_t& g, klatt_frame_t& f, Voicing& v, double& vwave
 // cross a period end or the end of the open phase.
 inline bool naturalSteps(Voicing& v, double& vwave, double x[4])
 {
-    if (v.pos + 3 >= v.len)
+    if (std::int64_t{v.pos} + 3 >= v.len)
         return false;
     if (v.pos >= v.open) {
         x[0] = x[1] = x[2] = x[3] = vwave = 0.0;
-    } else if (v.pos + 3 < v.open) {
+    } else if (std::int64_t{v.pos} + 3 < v.open) {
         const double a = v.pulse_a, b = v.pulse_b;
         const double s1 = a - b;
         const double s2 = s1 + (a - 2.0 * b);

@@ -176,7 +176,6 @@ void MyDocument::Synthesize()
     if (hadPrevious)
         CopyCurrentToPrevious();
 
-    channel.m_dSampleRate = g.sample_rate;
     channel.m_dwFileLength = channel.m_dSampleRate * channel.m_dLengthMS / 1000.0;
     channel.m_hData.reset();
     // A negative or meaningless length gives an empty block; one too large to address is an
@@ -197,14 +196,16 @@ void MyDocument::Synthesize()
         float* samples = lock.floats();
         const std::size_t perFrame = static_cast<std::size_t>(g.samples_per_frame);
         // The column at time 0 is never synthesized: the first frame is the column at one
-        // update interval. Intended; the document's length leaves room for one frame less.
+        // update interval. Intended.
         ColumnReader columns(_dataTableDictionary, channel.m_nColumnNum, channel.m_nUpdateIntervalMS);
         for (std::int64_t c = 1; c < channel.m_nColumnNum; ++c) {
+            // A grid longer than the document's length: the samples past the end of the block
+            // are dropped, and once it is full the remaining columns are not synthesized.
+            const std::size_t start = static_cast<std::size_t>(c - 1) * perFrame;
+            if (start >= capacity && perFrame > 0)
+                break;
             columns.read(c, *frame);
             engine.parwave(&g, frame.get(), frameOutput.get());
-            // Every column runs through the engine, but samples past the end of the block
-            // (a grid longer than the document's length) are dropped.
-            const std::size_t start = static_cast<std::size_t>(c - 1) * perFrame;
             const std::size_t end = std::min(start + perFrame, capacity);
             for (std::size_t i = start; i < end; ++i)
                 samples[i] =
