@@ -49,7 +49,7 @@ fuzz: deps
 		name=$$(basename $$f); corpus=$(FUZZ_BUILD)/corpus/$$name; mkdir -p $$corpus; \
 		$$f --make-seeds $$corpus >/dev/null 2>&1 || true; \
 		echo "== $$name ($(FUZZ_SECONDS) s)"; \
-		$$f -max_total_time=$(FUZZ_SECONDS) -print_final_stats=1 $$corpus || exit 1; \
+		$$f -max_total_time=$(FUZZ_SECONDS) -print_final_stats=1 -artifact_prefix=$(FUZZ_BUILD)/$$name- $$corpus || exit 1; \
 	done
 
 clean:

@@ -64,6 +64,11 @@ public:
     // Why the last read failed, in words (for messages that name the file and the fault).
     const std::string& lastReadError() const { return m_strReadError; }
 
+    // The largest document the readers take in: one hour, and no more frames than an hour of
+    // 10 ms frames. Longer files are refused with a reason instead of allocating without bound.
+    static constexpr double kMaxLengthMS = 3600.0 * 1000.0;
+    static constexpr int kMaxFrames = 360000;
+
     // --- parameter document files ---
     std::string Save_STK_FileType50(bool allRows);
     std::string Save_STK_FileType(bool allRows); // undo snapshots

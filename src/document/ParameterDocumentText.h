@@ -1,0 +1,21 @@
+#pragma once
+// The text of a parameter document, shared by the file writer and reader (StkFile.cpp) and by
+// the undo snapshots (UndoRedo.cpp). Internal to the document library.
+//
+// A snapshot uses the file layout with its own version marker and differs in two ways: its
+// anchor section holds the anchors of hidden rows too, and reading it keeps the document's file
+// type and audio state (it restores the grid, not the file's identity).
+#include <string>
+
+class MyDocument;
+
+enum class ParameterTextUse { File, Snapshot };
+
+// The document text from the table data (built from the grid first when it is empty). With
+// allRows false only the selected rows' names and values are written.
+std::string writeParameterText(MyDocument& document, bool allRows, ParameterTextUse use);
+
+// Reads the text into channel 0 (settings, selection flags, anchors, grid) and the display
+// colours. Answers 0, or -1 with `reason` set and the document unchanged.
+int readParameterText(MyDocument& document, const std::string& text, ParameterTextUse use,
+                      std::string& reason);

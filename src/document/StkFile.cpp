@@ -1,0 +1,300 @@
+// Parameter documents (type "stk"): the writer of the table data as tab-separated CR LF text,
+// the atomic save, and the document's entry points to the reader (StkFileReader.cpp).
+//
+// Layout, one item per line: length ms, sample rate, update interval | cascade flag, anchor
+// count, seven zeros, version marker | thirty colour components (x 255) | the 48 selection
+// flags, ten per line | anchors "name,column", ten per line (only when there are any) |
+// parameter names | one line of values per frame. Every number and name is followed by a tab.
+#include "document/MyDocument.h"
+#include "document/ParameterDocumentText.h"
+
+#include <cerrno>
+#include <charconv>
+#include <climits>
+#include <cmath>
+#include <cstring>
+#include <fcntl.h>
+#include <filesystem>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace
+{
+
+constexpr int kFileMarker = 50;
+// Snapshots carry the anchors of hidden rows too; their own marker keeps them apart from files.
+constexpr int kSnapshotMarker = 51;
+
+// Truncation toward zero into an int, saturating; NaN gives 0.
+int truncateToInt(double v)
+{
+    if (std::isnan(v))
+        return 0;
+    if (v >= static_cast<double>(INT_MAX))
+        return INT_MAX;
+    if (v <= static_cast<double>(INT_MIN))
+        return INT_MIN;
+    return static_cast<int>(v);
+}
+
+// Writes a section of entries ten to a line: a line end after every tenth entry and one more
+// when the section closes, so a section of a multiple of ten entries ends with an empty line.
+class TenPerLine
+{
+public:
+    explicit TenPerLine(std::string& text) : m_text(text) {}
+    void entryWritten()
+    {
+        if (++m_nCount == 10) {
+            MyDocument::EnterNumber(m_text, 0, true);
+            m_nCount = 0;
+        }
+    }
+    void close() { MyDocument::EnterNumber(m_text, 0, true); }
+
+private:
+    std::string& m_text;
+    int m_nCount = 0;
+};
+
+// What the writer needs of one cell. A frame column missing from the table data (the column
+// count changed without a rebuild) is written from the parameter record.
+struct FrameCell {
+    int value;
+    bool selected;
+    bool anchor;
+};
+
+class TableReader
+{
+public:
+    explicit TableReader(MyDocument& document) : m_channel(*document.getChannel(0))
+    {
+        const int interval = document.updateInterval();
+        const int frames = std::max(m_channel.m_nColumnNum, 0);
+        m_columns.resize(static_cast<std::size_t>(frames) + 1);
+        for (int k = 0; k <= frames; ++k)
+            m_columns[k] = document._dataTableDictionary.objectForKey(static_cast<long long>(k) * interval);
+    }
+    int frames() const { return static_cast<int>(m_columns.size()) - 1; }
+
+    FrameCell cell(int column, int row) const
+    {
+        const CellArray* cells = m_columns[column];
+        if (cells && static_cast<std::size_t>(row) < cells->size() && (*cells)[row]) {
+            const ImageAndTextCell& c = *(*cells)[row];
+            return {c._nValue(), c._bSelected(), c._bAnchor()};
+        }
+        const ParameterDefinition& p = m_channel.m_Parameters[row];
+        return {p.nValue, p.bSelected != 0, false};
+    }
+    // The row header's selection flag (column "0").
+    bool rowSelected(int row) const { return cell(0, row).selected; }
+
+private:
+    const Channels& m_channel;
+    std::vector<const CellArray*> m_columns;
+};
+
+// The table data is built from the grid when nobody has built it yet, so that a document read
+// but not shown is saved with its values and anchors.
+void ensureTableData(MyDocument& document)
+{
+    if (!document._dataTableDictionary.empty())
+        return;
+    const std::uint8_t readFile = document.m_bReadFile;
+    document.m_bReadFile = document.getChannel(0)->m_snppDataImage_Col_Row.empty() ? 0 : 1;
+    document.buildDataTableDictionary();
+    document.m_bReadFile = readFile;
+}
+
+void writeSettings(MyDocument& document, std::string& text, int anchors, int marker)
+{
+    Channels& c = *document.getChannel(0);
+    MyDocument::EnterNumber(text, truncateToInt(c.m_dLengthMS), false);
+    MyDocument::EnterNumber(text, truncateToInt(c.m_dSampleRate), false);
+    MyDocument::EnterNumber(text, document.updateInterval(), false);
+    MyDocument::EnterNumber(text, 0, true);
+
+    MyDocument::EnterNumber(text, c.m_bCascade_Parallel ? 1 : 0, false);
+    MyDocument::EnterNumber(text, anchors, false);
+    for (int i = 0; i < 7; ++i)
+        MyDocument::EnterNumber(text, 0, false);
+    MyDocument::EnterNumber(text, marker, false);
+    MyDocument::EnterNumber(text, 0, true);
+
+    for (int i = 0; i < 10; ++i) {
+        const Color& colour = document.m_bgColor[i];
+        MyDocument::EnterNumber(text, truncateToInt(colour.red * 255.0), false);
+        MyDocument::EnterNumber(text, truncateToInt(colour.green * 255.0), false);
+        MyDocument::EnterNumber(text, truncateToInt(colour.blue * 255.0), false);
+    }
+    MyDocument::EnterNumber(text, 0, true);
+}
+
+} // namespace
+
+std::string writeParameterText(MyDocument& document, bool allRows, ParameterTextUse use)
+{
+    ensureTableData(document);
+    const TableReader table(document);
+    const Channels& c = *document.getChannel(0);
+    const bool snapshot = use == ParameterTextUse::Snapshot;
+
+    // One pass over the cells writes the value lines and collects the anchor entries, whose
+    // count the settings lines need first.
+    std::string values;
+    values.reserve(static_cast<std::size_t>(table.frames()) * kParameterCount * 5 + 64);
+    std::string anchorEntries;
+    TenPerLine entries(anchorEntries);
+    int anchors = 0;
+    for (int k = 1; k <= table.frames(); ++k) {
+        for (int row = 0; row < kParameterCount; ++row) {
+            const FrameCell cell = table.cell(k, row);
+            if (cell.anchor && (snapshot || cell.selected)) {
+                const char* name = c.m_Parameters[row].strName;
+                anchorEntries += name ? name : "";
+                anchorEntries += ',';
+                MyDocument::EnterNumber(anchorEntries, k - 1, false);
+                entries.entryWritten();
+                ++anchors;
+            }
+            if (allRows || cell.selected)
+                MyDocument::EnterNumber(values, cell.value, false);
+        }
+        MyDocument::EnterNumber(values, 0, true);
+    }
+
+    std::string text;
+    text.reserve(values.size() + anchorEntries.size() + 1024);
+    writeSettings(document, text, anchors, snapshot ? kSnapshotMarker : kFileMarker);
+    TenPerLine flags(text);
+    for (int row = 0; row < kParameterCount; ++row) {
+        MyDocument::EnterNumber(text, table.rowSelected(row) ? 1 : 0, false);
+        flags.entryWritten();
+    }
+    flags.close();
+    if (anchors > 0) {
+        entries.close();
+        text += anchorEntries;
+    }
+    for (int row = 0; row < kParameterCount; ++row)
+        if (allRows || table.rowSelected(row))
+            MyDocument::EnterParameter(text, c.m_Parameters[row].strName);
+    MyDocument::EnterNumber(text, 0, true);
+    text += values;
+    return text;
+}
+
+void MyDocument::EnterNumber(std::string& text, int number, bool bCRLFOnly)
+{
+    if (bCRLFOnly) {
+        text += "\r\n";
+        return;
+    }
+    char digits[16];
+    char* end = std::to_chars(digits, digits + sizeof digits - 1, number).ptr;
+    *end++ = '\t';
+    text.append(digits, end);
+}
+
+void MyDocument::EnterParameter(std::string& text, const char* name)
+{
+    if (name)
+        text += name;
+    text += '\t';
+}
+
+std::string MyDocument::Save_STK_FileType50(bool allRows)
+{
+    std::string text = writeParameterText(*this, allRows, ParameterTextUse::File);
+    updateChangeCount(ChangeDone);
+    return text;
+}
+
+std::string MyDocument::Save_STK_FileType(bool allRows)
+{
+    return writeParameterText(*this, allRows, ParameterTextUse::Snapshot);
+}
+
+int MyDocument::Read_STK_FileType(const std::string& bytes)
+{
+    return readParameterText(*this, bytes, ParameterTextUse::File, m_strReadError);
+}
+
+namespace
+{
+
+bool failWrite(const std::string& path, int error, std::string& why)
+{
+    why = "cannot save \"" + path + "\": " + std::strerror(error);
+    return false;
+}
+
+bool writeAll(int fd, const std::string& bytes)
+{
+    std::size_t done = 0;
+    while (done < bytes.size()) {
+        const ssize_t n = ::write(fd, bytes.data() + done, bytes.size() - done);
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n <= 0)
+            return false;
+        done += static_cast<std::size_t>(n);
+    }
+    return true;
+}
+
+// Writes the bytes to a temporary file in the target's folder, flushes it to the disk and
+// renames it over the target, so that the target holds either the old or the new text.
+bool writeFileAtomically(const std::string& path, const std::string& bytes, std::string& why)
+{
+    namespace fs = std::filesystem;
+    const fs::path target(path);
+    const fs::path folder = target.has_parent_path() ? target.parent_path() : fs::path(".");
+    std::string temporary = (folder / ("." + target.filename().string() + ".XXXXXX")).string();
+    const int fd = ::mkstemp(temporary.data());
+    if (fd < 0)
+        return failWrite(path, errno, why);
+    // The new file keeps the old one's permissions.
+    struct stat old {
+    };
+    ::fchmod(fd, ::stat(path.c_str(), &old) == 0 ? (old.st_mode & 07777) : 0644);
+    const bool written = writeAll(fd, bytes) && ::fsync(fd) == 0;
+    const int writeError = errno;
+    const bool closed = ::close(fd) == 0;
+    if (!written || !closed || ::rename(temporary.c_str(), path.c_str()) != 0) {
+        const int error = !written ? writeError : errno;
+        ::unlink(temporary.c_str());
+        return failWrite(path, error, why);
+    }
+    // Make the rename itself durable; a folder that cannot be synced does not undo the save.
+    const int folderFd = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY);
+    if (folderFd >= 0) {
+        ::fsync(folderFd);
+        ::close(folderFd);
+    }
+    return true;
+}
+
+} // namespace
+
+bool MyDocument::writeSafelyToURL(const std::string& path, const std::string& typeName, std::string* error)
+{
+    const std::string text = Save_STK_FileType50(m_bSaveAll != 0);
+    std::string why;
+    const bool saved = writeFileAtomically(path, text, why);
+    // Revert reloads _fileData, so it keeps the text of the last save that reached the disk.
+    _bDoRevert = saved ? 1 : 0;
+    if (!saved) {
+        if (error)
+            *error = why;
+        return false;
+    }
+    _fileTypeName = typeName;
+    _fileData = text;
+    setFileURL(path);
+    setFileType(typeName);
+    updateChangeCount(ChangeCleared);
+    return true;
+}

@@ -1,0 +1,283 @@
+#include "document/DocumentTestSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <sys/resource.h>
+
+namespace
+{
+
+std::vector<std::string> linesOf(const std::string& text)
+{
+    std::vector<std::string> lines;
+    std::size_t start = 0;
+    for (std::size_t end; (end = text.find("\r\n", start)) != std::string::npos; start = end + 2)
+        lines.push_back(text.substr(start, end - start));
+    EXPECT_EQ(start, text.size()) << "text does not end with CR LF";
+    return lines;
+}
+
+int fieldCount(const std::string& line)
+{
+    return static_cast<int>(std::count(line.begin(), line.end(), '\t'));
+}
+
+std::string readFile(const std::filesystem::path& path)
+{
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream bytes;
+    bytes << in.rdbuf();
+    return bytes.str();
+}
+
+// A document with edits in every kind of field the file carries.
+std::unique_ptr<MyDocument> editedDocument()
+{
+    auto document = makeDocument(125.0, 5); // 25 frames of 5 ms
+    Channels* c = document->getChannel(0);
+    c->m_dSampleRate = 22050.0;
+    c->m_bCascade_Parallel = 0;
+    document->m_bgColor[3] = Color::rgb(0.2, 0.4, 0.6);
+    c->m_Parameters[Row::f6].bSelected = 1; // shown high formant
+    c->m_Parameters[Row::ah].bSelected = 0; // hidden row with values
+    document->buildDataTableDictionary();
+    for (int k = 1; k <= 25; ++k)
+        for (int row = 0; row < kParameterCount; ++row)
+            setValue(*document, k, row, (k * 37 + row * 11) % 900 - 100);
+    // Eleven anchors on shown rows (a full line of ten and one more), one on a hidden row.
+    for (int k = 1; k <= 11; ++k)
+        frameCell(*document, k, Row::f1)->set_bAnchor(true);
+    frameCell(*document, 4, Row::ah)->set_bAnchor(true);
+    return document;
+}
+
+} // namespace
+
+TEST(StkFile, FactoryDocumentLayout)
+{
+    auto document = makeDocument(200.0);
+    EXPECT_FALSE(document->isDocumentEdited());
+    const std::string text = document->Save_STK_FileType50(true);
+    EXPECT_TRUE(document->isDocumentEdited()); // saving the text marks the document changed
+
+    const auto lines = linesOf(text);
+    ASSERT_EQ(lines.size(), 3u + 5u + 1u + 20u);
+    EXPECT_EQ(lines[0], "200\t11025\t10\t");
+    EXPECT_EQ(lines[1], "1\t0\t0\t0\t0\t0\t0\t0\t0\t50\t");
+    std::string white;
+    for (int i = 0; i < 30; ++i)
+        white += "255\t";
+    EXPECT_EQ(lines[2], white);
+    EXPECT_EQ(lines[3], "1\t1\t1\t1\t1\t0\t0\t0\t1\t1\t"); // f0 av ah af tl f8 f7 f6 f5 f4
+    EXPECT_EQ(lines[7], "1\t1\t0\t0\t1\t0\t0\t0\t");       // rows 40..47: fnp bnp oq anv apv atu skew gain
+    // No anchors: the names line follows the selection lines directly.
+    EXPECT_EQ(lines[8].substr(0, 18), "f0\tav\tah\taf\ttl\tf8\t");
+    EXPECT_EQ(fieldCount(lines[8]), 48);
+    EXPECT_EQ(lines[9].substr(0, 8), "1000\t60\t");
+    EXPECT_EQ(fieldCount(lines[28]), 48);
+}
+
+TEST(StkFile, RoundTripOfEveryFieldWithAllRows)
+{
+    auto original = editedDocument();
+    const std::string text = original->Save_STK_FileType50(true);
+    const auto lines = linesOf(text);
+    EXPECT_EQ(lines[1].substr(0, 5), "0\t11\t"); // cascade off, eleven anchors on shown rows
+    EXPECT_EQ(lines[8], "f1,0\tf1,1\tf1,2\tf1,3\tf1,4\tf1,5\tf1,6\tf1,7\tf1,8\tf1,9\t");
+    EXPECT_EQ(lines[9], "f1,10\t");
+
+    MyDocument copy;
+    ASSERT_EQ(copy.Read_STK_FileType(text), 0) << copy.lastReadError();
+    const Channels* c = copy.getChannel(0);
+    EXPECT_DOUBLE_EQ(c->m_dLengthMS, 125.0);
+    EXPECT_DOUBLE_EQ(c->m_dSampleRate, 22050.0);
+    EXPECT_EQ(c->m_nUpdateIntervalMS, 5);
+    EXPECT_EQ(c->m_nColumnNum, 25);
+    EXPECT_EQ(c->m_bCascade_Parallel, 0);
+    EXPECT_EQ(c->m_bParallel, 1);
+    EXPECT_EQ(copy.m_bver50, 1);
+    EXPECT_EQ(c->m_nParameterNumber, 48);
+    EXPECT_EQ(c->m_nNumberofAnchors, 11);
+    EXPECT_EQ(c->m_bHaveData, 1);
+    EXPECT_EQ(c->m_bSynthesize, 1);
+    EXPECT_EQ(copy.m_bAudiofile, 0);
+    EXPECT_EQ(copy.fileType(), "stk");
+    EXPECT_NEAR(copy.m_bgColor[3].green, 0.4, 1.0 / 255);
+    EXPECT_EQ(static_cast<int>(copy.m_bgColor[3].blue * 255), static_cast<int>(0.6 * 255));
+    for (int row = 0; row < kParameterCount; ++row)
+        EXPECT_EQ(c->m_Parameters[row].bSelected, original->getChannel(0)->m_Parameters[row].bSelected)
+            << row;
+    ASSERT_EQ(c->m_snppDataImage_Col_Row.size(), 27u);
+
+    copy.m_bReadFile = 1;
+    copy.buildDataTableDictionary();
+    for (int k = 1; k <= 25; ++k)
+        for (int row = 0; row < kParameterCount; ++row) {
+            const CellRef a = frameCell(*original, k, row);
+            const CellRef b = frameCell(copy, k, row);
+            ASSERT_EQ(a->_nValue(), b->_nValue()) << k << "," << row;
+            // A file keeps the anchors of shown rows only.
+            EXPECT_EQ(a->_bAnchor() && a->_bSelected(), b->_bAnchor()) << k << "," << row;
+        }
+    // Written again, the copy gives the same text.
+    EXPECT_EQ(copy.Save_STK_FileType50(true), text);
+}
+
+TEST(StkFile, SelectedRowsOnly)
+{
+    auto original = editedDocument();
+    original->m_bSaveAll = 0;
+    const std::string text = original->Save_STK_FileType50(false);
+    const auto lines = linesOf(text);
+    int shown = 0;
+    for (int row = 0; row < kParameterCount; ++row)
+        shown += original->getChannel(0)->m_Parameters[row].bSelected;
+    // 3 + 5 selection lines + 2 anchor lines, then names and 25 value lines.
+    ASSERT_EQ(lines.size(), 10u + 1u + 25u);
+    EXPECT_EQ(fieldCount(lines[10]), shown);
+    EXPECT_EQ(lines[10].find("ah\t"), std::string::npos);
+    for (std::size_t i = 11; i < lines.size(); ++i)
+        ASSERT_EQ(fieldCount(lines[i]), shown);
+
+    MyDocument copy;
+    ASSERT_EQ(copy.Read_STK_FileType(text), 0) << copy.lastReadError();
+    EXPECT_EQ(copy.getChannel(0)->m_nParameterNumber, shown);
+    const auto& grid = copy.getChannel(0)->m_snppDataImage_Col_Row;
+    for (int k = 1; k <= 25; ++k) {
+        EXPECT_EQ(grid[k - 1][Row::f1], frameCell(*original, k, Row::f1)->_nValue());
+        EXPECT_EQ(grid[k - 1][Row::ah], 0); // not in the file: its default
+        EXPECT_EQ(grid[k - 1][Row::oq], 20);
+    }
+}
+
+TEST(StkFile, OlderMarkersUnknownNamesAndRaggedLines)
+{
+    const std::string head = "30\t11025\t10\t\r\n1\t0\t0\t0\t0\t0\t0\t0\t0\t30\t\r\n";
+    const std::string text = head + "10\t20\t30\t\r\n" + "f0\tzz\tatv\tf1\t\r\n" + "1200\t5\t44\t640\t\r\n" +
+                             "1300\t6\r\n" + "1400\t7\t45\t650\t999\t999\t\r\n";
+    MyDocument document;
+    ASSERT_EQ(document.Read_STK_FileType(text), 0) << document.lastReadError();
+    EXPECT_EQ(document.m_bver50, 0);
+    EXPECT_EQ(document.getChannel(0)->m_nParameterNumber, 3); // f0, atv as apv, f1
+    const auto& grid = document.getChannel(0)->m_snppDataImage_Col_Row;
+    EXPECT_EQ(grid[0][Row::f0], 1200);
+    EXPECT_EQ(grid[0][Row::apv], 44);
+    EXPECT_EQ(grid[0][Row::f1], 640);
+    EXPECT_EQ(grid[1][Row::f0], 1300); // short line: the rest keep their defaults
+    EXPECT_EQ(grid[1][Row::apv], 0);
+    EXPECT_EQ(grid[1][Row::f1], 500);
+    EXPECT_EQ(grid[2][Row::f1], 650); // long line: extra fields ignored
+    EXPECT_NEAR(document.m_bgColor[0].red, 10 / 255.0, 1e-12);
+    EXPECT_NEAR(document.m_bgColor[0].blue, 30 / 255.0, 1e-12);
+    EXPECT_EQ(document.m_bgColor[1], Color::white()); // colours the line lacks stay
+
+    // With another marker "atv" is unknown; LF-only lines are read too.
+    std::string other = text;
+    other.replace(other.find("30\t\r\n"), 2, "40");
+    MyDocument older;
+    ASSERT_EQ(older.Read_STK_FileType(other), 0);
+    EXPECT_EQ(older.getChannel(0)->m_snppDataImage_Col_Row[0][Row::apv], 0);
+    std::string lf;
+    for (char ch : text)
+        if (ch != '\r')
+            lf += ch;
+    MyDocument unix;
+    ASSERT_EQ(unix.Read_STK_FileType(lf), 0);
+    EXPECT_EQ(unix.getChannel(0)->m_snppDataImage_Col_Row[2][Row::f1], 650);
+}
+
+TEST(StkFile, AbsurdDocumentsAreRefusedAndLeaveTheDocumentAlone)
+{
+    const std::string tail = "1\t0\t0\t0\t0\t0\t0\t0\t0\t50\t\r\n";
+    const struct {
+        std::string text;
+        const char* reasonPart;
+    } cases[] = {
+        {"", "empty"},
+        {"200\t11025\t10\t\r\n", "ends after its first line"},
+        {"hello\tworld\r\n" + tail, "first line"},
+        {"200\t11025\r\n" + tail, "first line"},
+        {"1000000000000\t11025\t10\t\r\n" + tail, "length"},
+        {"-5\t11025\t10\t\r\n" + tail, "length"},
+        {"200\t0\t10\t\r\n" + tail, "sample rate"},
+        {"3600000\t11025\t1\t\r\n" + tail, "frames"},
+        {"200\t11025\t99999999999\t\r\n" + tail, "update interval"},
+        {"200\t11025\t10\t\r\nx\r\n", "second line"},
+    };
+    for (const auto& c : cases) {
+        auto document = makeDocument(300.0);
+        setValue(*document, 2, Row::f2, 1777);
+        document->getChannel(0)->m_snppDataImage_Col_Row[1][Row::f2] = 1777;
+        EXPECT_EQ(document->Read_STK_FileType(c.text), -1) << c.text;
+        EXPECT_NE(document->lastReadError().find(c.reasonPart), std::string::npos)
+            << document->lastReadError();
+        const Channels* ch = document->getChannel(0);
+        EXPECT_DOUBLE_EQ(ch->m_dLengthMS, 300.0);
+        EXPECT_EQ(ch->m_nColumnNum, 30);
+        EXPECT_EQ(ch->m_snppDataImage_Col_Row[1][Row::f2], 1777);
+    }
+
+    // A negative interval becomes 10; values are kept to 16 bits; anchors outside the frames,
+    // with unknown names or without a column are dropped; extra value lines are ignored.
+    const std::string odd = "100\t11025\t-7\t\r\n" + tail + "\r\nf1,3\tq9,1\tf1,10\tf2,x\tf2,-1\t\r\n" +
+                            "f1\tf2\t\r\n70000\tabc\t\r\n" + std::string(40, '\n');
+    MyDocument document;
+    ASSERT_EQ(document.Read_STK_FileType(odd), 0) << document.lastReadError();
+    const Channels* c = document.getChannel(0);
+    EXPECT_EQ(c->m_nUpdateIntervalMS, 10);
+    EXPECT_EQ(c->m_nColumnNum, 10);
+    EXPECT_EQ(c->m_snppDataImage_Col_Row[0][Row::f1], static_cast<std::int16_t>(70000 & 0xffff));
+    EXPECT_EQ(c->m_snppDataImage_Col_Row[0][Row::f2], 1500);
+    EXPECT_EQ(c->m_pAnchorPosition, (std::vector<std::int32_t>{Row::f1, 3}));
+    EXPECT_EQ(c->m_nNumberofAnchors, 1);
+}
+
+TEST(StkFile, AtomicSaveAndItsFailures)
+{
+    namespace fs = std::filesystem;
+    const fs::path folder = fs::temp_directory_path() / ("tessaphon-stk-" + std::to_string(::getpid()));
+    fs::remove_all(folder);
+    fs::create_directories(folder);
+    const fs::path target = folder / "utterance.stk";
+
+    auto document = editedDocument();
+    document->updateChangeCount(MyDocument::ChangeDone);
+    std::string error;
+    ASSERT_TRUE(document->writeSafelyToURL(target.string(), "stk", &error)) << error;
+    const std::string saved = readFile(target);
+    EXPECT_EQ(saved, document->Save_STK_FileType50(true));
+    EXPECT_EQ(document->_fileData, saved);
+    EXPECT_EQ(document->_fileTypeName, "stk");
+    EXPECT_EQ(document->fileURL(), target.string());
+    EXPECT_TRUE(document->canRevert());
+    document->writeSafelyToURL(target.string(), "stk", &error);
+    EXPECT_FALSE(document->isDocumentEdited());
+
+    // A folder that does not exist: refused, with the file and the reason named.
+    EXPECT_FALSE(document->writeSafelyToURL((folder / "missing" / "a.stk").string(), "stk", &error));
+    EXPECT_NE(error.find("missing/a.stk"), std::string::npos) << error;
+    EXPECT_NE(error.find("No such file or directory"), std::string::npos) << error;
+    EXPECT_FALSE(document->canRevert());
+    EXPECT_EQ(document->_fileData, saved); // revert still means the text on the disk
+
+    // The disk refuses the data half-way (file size limit): the old file stays whole and no
+    // temporary file is left behind.
+    auto bigger = makeDocument(20000.0);
+    rlimit old{};
+    getrlimit(RLIMIT_FSIZE, &old);
+    std::signal(SIGXFSZ, SIG_IGN);
+    rlimit small = old;
+    small.rlim_cur = saved.size() + 100;
+    setrlimit(RLIMIT_FSIZE, &small);
+    const bool written = bigger->writeSafelyToURL(target.string(), "stk", &error);
+    setrlimit(RLIMIT_FSIZE, &old);
+    EXPECT_FALSE(written);
+    EXPECT_NE(error.find("File too large"), std::string::npos) << error;
+    EXPECT_EQ(readFile(target), saved);
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder), fs::directory_iterator()), 1);
+    fs::remove_all(folder);
+}

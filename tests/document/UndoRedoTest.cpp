@@ -1,0 +1,175 @@
+#include "document/DocumentException.h"
+#include "document/DocumentTestSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+namespace
+{
+
+// One edit as every editor makes it: snapshot before, change, snapshot after.
+void edit(MyDocument& document, int frame, int row, int value)
+{
+    document.saveUndo();
+    setValue(document, frame, row, value);
+    document.saveRedo();
+}
+
+int shownValue(MyDocument& document, int frame, int row)
+{
+    return frameCell(document, frame, row)->_nValue();
+}
+
+} // namespace
+
+TEST(UndoRedo, ElevenEditsKeepTenAndWalkBothWays)
+{
+    auto document = makeDocument(100.0);
+    EXPECT_FALSE(document->canUndo());
+    EXPECT_FALSE(document->canRedo());
+    document->doUndo(); // nothing to undo: no effect
+    document->doRedo();
+
+    // Edit i sets f1 of frame 2 to 500 + i.
+    for (int i = 1; i <= 11; ++i)
+        edit(*document, 2, Row::f1, 500 + i);
+    ASSERT_EQ(document->_arrayUndo.size(), 10u);
+    ASSERT_EQ(document->_arrayRedo.size(), 10u);
+    EXPECT_EQ(document->_nUndoRedoIndex, 10);
+    EXPECT_TRUE(document->canUndo());
+    EXPECT_FALSE(document->canRedo());
+
+    // Ten undos restore the states before edits 11, 10, ..., 2; the first edit is forgotten.
+    for (int i = 11; i >= 2; --i) {
+        ASSERT_TRUE(document->canUndo());
+        document->doUndo();
+        EXPECT_EQ(shownValue(*document, 2, Row::f1), 500 + i - 1) << i;
+        EXPECT_TRUE(document->canRedo());
+    }
+    EXPECT_FALSE(document->canUndo());
+    EXPECT_EQ(document->_nUndoRedoIndex, 0);
+
+    // Redo walks forward through the states after edits 2 .. 11.
+    for (int i = 2; i <= 11; ++i) {
+        ASSERT_TRUE(document->canRedo());
+        document->doRedo();
+        EXPECT_EQ(shownValue(*document, 2, Row::f1), 500 + i) << i;
+    }
+    EXPECT_FALSE(document->canRedo());
+
+    // A new edit after two undos drops only the oldest entries; the position follows the lists.
+    document->doUndo();
+    document->doUndo();
+    edit(*document, 3, Row::f2, 1111);
+    EXPECT_EQ(document->_arrayUndo.size(), 10u);
+    EXPECT_EQ(document->_nUndoRedoIndex, 10);
+    document->doUndo();
+    EXPECT_EQ(shownValue(*document, 3, Row::f2), 1500);
+    EXPECT_EQ(shownValue(*document, 2, Row::f1), 509); // the state the edit was made on
+}
+
+TEST(UndoRedo, SnapshotsRestoreFramesSelectionAndEveryAnchor)
+{
+    auto document = makeDocument(50.0);
+    Channels* c = document->getChannel(0);
+    document->m_bver50 = 1;                              // as read from a file
+    frameCell(*document, 2, Row::oq)->set_bAnchor(true); // anchor on a hidden row
+    frameCell(*document, 5, Row::f0)->set_bAnchor(true);
+    setValue(*document, 5, Row::f0, 1234);
+
+    // An edit that adds frames and changes what is shown.
+    document->saveUndo();
+    c->m_dLengthMS = 80.0;
+    c->m_nColumnNum = 8;
+    c->m_Parameters[Row::oq].bSelected = 1;
+    c->m_Parameters[Row::f0].bSelected = 0;
+    document->SetUpDataGridMemory();
+    document->buildDataTableDictionary();
+    setValue(*document, 8, Row::f3, 2600);
+    frameCell(*document, 6, Row::f0)->set_bAnchor(true); // f0 is hidden now
+    document->saveRedo();
+
+    document->doUndo();
+    EXPECT_EQ(c->m_nColumnNum, 5);
+    EXPECT_DOUBLE_EQ(c->m_dLengthMS, 50.0);
+    EXPECT_EQ(document->_dataTableDictionary.count(), 6u);
+    EXPECT_EQ(c->m_Parameters[Row::oq].bSelected, 0);
+    EXPECT_EQ(c->m_Parameters[Row::f0].bSelected, 1);
+    EXPECT_TRUE(frameCell(*document, 2, Row::oq)->_bAnchor());
+    EXPECT_TRUE(frameCell(*document, 5, Row::f0)->_bAnchor());
+    EXPECT_FALSE(frameCell(*document, 4, Row::f0)->_bAnchor());
+    EXPECT_EQ(shownValue(*document, 5, Row::f0), 1234);
+    EXPECT_EQ(frameCell(*document, 5, Row::f0)->stringValue(), "1234");
+
+    document->doRedo();
+    EXPECT_EQ(c->m_nColumnNum, 8);
+    EXPECT_EQ(document->_dataTableDictionary.count(), 9u);
+    EXPECT_EQ(shownValue(*document, 8, Row::f3), 2600);
+    EXPECT_EQ(c->m_Parameters[Row::f0].bSelected, 0);
+    EXPECT_TRUE(frameCell(*document, 6, Row::f0)->_bAnchor());
+    EXPECT_FALSE(frameCell(*document, 2, Row::oq)->_bAnchor());
+    // Undo does not touch the file identity.
+    EXPECT_EQ(document->fileType(), "stk");
+    EXPECT_EQ(document->m_bver50, 1);
+}
+
+TEST(UndoRedo, DamagedSnapshotsAndUnevenListsFailCleanly)
+{
+    auto document = makeDocument(30.0);
+    edit(*document, 1, Row::av, 40);
+    document->_arrayUndo[0] = "not a snapshot";
+    try {
+        document->doUndo();
+        FAIL() << "no exception";
+    } catch (const DocumentException& e) {
+        EXPECT_EQ(e.name(), "Error in reading the file");
+        EXPECT_FALSE(e.reason().empty());
+    }
+    EXPECT_FALSE(document->Read_STK_FileTypeDoUndo(""));
+
+    // A change recorded with saveRedo alone leaves the redo list longer than the undo list:
+    // undo then restores the newest "before" state instead of reading past the list.
+    auto uneven = makeDocument(30.0);
+    edit(*uneven, 1, Row::av, 41);
+    setValue(*uneven, 2, Row::av, 42);
+    uneven->saveRedo();
+    EXPECT_EQ(uneven->_nUndoRedoIndex, 2);
+    uneven->doUndo();
+    EXPECT_EQ(shownValue(*uneven, 1, Row::av), 60);
+    EXPECT_EQ(shownValue(*uneven, 2, Row::av), 60);
+}
+
+TEST(UndoRedo, RevertGoesBackToTheLastSave)
+{
+    namespace fs = std::filesystem;
+    const fs::path path =
+        fs::temp_directory_path() / ("tessaphon-revert-" + std::to_string(::getpid()) + ".stk");
+    auto document = makeDocument(60.0);
+    EXPECT_FALSE(document->canRevert());
+    EXPECT_FALSE(document->doRevertDocumentToSaved());
+
+    setValue(*document, 3, Row::f2, 1800);
+    frameCell(*document, 3, Row::f2)->set_bAnchor(true);
+    std::string error;
+    ASSERT_TRUE(document->writeSafelyToURL(path.string(), "stk", &error)) << error;
+    EXPECT_TRUE(document->canRevert());
+
+    edit(*document, 3, Row::f2, 900);
+    edit(*document, 1, Row::f1, 700);
+    ASSERT_TRUE(document->doRevertDocumentToSaved()) << document->lastReadError();
+    EXPECT_EQ(shownValue(*document, 3, Row::f2), 1800);
+    EXPECT_TRUE(frameCell(*document, 3, Row::f2)->_bAnchor());
+    EXPECT_EQ(shownValue(*document, 1, Row::f1), 500);
+    // The reverted document starts a new history and is unchanged.
+    EXPECT_FALSE(document->canUndo());
+    EXPECT_FALSE(document->canRedo());
+    EXPECT_TRUE(document->_arrayUndo.empty());
+    EXPECT_FALSE(document->isDocumentEdited());
+    EXPECT_TRUE(document->canRevert());
+
+    // Another type than "stk" cannot be reverted.
+    document->setFileType("wav");
+    EXPECT_FALSE(document->canRevert());
+    fs::remove(path);
+}

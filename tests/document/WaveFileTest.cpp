@@ -1,0 +1,230 @@
+#include "document/DocumentTestSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+namespace
+{
+
+void setSynthesis(MyDocument& document, const std::vector<float>& samples, double rate)
+{
+    Channels* c = document.getChannel(0);
+    c->m_hData = MemoryBlock::newHandleClear(samples.size() * sizeof(float));
+    std::memcpy(c->m_hData->bytes(), samples.data(), samples.size() * sizeof(float));
+    c->m_dwFileLength = static_cast<double>(samples.size());
+    c->m_dSampleRate = rate;
+}
+
+std::int16_t sampleAt(const std::string& image, std::size_t i)
+{
+    const auto* b = reinterpret_cast<const unsigned char*>(image.data() + 48 + 2 * i);
+    return static_cast<std::int16_t>(b[0] | b[1] << 8);
+}
+
+} // namespace
+
+TEST(WaveFile, WrittenHeaderIsByteExactAndSamplesWrapWithoutClipping)
+{
+    MyDocument document;
+    setSynthesis(document, {0.5f, -0.25f, 1.0f, -1.0f, 1.5f, 0.99999f, -0.0000305f}, 11025.0);
+    const std::string image = document.save_Wave_FileType();
+
+    const unsigned char golden[48] = {'R',  'I',  'F', 'F', 14,   0,    0,   0,   'W', 'A', 'V', 'E',
+                                      'f',  'm',  't', ' ', 20,   0,    0,   0,   1,   0,   1,   0,
+                                      0x11, 0x2b, 0,   0,   0x22, 0x56, 0,   0,   2,   0,   16,  0,
+                                      0,    0,    0,   0,   'd',  'a',  't', 'a', 14,  0,   0,   0};
+    ASSERT_EQ(image.size(), 48u + 14u);
+    EXPECT_EQ(std::memcmp(image.data(), golden, 48), 0);
+    EXPECT_EQ(sampleAt(image, 0), 16384);
+    EXPECT_EQ(sampleAt(image, 1), -8192);
+    EXPECT_EQ(sampleAt(image, 2), -32768); // +1.0 wraps
+    EXPECT_EQ(sampleAt(image, 3), -32768);
+    EXPECT_EQ(sampleAt(image, 4), -16384); // 1.5 -> 49152 -> low 16 bits
+    EXPECT_EQ(sampleAt(image, 5), 32767);
+    EXPECT_EQ(sampleAt(image, 6), 0); // truncation toward zero, not rounding
+
+    // A fractional length writes the sample the loop reaches beyond the counted ones, as zero
+    // when the block does not hold it.
+    document.getChannel(0)->m_dwFileLength = 2.5;
+    const std::string fractional = document.save_Wave_FileType();
+    EXPECT_EQ(fractional[4], 4);
+    EXPECT_EQ(fractional.size(), 48u + 6u);
+
+    // No audio at all: a header for zero samples.
+    MyDocument empty;
+    EXPECT_EQ(empty.save_Wave_FileType().size(), 48u);
+}
+
+TEST(WaveFile, WrittenFileReadsBackAsModelWithGridAndStkLocation)
+{
+    MyDocument writer;
+    setSynthesis(writer, {0.25f, -0.5f, 0.125f, 0.0f}, 8000.0);
+    const std::string image = writer.save_Wave_FileType();
+
+    MyDocument document;
+    document.setFileURL("/some/folder/take.1.wav");
+    int code = 1;
+    ASSERT_TRUE(document.readFromData(image, "wav", &code)) << document.lastReadError();
+    EXPECT_EQ(code, 0);
+    const Channels* model = document.getChannel(2);
+    EXPECT_DOUBLE_EQ(model->m_dSampleRate, 8000.0);
+    EXPECT_DOUBLE_EQ(model->m_dwFileLength, 4.0);
+    EXPECT_DOUBLE_EQ(model->m_dLengthMS, 0.5);
+    ASSERT_EQ(model->sampleCount(), 4u);
+    EXPECT_FLOAT_EQ(model->samples()[0], 0.25f);
+    EXPECT_FLOAT_EQ(model->samples()[1], -0.5f);
+    EXPECT_FLOAT_EQ(model->samples()[2], 0.125f);
+    EXPECT_EQ(model->m_hData->size(), 4u * 4u + 100u);
+    EXPECT_EQ(model->m_nChannelsinFile, 1);
+    EXPECT_EQ(model->m_nDataType, 3);
+    EXPECT_DOUBLE_EQ(model->m_dC1Cal, 1000.0);
+    EXPECT_DOUBLE_EQ(model->m_dFilterRate, 11025.0 * 0.5); // from channel 0's rate
+
+    EXPECT_EQ(document.fileURL(), "/some/folder/take.1.stk");
+    EXPECT_EQ(document.fileType(), "stk");
+    EXPECT_TRUE(document.isDocumentEdited());
+    EXPECT_EQ(document.m_bReadFile, 1);
+    EXPECT_EQ(document._fileTypeName, "wav");
+    EXPECT_EQ(document._fileData, image);
+}
+
+TEST(WaveFile, GridFollowsTheRecordingLength)
+{
+    // One second of silence at 11025 Hz: 100 frames of 10 ms, grid of defaults.
+    const std::string image = waveImage(1, 1, 11025, 2, 16, std::string(22050, '\0'));
+    MyDocument document;
+    ASSERT_TRUE(document.readFromData(image, "wav", nullptr));
+    const Channels* c = document.getChannel(0);
+    EXPECT_DOUBLE_EQ(c->m_dLengthMS, 1000.0);
+    EXPECT_EQ(c->m_nColumnNum, 100);
+    ASSERT_EQ(c->m_snppDataImage_Col_Row.size(), 102u);
+    EXPECT_EQ(c->m_snppDataImage_Col_Row[99][Row::f0], 1000);
+    document.buildDataTableDictionary();
+    EXPECT_EQ(document._dataTableDictionary.count(), 101u);
+}
+
+TEST(WaveFile, ChunkWalkStereoFloatAndMuLaw)
+{
+    // An odd-sized format chunk is followed directly by the data chunk (no pad byte).
+    MyDocument odd;
+    ASSERT_EQ(odd.Read_WAVE_FileType(waveImage(1, 1, 16000, 2, 16, pcm16({100, -200, 300}), 17)), 0)
+        << odd.lastReadError();
+    EXPECT_DOUBLE_EQ(odd.getChannel(2)->m_dwFileLength, 3.0);
+    EXPECT_FLOAT_EQ(odd.getChannel(2)->samples()[1], -200.0f / 32768.0f);
+
+    // Stereo: D / block align samples, taken consecutively from the interleaved data.
+    MyDocument stereo;
+    ASSERT_EQ(stereo.Read_WAVE_FileType(waveImage(1, 2, 11025, 4, 16, pcm16({1, 2, 3, 4, 5, 6, 7, 8}))), 0);
+    const Channels* s = stereo.getChannel(2);
+    ASSERT_DOUBLE_EQ(s->m_dwFileLength, 4.0);
+    for (int i = 0; i < 4; ++i)
+        EXPECT_FLOAT_EQ(s->samples()[i], (i + 1) / 32768.0f);
+
+    // IEEE float samples are copied as they stand, whatever bits the format block says.
+    const float values[3] = {0.75f, -2.5f, 1e-3f};
+    std::string floats(reinterpret_cast<const char*>(values), sizeof values);
+    MyDocument ieee;
+    ASSERT_EQ(ieee.Read_WAVE_FileType(waveImage(3, 1, 22050, 4, 64, floats)), 0);
+    EXPECT_FLOAT_EQ(ieee.getChannel(2)->samples()[1], -2.5f);
+
+    // Mu-law: accepted with its duration, samples silent.
+    MyDocument mulaw;
+    ASSERT_EQ(mulaw.Read_WAVE_FileType(waveImage(7, 1, 8000, 1, 8, std::string(80, '\x55'))), 0);
+    const Channels* m = mulaw.getChannel(2);
+    EXPECT_DOUBLE_EQ(m->m_dLengthMS, 10.0);
+    ASSERT_EQ(m->sampleCount(), 80u);
+    for (std::size_t i = 0; i < m->sampleCount(); ++i)
+        ASSERT_EQ(m->samples()[i], 0.0f);
+
+    // A declared data size beyond the file is cut to the file size; samples the file does not
+    // hold are 0.
+    MyDocument cut;
+    ASSERT_EQ(cut.Read_WAVE_FileType(waveImage(1, 1, 8000, 2, 16, pcm16({7, 7}), 16, 0xFFFFFFF0LL)), 0);
+    const Channels* k = cut.getChannel(2);
+    EXPECT_DOUBLE_EQ(k->m_dwFileLength, 48.0 / 2); // 48 bytes of file / block align 2
+    EXPECT_FLOAT_EQ(k->samples()[1], 7 / 32768.0f);
+    EXPECT_EQ(k->samples()[2], 0.0f);
+}
+
+TEST(WaveFile, DamagedAndUnsupportedFilesAreRefusedUnchanged)
+{
+    const std::string good = waveImage(1, 1, 11025, 2, 16, pcm16({1, 2, 3, 4}));
+    struct Case {
+        std::string bytes;
+        const char* reasonPart;
+    };
+    std::string noData = good.substr(0, 36);
+    const std::string dataAtEnd = waveImage(1, 1, 11025, 2, 16, "");
+    std::string dataFirst = "RIFF";
+    putLE32(dataFirst, 0);
+    dataFirst += "WAVEdata";
+    putLE32(dataFirst, 4);
+    dataFirst += pcm16({1, 2});
+    const Case cases[] = {
+        {"", "not a RIFF/WAVE"},
+        {"RIFF\0\0\0\0WAV", "not a RIFF/WAVE"},
+        {good.substr(0, 12), "no data chunk"},
+        {"RIFX" + good.substr(4), "not a RIFF/WAVE"},
+        {waveImage(2, 1, 11025, 2, 16, pcm16({1})), "format code 2"},
+        {waveImage(-2, 1, 11025, 2, 16, pcm16({1})), "format code -2"},
+        {noData, "no data chunk"},
+        {dataAtEnd, "past the end"},
+        {waveImage(1, 1, 11025, 0, 16, pcm16({1, 2})), "block align of 0"},
+        {waveImage(1, 1, 0, 2, 16, pcm16({1, 2})), "sample rate of 0"},
+        {dataFirst, "before any format chunk"},
+        {waveImage(1, 1, 1, 1, 8, std::string(4000, 'x')), "longer than one hour"},
+    };
+    for (const Case& c : cases) {
+        MyDocument document;
+        document.setFileURL("/x/y.wav");
+        EXPECT_EQ(document.Read_WAVE_FileType(c.bytes), -1) << c.reasonPart;
+        EXPECT_NE(document.lastReadError().find(c.reasonPart), std::string::npos) << document.lastReadError();
+        EXPECT_FALSE(document.getChannel(2)->hasAudio());
+        EXPECT_DOUBLE_EQ(document.getChannel(2)->m_dSampleRate, 11025.0);
+        EXPECT_EQ(document.fileURL(), "/x/y.wav");
+        EXPECT_FALSE(document.isDocumentEdited());
+
+        // The open entry point then tries a parameter document, fails with -4 and keeps the
+        // WAVE reason for RIFF images.
+        int code = 0;
+        EXPECT_FALSE(document.readFromData(c.bytes, "wav", &code));
+        EXPECT_EQ(code, -4);
+        EXPECT_FALSE(document.lastReadError().empty());
+        EXPECT_EQ(document.m_bReadFile, 0);
+    }
+    MyDocument document;
+    EXPECT_FALSE(document.readFromData(waveImage(2, 1, 11025, 2, 16, pcm16({1})), "wav", nullptr));
+    EXPECT_NE(document.lastReadError().find("format code 2"), std::string::npos);
+}
+
+TEST(Channels, ReadDataDecodesEachSizeAndStaysInBounds)
+{
+    const unsigned char bytes[] = {0x01, 0x00, 0x00, 0x80, 0x12, 0x34};
+    Channels c;
+    // 16 bits, little-endian; the third sample is beyond the 4 bytes after location 2 -> 0.
+    ASSERT_TRUE(c.readData(bytes, sizeof bytes, 3, 2, 16, false));
+    EXPECT_EQ(c.m_hData->size(), 3u * 4u + 100u);
+    EXPECT_FLOAT_EQ(c.samples()[0], -1.0f);
+    EXPECT_FLOAT_EQ(c.samples()[1], 0x3412 / 32768.0f);
+    EXPECT_EQ(c.samples()[2], 0.0f);
+    // Swapped 16 bits.
+    ASSERT_TRUE(c.readData(bytes, sizeof bytes, 1, 0, 16, true));
+    EXPECT_FLOAT_EQ(c.samples()[0], 0x0100 / 32768.0f);
+    // 12 bits are always byte-swapped and scaled by 2048.
+    ASSERT_TRUE(c.readData(bytes, sizeof bytes, 2, 0, 12, false));
+    EXPECT_FLOAT_EQ(c.samples()[0], 256 / 2048.0f);
+    EXPECT_FLOAT_EQ(c.samples()[1], 128 / 2048.0f);
+    // 8 bits and odd sizes are not decoded: a zero block and a failure.
+    EXPECT_FALSE(c.readData(bytes, sizeof bytes, 6, 0, 8, false));
+    ASSERT_TRUE(c.hasAudio());
+    EXPECT_EQ(c.samples()[0], 0.0f);
+    EXPECT_FALSE(c.readData(bytes, sizeof bytes, 1, 0, 24, false));
+    // Locations outside the bytes, negative or absurd lengths read nothing and never crash.
+    ASSERT_TRUE(c.readData(bytes, sizeof bytes, 2, 1e9, 32, false));
+    EXPECT_EQ(c.samples()[0], 0.0f);
+    EXPECT_TRUE(c.readData(bytes, sizeof bytes, 1, -5, 16, false));
+    EXPECT_FALSE(c.readData(bytes, sizeof bytes, -1, 0, 16, false));
+    EXPECT_FALSE(c.readData(bytes, sizeof bytes, 1e300, 0, 16, false));
+    EXPECT_TRUE(c.readData(nullptr, 0, 4, 0, 32, false));
+}
