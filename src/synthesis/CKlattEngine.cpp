@@ -176,6 +176,10 @@ void setUpFrame(klatt_global_t& g, klatt_frame_t& f)
 // f0 flutter: three slow sines of the frame counter (not of time in seconds).
 void applyFlutter(const klatt_global_t& g, klatt_frame_t& f)
 {
+    if (g.flutter_percent == 0) { // the change would be 0: spare the sines
+        ++klatt_state::time_count;
+        return;
+    }
     const double n = static_cast<double>(klatt_state::time_count);
     const double delta = (g.flutter_percent / 50.0) * (g.base_f0 / 100.0) *
                          (std::sin(79.79645458 * n) + std::sin(44.61061634 * n) + std::sin(29.53097138 * n)) *
