@@ -1,6 +1,6 @@
 // The synthesizer's frame set-up (gains and coefficients, once per frame), its
 // pitch-synchronous reset (voicing parameters, once per period) and its entry points. The
-// per-sample loops are in KlattBlockPasses.cpp.
+// per-sample loops are in KlattVoicingPass.cpp and KlattFilterPass.cpp.
 #include "synthesis/CKlattEngine.h"
 
 #include "document/Log.h"
@@ -18,6 +18,41 @@ double impulsive_vwave = 0.0;
 std::int32_t skew = 0;
 std::int64_t time_count = 0;
 std::uint64_t noise_state = 1;
+
+// Four numbers per step: four interleaved states each jump four places ahead, so that they do
+// not wait for each other. The sequence is the one a single state stepping one place gives.
+void noiseSamples(int* out, int count)
+{
+    constexpr std::uint64_t a1 = kRandomMultiplier, c1 = kRandomIncrement;
+    constexpr std::uint64_t a2 = a1 * a1, c2 = a1 * c1 + c1;
+    constexpr std::uint64_t a3 = a2 * a1, c3 = a1 * c2 + c1;
+    constexpr std::uint64_t a4 = a3 * a1, c4 = a1 * c3 + c1;
+    // The numbers are below 2^31: an unsigned remainder is the same and cheaper.
+    auto noise = [](std::uint64_t state) {
+        return static_cast<int>(static_cast<std::uint32_t>(state >> 33) % 16383u) - 8191;
+    };
+    int j = 0;
+    if (count >= 4) {
+        const std::uint64_t s = noise_state;
+        std::uint64_t s1 = a1 * s + c1, s2 = a2 * s + c2, s3 = a3 * s + c3, s4 = a4 * s + c4;
+        for (;; j += 4) {
+            out[j] = noise(s1);
+            out[j + 1] = noise(s2);
+            out[j + 2] = noise(s3);
+            out[j + 3] = noise(s4);
+            noise_state = s4;
+            if (j + 8 > count)
+                break;
+            s1 = a4 * s1 + c4;
+            s2 = a4 * s2 + c4;
+            s3 = a4 * s3 + c4;
+            s4 = a4 * s4 + c4;
+        }
+        j += 4;
+    }
+    for (; j < count; ++j)
+        out[j] = noise(noise_state = noise_state * a1 + c1);
+}
 } // namespace klatt_state
 
 namespace
@@ -43,12 +78,6 @@ void setAntiresonator(const klatt_global_t& g, resonator_t& r, double freq, doub
     r.c = -r.c * r.a;
 }
 
-void warn(const klatt_global_t& g, const char* text)
-{
-    if (!g.quiet)
-        Log::write(text);
-}
-
 // Voicing parameters of a new period (f0 > 0): period, gains, open phase, pulse shape, skew.
 // Answers whether the tilt may be updated.
 bool startVoicedPeriod(klatt_global_t& g, klatt_frame_t& f)
@@ -63,7 +92,8 @@ bool startVoicedPeriod(klatt_global_t& g, klatt_frame_t& f)
         open = 263;
     if (open >= std::int64_t{g.period_len} - 1) {
         open = std::int64_t{g.period_len} - 2;
-        warn(g, "Warning: glottal open period cannot exceed T0, truncated\n");
+        if (!g.quiet)
+            Log::write("Warning: glottal open period cannot exceed T0, truncated\n");
     }
     if (open < 40) {
         open = 40;
@@ -146,6 +176,10 @@ void setUpFrame(klatt_global_t& g, klatt_frame_t& f)
 // f0 flutter: three slow sines of the frame counter (not of time in seconds).
 void applyFlutter(const klatt_global_t& g, klatt_frame_t& f)
 {
+    if (g.flutter_percent == 0) { // the change would be 0: spare the sines
+        ++klatt_state::time_count;
+        return;
+    }
     const double n = static_cast<double>(klatt_state::time_count);
     const double delta = (g.flutter_percent / 50.0) * (g.base_f0 / 100.0) *
                          (std::sin(79.79645458 * n) + std::sin(44.61061634 * n) + std::sin(29.53097138 * n)) *
@@ -208,9 +242,16 @@ void CKlattEngine::parwave(klatt_global_t* g, klatt_frame_t* f, int* output)
     if (total < 1)
         return;
 
-    const BlockSynthesizer blocks(*g);
+    const VoicingPass voicing = pickVoicingPass(g->glottal_source);
+    const FilterPass filter = pickFilterPass(*g);
     FrameMemory memory;
-    for (int first = 0; first < total; first += kBlockSamples)
-        blocks.run(*g, *f, first, std::min(kBlockSamples, total - first), memory, output);
+    SourceBlock block;
+    for (std::int64_t first = 0; first < total; first += kBlockSamples) {
+        const int start = static_cast<int>(first);
+        const int count = std::min(kBlockSamples, total - start);
+        klatt_state::noiseSamples(block.raw, count);
+        voicing(*g, *f, start, count, memory, block);
+        filter(*g, block, count, memory, output + start);
+    }
     g->sample_index = total;
 }

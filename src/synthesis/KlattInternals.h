@@ -1,7 +1,7 @@
 #pragma once
-// Pieces of the synthesizer shared by its two source files (CKlattEngine.cpp: frame set-up,
-// pitch-synchronous reset, entry points; KlattBlockPasses.cpp: the per-sample loops). Not part
-// of the engine's interface.
+// Pieces of the synthesizer shared by its source files (CKlattEngine.cpp: frame set-up,
+// pitch-synchronous reset, entry points; KlattVoicingPass.cpp and KlattFilterPass.cpp: the
+// per-sample loops). Not part of the engine's interface.
 #include "synthesis/CKlattEngine.h"
 
 #include <cmath>
@@ -18,14 +18,14 @@ extern std::int32_t skew;         // alternate-period skew; its sign says which 
 extern std::int64_t time_count;   // flutter counter, one step per frame
 extern std::uint64_t noise_state; // noise generator
 
-// Uniform integers 0..2^31-1 (the range of the C library's rand()) from a 64-bit linear
-// congruential generator, high bits. rand() takes a lock on every call, which would cost more
-// than all the other work of a sample.
-inline std::int32_t nextRandom()
-{
-    noise_state = noise_state * 6364136223846793005ULL + 1442695040888963407ULL;
-    return static_cast<std::int32_t>(noise_state >> 33);
-}
+// The noise generator: a 64-bit linear congruential generator whose high bits give uniform
+// integers 0..2^31-1, the range of the C library's rand(). rand() takes a lock on every call,
+// which would cost more than all the other work of a sample.
+constexpr std::uint64_t kRandomMultiplier = 6364136223846793005ULL;
+constexpr std::uint64_t kRandomIncrement = 1442695040888963407ULL;
+
+// The next `count` numbers as noise samples: (number mod 16383) - 8191.
+void noiseSamples(int* out, int count);
 } // namespace klatt_state
 
 // Coefficients of a resonator for a frequency and bandwidth in Hz.
@@ -37,11 +37,11 @@ inline void setResonator(const klatt_global_t& g, resonator_t& r, double freq, d
     r.a = 1.0 - r.b - r.c;
 }
 
-// y = a x + b p1 + c p2. The input is added last: the memory part is ready before the input
-// arrives, so a chain of resonators costs one multiply-add per stage.
+// y = a x + b p1 + c p2, with the last output added last: a resonator's feedback then costs one
+// multiply and one add per sample.
 inline double resonate(resonator_t& r, double x)
 {
-    const double y = r.a * x + (r.b * r.p1 + r.c * r.p2);
+    const double y = (r.a * x + r.c * r.p2) + r.b * r.p1;
     r.p2 = r.p1;
     r.p1 = y;
     return y;
@@ -60,9 +60,22 @@ inline double antiresonate(resonator_t& r, double x)
 // skew and tilt from the frame, which it may rewrite (skew).
 void pitchSynchronousReset(klatt_global_t& g, klatt_frame_t& f);
 
-// Block processing (KlattBlockPasses.cpp): produces samples [first, first + count) of the
-// current frame into output; count is at most one block.
+// A frame is produced in blocks of samples, each in two passes: the voicing pass
+// (KlattVoicingPass.cpp) runs the noise and the quarter-rate glottal source with its decimation
+// low-pass and writes the source signals of the block; the filter pass (KlattFilterPass.cpp)
+// runs the cascade and parallel branches and the output low-pass over them. Both passes are
+// templates on the run's configuration, picked once per frame, so that the per-sample loops
+// hold no configuration branches.
 constexpr int kBlockSamples = 128;
+
+// Source signals of one block, written by the voicing pass and read by the filter pass.
+struct SourceBlock {
+    int raw[kBlockSamples];      // raw noise numbers
+    double voice[kBlockSamples]; // voicing after tilt and breathiness
+    double glot[kBlockSamples];  // cascade source: voicing x its gain, plus aspiration
+    double aspiration[kBlockSamples];
+    double frication[kBlockSamples];
+};
 
 // Memories that start at 0 for every frame.
 struct FrameMemory {
@@ -70,20 +83,12 @@ struct FrameMemory {
     double prev_par_glot = 0.0;
 };
 
-// The per-sample loops chosen for a run's configuration (glottal source, model, cascade
-// length, output selection); picked once per frame.
-class BlockSynthesizer
-{
-public:
-    explicit BlockSynthesizer(const klatt_global_t& g);
-    void run(klatt_global_t& g, klatt_frame_t& f, int first, int count, FrameMemory& memory,
-             int* output) const;
+// Samples [first, first + count) of the frame: source signals from block.raw (the noise).
+using VoicingPass = void (*)(klatt_global_t& g, klatt_frame_t& f, int first, int count, FrameMemory& memory,
+                             SourceBlock& block);
+// The `count` output samples of a block from its source signals.
+using FilterPass = void (*)(klatt_global_t& g, const SourceBlock& block, int count, FrameMemory& memory,
+                            int* output);
 
-    struct SourceBlock;
-    using VoicingPass = void (*)(klatt_global_t&, klatt_frame_t&, int, int, FrameMemory&, SourceBlock&);
-    using FilterPass = void (*)(klatt_global_t&, const SourceBlock&, int, FrameMemory&, int*);
-
-private:
-    VoicingPass m_voicing;
-    FilterPass m_filter;
-};
+VoicingPass pickVoicingPass(int glottalSource);
+FilterPass pickFilterPass(const klatt_global_t& g);

@@ -25,9 +25,11 @@ bool usesHighFormants(const Channels& c)
                        [&c](int row) { return c.m_Parameters[row].bSelected != 0; });
 }
 
-// Reads the table columns of a run ahead of synthesis, a batch at a time. Cells are separate
-// objects spread over memory: read one column per frame between two frames of synthesis, each
-// read waits for memory in turn; read in a batch, the reads overlap.
+// Reads the table columns of a run in order, ahead of synthesis. Cells are separate objects
+// spread over memory; read one at a time between two frames of synthesis, each read would wait
+// for memory in turn. Instead the columns are looked up a batch at a time (the lookups of a
+// batch overlap), and while the frames of one batch are synthesized the cells of the next are
+// prefetched, one column per frame.
 class ColumnReader
 {
 public:
@@ -35,46 +37,79 @@ public:
     ColumnReader(const DataTableDictionary& table, std::int64_t count, std::int64_t interval)
         : m_table(table), m_count(count), m_interval(interval)
     {
+        lookUp(1);
+        for (int k = 0; k < kBatch; ++k)
+            prefetchCells(k);
     }
 
-    // Fills the frame from column c (1-based, read in order); a missing column or cell reads as 0.
+    // Fills the frame from column c (1-based, called with c = 1, 2, ...); a missing column or
+    // cell reads as 0.
     void read(std::int64_t c, klatt_frame_t& frame)
     {
-        if (c < m_first || c >= m_first + kBatch)
-            fill(c);
-        const std::int32_t* values =
-            &m_values[static_cast<std::size_t>(c - m_first) * klatt_frame_t::kFieldCount];
+        if (c >= m_first + kBatch) {
+            take();
+            lookUp(m_first + kBatch);
+        }
+        const int k = static_cast<int>(c - m_first);
+        const std::int32_t* values = m_values[k];
         for (int i = 0; i < klatt_frame_t::kFieldCount; ++i)
             frame[i] = values[i];
+        prefetchCells(k);
     }
 
 private:
-    static constexpr std::int64_t kBatch = 256;
+    static constexpr int kBatch = 16;
 
-    void fill(std::int64_t first)
+    // Looks up the batch of columns that starts at `first`.
+    void lookUp(std::int64_t first)
     {
-        m_first = first;
-        const std::int64_t count = std::min(kBatch, m_count - first);
-        // Every lookup of the batch first, then every cell: independent reads side by side.
-        for (std::int64_t k = 0; k < count; ++k)
-            m_columns[k] = m_table.objectForKey((first + k) * m_interval);
-        std::fill(m_values.begin(), m_values.end(), 0);
-        for (std::int64_t k = 0; k < count; ++k) {
-            const CellArray* column = m_columns[k];
+        m_nextFirst = first;
+        for (int k = 0; k < kBatch; ++k) {
+            const std::int64_t c = first + k;
+            m_next[k] = c < m_count ? m_table.objectForKey(c * m_interval) : nullptr;
+            if (!m_next[k])
+                continue;
+            const char* refs = reinterpret_cast<const char*>(m_next[k]->data());
+            for (std::size_t offset = 0; offset < m_next[k]->size() * sizeof(CellRef); offset += 64)
+                __builtin_prefetch(refs + offset);
+        }
+    }
+
+    // The value of a cell lies near the start of the cell object: two lines cover it. The empty
+    // asm statement keeps the loop: without it GCC drops a loop that only prefetches.
+    void prefetchCells(int k) const
+    {
+        if (!m_next[k])
+            return;
+        for (const CellRef& cell : *m_next[k]) {
+            const char* bytes = reinterpret_cast<const char*>(cell.get());
+            asm volatile("" : : "r"(bytes));
+            __builtin_prefetch(bytes);
+            __builtin_prefetch(bytes + 32);
+        }
+    }
+
+    // Makes the looked-up batch current: copies its values.
+    void take()
+    {
+        m_first = m_nextFirst;
+        for (int k = 0; k < kBatch; ++k) {
+            std::fill(std::begin(m_values[k]), std::end(m_values[k]), 0);
+            const CellArray* column = m_next[k];
             if (!column)
                 continue;
-            std::int32_t* values = &m_values[static_cast<std::size_t>(k) * klatt_frame_t::kFieldCount];
             const std::size_t n = std::min<std::size_t>(column->size(), klatt_frame_t::kFieldCount);
             for (std::size_t i = 0; i < n; ++i)
-                values[i] = (*column)[i] ? (*column)[i]->_nValue() : 0;
+                m_values[k][i] = (*column)[i] ? (*column)[i]->_nValue() : 0;
         }
     }
 
     const DataTableDictionary& m_table;
     std::int64_t m_count, m_interval;
-    std::int64_t m_first = -kBatch; // no batch read yet
-    std::vector<const CellArray*> m_columns = std::vector<const CellArray*>(kBatch);
-    std::vector<std::int32_t> m_values = std::vector<std::int32_t>(kBatch * klatt_frame_t::kFieldCount);
+    std::int64_t m_first = 1 - kBatch; // no batch taken yet
+    std::int64_t m_nextFirst = 1;
+    const CellArray* m_next[kBatch] = {};
+    std::int32_t m_values[kBatch][klatt_frame_t::kFieldCount] = {};
 };
 
 // Keeps a block locked for the life of the guard.
@@ -141,7 +176,6 @@ void MyDocument::Synthesize()
     if (hadPrevious)
         CopyCurrentToPrevious();
 
-    channel.m_dSampleRate = g.sample_rate;
     channel.m_dwFileLength = channel.m_dSampleRate * channel.m_dLengthMS / 1000.0;
     channel.m_hData.reset();
     // A negative or meaningless length gives an empty block; one too large to address is an
@@ -162,14 +196,16 @@ void MyDocument::Synthesize()
         float* samples = lock.floats();
         const std::size_t perFrame = static_cast<std::size_t>(g.samples_per_frame);
         // The column at time 0 is never synthesized: the first frame is the column at one
-        // update interval. Intended; the document's length leaves room for one frame less.
+        // update interval. Intended.
         ColumnReader columns(_dataTableDictionary, channel.m_nColumnNum, channel.m_nUpdateIntervalMS);
         for (std::int64_t c = 1; c < channel.m_nColumnNum; ++c) {
+            // A grid longer than the document's length: the samples past the end of the block
+            // are dropped, and once it is full the remaining columns are not synthesized.
+            const std::size_t start = static_cast<std::size_t>(c - 1) * perFrame;
+            if (start >= capacity && perFrame > 0)
+                break;
             columns.read(c, *frame);
             engine.parwave(&g, frame.get(), frameOutput.get());
-            // Every column runs through the engine, but samples past the end of the block
-            // (a grid longer than the document's length) are dropped.
-            const std::size_t start = static_cast<std::size_t>(c - 1) * perFrame;
             const std::size_t end = std::min(start + perFrame, capacity);
             for (std::size_t i = start; i < end; ++i)
                 samples[i] =

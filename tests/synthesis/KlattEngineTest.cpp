@@ -62,6 +62,14 @@ TEST(KlattEngine, SteadyVowelsPeakAtTheirFormants)
         // A formant stands well above the trough between F2 and F3.
         const double trough = dftMagnitude(x, 2000, 4096, (v.f2 + v.f3) / 200 * 100.0, 11025.0);
         EXPECT_GT(dftMagnitude(x, 2000, 4096, v.f2 / 100 * 100.0, 11025.0), 3.0 * trough);
+        // Spectral tilt takes the high formants down against the first.
+        f.tl = 20;
+        const std::vector<int> tilted = steadyRun(f, 60);
+        auto highOverLow = [&](const std::vector<int>& y) {
+            return dftMagnitude(y, 2000, 4096, v.f3 / 100 * 100.0, 11025.0) /
+                   dftMagnitude(y, 2000, 4096, v.f1 / 100 * 100.0, 11025.0);
+        };
+        EXPECT_LT(highOverLow(tilted), 0.5 * highOverLow(x));
     }
 }
 
@@ -84,25 +92,18 @@ TEST(KlattEngine, EveryGlottalSourceRepeatsAtThePitchPeriod)
     }
 }
 
-TEST(KlattEngine, RunInitialisationAndPeriodArithmetic)
+TEST(KlattEngine, PeriodOpenPhaseAndLowpassArithmetic)
 {
     klatt_global_t g = preparedRun(11025, 5, 110);
     EXPECT_EQ(g.lowpass_freq, 1047); // 950 * 11025 / 10000, truncated
     EXPECT_EQ(g.lowpass_bw, 694);
-    klatt_global_t wide = preparedRun(22050, 8, 220);
-    EXPECT_EQ(wide.lowpass_freq, 2094);
-    EXPECT_EQ(wide.lowpass_bw, 1389);
-
-    klatt_frame_t f = quietFactoryFrame(); // f0 1000 = 100 Hz
-    runFrames(g, f, 1);
-    EXPECT_EQ(g.period_len, 441); // quarter-rate samples: 110.25 output samples
-    EXPECT_EQ(g.open_len, 80);    // oq 20
+    EXPECT_EQ(preparedRun(22050, 8, 220).lowpass_freq, 2094);
+    runFrames(g, quietFactoryFrame(), 1); // f0 1000 = 100 Hz
+    EXPECT_EQ(g.period_len, 441);         // quarter-rate samples: 110.25 output samples
+    EXPECT_EQ(g.open_len, 80);            // oq 20
     EXPECT_EQ(g.mod_point, 220);
     EXPECT_EQ(g.sample_index, 110);
-}
 
-TEST(KlattEngine, OpenPhaseIsClamped)
-{
     struct Case {
         int source, f0, oq, open;
     };
@@ -116,13 +117,12 @@ TEST(KlattEngine, OpenPhaseIsClamped)
         klatt_frame_t f = quietFactoryFrame();
         f.f0 = c.f0;
         f.oq = c.oq;
-        klatt_global_t g = preparedRun(11025, 5, 110, c.source);
-        const std::vector<int> x = runFrames(g, f, 20);
-        EXPECT_EQ(g.open_len, c.open) << "oq " << c.oq;
+        klatt_global_t run = preparedRun(11025, 5, 110, c.source);
+        EXPECT_FALSE(allZero(runFrames(run, f, 20)));
+        EXPECT_EQ(run.open_len, c.open) << "oq " << c.oq;
         if (c.source == 2) {
-            EXPECT_EQ(g.pulse_b, CKlattEngine::B0[std::min(c.open - 40, 223)]);
+            EXPECT_EQ(run.pulse_b, CKlattEngine::B0[std::min(c.open - 40, 223)]);
         }
-        EXPECT_FALSE(allZero(x));
     }
 }
 
@@ -258,35 +258,37 @@ TEST(KlattEngine, SkewAlternatesPeriodsWithinTheClosedPhase)
 
 TEST(KlattEngine, FlutterMovesF0OnlyWhenAsked)
 {
-    klatt_frame_t f = quietFactoryFrame();
     klatt_global_t g = preparedRun(11025, 5, 110);
-    CKlattEngine engine;
     std::vector<int> out(110);
     std::set<int> seen;
-    for (int percent : {0, 100}) {
-        g.flutter_percent = percent;
-        for (int i = 0; i < 20; ++i) {
-            klatt_frame_t scratch = f;
-            engine.parwave(&g, &scratch, out.data());
-            if (percent == 0)
-                EXPECT_EQ(scratch.f0, 1000);
-            else
-                seen.insert(scratch.f0);
-            EXPECT_LE(std::abs(scratch.f0 - 1000), 60); // 2 x 1 x 3 x 10
-        }
+    for (int i = 0; i < 40; ++i) {
+        g.flutter_percent = i < 20 ? 0 : 100;
+        klatt_frame_t f = quietFactoryFrame();
+        CKlattEngine().parwave(&g, &f, out.data());
+        seen.insert(f.f0);
+        EXPECT_LE(std::abs(f.f0 - 1000), i < 20 ? 0 : 60); // at most 2 x 1 x 3 sines x 10
     }
     EXPECT_GE(seen.size(), 3u); // the three sines nearly repeat every 10 frames
 }
 
-TEST(KlattEngine, NoiseOutputSelectionAndSilence)
+TEST(KlattEngine, NoiseRoutingOutputSelectionAndSilence)
 {
+    // Unvoiced, parallel amplitudes and bypass off: aspiration still reaches the output through
+    // the cascade, frication (parallel branch only) does not.
     klatt_frame_t f = quietFactoryFrame();
     f.f0 = 0;
-    f.ah = 60;
+    f.ab = 0;
+    for (int row = Row::a8f; row <= Row::a1f; ++row)
+        f[row] = 0;
+    klatt_frame_t aspirated = f, fricated = f;
+    aspirated.ah = 60;
+    fricated.af = 60;
     klatt_global_t g = preparedRun(11025, 5, 110);
-    const std::vector<int> noise = runFrames(g, f, 10);
+    EXPECT_FALSE(allZero(runFrames(g, aspirated, 10)));
     EXPECT_EQ(g.period_len, 4);
-    EXPECT_FALSE(allZero(noise));
+    EXPECT_TRUE(allZero(steadyRun(fricated, 10)));
+    fricated.a3f = 60;
+    EXPECT_FALSE(allZero(steadyRun(fricated, 10)));
     EXPECT_EQ(steadyRun(klatt_frame_t{}, 10), std::vector<int>(1100, 0)); // an all-zero frame is silent
 
     // Selections outside 1..7 give the normal output; inside they tap another signal.
@@ -297,6 +299,82 @@ TEST(KlattEngine, NoiseOutputSelectionAndSilence)
         t.output_select = static_cast<std::uint8_t>(select);
         EXPECT_EQ(runFrames(t, v, 10) == normal, select == 9) << select;
     }
+}
+
+TEST(KlattEngine, NoiseFollowsThePitchPeriod)
+{
+    // While voiced, noise is halved in the second half of each period (period 441 quarter-rate
+    // samples, 110.25 output samples): tap the aspiration and compare the halves.
+    klatt_frame_t breathy = quietFactoryFrame();
+    breathy.ah = 60;
+    klatt_global_t tapped = preparedRun(11025, 5, 110);
+    tapped.output_select = 2;
+    const std::vector<int> aspiration = runFrames(tapped, breathy, 100);
+    double firstHalf = 0.0, secondHalf = 0.0;
+    for (std::size_t n = 0; n < aspiration.size(); ++n) {
+        const int phase = static_cast<int>(4 * n % 441);
+        if (phase > 20 && phase < 200)
+            firstHalf += double(aspiration[n]) * aspiration[n];
+        else if (phase > 240 && phase < 420)
+            secondHalf += double(aspiration[n]) * aspiration[n];
+    }
+    EXPECT_NEAR(std::sqrt(secondHalf / firstHalf), 0.5, 0.1);
+
+    // Breathiness enters the voicing during the open phase only (80 quarter-rate samples).
+    klatt_frame_t breath = quietFactoryFrame();
+    breath.atu = 60;
+    klatt_global_t plain = preparedRun(11025, 5, 110), noisy = preparedRun(11025, 5, 110);
+    plain.output_select = noisy.output_select = 1;
+    const std::vector<int> clean = runFrames(plain, quietFactoryFrame(), 100);
+    const std::vector<int> withBreath = runFrames(noisy, breath, 100);
+    double open = 0.0, closed = 0.0;
+    for (std::size_t n = 0; n < clean.size(); ++n) {
+        const int phase = static_cast<int>(4 * n % 441);
+        const double d = double(withBreath[n]) - clean[n];
+        if (phase < 72)
+            open += d * d;
+        else if (phase > 100 && phase < 420)
+            closed += d * d;
+    }
+    EXPECT_GT(open, 0.0);
+    EXPECT_LT(closed, 0.01 * open);
+}
+
+TEST(KlattEngine, ParallelFormantsAlternateInSignAndScale)
+{
+    // All-parallel voicing through one formant at a time, all tuned alike: each output is the
+    // same signal times the formant's factor, with F2, F4, F6 negative and F3, F5 positive.
+    auto alone = [](int amplitudeRow) {
+        klatt_frame_t f = quietFactoryFrame();
+        f.apv = 60;
+        for (int row = Row::a8f; row <= Row::a1f; ++row)
+            f[row] = 0;
+        f.anv = 0;
+        for (int k = 0; k < 5; ++k) {
+            f[Row::f6 + k] = 1500; // f6..f2
+            f[Row::b6f + k] = 200; // b6f..b2f
+        }
+        f.f1 = f.fnp = 500;
+        f.b1f = f.bnp = 100;
+        f[amplitudeRow] = 60;
+        klatt_global_t g = preparedRun(11025, 5, 110);
+        g.model = 2;
+        return runFrames(g, f, 20);
+    };
+    auto ratio = [](const std::vector<int>& x, const std::vector<int>& y) { // least-squares x / y
+        double xy = 0.0, yy = 0.0;
+        for (std::size_t i = 0; i < x.size(); ++i) {
+            xy += double(x[i]) * y[i];
+            yy += double(y[i]) * y[i];
+        }
+        return xy / yy;
+    };
+    const std::vector<int> f3 = alone(Row::a3f);
+    EXPECT_NEAR(ratio(alone(Row::a2f), f3), -0.15 / 0.06, 0.05);
+    EXPECT_NEAR(ratio(alone(Row::a4f), f3), -0.04 / 0.06, 0.05);
+    EXPECT_NEAR(ratio(alone(Row::a5f), f3), 0.022 / 0.06, 0.05);
+    EXPECT_NEAR(ratio(alone(Row::a6f), f3), -0.03 / 0.06, 0.05);
+    EXPECT_NEAR(ratio(alone(Row::anv), alone(Row::a1f)), 0.6 / 0.4, 0.05);
 }
 
 TEST(KlattEngine, FramesOfAnySizeWriteExactlyTheirSamples)

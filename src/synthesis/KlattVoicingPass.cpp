@@ -1,28 +1,12 @@
-// The synthesizer's per-sample loops. A frame is produced in blocks of samples, each in two
-// passes: the voicing pass runs the noise and the quarter-rate glottal source with its
-// decimation low-pass and writes the source signals of the block; the filter pass runs the
-// cascade and parallel branches and the output low-pass over them. The passes are templates
-// on the glottal source and on the cascade length, picked once per frame, so that the loops
-// hold no configuration branches; the only per-sample branches left follow the signal (period
+// The voicing pass: noise, the quarter-rate glottal source and its decimation low-pass, tilt,
+// breathiness and the source gains. Per-sample branches left follow the signal only (period
 // boundaries, open phase).
 #include "synthesis/KlattInternals.h"
 
 #include <algorithm>
-#include <utility>
-
-// Source signals of one block, written by the voicing pass and read by the filter pass.
-struct BlockSynthesizer::SourceBlock {
-    int raw[kBlockSamples];      // raw noise numbers
-    double voice[kBlockSamples]; // voicing after tilt and breathiness
-    double glot[kBlockSamples];  // cascade source: voicing x its gain, plus aspiration
-    double aspiration[kBlockSamples];
-    double frication[kBlockSamples];
-};
 
 namespace
 {
-
-using SourceBlock = BlockSynthesizer::SourceBlock;
 
 // The decimation low-pass advanced over the four quarter-rate inputs of one output sample in a
 // single update: its last two outputs are written directly as weighted sums of the four inputs
@@ -46,11 +30,14 @@ public:
     }
 
     // Returns the last output (the voice value of the sample); p1, p2 become the last two.
+    // The last output p1 is added last, so the feedback costs one multiply and one add.
     double advance(const double x[4], double& p1, double& p2) const
     {
-        const double y2 = (m_y2[0] * x[0] + m_y2[1] * x[1] + m_y2[2] * x[2]) + (m_y2[4] * p1 + m_y2[5] * p2);
-        const double y3 = ((m_y3[0] * x[0] + m_y3[1] * x[1]) + (m_y3[2] * x[2] + m_y3[3] * x[3])) +
-                          (m_y3[4] * p1 + m_y3[5] * p2);
+        const double y2 =
+            ((m_y2[0] * x[0] + m_y2[1] * x[1]) + (m_y2[2] * x[2] + m_y2[5] * p2)) + m_y2[4] * p1;
+        const double y3 =
+            (((m_y3[0] * x[0] + m_y3[1] * x[1]) + (m_y3[2] * x[2] + m_y3[3] * x[3])) + m_y3[5] * p2) +
+            m_y3[4] * p1;
         p2 = y2;
         p1 = y3;
         return y3;
@@ -156,11 +143,11 @@ void quarterSteps(klatt_global_t& g, klatt_frame_t& f, Voicing& v, double& vwave
 // cross a period end or the end of the open phase.
 inline bool naturalSteps(Voicing& v, double& vwave, double x[4])
 {
-    if (v.pos + 3 >= v.len)
+    if (std::int64_t{v.pos} + 3 >= v.len)
         return false;
     if (v.pos >= v.open) {
         x[0] = x[1] = x[2] = x[3] = vwave = 0.0;
-    } else if (v.pos + 3 < v.open) {
+    } else if (std::int64_t{v.pos} + 3 < v.open) {
         const double a = v.pulse_a, b = v.pulse_b;
         const double s1 = a - b;
         const double s2 = s1 + (a - 2.0 * b);
@@ -226,87 +213,9 @@ void voicingPass(klatt_global_t& g, klatt_frame_t& f, int first, int count, Fram
     g.noise_sample = out.raw[count - 1];
 }
 
-// Limits to the 16-bit range and truncates toward zero. NaN (a filter driven unstable by
-// absurd bandwidths) gives 0 rather than an undefined conversion.
-inline int toSample(double v)
-{
-    v = v < -32768.0 ? -32768.0 : v;
-    v = v > 32767.0 ? 32767.0 : v;
-    return v == v ? static_cast<int>(v) : 0;
-}
+} // namespace
 
-// The signal an output_select of 1..7 sends to the output low-pass.
-inline double tap(int select, const SourceBlock& in, int j, double parGlot, double bypass, double source)
-{
-    switch (select) {
-    case 1:
-        return in.voice[j];
-    case 2:
-        return in.aspiration[j];
-    case 3:
-        return in.frication[j];
-    case 4:
-        return in.glot[j];
-    case 5:
-        return parGlot;
-    case 6:
-        return bypass;
-    default:
-        return source;
-    }
-}
-
-// The cascade branch: nasal zero, nasal pole, then formants Cascade down to 1.
-template <int Cascade> inline double cascadeBranch(resonator_t* r, double x)
-{
-    x = antiresonate(r[R_NASAL_ZERO], x);
-    x = resonate(r[R_CASC_NASAL_POLE], x);
-#pragma GCC unroll 8
-    for (int k = Cascade; k >= 1; --k)
-        x = resonate(r[R_CASC_F1 + k - 1], x);
-    return x;
-}
-
-// Cascade (Cascade formants; -1 = the all-parallel model, no cascade), parallel branch, output
-// low-pass and overall gain for `count` samples.
-template <int Cascade, bool Tap>
-void filterPass(klatt_global_t& g, const SourceBlock& in, int count, FrameMemory& mem, int* output)
-{
-    resonator_t r[kResonatorCount];
-    std::copy(g.resonators, g.resonators + kResonatorCount, r);
-    const double gainParVoice = g.gain_par_voice;
-    const double gainBypass = g.gain_bypass;
-    const double gainOverall = g.gain_overall;
-    const int select = g.output_select;
-    double prev = mem.prev_par_glot;
-    for (int j = 0; j < count; ++j) {
-        double out = 0.0;
-        if constexpr (Cascade >= 0)
-            out = cascadeBranch<Cascade>(r, in.glot[j]);
-        const double parGlot = gainParVoice * in.voice[j] + in.aspiration[j];
-        const double source = in.frication[j] + parGlot - prev;
-        prev = parGlot;
-        // The higher parallel formants (driven by frication plus the first difference of the
-        // parallel voicing) alternate in sign: starting from cascade + F1 + nasal pole, out
-        // becomes F6 - out, F5 - out, ... F2 - out, then bypass - out. Expanded, that is
-        // bypass - F2 + F3 - F4 + F5 - F6 + (cascade + F1 + nasal pole); summed in this grouping,
-        // the cascade, the longest chain of the sample, joins last.
-        const double bypass = gainBypass * source;
-        const double higher =
-            ((bypass - resonate(r[R_PAR_F1 + 1], source)) + resonate(r[R_PAR_F1 + 2], source)) +
-            ((resonate(r[R_PAR_F1 + 4], source) - resonate(r[R_PAR_F1 + 3], source)) -
-             resonate(r[R_PAR_F1 + 5], source));
-        const double lower = resonate(r[R_PAR_F1], parGlot) + resonate(r[R_PAR_NASAL_POLE], parGlot);
-        out = (out + lower) + higher;
-        if constexpr (Tap)
-            out = tap(select, in, j, parGlot, bypass, source);
-        output[j] = toSample(resonate(r[R_OUTPUT_LOWPASS], out) * gainOverall);
-    }
-    std::copy(r, r + kResonatorCount, g.resonators);
-    mem.prev_par_glot = prev;
-}
-
-BlockSynthesizer::VoicingPass pickVoicingPass(int source)
+VoicingPass pickVoicingPass(int source)
 {
     switch (source) {
     case 1:
@@ -318,37 +227,4 @@ BlockSynthesizer::VoicingPass pickVoicingPass(int source)
     default:
         return &voicingPass<0>;
     }
-}
-
-template <int... Cascade>
-BlockSynthesizer::FilterPass pickFilterPass(int cascade, bool tapped, std::integer_sequence<int, Cascade...>)
-{
-    static constexpr BlockSynthesizer::FilterPass normal[] = {&filterPass<Cascade - 1, false>...};
-    static constexpr BlockSynthesizer::FilterPass tappedPass[] = {&filterPass<Cascade - 1, true>...};
-    return tapped ? tappedPass[cascade + 1] : normal[cascade + 1];
-}
-
-BlockSynthesizer::FilterPass pickFilterPass(const klatt_global_t& g)
-{
-    // -1 = no cascade (all-parallel model), then 0..8 cascade formants.
-    const int cascade = g.model == 2 ? -1 : std::clamp(g.cascade_formants, 0, 8);
-    const bool tapped = g.output_select >= 1 && g.output_select <= 7;
-    return pickFilterPass(cascade, tapped, std::make_integer_sequence<int, 10>{});
-}
-
-} // namespace
-
-BlockSynthesizer::BlockSynthesizer(const klatt_global_t& g)
-    : m_voicing(pickVoicingPass(g.glottal_source)), m_filter(pickFilterPass(g))
-{
-}
-
-void BlockSynthesizer::run(klatt_global_t& g, klatt_frame_t& f, int first, int count, FrameMemory& memory,
-                           int* output) const
-{
-    SourceBlock block;
-    for (int j = 0; j < count; ++j)
-        block.raw[j] = klatt_state::nextRandom() % 16383 - 8191;
-    m_voicing(g, f, first, count, memory, block);
-    m_filter(g, block, count, memory, output + first);
 }
