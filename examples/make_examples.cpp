@@ -1,6 +1,7 @@
-// Makes the example documents that ship in examples/: a sustained vowel /a/ and the syllable
-// "ba" (a labial release, a formant transition into a steady /a/, a voicing onset). Run it from
-// the build: make_examples OUTPUT_DIR
+// Makes the example documents that ship in examples/: a sustained vowel /a/, the syllable
+// "ba" (a labial release, a formant transition into a steady /a/, a voicing onset) and ten
+// seconds of moving vowels (the analysis benchmarks' recording). Run it from the build:
+// make_examples OUTPUT_DIR
 #include "document/MyDocument.h"
 
 #include <cmath>
@@ -94,6 +95,37 @@ void makeBa(const std::string& dir)
     save(d, dir + "/ba.stk");
 }
 
+void makeMovingVowels(const std::string& dir)
+{
+    // Ten seconds of running vowels for the analysis benchmarks: the pitch swings between 90
+    // and 190 Hz, the formants glide through /a/, /i/ and /u/ every 600 ms, and the voice
+    // pauses for 300 ms every 2.5 s.
+    auto document = makeDocument(10000.0);
+    MyDocument& d = *document;
+    struct Vowel {
+        double f1, f2, f3;
+    };
+    static constexpr Vowel kVowels[] = {{700, 1220, 2600}, {300, 2300, 3000}, {300, 870, 2240}};
+    // Holds a vowel for 400 ms, then glides for 200 ms into the next one.
+    static constexpr auto formant = [](double t, int which) {
+        const int step = static_cast<int>(t / 600.0);
+        const Vowel& a = kVowels[step % 3];
+        const Vowel& b = kVowels[(step + 1) % 3];
+        const double from = which == 1 ? a.f1 : which == 2 ? a.f2 : a.f3;
+        const double to = which == 1 ? b.f1 : which == 2 ? b.f2 : b.f3;
+        return ramp(std::fmod(t, 600.0), 400, from, 600, to);
+    };
+    setTrack(d, Row::f0, [](double t) { return 1400.0 + 500.0 * std::sin(2.0 * M_PI * t / 2500.0); });
+    setTrack(d, Row::av, [](double t) { return std::fmod(t, 2500.0) >= 2200.0 ? 0.0 : 60.0; });
+    setTrack(d, Row::f1, [](double t) { return formant(t, 1); });
+    setTrack(d, Row::f2, [](double t) { return formant(t, 2); });
+    setTrack(d, Row::f3, [](double t) { return formant(t, 3); });
+    setTrack(d, Row::b1, [](double) { return 90.0; });
+    setTrack(d, Row::b2, [](double) { return 110.0; });
+    setTrack(d, Row::b3, [](double) { return 170.0; });
+    save(d, dir + "/moving-vowels.stk");
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -101,5 +133,6 @@ int main(int argc, char** argv)
     const std::string dir = argc > 1 ? argv[1] : ".";
     makeVowel(dir);
     makeBa(dir);
+    makeMovingVowels(dir);
     return 0;
 }

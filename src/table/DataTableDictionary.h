@@ -11,7 +11,8 @@
 
 using CellArray = std::vector<CellRef>;
 
-class DataTableDictionary {
+class DataTableDictionary
+{
 public:
     std::size_t count() const { return m_map.size(); }
     bool empty() const { return m_map.empty(); }

@@ -11,7 +11,8 @@
 #include <memory>
 #include <string>
 
-class ImageAndTextCell {
+class ImageAndTextCell
+{
 public:
     ImageAndTextCell() = default;
 

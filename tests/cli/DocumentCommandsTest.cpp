@@ -5,7 +5,8 @@
 #include <map>
 #include <sstream>
 
-namespace {
+namespace
+{
 std::map<std::string, std::string> parseInfo(const std::string& text)
 {
     std::map<std::string, std::string> info;

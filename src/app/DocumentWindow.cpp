@@ -1,0 +1,178 @@
+#include "app/DocumentWindow.h"
+
+#include "app/WorkbenchApplication.h"
+#include "audio/AudioPlayer.h"
+#include "document/MyDocument.h"
+#include "table/mainTable.h"
+
+#include <QCloseEvent>
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QFileInfo>
+#include <QLabel>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QPushButton>
+#include <QStatusBar>
+#include <QTimer>
+#include <QUrl>
+
+namespace
+{
+bool isOpenable(const QUrl& url)
+{
+    const QString suffix = QFileInfo(url.toLocalFile()).suffix().toLower();
+    return url.isLocalFile() && (suffix == "stk" || suffix == "wav" || suffix == "wave");
+}
+} // namespace
+
+DocumentWindow::DocumentWindow(WorkbenchApplication* app, std::unique_ptr<MyDocument> doc, int untitledNumber)
+    : m_pApp(app), m_pDoc(std::move(doc)), m_nUntitled(untitledNumber)
+{
+    setAttribute(Qt::WA_DeleteOnClose);
+    setAcceptDrops(true);
+    m_pTable = new mainTable(m_pDoc.get(), this);
+    setCentralWidget(m_pTable);
+    connect(m_pTable, &mainTable::documentChanged, this, &DocumentWindow::updateTitle);
+    connect(m_pTable, &mainTable::documentChanged, this, &DocumentWindow::updateActions);
+    connect(m_pTable, &mainTable::playbackStarted, this, &DocumentWindow::showPlayback);
+    createMenus();
+    createStatusBar();
+    resize(1100, 720);
+    updateTitle();
+    updateActions();
+}
+
+DocumentWindow::~DocumentWindow()
+{
+    // The table goes before the document it shows.
+    delete m_pTable;
+    m_pTable = nullptr;
+    m_pApp->windowClosed(this);
+}
+
+QString DocumentWindow::filePath() const
+{
+    return QString::fromStdString(m_pDoc->fileURL());
+}
+
+bool DocumentWindow::isPristine() const
+{
+    return filePath().isEmpty() && !m_pDoc->isDocumentEdited() && m_pDoc->_arrayUndo.empty();
+}
+
+void DocumentWindow::updateTitle()
+{
+    const QString name = filePath().isEmpty()
+                             ? (m_nUntitled > 1 ? tr("Untitled %1").arg(m_nUntitled) : tr("Untitled"))
+                             : QFileInfo(filePath()).fileName();
+    setWindowTitle(name + QStringLiteral("[*] — Tessaphon"));
+    setWindowFilePath(filePath());
+    setWindowModified(m_pDoc->isDocumentEdited());
+    updateStatus();
+}
+
+void DocumentWindow::alert(const QString& title, const QString& message)
+{
+    m_pApp->alert(this, title, message);
+}
+
+bool DocumentWindow::maySave()
+{
+    if (!m_pDoc->isDocumentEdited())
+        return true;
+    const QString name = filePath().isEmpty() ? windowTitle().section(QStringLiteral("[*]"), 0, 0)
+                                              : QFileInfo(filePath()).fileName();
+    QMessageBox box(QMessageBox::Warning, tr("Tessaphon"),
+                    tr("Do you want to save the changes you made in the document “%1”?").arg(name),
+                    QMessageBox::NoButton, this);
+    box.setInformativeText(tr("Your changes will be lost if you don’t save them."));
+    QPushButton* save = box.addButton(QMessageBox::Save);
+    box.addButton(QMessageBox::Discard)->setText(tr("Don’t Save"));
+    QPushButton* cancel = box.addButton(QMessageBox::Cancel);
+    box.setDefaultButton(save);
+    box.setEscapeButton(cancel);
+    box.setWindowModality(Qt::WindowModal);
+    box.exec();
+    if (box.clickedButton() == save)
+        return saveDocument();
+    return box.clickedButton() != cancel;
+}
+
+void DocumentWindow::closeEvent(QCloseEvent* event)
+{
+    if (!maySave()) {
+        event->ignore();
+        return;
+    }
+    m_pTable->stopPlayback();
+    event->accept();
+}
+
+void DocumentWindow::dragEnterEvent(QDragEnterEvent* event)
+{
+    if (!event->mimeData()->hasUrls())
+        return;
+    for (const QUrl& url : event->mimeData()->urls())
+        if (isOpenable(url)) {
+            event->acceptProposedAction();
+            return;
+        }
+}
+
+void DocumentWindow::dropEvent(QDropEvent* event)
+{
+    QStringList paths;
+    for (const QUrl& url : event->mimeData()->urls())
+        if (isOpenable(url))
+            paths << url.toLocalFile();
+    event->acceptProposedAction();
+    // Opened after the drop has finished, so that the source is not kept waiting.
+    QTimer::singleShot(0, m_pApp, [app = m_pApp, paths] { app->openFiles(paths); });
+}
+
+void DocumentWindow::createStatusBar()
+{
+    m_pStatusGrid = new QLabel(this);
+    m_pStatusPlay = new QLabel(this);
+    statusBar()->addWidget(m_pStatusGrid, 1);
+    statusBar()->addPermanentWidget(m_pStatusPlay);
+    m_pPlayTimer = new QTimer(this);
+    m_pPlayTimer->setInterval(50);
+    connect(m_pPlayTimer, &QTimer::timeout, this, [this] {
+        AudioPlayer* player = mainTable::sharedPlayer();
+        if (!player->isPlaying()) {
+            m_pPlayTimer->stop();
+            m_pStatusPlay->clear();
+            return;
+        }
+        const double seconds = player->playedSamples() / m_dPlayRate;
+        m_pStatusPlay->setText(
+            tr("Playing %1 / %2 s").arg(seconds, 0, 'f', 2).arg(m_dPlaySamples / m_dPlayRate, 0, 'f', 2));
+    });
+}
+
+void DocumentWindow::updateStatus()
+{
+    if (!m_pStatusGrid)
+        return;
+    const Channels& c = *m_pDoc->getChannel(0);
+    QString text = tr("%1 frames of %2 ms · %3 ms · %4 Hz")
+                       .arg(c.m_nColumnNum)
+                       .arg(c.m_nUpdateIntervalMS)
+                       .arg(static_cast<long long>(c.m_dLengthMS))
+                       .arg(static_cast<long long>(c.m_dSampleRate));
+    if (m_pDoc->getChannel(2)->hasAudio())
+        text += tr(" · model %1 ms").arg(static_cast<long long>(m_pDoc->getChannel(2)->m_dLengthMS));
+    m_pStatusGrid->setText(text);
+}
+
+void DocumentWindow::showPlayback(double sampleRate, double samples)
+{
+    if (sampleRate <= 0)
+        return;
+    m_dPlayRate = sampleRate;
+    m_dPlaySamples = samples;
+    m_pPlayTimer->start();
+    updateStatus();
+}

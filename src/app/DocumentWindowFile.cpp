@@ -1,0 +1,133 @@
+// The document window's file commands: save, save as, revert, and named configurations.
+#include "app/DocumentWindow.h"
+
+#include "app/ConfigurationFile.h"
+#include "app/WorkbenchApplication.h"
+#include "document/MyDocument.h"
+#include "table/mainTable.h"
+
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QStandardPaths>
+
+namespace
+{
+QString documentsFolder()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+}
+} // namespace
+
+bool DocumentWindow::saveDocument()
+{
+    if (filePath().isEmpty()) {
+        saveDocumentAs();
+        return !filePath().isEmpty() && !m_pDoc->isDocumentEdited();
+    }
+    return saveDocumentTo(filePath());
+}
+
+bool DocumentWindow::saveDocumentTo(const QString& path)
+{
+    std::string error;
+    if (!m_pDoc->writeSafelyToURL(path.toStdString(), "stk", &error)) {
+        alert(tr("The document “%1” could not be saved.").arg(QFileInfo(path).fileName()),
+              QString::fromStdString(error));
+        updateActions();
+        return false;
+    }
+    m_pDoc->setFileURL(QFileInfo(path).absoluteFilePath().toStdString());
+    m_pDoc->setFileType("stk");
+    m_pDoc->updateChangeCount(MyDocument::ChangeCleared);
+    m_pApp->noteRecentFile(filePath());
+    updateTitle();
+    updateActions();
+    return true;
+}
+
+void DocumentWindow::saveDocumentAs()
+{
+    const QString start =
+        filePath().isEmpty() ? documentsFolder() + QStringLiteral("/untitled.stk") : filePath();
+    QString path =
+        QFileDialog::getSaveFileName(this, tr("Save As"), start, tr("Parameter documents (*.stk)"));
+    if (path.isEmpty())
+        return;
+    if (QFileInfo(path).suffix().isEmpty())
+        path += QStringLiteral(".stk");
+    saveDocumentTo(path);
+}
+
+void DocumentWindow::revertDocument()
+{
+    if (!m_pDoc->canRevert())
+        return;
+    m_pTable->stopPlayback();
+    m_pTable->revertDocumentToSaved();
+    updateTitle();
+    updateActions();
+}
+
+bool DocumentWindow::loadConfigurationFrom(const QString& path)
+{
+    // The configuration brings a length and an interval: the table is rebuilt for them from
+    // the frames it has, like the file options do.
+    // The previous synthesis and the model keep their own lengths.
+    struct Extent {
+        double length;
+        std::int32_t interval, columns;
+    } kept[3];
+    for (int ch = 0; ch < 3; ++ch) {
+        const Channels& k = *m_pDoc->getChannel(ch);
+        kept[ch] = {k.m_dLengthMS, k.m_nUpdateIntervalMS, k.m_nColumnNum};
+    }
+    Channels& c = *m_pDoc->getChannel(0);
+    if (!ConfigurationFile::read(path.toStdString(), *m_pDoc, ConfigurationFile::Scope::Everything)) {
+        alert(tr("The configuration “%1” could not be loaded.").arg(QFileInfo(path).fileName()),
+              tr("It is missing, damaged or not a Tessaphon configuration."));
+        return false;
+    }
+    m_pDoc->m_dNewLengthMS = c.m_dLengthMS;
+    m_pDoc->m_nNewUpdateIntervalMS = c.m_nUpdateIntervalMS;
+    m_pDoc->m_dNewSampleRate = c.m_dSampleRate;
+    for (int ch = 0; ch < 3; ++ch) {
+        Channels& k = *m_pDoc->getChannel(ch);
+        k.m_dLengthMS = kept[ch].length;
+        k.m_nUpdateIntervalMS = kept[ch].interval;
+        k.m_nColumnNum = kept[ch].columns;
+    }
+    m_pTable->saveoptionsFile();
+    m_pTable->saveParameters();
+    m_pDoc->saveRedo();
+    updateTitle();
+    updateActions();
+    return true;
+}
+
+bool DocumentWindow::saveConfigurationTo(const QString& path)
+{
+    std::string error;
+    if (!ConfigurationFile::write(path.toStdString(), *m_pDoc, &error)) {
+        alert(tr("The configuration could not be saved."), QString::fromStdString(error));
+        return false;
+    }
+    return true;
+}
+
+void DocumentWindow::loadConfiguration()
+{
+    const QString path = QFileDialog::getOpenFileName(this, tr("Load Configuration"),
+                                                      documentsFolder() + QStringLiteral("/config.cfg"),
+                                                      tr("Configurations (*.cfg);;All files (*)"));
+    if (!path.isEmpty())
+        loadConfigurationFrom(path);
+}
+
+void DocumentWindow::saveConfiguration()
+{
+    const QString path = QFileDialog::getSaveFileName(this, tr("Save Configuration"),
+                                                      documentsFolder() + QStringLiteral("/config.cfg"),
+                                                      tr("Configurations (*.cfg)"));
+    if (!path.isEmpty())
+        saveConfigurationTo(path);
+}

@@ -1,0 +1,87 @@
+// The document window's menus and the enabling of their commands.
+#include "app/DocumentWindow.h"
+
+#include "app/WorkbenchApplication.h"
+#include "document/MyDocument.h"
+#include "table/mainTable.h"
+
+#include <QAction>
+#include <QFileInfo>
+#include <QKeySequence>
+#include <QMenu>
+#include <QMenuBar>
+
+void DocumentWindow::createMenus()
+{
+    QMenu* file = menuBar()->addMenu(tr("&File"));
+    file->addAction(tr("&New"), QKeySequence::New, m_pApp, [this] { m_pApp->newDocument(); });
+    file->addAction(tr("&Open..."), QKeySequence::Open, this, [this] { m_pApp->openDialog(this); });
+    m_pRecent = file->addMenu(tr("Open &Recent"));
+    connect(m_pRecent, &QMenu::aboutToShow, this, [this] {
+        m_pRecent->clear();
+        for (const QString& path : m_pApp->recentFiles())
+            m_pRecent->addAction(QFileInfo(path).fileName(), this, [this, path] { m_pApp->openFile(path); })
+                ->setToolTip(path);
+        m_pRecent->addSeparator();
+        m_pRecent->addAction(tr("Clear Menu"), m_pApp, &WorkbenchApplication::clearRecentFiles)
+            ->setEnabled(!m_pApp->recentFiles().isEmpty());
+    });
+    file->addSeparator();
+    file->addAction(tr("&Close"), QKeySequence::Close, this, &QWidget::close);
+    m_pSave = file->addAction(tr("&Save"), QKeySequence::Save, this, [this] { saveDocument(); });
+    file->addAction(tr("Save &As..."), QKeySequence::SaveAs, this, &DocumentWindow::saveDocumentAs);
+    m_pRevert = file->addAction(tr("Re&vert to Saved"), this, &DocumentWindow::revertDocument);
+    file->addSeparator();
+    file->addAction(tr("Save A&udio..."), m_pTable, &mainTable::_fileSaveAudio);
+    file->addSeparator();
+    file->addAction(tr("&Load Configuration..."), this, &DocumentWindow::loadConfiguration);
+    file->addAction(tr("Save Con&figuration..."), this, &DocumentWindow::saveConfiguration);
+    file->addSeparator();
+    QAction* quit = file->addAction(tr("&Quit"), QKeySequence::Quit, m_pApp, &WorkbenchApplication::quit);
+    quit->setMenuRole(QAction::QuitRole);
+
+    QMenu* edit = menuBar()->addMenu(tr("&Edit"));
+    m_pUndo = edit->addAction(tr("&Undo"), QKeySequence::Undo, m_pTable, &mainTable::undo);
+    m_pRedo = edit->addAction(tr("&Redo"), QKeySequence(tr("Ctrl+Shift+Z")), m_pTable, &mainTable::redo);
+    edit->addSeparator();
+    edit->addAction(tr("Select &All"), QKeySequence::SelectAll, m_pTable, &QTableView::selectAll);
+    edit->addSeparator();
+    edit->addAction(tr("&Parameters..."), m_pTable, &mainTable::_editRows);
+
+    QMenu* play = menuBar()->addMenu(tr("&Play"));
+    play->addAction(tr("Play &Current"), QKeySequence(Qt::Key_Space), m_pTable, &mainTable::_PlayCurrent);
+    play->addAction(tr("Play &Previous"), QKeySequence(tr("Ctrl+Shift+Space")), m_pTable,
+                    &mainTable::_PlayPrevious);
+    m_pPlayModel =
+        play->addAction(tr("Play &Model"), QKeySequence(tr("Ctrl+M")), m_pTable, &mainTable::_PlayAudio);
+
+    if (mainTable::hasGraphicalDataEntry() || mainTable::hasTraceDataEntry()) {
+        QMenu* entry = menuBar()->addMenu(tr("&Data Entry"));
+        if (mainTable::hasGraphicalDataEntry())
+            entry->addAction(tr("&Graphical Data Entry..."), QKeySequence(tr("Ctrl+G")), m_pTable,
+                             &mainTable::_dataentryGraphical);
+        if (mainTable::hasTraceDataEntry())
+            m_pTrace = entry->addAction(tr("&Trace Over Model..."), QKeySequence(tr("Ctrl+T")), m_pTable,
+                                        &mainTable::_dataentryTrace);
+    }
+
+    QMenu* options = menuBar()->addMenu(tr("&Options"));
+    options->addAction(tr("&Parameters..."), m_pTable, &mainTable::_optionsParameters);
+    options->addAction(tr("&File..."), m_pTable, &mainTable::_optionsFile);
+
+    for (QMenu* menu : {file, edit, play, options})
+        connect(menu, &QMenu::aboutToShow, this, &DocumentWindow::updateActions);
+}
+
+void DocumentWindow::updateActions()
+{
+    if (!m_pUndo)
+        return;
+    m_pUndo->setEnabled(m_pDoc->canUndo());
+    m_pRedo->setEnabled(m_pDoc->canRedo());
+    m_pRevert->setEnabled(m_pDoc->canRevert());
+    const bool model = m_pDoc->getChannel(2)->hasAudio();
+    m_pPlayModel->setEnabled(model);
+    if (m_pTrace)
+        m_pTrace->setEnabled(model);
+}

@@ -1,0 +1,156 @@
+#include "app/WorkbenchApplication.h"
+
+#include "app/ConfigurationFile.h"
+#include "app/DocumentWindow.h"
+#include "document/MyDocument.h"
+
+#include <QApplication>
+#include <QFile>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMessageBox>
+#include <QSettings>
+
+#include <algorithm>
+
+namespace
+{
+constexpr int kRecentFiles = 10;
+const char* kRecentKey = "recentFiles";
+} // namespace
+
+WorkbenchApplication::WorkbenchApplication(QObject* parent) : QObject(parent)
+{
+    ConfigurationFile::install();
+}
+
+WorkbenchApplication::~WorkbenchApplication()
+{
+    for (DocumentWindow* w : std::vector<DocumentWindow*>(m_windows))
+        delete w;
+}
+
+void WorkbenchApplication::alert(QWidget* parent, const QString& title, const QString& message)
+{
+    m_strLastAlert = title + QStringLiteral(": ") + message;
+    if (m_bQuiet)
+        return;
+    QMessageBox box(QMessageBox::Warning, title, message, QMessageBox::Ok, parent);
+    box.setWindowModality(parent ? Qt::WindowModal : Qt::ApplicationModal);
+    box.exec();
+}
+
+DocumentWindow* WorkbenchApplication::show(std::unique_ptr<MyDocument> doc, int untitledNumber)
+{
+    auto* window = new DocumentWindow(this, std::move(doc), untitledNumber);
+    m_windows.push_back(window);
+    // Cascade new windows a little so that they do not hide each other.
+    if (m_windows.size() > 1) {
+        const QPoint offset(28 * static_cast<int>((m_windows.size() - 1) % 8),
+                            28 * static_cast<int>((m_windows.size() - 1) % 8));
+        window->move(m_windows.front()->pos() + offset);
+    }
+    window->show();
+    window->raise();
+    window->activateWindow();
+    return window;
+}
+
+DocumentWindow* WorkbenchApplication::newDocument()
+{
+    auto doc = std::make_unique<MyDocument>();
+    doc->SetUpDataGridMemory();
+    doc->buildDataTableDictionary();
+    return show(std::move(doc), ++m_nUntitledCount);
+}
+
+DocumentWindow* WorkbenchApplication::openFile(const QString& path)
+{
+    const QString absolute = QFileInfo(path).absoluteFilePath();
+    for (DocumentWindow* w : m_windows) {
+        // Compared as paths: a document's file need not exist yet (a WAVE file's x.stk).
+        if (!w->filePath().isEmpty() && QFileInfo(w->filePath()).absoluteFilePath() == absolute) {
+            w->raise();
+            w->activateWindow();
+            return w;
+        }
+    }
+    const QString name = QFileInfo(absolute).fileName();
+    QFile file(absolute);
+    if (!file.open(QIODevice::ReadOnly)) {
+        alert(nullptr, tr("The document “%1” could not be opened.").arg(name), file.errorString());
+        return nullptr;
+    }
+    const QByteArray bytes = file.readAll();
+    auto doc = std::make_unique<MyDocument>();
+    doc->setFileURL(absolute.toStdString());
+    int errorCode = 0;
+    if (!doc->readFromData(bytes.toStdString(), "stk", &errorCode)) {
+        const QString why = QString::fromStdString(doc->lastReadError());
+        alert(nullptr, tr("The document “%1” could not be opened.").arg(name),
+              why.isEmpty() ? tr("It is neither a WAVE file nor a parameter document.") : why);
+        return nullptr;
+    }
+    doc->buildDataTableDictionary(); // a WAVE file became a new, changed document x.stk
+    noteRecentFile(absolute);
+    // An untouched new window gives way to the opened file.
+    if (m_windows.size() == 1 && m_windows.front()->isPristine()) {
+        DocumentWindow* pristine = m_windows.front();
+        DocumentWindow* opened = show(std::move(doc), 0);
+        opened->move(pristine->pos());
+        pristine->close();
+        return opened;
+    }
+    return show(std::move(doc), 0);
+}
+
+void WorkbenchApplication::openFiles(const QStringList& paths)
+{
+    for (const QString& path : paths)
+        openFile(path);
+}
+
+void WorkbenchApplication::openDialog(QWidget* parent)
+{
+    const QStringList paths = QFileDialog::getOpenFileNames(
+        parent, tr("Open"), QString(),
+        tr("Parameter documents and WAVE files (*.stk *.wav *.wave);;"
+           "Parameter documents (*.stk);;WAVE files (*.wav *.wave);;All files (*)"));
+    openFiles(paths);
+}
+
+QStringList WorkbenchApplication::recentFiles() const
+{
+    return QSettings().value(kRecentKey).toStringList();
+}
+
+void WorkbenchApplication::noteRecentFile(const QString& path)
+{
+    QStringList files = recentFiles();
+    files.removeAll(path);
+    files.prepend(path);
+    while (files.size() > kRecentFiles)
+        files.removeLast();
+    QSettings().setValue(kRecentKey, files);
+    emit recentFilesChanged();
+}
+
+void WorkbenchApplication::clearRecentFiles()
+{
+    QSettings().remove(kRecentKey);
+    emit recentFilesChanged();
+}
+
+void WorkbenchApplication::windowClosed(DocumentWindow* window)
+{
+    m_windows.erase(std::remove(m_windows.begin(), m_windows.end(), window), m_windows.end());
+}
+
+bool WorkbenchApplication::quit()
+{
+    for (DocumentWindow* w : std::vector<DocumentWindow*>(m_windows))
+        if (!w->close())
+            return false;
+    QApplication::quit();
+    return true;
+}

@@ -1,0 +1,56 @@
+#pragma once
+// The application: its document windows, the commands that make or open documents (New,
+// Open, Open Recent), the recent-files list, and Quit with the unsaved-changes prompts.
+// Installs the configuration file hooks when made. Main thread only.
+#include <QObject>
+#include <QStringList>
+
+#include <memory>
+#include <vector>
+
+class DocumentWindow;
+class MyDocument;
+class QWidget;
+
+class WorkbenchApplication : public QObject
+{
+    Q_OBJECT
+public:
+    explicit WorkbenchApplication(QObject* parent = nullptr);
+    ~WorkbenchApplication() override;
+
+    DocumentWindow* newDocument();
+    // Opens a parameter document or a WAVE file (which becomes a new document x.stk with
+    // the recording as its model); an already open file is brought to front. nullptr and
+    // an alert naming the file and the reason when it cannot be read.
+    DocumentWindow* openFile(const QString& path);
+    void openFiles(const QStringList& paths);
+
+    QStringList recentFiles() const;
+    void noteRecentFile(const QString& path);
+    void clearRecentFiles();
+
+    const std::vector<DocumentWindow*>& windows() const { return m_windows; }
+    void windowClosed(DocumentWindow* window);
+
+    // When set, failures are reported through it instead of a message box (tests).
+    void setQuietAlerts(bool quiet) { m_bQuiet = quiet; }
+    QString lastAlert() const { return m_strLastAlert; }
+    void alert(QWidget* parent, const QString& title, const QString& message);
+
+public slots:
+    void openDialog(QWidget* parent);
+    // Closes every window, asking about unsaved changes; stops at the first Cancel.
+    bool quit();
+
+signals:
+    void recentFilesChanged();
+
+private:
+    DocumentWindow* show(std::unique_ptr<MyDocument> doc, int untitledNumber);
+
+    std::vector<DocumentWindow*> m_windows;
+    int m_nUntitledCount = 0;
+    bool m_bQuiet = false;
+    QString m_strLastAlert;
+};

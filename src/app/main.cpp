@@ -1,0 +1,30 @@
+// tessaphon [FILE...]: the workbench. Opens the files given (parameter documents and WAVE
+// files), or a new document when there are none.
+#include "app/WorkbenchApplication.h"
+
+#include <QApplication>
+#include <QCommandLineParser>
+
+int main(int argc, char** argv)
+{
+    QApplication app(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("Tessaphon"));
+    QApplication::setOrganizationName(QStringLiteral("Tessaphon"));
+    QApplication::setApplicationVersion(QStringLiteral(TESSAPHON_VERSION));
+    QApplication::setApplicationDisplayName(QStringLiteral("Tessaphon"));
+
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral("Klatt formant synthesis workbench"));
+    parser.addHelpOption();
+    parser.addVersionOption();
+    parser.addPositionalArgument(QStringLiteral("files"),
+                                 QStringLiteral("Parameter documents (.stk) or WAVE files to open."),
+                                 QStringLiteral("[FILE...]"));
+    parser.process(app);
+
+    WorkbenchApplication workbench;
+    workbench.openFiles(parser.positionalArguments());
+    if (workbench.windows().empty())
+        workbench.newDocument();
+    return app.exec();
+}

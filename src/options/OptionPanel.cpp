@@ -1,0 +1,32 @@
+#include "options/OptionPanel.h"
+
+#include <QDialogButtonBox>
+#include <QPushButton>
+
+OptionPanel::OptionPanel(QWidget* parent) : QDialog(parent)
+{
+    setModal(true);
+    setWindowModality(parent ? Qt::WindowModal : Qt::ApplicationModal);
+}
+
+int OptionPanel::showInWindow(QWidget* parent, MyDocument* doc)
+{
+    if (parent && parentWidget() != parent)
+        setParent(parent, windowFlags());
+    setup(doc);
+    const int code = exec();
+    if (code == kOK)
+        save(doc);
+    return code;
+}
+
+QDialogButtonBox* OptionPanel::makeButtons(bool withDefault)
+{
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
+    connect(buttons->button(QDialogButtonBox::Ok), &QPushButton::clicked, this, &OptionPanel::oktButton);
+    connect(buttons->button(QDialogButtonBox::Cancel), &QPushButton::clicked, this,
+            &OptionPanel::canceltButton);
+    if (withDefault)
+        m_pDefault = buttons->addButton(tr("Default"), QDialogButtonBox::ResetRole);
+    return buttons;
+}

@@ -1,0 +1,38 @@
+#pragma once
+// The frame of the modal option panels: a window-modal dialog on the parent window, filled
+// from the document by setup(), ended by OK with 1000 or by Cancel with 1001; only OK writes
+// the panel back to the document with save(). Main thread only.
+#include <QDialog>
+
+class MyDocument;
+class QDialogButtonBox;
+class QPushButton;
+
+class OptionPanel : public QDialog
+{
+    Q_OBJECT
+public:
+    static constexpr int kOK = 1000;
+    static constexpr int kCancel = 1001;
+
+    explicit OptionPanel(QWidget* parent);
+
+    // Fills the panel from the document, runs it modally and saves on OK; the modal code.
+    int showInWindow(QWidget* parent, MyDocument* doc);
+
+    virtual void setup(MyDocument* doc) = 0;
+    virtual void save(MyDocument* doc) = 0;
+
+public slots:
+    void oktButton() { done(kOK); }
+    void canceltButton() { done(kCancel); }
+
+protected:
+    // The OK / Cancel row (and a Default button when `withDefault`), for the subclass layout.
+    QDialogButtonBox* makeButtons(bool withDefault);
+    QPushButton* defaultButton() const { return m_pDefault; }
+    void reject() override { done(kCancel); } // Escape and the close box cancel
+
+private:
+    QPushButton* m_pDefault = nullptr;
+};

@@ -1,0 +1,3 @@
+#include "table/DataEntryController.h"
+
+DataEntryController::~DataEntryController() = default;

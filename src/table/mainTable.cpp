@@ -1,0 +1,217 @@
+// The table view itself: set-up, selection, typed entry, anchors from the context menu,
+// reloading. The commands are in mainTableCommands.cpp, playback in mainTablePlayback.cpp.
+#include "table/mainTable.h"
+
+#include "document/DocumentException.h"
+#include "document/Log.h"
+#include "document/MyDocument.h"
+#include "table/Alert.h"
+#include "table/TableEditing.h"
+
+#include <QContextMenuEvent>
+#include <QHeaderView>
+#include <QItemSelectionModel>
+#include <QMenu>
+
+#include <algorithm>
+#include <new>
+
+namespace
+{
+constexpr int kColumnWidth = 50;
+constexpr int kNameColumnWidth = 56;
+constexpr int kShownRowHeight = 16;
+// A hidden parameter's row collapses to a hairline instead of disappearing.
+constexpr int kHiddenRowHeight = 1;
+// The context menu sets anchors only on rows at least this high (not on hidden rows).
+constexpr int kAnchorRowHeight = 10;
+} // namespace
+
+mainTable::mainTable(MyDocument* doc, QWidget* parent) : QTableView(parent), m_pDoc(doc)
+{
+    if (m_pDoc->_dataTableDictionary.empty())
+        m_pDoc->buildDataTableDictionary();
+    m_pModel = new ParameterTableModel(m_pDoc, this);
+    setModel(m_pModel);
+    connect(m_pModel, &ParameterTableModel::valueTyped, this, &mainTable::typedValue);
+
+    setSelectionMode(QAbstractItemView::ExtendedSelection);
+    setSelectionBehavior(QAbstractItemView::SelectItems);
+    setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed |
+                    QAbstractItemView::AnyKeyPressed);
+    setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
+    setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+    setWordWrap(false);
+    setCornerButtonEnabled(true);
+    setContextMenuPolicy(Qt::DefaultContextMenu);
+    verticalHeader()->hide();
+    verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    verticalHeader()->setMinimumSectionSize(kHiddenRowHeight);
+    horizontalHeader()->setSectionResizeMode(QHeaderView::Interactive);
+    horizontalHeader()->setMinimumSectionSize(10);
+    horizontalHeader()->setDefaultSectionSize(kColumnWidth);
+    horizontalHeader()->setHighlightSections(true);
+    QFont headerFont = horizontalHeader()->font();
+    headerFont.setPointSizeF(std::max(7.0, headerFont.pointSizeF() - 1.0));
+    horizontalHeader()->setFont(headerFont);
+
+    // Clicking a parameter's name selects its whole row.
+    connect(this, &QTableView::clicked, this, [this](const QModelIndex& index) {
+        if (index.column() == 0)
+            selectRow(index.row());
+    });
+    rebuildColumns();
+    clearSelection();
+}
+
+mainTable::~mainTable()
+{
+    stopPlayback();
+}
+
+void mainTable::rebuildColumns()
+{
+    m_pDoc->updateInterval(); // repairs an interval below 1 before the titles are made
+    m_pModel->reload();
+    horizontalHeader()->resizeSection(0, kNameColumnWidth);
+    updateRowHeights();
+}
+
+void mainTable::reloadData()
+{
+    m_pModel->reload();
+    updateRowHeights();
+    viewport()->update();
+}
+
+void mainTable::updateRowHeights()
+{
+    const int rows = m_pModel->rowCount();
+    for (int row = 0; row < rows; ++row) {
+        const int height = m_pModel->rowShown(row) ? kShownRowHeight : kHiddenRowHeight;
+        if (verticalHeader()->sectionSize(row) != height)
+            verticalHeader()->resizeSection(row, height);
+    }
+}
+
+void mainTable::refreshTable()
+{
+    reloadData();
+    _bSynthesize = true;
+    m_pDoc->updateChangeCount(MyDocument::ChangeDone);
+    emit documentChanged();
+}
+
+void mainTable::selectaColumn(int tableColumn)
+{
+    if (tableColumn < 0 || tableColumn >= m_pModel->columnCount())
+        return;
+    selectionModel()->clearSelection();
+    selectColumn(tableColumn);
+    scrollTo(m_pModel->index(0, tableColumn), QAbstractItemView::EnsureVisible);
+}
+
+std::pair<int, int> mainTable::selectedColumnSpan() const
+{
+    int first = -1, last = -1;
+    for (const QItemSelectionRange& range : selectionModel()->selection()) {
+        first = first < 0 ? range.left() : std::min(first, range.left());
+        last = std::max(last, range.right());
+    }
+    return {first, last};
+}
+
+std::pair<int, int> mainTable::selectedRowSpan() const
+{
+    int first = -1, last = -1;
+    for (const QItemSelectionRange& range : selectionModel()->selection()) {
+        first = first < 0 ? range.top() : std::min(first, range.top());
+        last = std::max(last, range.bottom());
+    }
+    return {first, last};
+}
+
+bool mainTable::guarded(const QString& button, const std::function<void()>& body)
+{
+    try {
+        body();
+        return true;
+    } catch (const DocumentException& e) {
+        Alert::show(window(), QString::fromStdString(e.name()), QString::fromStdString(e.reason()), button);
+    } catch (const std::bad_alloc&) {
+        Alert::show(window(), QStringLiteral("Memory Error"), QStringLiteral("Unable to allocate memory"),
+                    button);
+    } catch (const std::exception& e) {
+        Alert::show(window(), QStringLiteral("Error"), QString::fromUtf8(e.what()), button);
+    }
+    return false;
+}
+
+void mainTable::typedValue(int row, int column, const QString& text)
+{
+    guarded(QStringLiteral("OK"), [&] {
+        const TypedEntryOutcome outcome = typeValue(*m_pDoc, row, column, typedInteger(text.toStdString()));
+        if (outcome == TypedEntryOutcome::Unchanged)
+            return;
+        _bSynthesize = true;
+        // A single stored value leaves the columns as they were: only that cell is redrawn.
+        if (outcome == TypedEntryOutcome::Stored)
+            m_pModel->cellChanged(row, column);
+        else
+            reloadData();
+        emit documentChanged();
+    });
+}
+
+void mainTable::checkDataRange(int row)
+{
+    try {
+        ::checkDataRange(*m_pDoc, row);
+        reloadData();
+    } catch (const std::exception& e) {
+        Log::line(std::string("checkDataRange: ") + e.what()); // swallowed by design
+    }
+}
+
+bool mainTable::rowTakesAnchor(int row) const
+{
+    return row >= 0 && rowHeight(row) >= kAnchorRowHeight;
+}
+
+void mainTable::setAnchorFlag(int row, int column, bool anchor)
+{
+    if (column < 1 || !rowTakesAnchor(row))
+        return; // the name column and hidden rows take no anchor
+    if (CellRef cell = m_pModel->cellAt(row, column)) {
+        cell->set_bAnchor(anchor);
+        update(m_pModel->index(row, column));
+    }
+}
+
+void mainTable::addAnchor(int row, int column)
+{
+    setAnchorFlag(row, column, true);
+}
+
+void mainTable::removeAnchor(int row, int column)
+{
+    setAnchorFlag(row, column, false);
+}
+
+void mainTable::contextMenuEvent(QContextMenuEvent* event)
+{
+    const QModelIndex index = indexAt(event->pos());
+    const int row = index.isValid() ? index.row() : -1;
+    const int column = index.isValid() ? index.column() : -1;
+    QMenu menu(this);
+    QAction* add = menu.addAction(QStringLiteral("Add Anchor"));
+    QAction* remove = menu.addAction(QStringLiteral("Remove Anchor"));
+    const bool usable = column >= 1 && rowTakesAnchor(row);
+    add->setEnabled(usable);
+    remove->setEnabled(usable);
+    QAction* chosen = menu.exec(event->globalPos());
+    if (chosen == add)
+        addAnchor(row, column);
+    else if (chosen == remove)
+        removeAnchor(row, column);
+}

@@ -1,0 +1,129 @@
+#pragma once
+// The document window's central view: the spreadsheet of the Klatt parameters, one row per
+// parameter and one column per frame after the name column, over the document's table data
+// (ParameterTableModel). It carries the commands behind the application's main menus (play,
+// undo, redo, revert, options, data entry) and the needs-synthesis flag _bSynthesize that
+// makes the next play of the current synthesis re-run the synthesizer.
+//
+// Every command runs on the main thread inside an exception guard that shows a failure as an
+// alert (title = its name, message = its reason). The table does not own the document; the
+// window that owns both destroys the table first. One AudioPlayer serves the whole
+// application; the table that started a playback stops it before its samples can go away.
+#include "table/DataEntryController.h"
+#include "table/ParameterTableModel.h"
+
+#include <QPointer>
+#include <QTableView>
+
+#include <functional>
+#include <memory>
+
+class AudioPlayer;
+class MyDocument;
+
+class mainTable : public QTableView
+{
+    Q_OBJECT
+public:
+    explicit mainTable(MyDocument* doc, QWidget* parent = nullptr);
+    ~mainTable() override;
+
+    MyDocument* document() const { return m_pDoc; }
+    ParameterTableModel* tableModel() const { return m_pModel; }
+
+    // The graphical and tracing data-entry windows live above the table: the application
+    // installs their factories; their commands exist only while a factory is installed.
+    using DataEntryFactory = std::function<DataEntryController*(mainTable*)>;
+    static void setGraphicalDataEntryFactory(DataEntryFactory factory);
+    static void setTraceDataEntryFactory(DataEntryFactory factory);
+    static bool hasGraphicalDataEntry();
+    static bool hasTraceDataEntry();
+
+    // The application's one player (made on first use).
+    static AudioPlayer* sharedPlayer();
+
+    // --- used by the data-entry windows ---
+    // Selects exactly that column and scrolls it into view.
+    void selectaColumn(int tableColumn);
+    // Reloads and redraws, sets _bSynthesize and marks the document changed.
+    void refreshTable();
+    void checkDataRange(int row);
+
+    // Table-column span and row span of the selection (first, last), or (-1, -1).
+    std::pair<int, int> selectedColumnSpan() const;
+    std::pair<int, int> selectedRowSpan() const;
+
+    // Rebuilds the columns after the table data was replaced (frame count or interval may
+    // have changed), then reloads: what awakeFromNib does once.
+    void rebuildColumns();
+    // Reloads the cells without marking anything.
+    void reloadData();
+
+    // Rows too low to take an anchor from the context menu: hidden parameters.
+    bool rowTakesAnchor(int row) const;
+
+    DataEntryController* graphicalDataEntry() const { return m_pDataentryGraphical.get(); }
+    DataEntryController* traceDataEntry() const { return m_pDataentryTrace.get(); }
+
+    bool _bSynthesize = false;
+
+public slots:
+    // --- commands (each guarded) ---
+    void undo();
+    void redo();
+    void revertDocumentToSaved();
+    void _PlayCurrent();
+    void _PlayPrevious();
+    void _PlayAudio();
+    void _InterpolateAll();
+    void _editRows();
+    void _optionsParameters();
+    void _optionsFile();
+    void _dataentryGraphical();
+    void _dataentryTrace();
+    // Writes channel 0 as a WAVE file, asking where (save panel "Save Audio as").
+    void _fileSaveAudio();
+    // The same without the panel; the outcome is only logged ("yes" / "no").
+    bool saveAudioTo(const QString& path);
+
+    // Applies the parameter records to the cells (see TableEditing), after stopping a
+    // playback of this document whose samples the synthesis replaces.
+    void saveParameters();
+    void saveoptionsFile();
+    void AdjustSampleRate(bool synthesize);
+    // Stops the shared player when it plays this document's samples.
+    void stopPlayback();
+
+    // The deferred half of the play commands; public for the benchmarks and tests.
+    void PlayDocument(int channel);
+
+    void addAnchor(int row, int column);
+    void removeAnchor(int row, int column);
+
+signals:
+    // The document changed (edit, undo, redo, revert, options): the window updates its title
+    // and menus.
+    void documentChanged();
+    // A playback of this table's document started (sample rate, length in samples).
+    void playbackStarted(double sampleRate, double samples);
+
+protected:
+    void contextMenuEvent(QContextMenuEvent* event) override;
+
+private:
+    // Runs `body`, showing a failure as an alert with `button`; false when it failed.
+    bool guarded(const QString& button, const std::function<void()>& body);
+    void typedValue(int row, int column, const QString& text);
+    void updateRowHeights();
+    void setAnchorFlag(int row, int column, bool anchor);
+    void schedulePlay(int channel);
+    void afterSnapshotRestored();
+    void openDataEntry(std::unique_ptr<DataEntryController>& slot, const DataEntryFactory& factory,
+                       const QString& titlePrefix);
+
+    MyDocument* m_pDoc;
+    ParameterTableModel* m_pModel;
+    // The open data-entry windows (the commands _dataentryGraphical / _dataentryTrace).
+    std::unique_ptr<DataEntryController> m_pDataentryGraphical;
+    std::unique_ptr<DataEntryController> m_pDataentryTrace;
+};

@@ -1,0 +1,151 @@
+// The table's play commands and the save-audio command. One AudioPlayer serves the whole
+// application; the table remembers which table's samples it plays so that a table going
+// away (or re-synthesizing) can stop it first.
+#include "table/mainTable.h"
+
+#include "audio/AudioPlayer.h"
+#include "document/Log.h"
+#include "document/MyDocument.h"
+
+#include <QApplication>
+#include <QFileDialog>
+#include <QSaveFile>
+#include <QStandardPaths>
+#include <QTimer>
+
+#include <algorithm>
+
+namespace
+{
+// What the shared player is playing: the table, the channel and the block kept locked.
+QPointer<mainTable> g_playingTable;
+int g_playingChannel = -1;
+MemoryBlock* g_lockedBlock = nullptr;
+
+// Unlocks the played block when it still belongs to the channel it was taken from.
+void releasePlayedBlock()
+{
+    if (g_playingTable && g_lockedBlock && g_playingChannel >= 0) {
+        Channels* channel = g_playingTable->document()->getChannel(g_playingChannel);
+        if (channel->m_hData.get() == g_lockedBlock)
+            g_lockedBlock->unlock();
+    }
+    g_lockedBlock = nullptr;
+    g_playingChannel = -1;
+    g_playingTable = nullptr;
+}
+} // namespace
+
+AudioPlayer* mainTable::sharedPlayer()
+{
+    static QPointer<AudioPlayer> player;
+    if (!player) {
+        player = new AudioPlayer(qApp);
+        QObject::connect(player, &AudioPlayer::playbackStopped, player, [] { releasePlayedBlock(); });
+    }
+    return player;
+}
+
+void mainTable::stopPlayback()
+{
+    if (g_playingTable != this)
+        return;
+    sharedPlayer()->stopClean();
+    releasePlayedBlock();
+}
+
+void mainTable::_PlayCurrent()
+{
+    schedulePlay(0);
+}
+
+void mainTable::_PlayPrevious()
+{
+    schedulePlay(1);
+}
+
+void mainTable::_PlayAudio()
+{
+    schedulePlay(2);
+}
+
+void mainTable::schedulePlay(int channel)
+{
+    AudioPlayer* player = sharedPlayer();
+    if (player->isPlaying())
+        player->stopPlay();
+    // Deferred so that the menu closes before a synthesis starts.
+    QTimer::singleShot(100, this, [this, channel] { PlayDocument(channel); });
+}
+
+void mainTable::PlayDocument(int channel)
+{
+    try {
+        Channels* ch = m_pDoc->getChannel(channel);
+        if (channel == 0 && _bSynthesize) {
+            stopPlayback(); // the synthesis replaces the samples the player may hold
+            m_pDoc->Synthesize();
+            _bSynthesize = false;
+        }
+        if (!ch->hasAudio())
+            return; // nothing to play, nothing to report
+        AudioPlayer* player = sharedPlayer();
+        if (player->isPlaying())
+            player->stopPlay();
+        releasePlayedBlock();
+        player->CreateDefaultAU();
+        player->setDelegate(this);
+        g_lockedBlock = ch->m_hData.get();
+        g_lockedBlock->lock();
+        g_playingTable = this;
+        g_playingChannel = channel;
+        // Never more samples than the block holds, whatever the recorded length says.
+        const double length = std::min(ch->m_dwFileLength, static_cast<double>(ch->sampleCount()));
+        player->setData(g_lockedBlock->bytes(), length, 0);
+        player->setSampleRate(ch->m_dSampleRate);
+        player->startPlay();
+        if (player->isPlaying())
+            emit playbackStarted(ch->m_dSampleRate, length);
+    } catch (const std::exception& e) {
+        Log::line(std::string("PlayDocument: ") + e.what()); // swallowed by design
+    }
+}
+
+bool mainTable::saveAudioTo(const QString& path)
+{
+    bool ok = false;
+    try {
+        if (_bSynthesize) {
+            stopPlayback();
+            m_pDoc->Synthesize();
+            _bSynthesize = false;
+        }
+        const std::string bytes = m_pDoc->save_Wave_FileType();
+        QSaveFile file(path);
+        ok = file.open(QIODevice::WriteOnly) &&
+             file.write(bytes.data(), static_cast<qint64>(bytes.size())) ==
+                 static_cast<qint64>(bytes.size()) &&
+             file.commit();
+    } catch (const std::exception& e) {
+        Log::line(std::string("save audio: ") + e.what());
+        ok = false;
+    }
+    Log::line(ok ? "yes" : "no");
+    return ok;
+}
+
+void mainTable::_fileSaveAudio()
+{
+    QFileDialog panel(window(), QStringLiteral("save as wav"));
+    panel.setAcceptMode(QFileDialog::AcceptSave);
+    panel.setFileMode(QFileDialog::AnyFile);
+    panel.setNameFilter(tr("WAVE audio (*.wav)"));
+    panel.setDefaultSuffix(QStringLiteral("wav"));
+    panel.setDirectory(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
+    panel.setLabelText(QFileDialog::FileName, QStringLiteral("Save Audio as"));
+    panel.selectFile(QStringLiteral("audio.wav"));
+    panel.setWindowModality(Qt::WindowModal);
+    if (panel.exec() != QDialog::Accepted || panel.selectedFiles().isEmpty())
+        return;
+    saveAudioTo(panel.selectedFiles().first());
+}

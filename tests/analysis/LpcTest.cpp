@@ -1,0 +1,144 @@
+#include "analysis/CMathFunc.h"
+#include "analysis/TestSignals.h"
+#include "document/Log.h"
+
+#include <gtest/gtest.h>
+
+#include <complex>
+
+namespace
+{
+
+// Levinson-Durbin on the autocorrelation of x, A(z) = 1 + sum a[j] z^-j.
+struct Reference {
+    std::vector<double> a, k;
+    double energy = 0.0;
+};
+Reference levinson(const std::vector<double>& x, int order)
+{
+    std::vector<double> r(order + 1, 0.0);
+    for (int i = 0; i <= order; ++i)
+        for (std::size_t j = 0; j + i < x.size(); ++j)
+            r[i] += x[j] * x[j + i];
+    Reference out;
+    out.a.assign(order + 1, 0.0);
+    out.k.assign(order + 1, 0.0);
+    out.a[0] = 1.0;
+    double error = r[0];
+    for (int m = 1; m <= order; ++m) {
+        double acc = r[m];
+        for (int j = 1; j < m; ++j)
+            acc += out.a[j] * r[m - j];
+        const double k = -acc / error;
+        std::vector<double> next = out.a;
+        for (int j = 1; j < m; ++j)
+            next[j] = out.a[j] + k * out.a[m - j];
+        next[m] = k;
+        out.a = next;
+        out.k[m] = k;
+        error *= 1.0 - k * k;
+    }
+    out.energy = error;
+    return out;
+}
+
+// Captures the diagnostic lines written while it lives.
+struct LogCapture {
+    std::string text;
+    LogCapture()
+    {
+        Log::setSink([this](const std::string& line) { text += line; });
+    }
+    ~LogCapture() { Log::setSink({}); }
+};
+
+} // namespace
+
+TEST(Lpc, AllPoleSignalGivesBackItsCoefficients)
+{
+    // A(z) of two resonances at 11025 Hz driven by white noise.
+    const std::vector<double> poly = signals::polynomialOfPoles({{600.0, 80.0}, {1800.0, 120.0}}, 11025.0);
+    const std::vector<double> y = signals::allPole(signals::noise(60000, 5), poly);
+    CMathFunc math;
+    const lpcout* lpc = math.autolpc(y.data(), static_cast<int>(y.size()), 4);
+    ASSERT_EQ(lpc->order, 4);
+    for (int j = 0; j <= 4; ++j)
+        EXPECT_NEAR(lpc->a[j], poly[j], 0.02) << j;
+
+    // The Schur recursion gives the Levinson-Durbin coefficients, energy and reflections.
+    const Reference ref = levinson(y, 10);
+    lpc = math.autolpc(y.data(), static_cast<int>(y.size()), 10);
+    for (int j = 0; j <= 10; ++j)
+        EXPECT_NEAR(lpc->a[j], ref.a[j], 1e-9) << j;
+    for (int j = 1; j <= 10; ++j)
+        EXPECT_NEAR(lpc->k[j], ref.k[j], 1e-9) << j;
+    EXPECT_NEAR(lpc->energy / ref.energy, 1.0, 1e-9);
+
+    // DoLPC with a rectangular window and no pre-emphasis analyses the frame as it is; its
+    // coefficients are in the thread's record, the one autolpc hands out.
+    std::vector<double> frame(y.begin(), y.begin() + 400);
+    const Reference framed = levinson(frame, 8);
+    math.DoLPC(frame.data(), 8, 400, 0.0, 0, 0, 0, 0, 11025.0, 0, 1);
+    EXPECT_EQ(lpc->order, 8);
+    for (int j = 0; j <= 8; ++j)
+        EXPECT_NEAR(lpc->a[j], framed.a[j], 1e-9) << j;
+}
+
+TEST(Lpc, DoLpcModes)
+{
+    const std::vector<double> poly = signals::polynomialOfPoles({{700.0, 100.0}, {1500.0, 100.0}}, 11025.0);
+    const std::vector<double> y = signals::allPole(signals::noise(2000, 8), poly);
+    CMathFunc math;
+
+    // Coefficients only: data untouched.
+    std::vector<double> data(y.begin(), y.begin() + 401);
+    const std::vector<double> before = data;
+    EXPECT_EQ(math.DoLPC(data.data(), 4, 400, 0.0, 0, 0, 0, 0, 11025.0, 0, 1), nullptr);
+    EXPECT_EQ(data, before);
+    const std::vector<double> a = levinson(std::vector<double>(y.begin(), y.begin() + 400), 4).a;
+
+    // Spectrum mode: the level of the inverse filter at 128 bins of a 256-point grid.
+    data = before;
+    data.resize(600, -1.0);
+    math.DoLPC(data.data(), 4, 400, 0.0, 0, 0, 0, 0, 11025.0, 0, 0);
+    for (int i : {0, 10, 50, 127}) {
+        std::complex<double> sum = 0.0;
+        for (int j = 0; j <= 4; ++j)
+            sum += a[j] * std::polar(1.0, -M_PI * i * j / 128.0);
+        EXPECT_NEAR(data[i], 10.0 * std::log10(std::norm(sum)), 1e-9) << i;
+    }
+    for (int i = 401; i < 600; ++i)
+        ASSERT_EQ(data[i], -1.0);
+
+    // Smoothed spectrum: output point k stands for k * range / nOut Hz.
+    std::vector<double> smooth = before;
+    smooth.resize(600, -1.0);
+    math.DoLPC(smooth.data(), 4, 400, 0.0, 0, 1, 64, 4000, 8000.0, 0, 0);
+    for (int k = 0; k < 64; ++k)
+        ASSERT_NEAR(smooth[k], data[2 * k], 1e-9) << k;
+}
+
+TEST(Lpc, OrderAboveTheRecordsIsClampedAndSilenceDoesNotThrow)
+{
+    CMathFunc math;
+    const std::vector<double> x = signals::noise(3000, 9);
+    {
+        LogCapture log;
+        const lpcout* lpc = math.autolpc(x.data(), 3000, 1000);
+        EXPECT_EQ(lpc->order, 400);
+        EXPECT_EQ(log.text, "Requested LPC order too large\n");
+        EXPECT_TRUE(std::isfinite(lpc->a[400]));
+    }
+    EXPECT_EQ(math.autolpc(x.data(), 100, -5)->order, 0);
+    EXPECT_EQ(math.autolpc(x.data(), 100, -5)->a[0], 1.0);
+
+    // Silence: the first stage divides zero by zero; non-finite values, no formants, no throw.
+    std::vector<double> silence(200, 0.0);
+    const lpcout* lpc = math.autolpc(silence.data(), 200, 10);
+    EXPECT_FALSE(std::isfinite(lpc->k[1]));
+    const RootRecord* roots = math.DoLPC(silence.data(), 10, 150, 0.98, 1, 0, 0, 5000, 11025.0, 1, 1);
+    EXPECT_EQ(roots, lp_Roots);
+    if (roots) {
+        EXPECT_EQ(roots->formantCount, 0);
+    }
+}

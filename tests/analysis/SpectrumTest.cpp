@@ -1,0 +1,208 @@
+#include "analysis/CMathFunc.h"
+#include "analysis/SpectrumSupport.h"
+#include "analysis/TestSignals.h"
+
+#include <gtest/gtest.h>
+
+#include <complex>
+
+namespace
+{
+
+constexpr double kSentinel = -12345.0;
+
+std::vector<double> hammingWindowed(const std::vector<double>& x, int n)
+{
+    std::vector<double> y(n);
+    for (int i = 0; i < n; ++i)
+        y[i] = x[i] * (0.54 - 0.46 * std::cos(2.0 * M_PI * i / n));
+    return y;
+}
+
+} // namespace
+
+TEST(Spectrum, FftMatchesDirectDftForEverySize)
+{
+    CMathFunc math;
+    std::mt19937 generator(7);
+    std::uniform_real_distribution<double> uniform(-1.0, 1.0);
+    for (int m = 1; m <= 10; ++m) {
+        const int n = 1 << m;
+        std::vector<double> re(n), im(n);
+        for (int i = 0; i < n; ++i) {
+            re[i] = uniform(generator);
+            im[i] = uniform(generator);
+        }
+        const std::vector<double> re0 = re, im0 = im;
+        math.FFT_CODE_REAL(re.data(), im.data(), m);
+        for (int k = 0; k < n; ++k) {
+            std::complex<double> expected = 0.0;
+            for (int j = 0; j < n; ++j)
+                expected += std::complex<double>(re0[j], im0[j]) * std::polar(1.0, -2.0 * M_PI * j * k / n);
+            ASSERT_NEAR(re[k], expected.real(), 1e-9 * n) << "m=" << m << " k=" << k;
+            ASSERT_NEAR(im[k], expected.imag(), 1e-9 * n) << "m=" << m << " k=" << k;
+        }
+    }
+    // The half-size transform of real input gives the same bins.
+    for (int m = 1; m <= 12; ++m) {
+        const int n = 1 << m;
+        std::vector<double> re = signals::noise(n, m), im(n, 0.0);
+        std::vector<double> halfRe(n / 2 + 1), halfIm(n / 2 + 1);
+        spectrum::realSpectrum(re.data(), m, halfRe.data(), halfIm.data());
+        math.FFT_CODE_REAL(re.data(), im.data(), m);
+        for (int k = 0; k <= n / 2; ++k) {
+            ASSERT_NEAR(halfRe[k], re[k], 1e-9 * n) << "m=" << m << " k=" << k;
+            ASSERT_NEAR(halfIm[k], im[k], 1e-9 * n) << "m=" << m << " k=" << k;
+        }
+    }
+
+    // Sizes outside the supported range leave the arrays as they are.
+    double re[2] = {1.0, 2.0}, im[2] = {3.0, 4.0};
+    math.FFT_CODE_REAL(re, im, 0);
+    math.FFT_CODE_REAL(re, im, -3);
+    math.FFT_CODE_REAL(re, im, 40);
+    EXPECT_EQ(re[1], 2.0);
+    EXPECT_EQ(im[0], 3.0);
+}
+
+TEST(Spectrum, SineGivesItsBinAndLevelThroughThePeriodicHammingWindow)
+{
+    // A sine centred on bin 32 of 256: the periodic Hamming window puts 0.54 of the amplitude
+    // in the bin and -0.23 in each neighbour, nothing elsewhere.
+    CMathFunc math;
+    const int n = 256;
+    std::vector<double> data = signals::sine(n, 32.0 * 8000.0 / n, 8000.0);
+    data.resize(n + 16, kSentinel);
+    math.DoFFT_Real(data.data(), n, 0.0, 1, 0, 0, 0, 8000.0);
+    const double half = n / 2.0;
+    EXPECT_NEAR(data[32], 20.0 * std::log10(0.54 * half), 1e-9);
+    EXPECT_NEAR(data[31], 20.0 * std::log10(0.23 * half), 1e-9);
+    EXPECT_NEAR(data[33], 20.0 * std::log10(0.23 * half), 1e-9);
+    EXPECT_LT(data[40], data[32] - 150.0);
+    EXPECT_EQ(std::max_element(data.begin(), data.begin() + n / 2) - data.begin(), 32);
+    // The input beyond the n/2 levels is not written.
+    for (int i = n; i < n + 16; ++i)
+        ASSERT_EQ(data[i], kSentinel);
+
+    // Rectangular window: the whole amplitude, 20 log10(n/2).
+    data = signals::sine(n, 32.0 * 8000.0 / n, 8000.0);
+    math.DoFFT_Real(data.data(), n, 0.0, 0, 0, 0, 0, 8000.0);
+    EXPECT_NEAR(data[32], 20.0 * std::log10(half), 1e-9);
+}
+
+TEST(Spectrum, SilenceReadsZeroDecibelsAndPreEmphasisReadsOneSampleMore)
+{
+    CMathFunc math;
+    std::vector<double> silence(257, 0.0);
+    math.DoFFT_Real(silence.data(), 256, 0.98, 1, 0, 0, 0, 11025.0);
+    for (int i = 0; i < 128; ++i)
+        ASSERT_EQ(silence[i], 0.0);
+
+    // Without pre-emphasis sample n is not read.
+    const std::vector<double> x = signals::noise(257, 3);
+    std::vector<double> a = x, b = x;
+    b[256] = 5.0;
+    math.DoFFT_Real(a.data(), 256, 0.0, 1, 0, 0, 0, 11025.0);
+    math.DoFFT_Real(b.data(), 256, 0.0, 1, 0, 0, 0, 11025.0);
+    EXPECT_TRUE(std::equal(a.begin(), a.begin() + 128, b.begin()));
+
+    // With it, the forward difference x[i+1] - p x[i] (reading sample n), then the window.
+    std::vector<double> emphasized(256);
+    for (int i = 0; i < 256; ++i)
+        emphasized[i] = x[i + 1] - 0.9 * x[i];
+    const std::vector<double> windowed = hammingWindowed(emphasized, 256);
+    std::vector<double> data = x;
+    math.DoFFT_Real(data.data(), 256, 0.9, 1, 0, 0, 0, 11025.0);
+    for (int k : {0, 1, 17, 64, 127})
+        EXPECT_NEAR(data[k], signals::dftLevel(windowed, 256, k), 1e-8) << k;
+}
+
+TEST(Spectrum, LengthsThatAreNotPowersOfTwoArePaddedWithZeros)
+{
+    CMathFunc math;
+    // A loud transform first, so that stale values would show.
+    std::vector<double> loud = signals::noise(513, 11, 100.0);
+    math.DoFFT_Real(loud.data(), 512, 0.0, 0, 0, 0, 0, 11025.0);
+
+    const std::vector<double> x = signals::noise(300, 12);
+    std::vector<double> data = x;
+    math.DoFFT_Real(data.data(), 300, 0.0, 1, 0, 0, 0, 11025.0);
+    const std::vector<double> windowed = hammingWindowed(x, 300);
+    for (int k : {0, 3, 75, 149})
+        EXPECT_NEAR(data[k], signals::dftLevel(windowed, 512, k), 1e-8) << k;
+
+    // Beyond the largest transform: refused, nothing written.
+    std::vector<double> big(8194, 1.0);
+    math.DoFFT_Real(big.data(), 8193, 0.0, 1, 0, 0, 0, 11025.0);
+    EXPECT_EQ(big[0], 1.0);
+}
+
+TEST(Spectrum, SmoothingResamplesTheLevelsOntoTheDisplayGrid)
+{
+    CMathFunc math;
+    const std::vector<double> x = signals::noise(256, 21);
+    std::vector<double> plain = x;
+    math.DoFFT_Real(plain.data(), 256, 0.0, 1, 0, 0, 0, 8000.0);
+
+    // Frequency range = half the rate and one output per bin: the bins themselves.
+    std::vector<double> same = x;
+    same.resize(300, kSentinel);
+    math.DoFFT_Real(same.data(), 256, 0.0, 1, 1, 128, 4000, 8000.0);
+    for (int k = 0; k < 128; ++k)
+        ASSERT_NEAR(same[k], plain[k], 1e-9) << k;
+
+    // Twice as many outputs: even points are the bins, odd ones lie on the spline between.
+    std::vector<double> fine = x;
+    fine.resize(300, kSentinel);
+    math.DoFFT_Real(fine.data(), 256, 0.0, 1, 1, 256, 4000, 8000.0);
+    for (int k = 0; k < 127; ++k) {
+        ASSERT_NEAR(fine[2 * k], plain[k], 1e-9);
+        ASSERT_TRUE(std::isfinite(fine[2 * k + 1]));
+    }
+    for (int i = 256; i < 300; ++i)
+        ASSERT_EQ(fine[i], kSentinel);
+
+    // Smooth alone over half the frequency range: point 2k is bin k.
+    std::vector<double> zoomed = plain;
+    math.Smooth(zoomed.data(), 256, 128, 2000, 8000.0);
+    for (int k = 0; k < 64; ++k)
+        ASSERT_NEAR(zoomed[2 * k], plain[k], 1e-9);
+}
+
+TEST(Spectrum, SplineInterpolatesAndRefusesEqualAbscissae)
+{
+    CMathFunc math;
+    // A clamped spline with exact end slopes reproduces a cubic.
+    std::vector<double> x(11), y(11), y2(11);
+    for (int i = 1; i <= 10; ++i) {
+        x[i] = 0.3 * i + 0.1 * (i % 3);
+        y[i] = x[i] * x[i] * x[i] - 2.0 * x[i];
+    }
+    math.spline(x.data(), y.data(), 10, 3 * x[1] * x[1] - 2.0, 3 * x[10] * x[10] - 2.0, y2.data());
+    for (double at : {0.35, 1.0, 2.2, 3.05}) {
+        double value = 0.0;
+        ASSERT_EQ(math.splint(x.data(), y.data(), y2.data(), 10, at, &value), 0);
+        EXPECT_NEAR(value, at * at * at - 2.0 * at, 1e-9) << at;
+    }
+    // A natural spline through a straight line is the line, also beyond the ends.
+    for (int i = 1; i <= 10; ++i)
+        y[i] = 4.0 - 1.5 * x[i];
+    math.spline(x.data(), y.data(), 10, 1e30, 1e30, y2.data());
+    for (double at : {-1.0, 0.9, 5.0}) {
+        double value = 0.0;
+        math.splint(x.data(), y.data(), y2.data(), 10, at, &value);
+        EXPECT_NEAR(value, 4.0 - 1.5 * at, 1e-9) << at;
+    }
+
+    // Two equal abscissae around the point: 1, and the output is left alone.
+    const double xa[] = {0.0, 2.0, 2.0, 2.0};
+    const double ya[] = {0.0, 1.0, 2.0, 3.0};
+    const double y2a[] = {0.0, 0.0, 0.0, 0.0};
+    double out = 99.0;
+    EXPECT_EQ(math.splint(xa, ya, y2a, 3, 1.5, &out), 1);
+    EXPECT_EQ(out, 99.0);
+    EXPECT_EQ(math.splint(xa, ya, y2a, 2, 2.5, &out), 1);
+    EXPECT_EQ(out, 99.0);
+    EXPECT_EQ(math.splint(xa, ya, y2a, 1, 2.0, &out), 1);
+    EXPECT_EQ(out, 99.0);
+}

@@ -1,0 +1,82 @@
+// The analysis finds again what the project's own synthesizer was asked to say.
+#include "display/PitchTrackComputation.h"
+#include "display/SpectrogramComputation.h"
+#include "document/Log.h"
+#include "document/MyDocument.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <memory>
+
+namespace
+{
+
+// A steady vowel of one second: f0 in Hz, the first three formants in Hz.
+std::unique_ptr<MyDocument> synthesizedVowel(double f0, int f1, int f2, int f3)
+{
+    auto document = std::make_unique<MyDocument>();
+    for (int ch = 0; ch < 3; ++ch) {
+        Channels* c = document->getChannel(ch);
+        c->m_dLengthMS = 1000.0;
+        c->m_nColumnNum = 100;
+    }
+    document->SetUpDataGridMemory();
+    document->buildDataTableDictionary();
+    const std::pair<int, int> values[] = {{Row::f0, static_cast<int>(f0 * 10)},
+                                          {Row::f1, f1},
+                                          {Row::f2, f2},
+                                          {Row::f3, f3},
+                                          {Row::b1, 90},
+                                          {Row::b2, 110},
+                                          {Row::b3, 170}};
+    for (int k = 1; k <= 100; ++k) {
+        for (const auto& [row, value] : values) {
+            CellRef cell = document->_dataTableDictionary.cellAt(k * 10LL, row);
+            cell->set_nValue(value);
+            cell->setInttoStringValue(value);
+        }
+    }
+    Log::setSink([](const std::string&) {}); // the driver's progress lines
+    document->Synthesize();
+    Log::setSink({});
+    return document;
+}
+
+double median(std::vector<double> v)
+{
+    std::sort(v.begin(), v.end());
+    return v.empty() ? -1.0 : v[v.size() / 2];
+}
+
+} // namespace
+
+TEST(SynthesizedSpeech, FormantsAndPitchOfASynthesizedVowelAreFoundAgain)
+{
+    struct Case {
+        double f0;
+        int f1, f2, f3;
+    };
+    for (const Case& v : {Case{100.0, 700, 1220, 2600}, Case{130.0, 500, 1500, 2500}}) {
+        const auto document = synthesizedVowel(v.f0, v.f1, v.f2, v.f3);
+        Channels& audio = *document->getChannel(0);
+        ASSERT_GT(audio.sampleCount(), 10000u);
+        document->setAnalysisDefaults(audio.m_dSampleRate);
+
+        SpectrogramComputation s(SpectrogramSettings::fromDocument(*document));
+        ASSERT_TRUE(s.compute(audio, 100, 256));
+        std::vector<double> slots[3];
+        for (int i = 10; i < 90; ++i)
+            for (int k = 0; k < 3; ++k)
+                slots[k].push_back(s.m_phsnFormants[i][k]);
+        EXPECT_NEAR(median(slots[0]), v.f1, v.f1 * 0.06) << v.f0;
+        EXPECT_NEAR(median(slots[1]), v.f2, v.f2 * 0.04) << v.f0;
+        EXPECT_NEAR(median(slots[2]), v.f3, v.f3 * 0.03) << v.f0;
+
+        PitchTrackComputation pitch;
+        ASSERT_TRUE(pitch.DoPitchCepstral(audio, PitchSettings::fromDocument(*document)));
+        std::vector<double> voiced(pitch.m_hdPitchFile.begin() + 5, pitch.m_hdPitchFile.begin() + 85);
+        EXPECT_NEAR(median(voiced), v.f0, v.f0 * 0.03);
+        EXPECT_EQ(std::count(voiced.begin(), voiced.end(), 0.0), 0);
+    }
+}

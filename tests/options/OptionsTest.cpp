@@ -1,0 +1,148 @@
+#include "document/MyDocument.h"
+#include "options/ColorWell.h"
+#include "options/optionFile.h"
+#include "options/optionParameterSettings.h"
+#include "options/optionsParameters.h"
+#include "options/parametersTableView.h"
+
+#include <QButtonGroup>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTimer>
+#include <gtest/gtest.h>
+
+namespace
+{
+// Presses a button of the panel once its modal loop runs.
+void pressLater(QDialog* panel, QDialogButtonBox::StandardButton which)
+{
+    QTimer::singleShot(0, panel,
+                       [panel, which] { panel->findChild<QDialogButtonBox*>()->button(which)->click(); });
+}
+} // namespace
+
+TEST(optionFile, ShowsTheChannelAndProposesOnlyOnOK)
+{
+    MyDocument doc;
+    Channels& c = *doc.getChannel(0);
+    c.m_dSampleRate = 16000;
+    c.m_dLengthMS = 345.9;
+    c.m_nUpdateIntervalMS = 0;
+    c.m_bDoAnchor = 1;
+
+    optionFile cancelled;
+    pressLater(&cancelled, QDialogButtonBox::Cancel);
+    EXPECT_EQ(cancelled.showInWindow(nullptr, &doc), 1001);
+    EXPECT_EQ(cancelled._popupSR->currentText(), "22050") << "any rate but 11025 shows 22050";
+    EXPECT_EQ(cancelled.m_nFileLength->text(), "345");
+    EXPECT_EQ(cancelled.m_nInterval->text(), "10");
+    EXPECT_EQ(c.m_nUpdateIntervalMS, 10) << "the repair stays although the panel was cancelled";
+    EXPECT_EQ(doc.m_dNewSampleRate, 0.0);
+    EXPECT_EQ(c.m_bDoAnchor, 1);
+
+    optionFile panel;
+    QTimer::singleShot(0, &panel, [&] {
+        panel.m_nFileLength->setText("500");
+        panel.m_nInterval->setText("5");
+        panel._anchorGroup->button(0)->setChecked(true);
+        panel._interpolationGroup->button(1)->setChecked(true);
+        panel.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok)->click();
+    });
+    EXPECT_EQ(panel.showInWindow(nullptr, &doc), 1000);
+    EXPECT_EQ(doc.m_dNewSampleRate, 22050.0);
+    EXPECT_EQ(doc.m_dNewLengthMS, 500.0);
+    EXPECT_EQ(doc.m_nNewUpdateIntervalMS, 5);
+    EXPECT_EQ(c.m_bDoAnchor, 0);
+    EXPECT_EQ(c.m_bDoInterpolate, 1);
+    EXPECT_DOUBLE_EQ(c.m_dLengthMS, 345.9) << "the length itself is the table's to change";
+
+    c.m_dSampleRate = 11025;
+    panel.setup(&doc);
+    EXPECT_EQ(panel._popupSR->currentText(), "11025");
+    EXPECT_EQ(panel._interpolationGroup->checkedId(), 1);
+}
+
+TEST(optionsParameters, SavesShownRowsColoursAndMethod)
+{
+    MyDocument doc;
+    Channels& c = *doc.getChannel(0);
+    const MyDocument factory;
+    optionsParameters panel;
+    panel.setup(&doc);
+    for (int row = 0; row < kParameterCount; ++row)
+        EXPECT_EQ(panel.m_pShown[row]->isChecked(), c.m_Parameters[row].bSelected != 0) << row;
+    EXPECT_EQ(panel._methodGroup->checkedId(), 1);
+
+    panel.m_pShown[Row::f6]->setChecked(true);
+    panel.m_pShown[Row::f1]->setChecked(false);
+    panel._colorSet[1]->setColor(Color::rgb(1, 0, 0));
+    panel._colorSet[8]->setColor(Color::rgb(0, 0, 1));
+    panel._methodGroup->button(0)->setChecked(true);
+    const Color f0Colour = c.m_Parameters[Row::f0].nsSetColor;
+
+    // Cancel writes nothing.
+    pressLater(&panel, QDialogButtonBox::Cancel);
+    EXPECT_EQ(panel.exec(), 1001);
+    EXPECT_EQ(c.m_Parameters[Row::f6].bSelected, 0);
+
+    panel.save(&doc);
+    EXPECT_EQ(c.m_Parameters[Row::f6].bSelected, 1);
+    EXPECT_EQ(c.m_Parameters[Row::f1].bSelected, 0);
+    for (int row : {Row::av, Row::ah, Row::af, Row::tl})
+        EXPECT_EQ(c.m_Parameters[row].nsSetColor, Color::rgb(1, 0, 0)) << row;
+    EXPECT_EQ(c.m_Parameters[Row::f0].nsSetColor, f0Colour) << "f0 keeps its own colour";
+    EXPECT_EQ(c.m_Parameters[Row::gain].nsSetColor, Color::rgb(0, 0, 1));
+    EXPECT_EQ(c.m_Parameters[Row::f5].nsSetColor, Color::white());
+    EXPECT_EQ(doc.m_bgColor[1], Color::rgb(1, 0, 0));
+    EXPECT_EQ(c.m_bCascade_Parallel, 0);
+    EXPECT_EQ(c.m_bParallel, 1);
+
+    // Default resets the panel only.
+    panel.defaultSetting();
+    EXPECT_FALSE(panel.m_pShown[Row::f6]->isChecked());
+    EXPECT_TRUE(panel.m_pShown[Row::apv]->isChecked());
+    EXPECT_FALSE(panel.m_pShown[Row::gain]->isChecked());
+    EXPECT_EQ(panel._colorSet[1]->color(), Color::white());
+    EXPECT_EQ(panel._methodGroup->checkedId(), 1);
+    EXPECT_EQ(c.m_Parameters[Row::f6].bSelected, 1);
+    EXPECT_EQ(c.m_bCascade_Parallel, 0);
+    EXPECT_EQ(optionsParameters::groupOfRow(Row::ab), 4);
+    EXPECT_EQ(optionsParameters::groupOfRow(Row::bnp), 7);
+}
+
+TEST(optionParameterSettings, EditsLimitsAndSavesOnOK)
+{
+    MyDocument doc;
+    Channels& c = *doc.getChannel(0);
+    optionParameterSettings panel;
+    panel.setup(&doc);
+    parametersTableView* table = panel.mTableView;
+    ASSERT_EQ(table->rowCountOfNames(), 48);
+    EXPECT_EQ(table->model()->headerData(4, Qt::Horizontal).toString(), "Description");
+    EXPECT_EQ(table->model()->data(table->model()->index(Row::f1, 0)).toString(), "f1");
+    EXPECT_EQ(table->valueAt(2, Row::atu), 87);
+
+    // The same value keeps the cell object; a new one replaces it.
+    const CellRef before = table->_dataTableDictionary.cellAt(1, Row::f1);
+    ASSERT_TRUE(table->model()->setData(table->model()->index(Row::f1, 1), 200, Qt::EditRole));
+    EXPECT_EQ(table->_dataTableDictionary.cellAt(1, Row::f1), before);
+    ASSERT_TRUE(table->model()->setData(table->model()->index(Row::f1, 1), 250, Qt::EditRole));
+    EXPECT_NE(table->_dataTableDictionary.cellAt(1, Row::f1), before);
+    table->model()->setData(table->model()->index(Row::f1, 2), 1100, Qt::EditRole);
+    table->model()->setData(table->model()->index(Row::f1, 3), 600, Qt::EditRole);
+    EXPECT_FALSE(table->model()->setData(table->model()->index(Row::f1, 4), "x", Qt::EditRole));
+    EXPECT_EQ(c.m_Parameters[Row::f1].nMinValue, 200) << "nothing reaches the document before OK";
+
+    panel.save(&doc);
+    EXPECT_EQ(c.m_Parameters[Row::f1].nMinValue, 250);
+    EXPECT_EQ(c.m_Parameters[Row::f1].nMaxValue, 1100);
+    EXPECT_EQ(c.m_Parameters[Row::f1].nDefaultValue, 600);
+    EXPECT_EQ(c.m_Parameters[Row::f2].nMaxValue, 3000);
+
+    table->resettoDefault(&doc);
+    EXPECT_EQ(table->valueAt(1, Row::f1), 200);
+    EXPECT_EQ(table->valueAt(3, Row::f1), 500);
+}

@@ -1,0 +1,356 @@
+#include "SynthesisTestSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <set>
+
+namespace
+{
+
+// Frequency (a multiple of f0) of the strongest harmonic between lo and hi Hz.
+double strongestHarmonic(const std::vector<int>& x, double f0, double lo, double hi)
+{
+    double best = 0.0, bestFreq = 0.0;
+    for (double f = std::ceil(lo / f0) * f0; f <= hi; f += f0) {
+        const double m = dftMagnitude(x, 2000, 4096, f, 11025.0);
+        if (m > best) {
+            best = m;
+            bestFreq = f;
+        }
+    }
+    return bestFreq;
+}
+
+// The pitch period in samples: the first lag between minLag and maxLag whose autocorrelation
+// comes within 10 % of the largest there (a fractional period repeats exactly only after
+// several periods, which may correlate a little better).
+int pitchPeriod(const std::vector<int>& x, std::size_t first, std::size_t n, int minLag, int maxLag)
+{
+    std::vector<double> r;
+    for (int lag = minLag; lag <= maxLag; ++lag) {
+        double sum = 0.0;
+        for (std::size_t i = first; i < first + n; ++i)
+            sum += static_cast<double>(x[i]) * x[i + lag];
+        r.push_back(sum);
+    }
+    const double best = *std::max_element(r.begin(), r.end());
+    for (std::size_t i = 1; i + 1 < r.size(); ++i)
+        if (r[i] >= 0.9 * best && r[i] >= r[i - 1] && r[i] >= r[i + 1])
+            return minLag + static_cast<int>(i);
+    return 0;
+}
+
+} // namespace
+
+TEST(KlattEngine, SteadyVowelsPeakAtTheirFormants)
+{
+    struct Vowel {
+        int f1, f2, f3;
+    };
+    for (const Vowel v : {Vowel{700, 1220, 2600}, Vowel{300, 2200, 3000}}) {
+        klatt_frame_t f = quietFactoryFrame();
+        f.f1 = v.f1;
+        f.f2 = v.f2;
+        f.f3 = v.f3;
+        const std::vector<int> x = steadyRun(f, 60);
+        EXPECT_NEAR(strongestHarmonic(x, 100.0, 200, v.f1 + 250), v.f1, 100) << v.f1;
+        EXPECT_NEAR(strongestHarmonic(x, 100.0, v.f2 - 300, v.f2 + 300), v.f2, 100) << v.f2;
+        EXPECT_NEAR(strongestHarmonic(x, 100.0, v.f3 - 300, std::min(v.f3 + 300, 3100)), v.f3, 100) << v.f3;
+        // A formant stands well above the trough between F2 and F3.
+        const double trough = dftMagnitude(x, 2000, 4096, (v.f2 + v.f3) / 200 * 100.0, 11025.0);
+        EXPECT_GT(dftMagnitude(x, 2000, 4096, v.f2 / 100 * 100.0, 11025.0), 3.0 * trough);
+    }
+}
+
+TEST(KlattEngine, EveryGlottalSourceRepeatsAtThePitchPeriod)
+{
+    // f0 in 0.1 Hz -> period in output samples: 100 Hz -> 110.25, 150 Hz -> 73.5.
+    for (int source : {1, 2, 3}) {
+        for (int f0 : {1000, 1500}) {
+            klatt_frame_t f = quietFactoryFrame();
+            f.f0 = f0;
+            klatt_global_t g = preparedRun(11025, 5, 110, source);
+            g.source_sample_scale = 10.0; // the driver's 0.00001 makes the sampled source inaudible
+            const std::vector<int> x = runFrames(g, f, 40);
+            EXPECT_EQ(g.period_len, 40 * 11025 / f0);
+            const double period = 11025.0 / (f0 / 10.0);
+            const int lag = pitchPeriod(x, 1000, 2000, 40, 250);
+            EXPECT_LE(std::abs(lag - period), 1.0) << "source " << source << " f0 " << f0;
+            EXPECT_FALSE(allZero(x));
+        }
+    }
+}
+
+TEST(KlattEngine, RunInitialisationAndPeriodArithmetic)
+{
+    klatt_global_t g = preparedRun(11025, 5, 110);
+    EXPECT_EQ(g.lowpass_freq, 1047); // 950 * 11025 / 10000, truncated
+    EXPECT_EQ(g.lowpass_bw, 694);
+    klatt_global_t wide = preparedRun(22050, 8, 220);
+    EXPECT_EQ(wide.lowpass_freq, 2094);
+    EXPECT_EQ(wide.lowpass_bw, 1389);
+
+    klatt_frame_t f = quietFactoryFrame(); // f0 1000 = 100 Hz
+    runFrames(g, f, 1);
+    EXPECT_EQ(g.period_len, 441); // quarter-rate samples: 110.25 output samples
+    EXPECT_EQ(g.open_len, 80);    // oq 20
+    EXPECT_EQ(g.mod_point, 220);
+    EXPECT_EQ(g.sample_index, 110);
+}
+
+TEST(KlattEngine, OpenPhaseIsClamped)
+{
+    struct Case {
+        int source, f0, oq, open;
+    };
+    const Case cases[] = {
+        {2, 1000, 5, 40},    // too short: raised to 40
+        {2, 1000, 200, 439}, // longer than the period (441): cut to period - 2
+        {2, 500, 100, 400},  // longer than the shape table: last shape used
+        {1, 500, 100, 263},  // impulsive source: capped at 263
+    };
+    for (const Case& c : cases) {
+        klatt_frame_t f = quietFactoryFrame();
+        f.f0 = c.f0;
+        f.oq = c.oq;
+        klatt_global_t g = preparedRun(11025, 5, 110, c.source);
+        const std::vector<int> x = runFrames(g, f, 20);
+        EXPECT_EQ(g.open_len, c.open) << "oq " << c.oq;
+        if (c.source == 2) {
+            EXPECT_EQ(g.pulse_b, CKlattEngine::B0[std::min(c.open - 40, 223)]);
+        }
+        EXPECT_FALSE(allZero(x));
+    }
+}
+
+TEST(KlattEngine, DecibelRulesForVoicingAndGain)
+{
+    klatt_frame_t f = quietFactoryFrame();
+    f.av = 19; // 19 - 7 = 12: below the first non-zero table entry
+    EXPECT_TRUE(allZero(steadyRun(f, 10)));
+    f.av = 20;
+    klatt_global_t g = preparedRun(11025, 5, 110);
+    klatt_frame_t scratch = f;
+    std::vector<int> out(110);
+    CKlattEngine().parwave(&g, &scratch, out.data());
+    EXPECT_DOUBLE_EQ(g.gain_voice, 0.006);
+    EXPECT_EQ(scratch.av, 13); // written back
+    EXPECT_FALSE(allZero(steadyRun(f, 10)));
+
+    // A gain of 3 dB or less becomes 57 dB, the same as the factory 60 - 3.
+    f = quietFactoryFrame();
+    const std::vector<int> reference = steadyRun(f, 10);
+    for (int gain : {0, 3, -20}) {
+        f.gain = gain;
+        EXPECT_EQ(steadyRun(f, 10), reference) << "gain " << gain;
+    }
+    f.gain = 4; // 1 dB: the table gives 0
+    EXPECT_TRUE(allZero(steadyRun(f, 10)));
+    f.gain = 200; // outside the table: 0, not a read past it
+    EXPECT_TRUE(allZero(steadyRun(f, 10)));
+    EXPECT_EQ(CKlattEngine::DBtoLIN(-1), 0.0);
+    EXPECT_EQ(CKlattEngine::DBtoLIN(88), 0.0);
+    EXPECT_DOUBLE_EQ(CKlattEngine::DBtoLIN(87), 32.767);
+}
+
+TEST(KlattEngine, OutputIsTruncatedTowardZero)
+{
+    // The same frame at 57 dB (x 1.024) and at 13 dB (x 0.006): wherever the loud run pins the
+    // quiet sample's magnitude inside [0.5, 1), truncation must give 0 where rounding gives 1.
+    klatt_frame_t f = quietFactoryFrame();
+    const std::vector<int> loud = steadyRun(f, 20);
+    f.gain = 16;
+    const std::vector<int> quiet = steadyRun(f, 20);
+    int positive = 0, negative = 0;
+    for (std::size_t i = 0; i < loud.size(); ++i) {
+        ASSERT_LT(std::abs(loud[i]), 32767);
+        const double lo = 0.006 * std::abs(loud[i]) / 1.024;
+        const double hi = 0.006 * (std::abs(loud[i]) + 1) / 1.024;
+        ASSERT_LE(std::abs(quiet[i]), std::floor(hi)) << i;
+        ASSERT_GE(std::abs(quiet[i]), std::floor(lo)) << i;
+        if (lo >= 0.5 && hi < 1.0) {
+            EXPECT_EQ(quiet[i], 0) << i;
+            (loud[i] > 0 ? positive : negative)++;
+        }
+    }
+    EXPECT_GT(positive, 10);
+    EXPECT_GT(negative, 10);
+}
+
+TEST(KlattEngine, CascadeLengthAndModelChooseTheBranches)
+{
+    klatt_frame_t f = quietFactoryFrame();
+    klatt_frame_t high = f;
+    high.f6 = 4200;
+    high.f7 = 5200;
+    high.f8 = 6000;
+    high.b7 = 100;
+    for (int cascade : {5, 8}) {
+        klatt_global_t a = preparedRun(22050, cascade, 220);
+        klatt_global_t b = preparedRun(22050, cascade, 220);
+        const bool same = runFrames(a, f, 10) == runFrames(b, high, 10);
+        EXPECT_EQ(same, cascade == 5) << "cascade " << cascade;
+        if (cascade == 5) {
+            EXPECT_EQ(a.resonators[R_CASC_F1 + 5].a, 0.0); // F6..F8 never set up
+        }
+    }
+
+    // All parallel: voicing reaches the output only through apv.
+    klatt_global_t g = preparedRun(11025, 5, 110);
+    g.model = 2;
+    EXPECT_TRUE(allZero(runFrames(g, f, 10)));
+    f.apv = 60;
+    EXPECT_FALSE(allZero(runFrames(g, f, 10)));
+}
+
+TEST(KlattEngine, NasalZeroAndPoleCancelAndZeroHzMeansOneHz)
+{
+    auto zeroCoefficients = [](int fnz) {
+        klatt_frame_t f = quietFactoryFrame();
+        f.fnz = fnz;
+        klatt_global_t g = preparedRun(11025, 5, 110);
+        runFrames(g, f, 1);
+        return g.resonators[R_NASAL_ZERO];
+    };
+    const resonator_t at0 = zeroCoefficients(0), at1 = zeroCoefficients(1), at2 = zeroCoefficients(2);
+    EXPECT_EQ(at0.a, at1.a);
+    EXPECT_EQ(at0.b, at1.b);
+    EXPECT_EQ(at0.c, at1.c);
+    EXPECT_EQ(zeroCoefficients(-40).b, at1.b);
+    EXPECT_NE(at2.b, at1.b);
+
+    // A nasal zero on the nasal pole cancels it wherever the pair sits.
+    klatt_frame_t a = quietFactoryFrame(), b = quietFactoryFrame();
+    b.fnz = b.fnp = 450;
+    b.bnz = b.bnp = 150;
+    const std::vector<int> x = steadyRun(a, 20), y = steadyRun(b, 20);
+    for (std::size_t i = 0; i < x.size(); ++i)
+        ASSERT_LE(std::abs(x[i] - y[i]), 1) << i;
+}
+
+TEST(KlattEngine, SkewAlternatesPeriodsWithinTheClosedPhase)
+{
+    for (int skew : {20, 1000}) {
+        klatt_frame_t f = quietFactoryFrame();
+        f.skew = skew;
+        klatt_global_t g = preparedRun(11025, 5, 1);
+        CKlattEngine engine;
+        std::vector<int> lengths;
+        int out = 0;
+        for (int i = 0; i < 1200; ++i) {
+            klatt_frame_t scratch = f;
+            engine.parwave(&g, &scratch, &out);
+            if (lengths.empty() || lengths.back() != g.period_len)
+                lengths.push_back(g.period_len);
+            const bool periodStarted = g.period_pos <= 4;
+            if (periodStarted && skew == 1000) {
+                EXPECT_EQ(scratch.skew, 441 - 80); // limited to the closed phase
+            }
+        }
+        const int d = std::min(skew, 441 - 80);
+        ASSERT_GE(lengths.size(), 4u);
+        EXPECT_EQ(std::set<int>(lengths.begin(), lengths.end()), (std::set<int>{441 - d, 441 + d}));
+    }
+}
+
+TEST(KlattEngine, FlutterMovesF0OnlyWhenAsked)
+{
+    klatt_frame_t f = quietFactoryFrame();
+    klatt_global_t g = preparedRun(11025, 5, 110);
+    CKlattEngine engine;
+    std::vector<int> out(110);
+    std::set<int> seen;
+    for (int percent : {0, 100}) {
+        g.flutter_percent = percent;
+        for (int i = 0; i < 20; ++i) {
+            klatt_frame_t scratch = f;
+            engine.parwave(&g, &scratch, out.data());
+            if (percent == 0)
+                EXPECT_EQ(scratch.f0, 1000);
+            else
+                seen.insert(scratch.f0);
+            EXPECT_LE(std::abs(scratch.f0 - 1000), 60); // 2 x 1 x 3 x 10
+        }
+    }
+    EXPECT_GE(seen.size(), 3u); // the three sines nearly repeat every 10 frames
+}
+
+TEST(KlattEngine, NoiseOutputSelectionAndSilence)
+{
+    klatt_frame_t f = quietFactoryFrame();
+    f.f0 = 0;
+    f.ah = 60;
+    klatt_global_t g = preparedRun(11025, 5, 110);
+    const std::vector<int> noise = runFrames(g, f, 10);
+    EXPECT_EQ(g.period_len, 4);
+    EXPECT_FALSE(allZero(noise));
+    EXPECT_EQ(steadyRun(klatt_frame_t{}, 10), std::vector<int>(1100, 0)); // an all-zero frame is silent
+
+    // Selections outside 1..7 give the normal output; inside they tap another signal.
+    klatt_frame_t v = quietFactoryFrame();
+    const std::vector<int> normal = steadyRun(v, 10);
+    for (int select : {1, 9}) {
+        klatt_global_t t = preparedRun(11025, 5, 110);
+        t.output_select = static_cast<std::uint8_t>(select);
+        EXPECT_EQ(runFrames(t, v, 10) == normal, select == 9) << select;
+    }
+}
+
+TEST(KlattEngine, FramesOfAnySizeWriteExactlyTheirSamples)
+{
+    // One 300-sample frame spans several internal blocks; with a steady noise-free frame the
+    // result equals three 100-sample frames.
+    const klatt_frame_t f = quietFactoryFrame();
+    EXPECT_EQ(steadyRun(f, 2, 300), steadyRun(f, 6, 100));
+
+    for (int n : {0, 1, 37, 129}) {
+        klatt_global_t g = preparedRun(11025, 5, n);
+        std::vector<int> out(n + 8, 0x5a5a5a5a);
+        klatt_frame_t scratch = f;
+        CKlattEngine().parwave(&g, &scratch, out.data());
+        for (int i = n; i < n + 8; ++i)
+            EXPECT_EQ(out[i], 0x5a5a5a5a) << "frame of " << n;
+        EXPECT_EQ(g.sample_index, n);
+    }
+}
+
+TEST(KlattEngine, AbsurdParametersStayInRange)
+{
+    klatt_frame_t f = quietFactoryFrame();
+    f.b1 = -3000; // an unstable resonator
+    f.oq = 2000000000;
+    f.skew = -2000000000;
+    f.av = -2147483647 - 1;
+    f.gain = 87;
+    for (int source : {1, 2, 3}) {
+        klatt_global_t g = preparedRun(11025, 5, 110, source);
+        g.flutter_percent = 100;
+        for (int v : runFrames(g, f, 5)) {
+            ASSERT_GE(v, -32768);
+            ASSERT_LE(v, 32767);
+        }
+    }
+}
+
+TEST(KlattTables, ShapesAreConsistent)
+{
+    const auto& s = CKlattEngine::natural_samples;
+    EXPECT_EQ(*std::min_element(std::begin(s), std::end(s)), -2449);
+    EXPECT_EQ(*std::max_element(std::begin(s), std::end(s)), 770);
+    EXPECT_EQ(std::vector<int>(s, s + 5), (std::vector<int>{-310, -400, 530, 356, 224}));
+
+    int rounded = 0;
+    for (int open = 40; open <= 263; ++open) {
+        const int d = CKlattEngine::B0[open - 40] - 1920000 / (open * open);
+        EXPECT_TRUE(d == 0 || d == 1) << open;
+        rounded += d;
+    }
+    EXPECT_EQ(rounded, 21);
+
+    // Every 6 dB doubles the gain.
+    for (int dB = 19; dB + 6 <= 87; ++dB)
+        EXPECT_NEAR(CKlattEngine::amptable[dB + 6] / CKlattEngine::amptable[dB], 2.0, 0.2) << dB;
+}

@@ -1,0 +1,215 @@
+#include "SynthesisTestSupport.h"
+
+#include "document/DocumentException.h"
+#include "document/Log.h"
+#include "document/MyDocument.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace
+{
+
+// A new document with its table data built and breathiness off in every column, so that its
+// synthesis is the same on every run.
+class SynthesizeTest : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        Log::setSink([](const std::string&) {});
+        rebuild();
+    }
+    void TearDown() override { Log::setSink({}); }
+
+    void rebuild()
+    {
+        doc.buildDataTableDictionary();
+        setRow(Row::atu, 0);
+    }
+    Channels& ch0() { return *doc.getChannel(0); }
+    int columns() { return ch0().m_nColumnNum; }
+    CellArray& column(int c) { return *doc._dataTableDictionary.objectForKey(c * ch0().m_nUpdateIntervalMS); }
+    void setRow(int row, int value)
+    {
+        for (int c = 0; c <= columns(); ++c)
+            column(c)[row]->set_nValue(value);
+    }
+    std::vector<float> audio(int channel)
+    {
+        const Channels& c = *doc.getChannel(channel);
+        return std::vector<float>(c.samples(), c.samples() + c.sampleCount());
+    }
+    // What the driver should produce: the engine run on columns 1.. of the table data.
+    std::vector<float> expectedAudio(int rate, int cascade)
+    {
+        const int perFrame = ch0().m_nUpdateIntervalMS * rate / 1000;
+        klatt_global_t g = preparedRun(rate, cascade, perFrame);
+        std::vector<float> out;
+        std::vector<int> frameOut(perFrame);
+        CKlattEngine engine;
+        for (int c = 1; c < columns(); ++c) {
+            klatt_frame_t f{};
+            for (int i = 0; i < klatt_frame_t::kFieldCount; ++i)
+                f[i] = column(c)[i]->_nValue();
+            engine.parwave(&g, &f, frameOut.data());
+            for (int v : frameOut)
+                out.push_back(static_cast<float>(v / 32768.0));
+        }
+        return out;
+    }
+
+    MyDocument doc;
+};
+
+} // namespace
+
+TEST_F(SynthesizeTest, AudioIsTheEngineRunOverColumnsFromOneInterval)
+{
+    // Column 0 (time 0) is never synthesized: give it a pitch no other column has.
+    column(0)[Row::f0]->set_nValue(2500);
+    for (int c = 1; c <= columns(); ++c) {
+        column(c)[Row::f0]->set_nValue(900 + 20 * c);
+        column(c)[Row::f1]->set_nValue(300 + 25 * c);
+    }
+    ch0().m_dSampleRate = 44100; // replaced: only two rates exist
+    doc.Synthesize();
+
+    EXPECT_EQ(ch0().m_dSampleRate, 11025.0);
+    EXPECT_EQ(ch0().m_bIncraseSampleRate, 0);
+    EXPECT_EQ(ch0().m_dwFileLength, 2205.0);
+    ASSERT_EQ(ch0().m_hData->size(), 2205u * 4);
+    const std::vector<float> got = audio(0);
+    const std::vector<float> want = expectedAudio(11025, 5);
+    ASSERT_EQ(want.size(), 19u * 110);
+    EXPECT_EQ(std::vector<float>(got.begin(), got.begin() + want.size()), want);
+    EXPECT_EQ(std::vector<float>(got.begin() + want.size(), got.end()),
+              std::vector<float>(2205 - 2090, 0.0f));
+}
+
+TEST_F(SynthesizeTest, AnyHighFormantParameterSwitchesTo22050Hz)
+{
+    ch0().m_Parameters[Row::a6f].bSelected = 1; // only a6f
+    rebuild();
+    column(3)[Row::f7]->set_nValue(5000); // only the eight-formant cascade hears f7
+    doc.Synthesize();
+    EXPECT_EQ(ch0().m_dSampleRate, 22050.0);
+    EXPECT_EQ(ch0().m_bIncraseSampleRate, 1);
+    EXPECT_EQ(ch0().sampleCount(), 4410u);
+    const std::vector<float> want = expectedAudio(22050, 8);
+    const std::vector<float> got = audio(0);
+    EXPECT_EQ(std::vector<float>(got.begin(), got.begin() + want.size()), want);
+    EXPECT_NE(want, expectedAudio(22050, 5));
+
+    ch0().m_Parameters[Row::a6f].bSelected = 0;
+    doc.Synthesize();
+    EXPECT_EQ(ch0().m_dSampleRate, 11025.0);
+    EXPECT_EQ(ch0().m_bIncraseSampleRate, 0);
+}
+
+TEST_F(SynthesizeTest, ChannelOneHoldsThePreviousSynthesis)
+{
+    doc.Synthesize();
+    const std::vector<float> first = audio(0);
+    EXPECT_EQ(audio(1), first); // the first synthesis is copied too
+    EXPECT_EQ(doc.getChannel(1)->m_dSampleRate, 11025.0);
+
+    setRow(Row::f0, 1400);
+    doc.Synthesize();
+    EXPECT_EQ(audio(1), first);
+    EXPECT_NE(audio(0), first);
+    EXPECT_EQ(audio(0).size(), first.size());
+}
+
+TEST_F(SynthesizeTest, OneColumnOrMissingColumnsGiveSilence)
+{
+    ch0().m_nColumnNum = 1;
+    doc.Synthesize();
+    EXPECT_EQ(audio(0), std::vector<float>(2205, 0.0f));
+
+    // Columns missing from the table data read as all-zero frames: unvoiced and silent.
+    ch0().m_nColumnNum = 20;
+    for (int c = 1; c <= 20; ++c)
+        doc._dataTableDictionary.removeObjectForKey(std::to_string(c * 10));
+    doc.Synthesize();
+    EXPECT_EQ(audio(0), std::vector<float>(2205, 0.0f));
+}
+
+TEST_F(SynthesizeTest, BlockSizeFollowsTheLengthNotTheGrid)
+{
+    doc.Synthesize();
+    const std::vector<float> full = audio(0);
+
+    // 50 ms holds 551 samples although 19 frames make 2090: the rest is dropped.
+    ch0().m_dLengthMS = 50.0;
+    doc.Synthesize();
+    ASSERT_EQ(ch0().m_hData->size(), 551u * 4);
+    EXPECT_EQ(audio(0), std::vector<float>(full.begin(), full.begin() + 551));
+
+    // 40 ms frames of 441 samples fill 200 ms exactly.
+    ch0().m_dLengthMS = 200.0;
+    ch0().m_nUpdateIntervalMS = 40;
+    ch0().m_nColumnNum = 6;
+    rebuild();
+    doc.Synthesize();
+    const std::vector<float> exact = audio(0);
+    ASSERT_EQ(exact.size(), 2205u);
+    EXPECT_EQ(exact, expectedAudio(11025, 5));
+}
+
+TEST_F(SynthesizeTest, UpdateIntervalsLongerThanOneSecond)
+{
+    ch0().m_nUpdateIntervalMS = 3000; // 33075 samples per frame
+    ch0().m_nColumnNum = 3;
+    ch0().m_dLengthMS = 9000.0;
+    rebuild();
+    doc.Synthesize();
+    const std::vector<float> got = audio(0);
+    ASSERT_EQ(got.size(), 99225u);
+    const std::vector<float> want = expectedAudio(11025, 5);
+    ASSERT_EQ(want.size(), 66150u);
+    EXPECT_EQ(std::vector<float>(got.begin(), got.begin() + 66150), want);
+    EXPECT_EQ(std::vector<float>(got.begin() + 66150, got.end()), std::vector<float>(99225 - 66150, 0.0f));
+
+    // A frame too long to count in 32 bits is refused, like memory that cannot be had.
+    ch0().m_nUpdateIntervalMS = 2147483647;
+    EXPECT_THROW(doc.Synthesize(), DocumentException);
+}
+
+TEST_F(SynthesizeTest, FlagsIntervalRepairAndLogLines)
+{
+    std::string log;
+    Log::setSink([&log](const std::string& text) { log += text; });
+    ch0().m_bSynthesize = 1;
+    ch0().m_bSampleRateChanged = 1;
+    doc.Synthesize();
+    EXPECT_EQ(log, "strat synthesize\nend synthesize\ndone synthesize\n");
+    EXPECT_EQ(ch0().m_bSynthesize, 0);
+    EXPECT_EQ(ch0().m_bSampleRateChanged, 0);
+
+    ch0().m_nUpdateIntervalMS = 0;
+    doc.Synthesize();
+    EXPECT_EQ(ch0().m_nUpdateIntervalMS, 10);
+    EXPECT_EQ(ch0().sampleCount(), 2205u);
+}
+
+TEST_F(SynthesizeTest, UnallocatableLengthRaisesMemoryError)
+{
+    doc.Synthesize();
+    ch0().m_dLengthMS = 1e30;
+    try {
+        doc.Synthesize();
+        FAIL() << "no exception";
+    } catch (const DocumentException& e) {
+        EXPECT_EQ(e.name(), "Memory Error");
+        EXPECT_EQ(e.reason(), "Unable to allocate memory");
+    }
+    // The previous synthesis was kept before the audio was replaced.
+    EXPECT_EQ(doc.getChannel(1)->sampleCount(), 2205u);
+
+    ch0().m_dLengthMS = -5.0; // a negative length gives an empty block, not a failure
+    doc.Synthesize();
+    ASSERT_TRUE(ch0().hasAudio());
+    EXPECT_EQ(ch0().sampleCount(), 0u);
+}

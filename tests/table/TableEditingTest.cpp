@@ -1,0 +1,299 @@
+#include "table/TableEditing.h"
+
+#include <gtest/gtest.h>
+
+namespace
+{
+// A factory-new document (20 frames of 10 ms) with its table data built.
+struct NewDocument {
+    MyDocument doc;
+    NewDocument() { doc.buildDataTableDictionary(); }
+    CellRef cell(int row, int tableColumn)
+    {
+        return doc._dataTableDictionary.cellAt(static_cast<long long>(tableColumn) * doc.updateInterval(),
+                                               row);
+    }
+    int value(int row, int tableColumn) { return cell(row, tableColumn)->_nValue(); }
+    void setAnchor(int row, int tableColumn, int value)
+    {
+        CellRef c = cell(row, tableColumn);
+        c->set_nValue(value);
+        c->setInttoStringValue(value);
+        c->set_bAnchor(true);
+    }
+};
+} // namespace
+
+TEST(TableEditing, RowCellsAndReplaceFollowTableColumns)
+{
+    NewDocument d;
+    CellArray row = rowCellsArray(d.doc, Row::f1);
+    ASSERT_EQ(row.size(), 20u);
+    EXPECT_EQ(row[0], d.cell(Row::f1, 1));
+    EXPECT_EQ(row[19], d.cell(Row::f1, 20));
+    EXPECT_TRUE(rowCellsArray(d.doc, 48).empty());
+    EXPECT_TRUE(rowCellsArray(d.doc, -1).empty());
+
+    auto replacement = std::make_shared<ImageAndTextCell>();
+    replaceCellAt(d.doc, replacement, Row::f1, 7);
+    EXPECT_EQ(d.cell(Row::f1, 7), replacement);
+    EXPECT_EQ(rowCellsArray(d.doc, Row::f1)[6], replacement);
+    // Outside the table: ignored, no crash.
+    replaceCellAt(d.doc, replacement, 60, 7);
+    replaceCellAt(d.doc, replacement, Row::f1, 21);
+    EXPECT_EQ(d.doc._dataTableDictionary.count(), 21u);
+
+    // A missing column keeps its place in the row as an empty entry (the frame count is the
+    // dictionary's count less the name column).
+    d.doc._dataTableDictionary.removeObjectForKey("50");
+    row = rowCellsArray(d.doc, Row::f0);
+    ASSERT_EQ(row.size(), 19u);
+    EXPECT_EQ(row[4], nullptr);
+}
+
+TEST(TableEditing, TypedIntegerReadsLikeTheTable)
+{
+    EXPECT_EQ(typedInteger("  42"), 42);
+    EXPECT_EQ(typedInteger("-7"), -7);
+    EXPECT_EQ(typedInteger("12abc"), 12);
+    EXPECT_EQ(typedInteger("abc"), 0);
+    EXPECT_EQ(typedInteger(""), 0);
+    EXPECT_EQ(typedInteger("99999999999999"), 2147483647);
+}
+
+TEST(TableEditing, TypedEntryClampsRecordsAndSkipsSameValue)
+{
+    NewDocument d;
+    const CellRef before = d.cell(Row::av, 3);
+
+    // The value already shown: nothing happens.
+    EXPECT_EQ(typeValue(d.doc, Row::av, 3, 60), TypedEntryOutcome::Unchanged);
+    EXPECT_TRUE(d.doc._arrayUndo.empty());
+    EXPECT_FALSE(d.doc.isDocumentEdited());
+    EXPECT_EQ(d.cell(Row::av, 3), before);
+
+    // Above the maximum: the maximum, in a new cell, with one undo and one redo snapshot.
+    EXPECT_EQ(typeValue(d.doc, Row::av, 3, 9999), TypedEntryOutcome::Stored);
+    EXPECT_EQ(d.value(Row::av, 3), 87);
+    EXPECT_EQ(d.cell(Row::av, 3)->stringValue(), "87");
+    EXPECT_NE(d.cell(Row::av, 3), before);
+    EXPECT_EQ(before->_nValue(), 60) << "the old cell object is left as it was";
+    EXPECT_FALSE(d.cell(Row::av, 3)->_bAnchor());
+    EXPECT_EQ(d.doc._arrayUndo.size(), 1u);
+    EXPECT_EQ(d.doc._arrayRedo.size(), 1u);
+    EXPECT_TRUE(d.doc.isDocumentEdited());
+
+    // Below the minimum: the minimum.
+    typeValue(d.doc, Row::av, 4, -5);
+    EXPECT_EQ(d.value(Row::av, 4), 0);
+    typeValue(d.doc, Row::f1, 5, 100);
+    EXPECT_EQ(d.value(Row::f1, 5), 200);
+    // In range: kept; neighbours untouched.
+    typeValue(d.doc, Row::f1, 6, 730);
+    EXPECT_EQ(d.value(Row::f1, 6), 730);
+    EXPECT_EQ(d.value(Row::f1, 7), 500);
+
+    // The name column and rows outside the table take no typed value.
+    EXPECT_EQ(typeValue(d.doc, Row::av, 0, 5), TypedEntryOutcome::Unchanged);
+    EXPECT_EQ(typeValue(d.doc, 48, 3, 5), TypedEntryOutcome::Unchanged);
+    EXPECT_EQ(typeValue(d.doc, Row::av, 40, 5), TypedEntryOutcome::Unchanged);
+}
+
+TEST(TableEditing, TypedEntryWithAnchorAndInterpolateSwitches)
+{
+    NewDocument d;
+    d.doc.getChannel(0)->m_bDoAnchor = 1;
+    typeValue(d.doc, Row::f0, 2, 1000 + 100); // frame 1
+    EXPECT_TRUE(d.cell(Row::f0, 2)->_bAnchor());
+    EXPECT_EQ(d.doc._arrayUndo.size(), 1u);
+
+    d.doc.getChannel(0)->m_bDoInterpolate = 1;
+    EXPECT_EQ(typeValue(d.doc, Row::f0, 6, 1500), TypedEntryOutcome::StoredAndInterpolated);
+    // Anchors at frames 1 (1100) and 5 (1500): frames 2..4 become 1200, 1300, 1400.
+    EXPECT_EQ(d.value(Row::f0, 3), 1200);
+    EXPECT_EQ(d.value(Row::f0, 4), 1300);
+    EXPECT_EQ(d.value(Row::f0, 5), 1400);
+    EXPECT_FALSE(d.cell(Row::f0, 4)->_bAnchor());
+    EXPECT_EQ(d.value(Row::f0, 7), 1000) << "frames beyond the last anchor are kept";
+    // The typed entry and the interpolation each record an undo step; two redo records.
+    EXPECT_EQ(d.doc._arrayUndo.size(), 3u);
+    EXPECT_EQ(d.doc._arrayRedo.size(), 3u);
+}
+
+TEST(TableEditing, InterpolationFillsBetweenAnchorsTruncatingTowardZero)
+{
+    NewDocument d;
+    // Anchors at frames 2 (100) and 6 (140): table columns 3 and 7.
+    d.setAnchor(Row::av, 3, 10);
+    d.setAnchor(Row::av, 7, 50);
+    // Anchors at frames 0 (10) and 3 (0): slope -10/3.
+    d.setAnchor(Row::ah, 1, 10);
+    d.setAnchor(Row::ah, 4, 0);
+    // Three anchors: each pair is filled separately, the middle one keeps its value.
+    d.setAnchor(Row::f1, 1, 300);
+    d.setAnchor(Row::f1, 3, 700);
+    d.setAnchor(Row::f1, 5, 500);
+    // Negative fractions truncate toward zero: 0 -> -5 over 2 frames gives -2.
+    d.setAnchor(Row::tl, 10, 0);
+    d.setAnchor(Row::tl, 12, -5);
+    // A single anchor leaves the row alone.
+    d.setAnchor(Row::af, 5, 40);
+    const CellRef anchorCell = d.cell(Row::av, 3);
+    const CellRef outside = d.cell(Row::av, 9);
+
+    interpolateRows(d.doc, 0, 100); // rows beyond the table are ignored
+    EXPECT_EQ(d.value(Row::av, 4), 20);
+    EXPECT_EQ(d.value(Row::av, 5), 30);
+    EXPECT_EQ(d.value(Row::av, 6), 40);
+    EXPECT_EQ(d.cell(Row::av, 5)->stringValue(), "30");
+    EXPECT_EQ(d.cell(Row::av, 3), anchorCell);
+    EXPECT_EQ(d.cell(Row::av, 9), outside);
+    EXPECT_EQ(d.value(Row::av, 1), 60);
+
+    EXPECT_EQ(d.value(Row::ah, 2), 6);
+    EXPECT_EQ(d.value(Row::ah, 3), 3);
+
+    EXPECT_EQ(d.value(Row::f1, 2), 500);
+    EXPECT_EQ(d.value(Row::f1, 3), 700);
+    EXPECT_EQ(d.value(Row::f1, 4), 600);
+    EXPECT_EQ(d.value(Row::tl, 11), -2) << "interpolated values are not clamped";
+    for (int col = 1; col <= 20; ++col)
+        EXPECT_EQ(d.value(Row::af, col), col == 5 ? 40 : 0);
+    EXPECT_TRUE(d.doc._arrayUndo.empty()) << "the row operation records nothing itself";
+
+    // Only the span of rows asked for.
+    NewDocument e;
+    e.setAnchor(Row::f2, 1, 1000);
+    e.setAnchor(Row::f2, 3, 2000);
+    e.setAnchor(Row::f3, 1, 2000);
+    e.setAnchor(Row::f3, 3, 3000);
+    interpolateRows(e.doc, Row::f2, Row::f2);
+    EXPECT_EQ(e.value(Row::f2, 2), 1500);
+    EXPECT_EQ(e.value(Row::f3, 2), 2500);
+}
+
+TEST(TableEditing, InterpolateAllRecordsItsOwnStep)
+{
+    NewDocument d;
+    interpolateAll(d.doc);
+    interpolateAll(d.doc);
+    EXPECT_EQ(d.doc._arrayUndo.size(), 2u);
+    EXPECT_EQ(d.doc._arrayRedo.size(), 2u);
+    EXPECT_EQ(d.value(Row::f0, 5), 1000);
+}
+
+TEST(TableEditing, CheckDataRangeClampsEveryFrameInPlace)
+{
+    NewDocument d;
+    const CellRef c3 = d.cell(Row::f2, 3);
+    c3->set_nValue(9000);
+    d.cell(Row::f2, 8)->set_nValue(10);
+    checkDataRange(d.doc, Row::f2);
+    EXPECT_EQ(d.cell(Row::f2, 3), c3);
+    EXPECT_EQ(c3->_nValue(), 3000);
+    EXPECT_EQ(c3->stringValue(), "3000");
+    EXPECT_EQ(d.value(Row::f2, 8), 550);
+    EXPECT_EQ(d.value(Row::f2, 9), 1500);
+    checkDataRange(d.doc, 70); // no such row: nothing
+}
+
+TEST(TableEditing, AdjustSampleRateFollowsTheHighFormants)
+{
+    NewDocument d;
+    Channels& c = *d.doc.getChannel(0);
+    c.m_dSampleRate = 16000;
+    AdjustSampleRate(d.doc, false);
+    EXPECT_DOUBLE_EQ(c.m_dSampleRate, 11025.0);
+    EXPECT_EQ(c.m_bIncraseSampleRate, 0);
+    EXPECT_EQ(d.doc.m_nFFTfrequencyRange, 5000);
+    EXPECT_EQ(d.doc.m_nSpecfrequencyRange, 5000);
+    EXPECT_EQ(d.doc.m_nLPCNumberofCoefficients, 14);
+    EXPECT_EQ(d.doc.m_nSpecLPCNumberofCoefficients, 14);
+    EXPECT_EQ(c.m_bSynthesize, 1);
+
+    for (int row : kHighFormantRows) {
+        c.m_Parameters[row].bSelected = 1;
+        AdjustSampleRate(d.doc, false);
+        EXPECT_DOUBLE_EQ(c.m_dSampleRate, 22050.0) << "row " << row;
+        EXPECT_EQ(d.doc.m_nFFTfrequencyRange, 11000);
+        EXPECT_EQ(d.doc.m_nSpecLPCNumberofCoefficients, 26);
+        c.m_Parameters[row].bSelected = 0;
+    }
+    AdjustSampleRate(d.doc, false);
+    EXPECT_DOUBLE_EQ(c.m_dSampleRate, 11025.0);
+}
+
+TEST(TableEditing, SaveParametersAppliesSettingsKeepingValues)
+{
+    NewDocument d;
+    Channels& c = *d.doc.getChannel(0);
+    d.cell(Row::f1, 4)->set_nValue(777);
+    c.m_Parameters[Row::f1].nMaxValue = 900;
+    c.m_Parameters[Row::f1].nMinValue = 250;
+    c.m_Parameters[Row::f1].nDefaultValue = 450;
+    c.m_Parameters[Row::f6].bSelected = 1;
+    c.m_Parameters[Row::av].nsSetColor = Color::rgb(1, 0, 0);
+
+    saveParameters(d.doc);
+    for (int col = 0; col <= 20; ++col) {
+        EXPECT_EQ(d.cell(Row::f1, col)->_nMaxValue(), 900);
+        EXPECT_EQ(d.cell(Row::f1, col)->_nMinValue(), 250);
+        EXPECT_EQ(d.cell(Row::f1, col)->_nDefaultValue(), 450);
+        EXPECT_TRUE(d.cell(Row::f6, col)->_bSelected());
+        EXPECT_EQ(d.cell(Row::av, col)->_nsbgColor(), Color::rgb(1, 0, 0));
+    }
+    EXPECT_EQ(d.value(Row::f1, 4), 777);
+    EXPECT_EQ(d.value(Row::f1, 5), 500);
+    // Showing f6 switched synthesis to 22050 Hz and synthesized.
+    EXPECT_DOUBLE_EQ(c.m_dSampleRate, 22050.0);
+    EXPECT_TRUE(c.hasAudio());
+    EXPECT_TRUE(d.doc.isDocumentEdited());
+}
+
+TEST(TableEditing, SaveOptionsFileCarriesValuesOverByTime)
+{
+    // More frames: 20 frames of 10 ms become 40 frames of 5 ms; old frame k (time 10k) lands
+    // on the new frame at 10k, the frames between keep the record values.
+    NewDocument d;
+    for (int col = 1; col <= 20; ++col)
+        d.cell(Row::f0, col)->set_nValue(2000 + col);
+    d.cell(Row::f1, 2)->set_bAnchor(true);
+    d.doc.m_dNewLengthMS = 200;
+    d.doc.m_nNewUpdateIntervalMS = 5;
+    d.doc.m_dNewSampleRate = 22050;
+    saveoptionsFile(d.doc);
+    Channels& c = *d.doc.getChannel(0);
+    EXPECT_EQ(c.m_nUpdateIntervalMS, 5);
+    EXPECT_EQ(c.m_nColumnNum, 40);
+    EXPECT_DOUBLE_EQ(c.m_dLengthMS, 200.0);
+    EXPECT_DOUBLE_EQ(c.m_dSampleRate, 22050.0);
+    ASSERT_EQ(d.doc._dataTableDictionary.count(), 41u);
+    EXPECT_EQ(d.doc._arrayUndo.size(), 1u);
+    EXPECT_EQ(d.value(Row::f0, 2), 2001);  // key 10
+    EXPECT_EQ(d.value(Row::f0, 1), 1000);  // key 5: nothing landed
+    EXPECT_EQ(d.value(Row::f0, 40), 2020); // key 200
+    EXPECT_EQ(d.cell(Row::f0, 40)->stringValue(), "2020");
+    EXPECT_TRUE(d.cell(Row::f1, 4)->_bAnchor());
+    EXPECT_STREQ(d.cell(Row::f0, 0)->_strName(), "f0");
+
+    // Fewer frames: 40 frames of 5 ms become 5 frames of 40 ms (trunc(215) / 40 = 5); new
+    // frame k takes the old frame at 40k.
+    d.doc.m_dNewLengthMS = 215;
+    d.doc.m_nNewUpdateIntervalMS = 40;
+    saveoptionsFile(d.doc);
+    EXPECT_EQ(c.m_nColumnNum, 5);
+    ASSERT_EQ(d.doc._dataTableDictionary.count(), 6u);
+    EXPECT_EQ(d.value(Row::f0, 1), 2004);
+    EXPECT_EQ(d.value(Row::f0, 5), 2020);
+    EXPECT_DOUBLE_EQ(c.m_dLengthMS, 215.0);
+
+    // Interval 0 is taken as 10; a longer utterance keeps the old frames at their times.
+    d.doc.m_dNewLengthMS = 300;
+    d.doc.m_nNewUpdateIntervalMS = 0;
+    saveoptionsFile(d.doc);
+    EXPECT_EQ(c.m_nUpdateIntervalMS, 10);
+    EXPECT_EQ(c.m_nColumnNum, 30);
+    EXPECT_EQ(d.value(Row::f0, 4), 2004);
+    EXPECT_EQ(d.value(Row::f0, 8), 2008);
+    EXPECT_EQ(d.value(Row::f0, 5), 1000);
+}

@@ -1,0 +1,247 @@
+#include "table/mainTable.h"
+
+#include "audio/AudioPlayer.h"
+#include "document/Log.h"
+#include "document/MyDocument.h"
+#include "table/Alert.h"
+
+#include <QHeaderView>
+#include <QLineEdit>
+#include <QSignalSpy>
+#include <QTest>
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <mutex>
+
+namespace
+{
+// A table over a new document, with alerts and diagnostics recorded instead of shown.
+struct TableFixture {
+    MyDocument doc;
+    std::unique_ptr<mainTable> table;
+    QStringList alerts;
+    std::shared_ptr<std::vector<std::string>> log = std::make_shared<std::vector<std::string>>();
+    std::shared_ptr<std::mutex> logMutex = std::make_shared<std::mutex>();
+
+    TableFixture()
+    {
+        doc.SetUpDataGridMemory();
+        doc.buildDataTableDictionary();
+        table = std::make_unique<mainTable>(&doc);
+        table->resize(900, 700);
+        table->show();
+        EXPECT_TRUE(QTest::qWaitForWindowExposed(table.get()));
+        Alert::setHandler([this](const QString& title, const QString& message, const QString& button) {
+            alerts << title + "|" + message + "|" + button;
+        });
+        Log::setSink([log = log, m = logMutex](const std::string& text) {
+            std::lock_guard<std::mutex> lock(*m);
+            log->push_back(text);
+        });
+    }
+    ~TableFixture()
+    {
+        table.reset();
+        Alert::setHandler({});
+        Log::setSink({});
+    }
+    int value(int row, int column) const
+    {
+        return doc._dataTableDictionary.cellAt(static_cast<long long>(column) * 10, row)->_nValue();
+    }
+    int logged(const std::string& text)
+    {
+        std::lock_guard<std::mutex> lock(*logMutex);
+        return static_cast<int>(std::count_if(log->begin(), log->end(), [&](const std::string& l) {
+            return l.find(text) != std::string::npos;
+        }));
+    }
+    // Types text into a cell through the keyboard, as a user does.
+    void type(int row, int column, const QString& text)
+    {
+        const QModelIndex index = table->model()->index(row, column);
+        table->setCurrentIndex(index);
+        table->scrollTo(index);
+        table->activateWindow();
+        table->setFocus();
+        QTest::keyClick(table.get(), Qt::Key_F2); // the edit key opens the cell's editor
+        auto* editor = qobject_cast<QLineEdit*>(table->indexWidget(index));
+        ASSERT_NE(editor, nullptr);
+        editor->selectAll();
+        QTest::keyClicks(editor, text);
+        QTest::keyClick(editor, Qt::Key_Return);
+        QCoreApplication::processEvents(); // the editor commits on the next turn of the loop
+    }
+    void waitForPlaybackEnd()
+    {
+        for (int i = 0; i < 200 && mainTable::sharedPlayer()->isPlaying(); ++i)
+            QTest::qWait(25);
+    }
+};
+} // namespace
+
+TEST(mainTable, SetUpShowsNamesFramesAndHiddenRows)
+{
+    MyDocument doc;
+    doc.buildDataTableDictionary();
+    doc.getChannel(0)->m_nUpdateIntervalMS = 0; // repaired to 10 when the table is set up
+    mainTable table(&doc);
+    EXPECT_EQ(doc.getChannel(0)->m_nUpdateIntervalMS, 10);
+    QAbstractItemModel* model = table.model();
+    ASSERT_EQ(model->rowCount(), 48);
+    ASSERT_EQ(model->columnCount(), 21);
+    EXPECT_EQ(model->headerData(0, Qt::Horizontal).toString(), "param");
+    EXPECT_EQ(model->headerData(1, Qt::Horizontal).toString(), "10");
+    EXPECT_EQ(model->headerData(20, Qt::Horizontal).toString(), "200");
+    EXPECT_EQ(model->data(model->index(Row::f1, 0)).toString(), "f1");
+    EXPECT_EQ(model->data(model->index(Row::f1, 3)).toString(), "500");
+    EXPECT_EQ(model->data(model->index(Row::ah, 3), Qt::ToolTipRole).toString(),
+              " ah = Amplitude fo aspiration in dB (0 - 87) ");
+    EXPECT_FALSE(model->flags(model->index(Row::f1, 0)) & Qt::ItemIsEditable);
+    EXPECT_TRUE(model->flags(model->index(Row::f1, 1)) & Qt::ItemIsEditable);
+    // Hidden parameters (f8, oq, gain) collapse to a hairline; shown ones take a full row.
+    EXPECT_LT(table.rowHeight(Row::f8), 3);
+    EXPECT_LT(table.rowHeight(Row::gain), 3);
+    EXPECT_GE(table.rowHeight(Row::f1), 14);
+
+    // Anchors show red; group colours show as the cell background.
+    doc._dataTableDictionary.cellAt(30, Row::av)->set_bAnchor(true);
+    EXPECT_EQ(model->data(model->index(Row::av, 3), Qt::BackgroundRole).value<QColor>(), QColor(Qt::red));
+    EXPECT_EQ(model->data(model->index(Row::av, 4), Qt::BackgroundRole).value<QColor>(), QColor(Qt::white));
+}
+
+TEST(mainTable, TypedEntryThroughTheKeyboardClampsAndUndoes)
+{
+    TableFixture f;
+    QSignalSpy changed(f.table.get(), &mainTable::documentChanged);
+    f.type(Row::av, 3, "9999");
+    EXPECT_EQ(f.value(Row::av, 3), 87);
+    EXPECT_TRUE(f.table->_bSynthesize);
+    EXPECT_TRUE(f.doc.isDocumentEdited());
+    EXPECT_GE(changed.count(), 1);
+    f.type(Row::f1, 5, "-5");
+    EXPECT_EQ(f.value(Row::f1, 5), 200);
+    EXPECT_EQ(f.doc._arrayUndo.size(), 2u);
+
+    // The same value again records nothing.
+    f.type(Row::f1, 5, "200");
+    EXPECT_EQ(f.doc._arrayUndo.size(), 2u);
+
+    // Undo and redo through the table's commands restore the values and rebuild the view.
+    f.table->_bSynthesize = false;
+    f.table->undo();
+    EXPECT_EQ(f.value(Row::f1, 5), 500);
+    EXPECT_EQ(f.value(Row::av, 3), 87);
+    EXPECT_TRUE(f.table->_bSynthesize);
+    EXPECT_EQ(f.table->model()->data(f.table->model()->index(Row::f1, 5)).toString(), "500");
+    f.table->undo();
+    EXPECT_EQ(f.value(Row::av, 3), 60);
+    f.table->redo();
+    EXPECT_EQ(f.value(Row::av, 3), 87);
+    f.table->redo();
+    EXPECT_EQ(f.value(Row::f1, 5), 200);
+    EXPECT_TRUE(f.alerts.isEmpty());
+}
+
+TEST(mainTable, AnchorsFromTheContextMenuFollowTheRules)
+{
+    TableFixture f;
+    f.table->addAnchor(Row::f1, 4);
+    EXPECT_TRUE(f.doc._dataTableDictionary.cellAt(40, Row::f1)->_bAnchor());
+    f.table->removeAnchor(Row::f1, 4);
+    EXPECT_FALSE(f.doc._dataTableDictionary.cellAt(40, Row::f1)->_bAnchor());
+    f.table->addAnchor(Row::f8, 4); // hidden row: nothing
+    EXPECT_FALSE(f.doc._dataTableDictionary.cellAt(40, Row::f8)->_bAnchor());
+    f.table->addAnchor(Row::f1, 0); // name column: nothing
+    EXPECT_FALSE(f.doc._dataTableDictionary.cellAt(0, Row::f1)->_bAnchor());
+    EXPECT_TRUE(f.doc._arrayUndo.empty()) << "anchors record no undo step";
+
+    // Typed values with the anchor and interpolate switches.
+    f.doc.getChannel(0)->m_bDoAnchor = 1;
+    f.doc.getChannel(0)->m_bDoInterpolate = 1;
+    f.type(Row::f2, 2, "1000");
+    f.type(Row::f2, 6, "2000");
+    EXPECT_EQ(f.value(Row::f2, 4), 1500);
+    EXPECT_EQ(f.table->model()->data(f.table->model()->index(Row::f2, 4)).toString(), "1500");
+}
+
+TEST(mainTable, SelectionHelpersAndFailedRevert)
+{
+    TableFixture f;
+    f.table->selectaColumn(7);
+    EXPECT_EQ(f.table->selectedColumnSpan(), std::make_pair(7, 7));
+    EXPECT_EQ(f.table->selectedRowSpan().first, 0);
+    f.table->selectaColumn(3);
+    EXPECT_EQ(f.table->selectedColumnSpan(), std::make_pair(3, 3)) << "the selection is not extended";
+    f.table->clearSelection();
+    EXPECT_EQ(f.table->selectedRowSpan(), std::make_pair(-1, -1));
+
+    // Revert without a saved file fails with the revert command's button.
+    f.table->revertDocumentToSaved();
+    ASSERT_EQ(f.alerts.size(), 1);
+    EXPECT_TRUE(f.alerts[0].startsWith("Error in reading the file|"));
+    EXPECT_TRUE(f.alerts[0].endsWith("|Error in Revert to Save"));
+}
+
+TEST(mainTable, TwoPlaysSynthesizeOnceAndTheOutputGetsTheSamples)
+{
+    TableFixture f;
+    const std::string capture = std::string(std::getenv("AUDIO_CAPTURE_FILE")) + ".table";
+    setenv("AUDIO_CAPTURE_FILE", capture.c_str(), 1);
+    f.table->_bSynthesize = true;
+    f.table->_PlayCurrent();
+    QTest::qWait(300);
+    f.waitForPlaybackEnd();
+    EXPECT_EQ(f.logged("strat synthesize"), 1);
+    EXPECT_FALSE(f.table->_bSynthesize);
+    ASSERT_TRUE(f.doc.getChannel(0)->hasAudio());
+
+    // What the output received: after the priming silence, the synthesized samples (the
+    // whole requests of them).
+    std::ifstream in(capture, std::ios::binary);
+    std::vector<char> bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    std::vector<float> heard(bytes.size() / 4);
+    std::memcpy(heard.data(), bytes.data(), heard.size() * 4);
+    const float* synthesized = f.doc.getChannel(0)->samples();
+    const std::size_t played = f.doc.getChannel(0)->sampleCount() / 512 * 512;
+    ASSERT_GT(played, 0u);
+    auto at = std::search(heard.begin(), heard.end(), synthesized, synthesized + played);
+    EXPECT_NE(at, heard.end()) << "the synthesized samples were not heard as they are";
+
+    f.table->_PlayCurrent();
+    QTest::qWait(300);
+    f.waitForPlaybackEnd();
+    EXPECT_EQ(f.logged("strat synthesize"), 1) << "no edit, no new synthesis";
+
+    f.type(Row::f0, 3, "1200");
+    f.table->_PlayCurrent();
+    QTest::qWait(300);
+    f.waitForPlaybackEnd();
+    EXPECT_EQ(f.logged("strat synthesize"), 2);
+
+    // The model channel holds nothing: playing it does nothing and says nothing.
+    f.table->_PlayAudio();
+    QTest::qWait(200);
+    EXPECT_FALSE(mainTable::sharedPlayer()->isPlaying());
+    EXPECT_TRUE(f.alerts.isEmpty());
+}
+
+TEST(mainTable, SaveAudioWritesTheSynthesis)
+{
+    TableFixture f;
+    const std::string path = std::string(std::getenv("AUDIO_CAPTURE_FILE")) + ".audio.wav";
+    f.table->_bSynthesize = true;
+    ASSERT_TRUE(f.table->saveAudioTo(QString::fromStdString(path)));
+    std::ifstream in(path, std::ios::binary);
+    std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    ASSERT_GE(bytes.size(), 48u);
+    EXPECT_EQ(bytes.substr(0, 4), "RIFF");
+    EXPECT_EQ(bytes.size(), 48 + 2 * f.doc.getChannel(0)->sampleCount());
+    EXPECT_EQ(f.logged("yes"), 1);
+    EXPECT_FALSE(f.table->saveAudioTo("/proc/no/such/folder/audio.wav"));
+    EXPECT_EQ(f.logged("no"), 1);
+}
