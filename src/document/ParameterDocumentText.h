@@ -11,9 +11,10 @@ class MyDocument;
 
 enum class ParameterTextUse { File, Snapshot };
 
-// The document text from the table data (built from the grid first when it is empty). With
-// allRows false only the selected rows' names and values are written.
-std::string writeParameterText(MyDocument& document, bool allRows, ParameterTextUse use);
+// Writes the document text from the table data (built from the grid first when it is empty)
+// into `text`, replacing what it held but reusing its storage. With allRows false only the
+// selected rows' names and values are written.
+void writeParameterText(MyDocument& document, bool allRows, ParameterTextUse use, std::string& text);
 
 // Reads the text into channel 0 (settings, selection flags, anchors, grid) and the display
 // colours. Answers 0, or -1 with `reason` set and the document unchanged.

@@ -37,6 +37,14 @@ int truncateToInt(double v)
     return static_cast<int>(v);
 }
 
+// Writes "%d" and a tab at `out` (room for 12 characters) and answers the end.
+char* putNumber(char* out, int number)
+{
+    out = std::to_chars(out, out + 11, number).ptr;
+    *out++ = '\t';
+    return out;
+}
+
 // Writes a section of entries ten to a line: a line end after every tenth entry and one more
 // when the section closes, so a section of a multiple of ten entries ends with an empty line.
 class TenPerLine
@@ -134,17 +142,17 @@ void writeSettings(MyDocument& document, std::string& text, int anchors, int mar
 
 } // namespace
 
-std::string writeParameterText(MyDocument& document, bool allRows, ParameterTextUse use)
+void writeParameterText(MyDocument& document, bool allRows, ParameterTextUse use, std::string& text)
 {
     ensureTableData(document);
     const TableReader table(document);
     const Channels& c = *document.getChannel(0);
     const bool snapshot = use == ParameterTextUse::Snapshot;
 
-    // One pass over the cells writes the value lines and collects the anchor entries, whose
-    // count the settings lines need first.
-    std::string values;
-    values.reserve(static_cast<std::size_t>(table.frames()) * kParameterCount * 5 + 64);
+    // One pass over the cells writes the value lines and collects the anchor entries; the lines
+    // before the values (which need the anchor count) are put in front afterwards.
+    text.clear();
+    text.reserve(static_cast<std::size_t>(table.frames()) * kParameterCount * 5 + 64);
     std::string anchorEntries;
     TenPerLine entries(anchorEntries);
     int anchors = 0;
@@ -160,30 +168,29 @@ std::string writeParameterText(MyDocument& document, bool allRows, ParameterText
                 ++anchors;
             }
             if (allRows || cell.selected)
-                MyDocument::EnterNumber(values, cell.value, false);
+                MyDocument::EnterNumber(text, cell.value, false);
         }
-        MyDocument::EnterNumber(values, 0, true);
+        MyDocument::EnterNumber(text, 0, true);
     }
 
-    std::string text;
-    text.reserve(values.size() + anchorEntries.size() + 1024);
-    writeSettings(document, text, anchors, snapshot ? kSnapshotMarker : kFileMarker);
-    TenPerLine flags(text);
+    std::string head;
+    head.reserve(anchorEntries.size() + 1024);
+    writeSettings(document, head, anchors, snapshot ? kSnapshotMarker : kFileMarker);
+    TenPerLine flags(head);
     for (int row = 0; row < kParameterCount; ++row) {
-        MyDocument::EnterNumber(text, table.rowSelected(row) ? 1 : 0, false);
+        MyDocument::EnterNumber(head, table.rowSelected(row) ? 1 : 0, false);
         flags.entryWritten();
     }
     flags.close();
     if (anchors > 0) {
         entries.close();
-        text += anchorEntries;
+        head += anchorEntries;
     }
     for (int row = 0; row < kParameterCount; ++row)
         if (allRows || table.rowSelected(row))
-            MyDocument::EnterParameter(text, c.m_Parameters[row].strName);
-    MyDocument::EnterNumber(text, 0, true);
-    text += values;
-    return text;
+            MyDocument::EnterParameter(head, c.m_Parameters[row].strName);
+    MyDocument::EnterNumber(head, 0, true);
+    text.insert(0, head);
 }
 
 void MyDocument::EnterNumber(std::string& text, int number, bool bCRLFOnly)
@@ -192,10 +199,8 @@ void MyDocument::EnterNumber(std::string& text, int number, bool bCRLFOnly)
         text += "\r\n";
         return;
     }
-    char digits[16];
-    char* end = std::to_chars(digits, digits + sizeof digits - 1, number).ptr;
-    *end++ = '\t';
-    text.append(digits, end);
+    char digits[12];
+    text.append(digits, putNumber(digits, number));
 }
 
 void MyDocument::EnterParameter(std::string& text, const char* name)
@@ -207,14 +212,17 @@ void MyDocument::EnterParameter(std::string& text, const char* name)
 
 std::string MyDocument::Save_STK_FileType50(bool allRows)
 {
-    std::string text = writeParameterText(*this, allRows, ParameterTextUse::File);
+    std::string text;
+    writeParameterText(*this, allRows, ParameterTextUse::File, text);
     updateChangeCount(ChangeDone);
     return text;
 }
 
 std::string MyDocument::Save_STK_FileType(bool allRows)
 {
-    return writeParameterText(*this, allRows, ParameterTextUse::Snapshot);
+    std::string text;
+    writeParameterText(*this, allRows, ParameterTextUse::Snapshot, text);
+    return text;
 }
 
 int MyDocument::Read_STK_FileType(const std::string& bytes)

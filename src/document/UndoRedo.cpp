@@ -11,12 +11,18 @@
 namespace
 {
 
-void appendSnapshot(std::vector<std::string>& list, int depth, std::string snapshot)
+// Appends a snapshot of the whole document (the text Save_STK_FileType writes with all rows).
+// A full list drops its oldest entry, whose storage the new snapshot reuses.
+void appendSnapshot(MyDocument& document, std::vector<std::string>& list, int depth)
 {
     const std::size_t keep = static_cast<std::size_t>(std::max(depth, 1));
-    if (list.size() >= keep)
+    std::string text;
+    if (list.size() >= keep) {
+        text = std::move(list.front());
         list.erase(list.begin(), list.begin() + static_cast<std::ptrdiff_t>(list.size() - keep + 1));
-    list.push_back(std::move(snapshot));
+    }
+    writeParameterText(document, true, ParameterTextUse::Snapshot, text);
+    list.push_back(std::move(text));
 }
 
 // Reads a snapshot and rebuilds the table data from the grid it filled.
@@ -34,13 +40,13 @@ void restoreSnapshot(MyDocument& document, const std::string& snapshot)
 
 void MyDocument::saveUndo()
 {
-    appendSnapshot(_arrayUndo, _nUndoRedoManCount, Save_STK_FileType(true));
+    appendSnapshot(*this, _arrayUndo, _nUndoRedoManCount);
     _nUndoRedoIndex = static_cast<std::int32_t>(_arrayUndo.size());
 }
 
 void MyDocument::saveRedo()
 {
-    appendSnapshot(_arrayRedo, _nUndoRedoManCount, Save_STK_FileType(true));
+    appendSnapshot(*this, _arrayRedo, _nUndoRedoManCount);
     _nUndoRedoIndex = static_cast<std::int32_t>(_arrayRedo.size());
 }
 
