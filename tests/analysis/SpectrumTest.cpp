@@ -198,11 +198,9 @@ TEST(Spectrum, SplineInterpolatesAndRefusesEqualAbscissae)
     const double xa[] = {0.0, 2.0, 2.0, 2.0};
     const double ya[] = {0.0, 1.0, 2.0, 3.0};
     const double y2a[] = {0.0, 0.0, 0.0, 0.0};
-    double out = 99.0;
-    EXPECT_EQ(math.splint(xa, ya, y2a, 3, 1.5, &out), 1);
-    EXPECT_EQ(out, 99.0);
-    EXPECT_EQ(math.splint(xa, ya, y2a, 2, 2.5, &out), 1);
-    EXPECT_EQ(out, 99.0);
-    EXPECT_EQ(math.splint(xa, ya, y2a, 1, 2.0, &out), 1);
-    EXPECT_EQ(out, 99.0);
+    for (const auto& [n, at] : {std::pair{3, 1.5}, std::pair{2, 2.5}, std::pair{1, 2.0}}) {
+        double out = 99.0;
+        EXPECT_EQ(math.splint(xa, ya, y2a, n, at, &out), 1) << at;
+        EXPECT_EQ(out, 99.0);
+    }
 }

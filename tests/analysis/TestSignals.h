@@ -1,5 +1,6 @@
 #pragma once
 // Generated signals with known answers for the analysis tests.
+#include <algorithm>
 #include <cmath>
 #include <complex>
 #include <random>
@@ -125,6 +126,13 @@ inline double dftLevel(const std::vector<double>& x, int n, int k)
         sum += x[j] * std::polar(1.0, -2.0 * M_PI * double(j) * k / n);
     const double power = std::norm(sum);
     return power != 0.0 ? 10.0 * std::log10(power) : 0.0;
+}
+
+// The middle value (the upper one of an even count), -1 for none.
+inline double median(std::vector<double> values)
+{
+    std::sort(values.begin(), values.end());
+    return values.empty() ? -1.0 : values[values.size() / 2];
 }
 
 } // namespace signals

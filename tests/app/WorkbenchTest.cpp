@@ -98,26 +98,16 @@ TEST(Workbench, SaveReopenAndRevertThroughTheFileCommands)
 TEST(Workbench, WaveFilesOpenAsNewDocumentsWithAModel)
 {
     Workbench wb;
-    // 0.4 s of 16-bit mono at 11025 Hz.
-    const int samples = 4410;
-    std::string wave = "RIFF";
-    auto put32 = [&](std::uint32_t v) {
-        for (int i = 0; i < 4; ++i)
-            wave.push_back(static_cast<char>(v >> (8 * i)));
-    };
-    auto put16 = [&](std::uint16_t v) {
-        wave.push_back(static_cast<char>(v));
-        wave.push_back(static_cast<char>(v >> 8));
-    };
-    put32(36 + samples * 2);
-    wave += "WAVEfmt ";
-    put32(16), put16(1), put16(1), put32(11025), put32(22050), put16(2), put16(16);
-    wave += "data";
-    put32(samples * 2);
-    for (int i = 0; i < samples; ++i)
-        put16(static_cast<std::uint16_t>((i % 100) * 100));
+    // 0.4 s of 16-bit mono at 11025 Hz, written by the document's own wave writer.
+    MyDocument recording;
+    Channels& c = *recording.getChannel(0);
+    c.m_hData = MemoryBlock::newHandleClear(4410 * sizeof(float));
+    for (int i = 0; i < 4410; ++i)
+        reinterpret_cast<float*>(c.m_hData->bytes())[i] = (i % 100) / 400.0f;
+    c.m_dSampleRate = 11025;
+    c.m_dwFileLength = 4410;
     const QString file = wb.path("model.wav");
-    std::ofstream(file.toStdString(), std::ios::binary) << wave;
+    std::ofstream(file.toStdString(), std::ios::binary) << recording.save_Wave_FileType();
 
     DocumentWindow* w = wb.app.openFile(file);
     ASSERT_NE(w, nullptr) << wb.app.lastAlert().toStdString();

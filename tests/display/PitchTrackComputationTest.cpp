@@ -20,32 +20,23 @@ PitchTrackComputation trackOf(const std::vector<double>& values)
 
 } // namespace
 
-TEST(PitchTrackComputation, VowelsAtKnownPitchesWithDefaultSettings)
-{
-    for (double f0 : {100.0, 150.0, 220.0}) {
-        const auto x = signals::toFloat(
-            signals::vowel(11025, f0, kRate, {{700.0, 130.0}, {1220.0, 70.0}, {2600.0, 160.0}}), 0.05);
-        const auto channel = channelOf(x, kRate);
-        PitchTrackComputation t;
-        ASSERT_TRUE(t.DoPitchCepstral(*channel, PitchSettings{}));
-        EXPECT_EQ(t.m_nFrameCount, 99); // trunc(11025 / 110.25) - 1
-        EXPECT_EQ(t.m_nWindowSamples, 385);
-        ASSERT_EQ(t.m_hdPitchFile.size(), 99u);
-        EXPECT_EQ(t.m_hdPitchFile.front(), 0.0);
-        EXPECT_EQ(t.m_hdPitchFile.back(), 0.0);
-        // Frames whose window reaches past the end analyse stale data; the others find f0.
-        for (int i = 1; i < 90; ++i)
-            EXPECT_NEAR(t.m_hdPitchFile[i], f0, f0 * 0.03) << f0 << " frame " << i;
-    }
-}
-
-TEST(PitchTrackComputation, WindowStepAndFrameCountEdges)
+TEST(PitchTrackComputation, FramesWindowStepAndEdges)
 {
     const auto x = signals::toFloat(signals::pulseTrain(11025, 120.0, kRate));
     const auto channel = channelOf(x, kRate);
+    PitchTrackComputation t;
+    ASSERT_TRUE(t.DoPitchCepstral(*channel, PitchSettings{}));
+    EXPECT_EQ(t.m_nFrameCount, 99); // trunc(11025 / 110.25) - 1
+    EXPECT_EQ(t.m_nWindowSamples, 385);
+    ASSERT_EQ(t.m_hdPitchFile.size(), 99u);
+    EXPECT_EQ(t.m_hdPitchFile.front(), 0.0);
+    EXPECT_EQ(t.m_hdPitchFile.back(), 0.0);
+    // Frames whose window reaches past the end analyse stale data; the others find f0.
+    for (int i = 1; i < 90; ++i)
+        EXPECT_NEAR(t.m_hdPitchFile[i], 120.0, 120.0 * 0.03) << "frame " << i;
+
     PitchSettings settings;
     settings.m_dPitchWindowLength = 100.0; // 1102 samples: cut to 92 whole ms, 1014 samples
-    PitchTrackComputation t;
     ASSERT_TRUE(t.DoPitchCepstral(*channel, settings));
     EXPECT_EQ(t.m_nWindowSamples, 1014);
 

@@ -19,41 +19,7 @@ SpectrogramSettings defaults()
     return SpectrogramSettings::fromDocument(document);
 }
 
-// The median of a formant slot over a range of columns (ignoring -1).
-double medianSlot(const SpectrogramComputation& s, int slot, int from, int to)
-{
-    std::vector<double> values;
-    for (int i = from; i < to; ++i)
-        if (s.m_phsnFormants[i][slot] >= 0)
-            values.push_back(s.m_phsnFormants[i][slot]);
-    if (values.empty())
-        return -1.0;
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
-}
-
 } // namespace
-
-TEST(SpectrogramComputation, VowelFormantsAreTrackedInEveryVoicedColumn)
-{
-    const auto x =
-        signals::toFloat(signals::vowel(11025, 120.0, kRate,
-                                        {{700.0, 130.0}, {1220.0, 70.0}, {2600.0, 160.0}, {3300.0, 250.0}}),
-                         0.05);
-    const auto channel = channelOf(x, kRate);
-    SpectrogramComputation s(defaults());
-    ASSERT_TRUE(s.compute(*channel, 100, 256));
-    EXPECT_EQ(s.m_nDataStorageLength, 256); // max(11 x 14, 128, 256)
-    EXPECT_EQ(s.m_nAllocatedStorageAmount, 100);
-    EXPECT_TRUE(s.m_bHaveFormants);
-    EXPECT_NEAR(medianSlot(s, 0, 10, 90), 700.0, 700.0 * 0.08);
-    EXPECT_NEAR(medianSlot(s, 1, 10, 90), 1220.0, 1220.0 * 0.05);
-    EXPECT_NEAR(medianSlot(s, 2, 10, 90), 2600.0, 2600.0 * 0.05);
-    // Normalized levels lie between 0 and the dynamic range away from the edges.
-    for (int i = 10; i < 90; ++i)
-        for (int y = 0; y < 256; ++y)
-            ASSERT_TRUE(s.level(i, y) >= 0.0 && s.level(i, y) <= 50.0 + 1e-9) << i << "," << y;
-}
 
 TEST(SpectrogramComputation, SineLevelsAndAmplitudeUnderAPoint)
 {

@@ -1,4 +1,5 @@
 // The analysis finds again what the project's own synthesizer was asked to say.
+#include "analysis/TestSignals.h"
 #include "display/PitchTrackComputation.h"
 #include "display/SpectrogramComputation.h"
 #include "document/Log.h"
@@ -43,12 +44,6 @@ std::unique_ptr<MyDocument> synthesizedVowel(double f0, int f1, int f2, int f3)
     return document;
 }
 
-double median(std::vector<double> v)
-{
-    std::sort(v.begin(), v.end());
-    return v.empty() ? -1.0 : v[v.size() / 2];
-}
-
 } // namespace
 
 TEST(SynthesizedSpeech, FormantsAndPitchOfASynthesizedVowelAreFoundAgain)
@@ -65,18 +60,25 @@ TEST(SynthesizedSpeech, FormantsAndPitchOfASynthesizedVowelAreFoundAgain)
 
         SpectrogramComputation s(SpectrogramSettings::fromDocument(*document));
         ASSERT_TRUE(s.compute(audio, 100, 256));
+        EXPECT_EQ(s.m_nDataStorageLength, 256); // max(11 x 14, 128, 256)
+        EXPECT_EQ(s.m_nAllocatedStorageAmount, 100);
+        EXPECT_TRUE(s.m_bHaveFormants);
         std::vector<double> slots[3];
         for (int i = 10; i < 90; ++i)
             for (int k = 0; k < 3; ++k)
                 slots[k].push_back(s.m_phsnFormants[i][k]);
-        EXPECT_NEAR(median(slots[0]), v.f1, v.f1 * 0.06) << v.f0;
-        EXPECT_NEAR(median(slots[1]), v.f2, v.f2 * 0.04) << v.f0;
-        EXPECT_NEAR(median(slots[2]), v.f3, v.f3 * 0.03) << v.f0;
+        // Normalized levels lie between 0 and the dynamic range away from the edges.
+        for (int i = 10; i < 90; ++i)
+            for (int y = 0; y < 256; ++y)
+                ASSERT_TRUE(s.level(i, y) >= 0.0 && s.level(i, y) <= 50.0 + 1e-9) << i << "," << y;
+        EXPECT_NEAR(signals::median(slots[0]), v.f1, v.f1 * 0.06) << v.f0;
+        EXPECT_NEAR(signals::median(slots[1]), v.f2, v.f2 * 0.04) << v.f0;
+        EXPECT_NEAR(signals::median(slots[2]), v.f3, v.f3 * 0.03) << v.f0;
 
         PitchTrackComputation pitch;
         ASSERT_TRUE(pitch.DoPitchCepstral(audio, PitchSettings::fromDocument(*document)));
         std::vector<double> voiced(pitch.m_hdPitchFile.begin() + 5, pitch.m_hdPitchFile.begin() + 85);
-        EXPECT_NEAR(median(voiced), v.f0, v.f0 * 0.03);
+        EXPECT_NEAR(signals::median(voiced), v.f0, v.f0 * 0.03);
         EXPECT_EQ(std::count(voiced.begin(), voiced.end(), 0.0), 0);
     }
 }

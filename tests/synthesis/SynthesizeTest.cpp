@@ -147,30 +147,27 @@ TEST_F(SynthesizeTest, BlockSizeFollowsTheLengthNotTheGrid)
     ASSERT_EQ(ch0().m_hData->size(), 551u * 4);
     EXPECT_EQ(audio(0), std::vector<float>(full.begin(), full.begin() + 551));
 
-    // 40 ms frames of 441 samples fill 200 ms exactly.
-    ch0().m_dLengthMS = 200.0;
-    ch0().m_nUpdateIntervalMS = 40;
-    ch0().m_nColumnNum = 6;
-    rebuild();
-    doc.Synthesize();
-    const std::vector<float> exact = audio(0);
-    ASSERT_EQ(exact.size(), 2205u);
-    EXPECT_EQ(exact, expectedAudio(11025, 5));
-}
-
-TEST_F(SynthesizeTest, UpdateIntervalsLongerThanOneSecond)
-{
-    ch0().m_nUpdateIntervalMS = 3000; // 33075 samples per frame
-    ch0().m_nColumnNum = 3;
-    ch0().m_dLengthMS = 9000.0;
-    rebuild();
-    doc.Synthesize();
-    const std::vector<float> got = audio(0);
-    ASSERT_EQ(got.size(), 99225u);
-    const std::vector<float> want = expectedAudio(11025, 5);
-    ASSERT_EQ(want.size(), 66150u);
-    EXPECT_EQ(std::vector<float>(got.begin(), got.begin() + 66150), want);
-    EXPECT_EQ(std::vector<float>(got.begin() + 66150, got.end()), std::vector<float>(99225 - 66150, 0.0f));
+    // 40 ms frames of 441 samples fill 200 ms exactly; 3 s frames (33075 samples, longer than
+    // a second) leave the last of three columns unsynthesized.
+    struct Case {
+        int interval, columns;
+        double lengthMS;
+        std::size_t samples, synthesized;
+    };
+    for (const Case& c : {Case{40, 6, 200.0, 2205, 2205}, Case{3000, 3, 9000.0, 99225, 66150}}) {
+        ch0().m_nUpdateIntervalMS = c.interval;
+        ch0().m_nColumnNum = c.columns;
+        ch0().m_dLengthMS = c.lengthMS;
+        rebuild();
+        doc.Synthesize();
+        const std::vector<float> got = audio(0);
+        ASSERT_EQ(got.size(), c.samples);
+        const std::vector<float> want = expectedAudio(11025, 5);
+        ASSERT_EQ(want.size(), c.synthesized);
+        EXPECT_EQ(std::vector<float>(got.begin(), got.begin() + want.size()), want) << c.interval;
+        EXPECT_EQ(std::vector<float>(got.begin() + want.size(), got.end()),
+                  std::vector<float>(c.samples - c.synthesized, 0.0f));
+    }
 
     // A frame too long to count in 32 bits is refused, like memory that cannot be had.
     ch0().m_nUpdateIntervalMS = 2147483647;

@@ -97,33 +97,28 @@ TEST_F(FiveFrames, AddingAtTheEndAddsWholeIntervalsWithRecordValues)
     EXPECT_EQ(doc._dataTableDictionary.objectForKey("0")->size(), static_cast<std::size_t>(kParameterCount));
 }
 
-TEST_F(FiveFrames, AddingAtTheBeginningMovesEveryOldFrameUp)
+TEST_F(FiveFrames, AddingAtTheBeginningOrAfterTheSelectedFrame)
 {
-    addFrames(FramesAtBeginning, 20);
-    EXPECT_EQ(layout(), (Origins{0, 0, 1, 2, 3, 4, 5}));
-    EXPECT_EQ(frameCount(), 7);
-    EXPECT_DOUBLE_EQ(lengthMS(), 70.0);
-    EXPECT_EQ(doc._dataTableDictionary.cellAt(30, Row::f0)->_nValue(), 1001);
+    struct Case {
+        int place, durationMS, selected;
+        Origins expected;
+    };
+    const Case cases[] = {
+        {FramesAtBeginning, 20, -1, {0, 0, 1, 2, 3, 4, 5}},
+        {FramesAfterSelection, 20, 2, {1, 2, 0, 0, 3, 4, 5}},
+        {FramesAfterSelection, 10, 0, {1, 0, 2, 3, 4, 5}}, // the name column stands for frame 1
+        {FramesAfterSelection, 10, 5, {1, 2, 3, 4, 5, 0}}, // after the last frame
+    };
+    for (const Case& c : cases) {
+        makeFrames(5);
+        addFrames(c.place, c.durationMS, c.selected);
+        EXPECT_EQ(layout(), c.expected) << c.place << " after " << c.selected;
+        EXPECT_EQ(frameCount(), static_cast<int>(c.expected.size()));
+        EXPECT_DOUBLE_EQ(lengthMS(), 10.0 * c.expected.size());
+    }
 }
 
-TEST_F(FiveFrames, AddingAfterTheSelectedFrame)
-{
-    addFrames(FramesAfterSelection, 20, 2);
-    EXPECT_EQ(layout(), (Origins{1, 2, 0, 0, 3, 4, 5}));
-
-    // The name column stands for frame 1.
-    makeFrames(5);
-    addFrames(FramesAfterSelection, 10, 0);
-    EXPECT_EQ(layout(), (Origins{1, 0, 2, 3, 4, 5}));
-
-    // After the last frame.
-    makeFrames(5);
-    addFrames(FramesAfterSelection, 10, 5);
-    EXPECT_EQ(layout(), (Origins{1, 2, 3, 4, 5, 0}));
-    EXPECT_DOUBLE_EQ(lengthMS(), 60.0);
-}
-
-TEST_F(FiveFrames, AddingLessThanAnIntervalOrWithoutSelectionOnlyRecordsUndo)
+TEST_F(FiveFrames, EditsWithNothingToDoOnlyRecordUndo)
 {
     doc._nindexModifyColumn = FramesAtEnd;
     doc._nDurationModifyColumn = 5;
@@ -138,9 +133,11 @@ TEST_F(FiveFrames, AddingLessThanAnIntervalOrWithoutSelectionOnlyRecordsUndo)
     EXPECT_EQ(frameCount(), 5);
     EXPECT_EQ(undoSteps(), 2u);
 
-    // A negative duration adds nothing either.
+    // A negative duration adds nothing either; removing without a selection removes nothing.
     addFrames(FramesAtBeginning, -40);
+    EXPECT_FALSE(removeColumns(doc, -1, -1));
     EXPECT_EQ(layout(), (Origins{1, 2, 3, 4, 5}));
+    EXPECT_EQ(undoSteps(), 4u);
 }
 
 TEST_F(FiveFrames, AddingUsesTheRepairedIntervalAndTheLengthsFrameCount)
@@ -170,53 +167,36 @@ TEST_F(FiveFrames, AddingUsesTheRepairedIntervalAndTheLengthsFrameCount)
     EXPECT_DOUBLE_EQ(lengthMS(), 70.0);
 }
 
-TEST_F(FiveFrames, RemovingTakesTheWholeSpanOfTheSelection)
+TEST_F(FiveFrames, RemovingTakesTheWholeSpanOfTheSelectionAndUndoes)
 {
-    // Frames 2 and 4 selected: 2, 3 and 4 go.
-    EXPECT_TRUE(removeColumns(doc, 2, 4));
-    EXPECT_EQ(layout(), (Origins{1, 5}));
-    EXPECT_EQ(frameCount(), 2);
-    EXPECT_DOUBLE_EQ(lengthMS(), 20.0);
-    EXPECT_EQ(doc._dataTableDictionary.count(), 3u);
-    EXPECT_EQ(undoSteps(), 1u);
+    struct Case {
+        int first, last;
+        Origins expected;
+    };
+    const Case cases[] = {
+        {2, 4, {1, 5}},    // frames 2 and 4 selected: 2, 3 and 4 go
+        {0, 2, {3, 4, 5}}, // the name column counts as frame 1
+        {1, 5, {}},        // everything
+        {4, 9, {1, 2, 3}}, // past the last frame: up to the end and no further
+    };
+    for (const Case& c : cases) {
+        makeFrames(5);
+        const std::size_t steps = undoSteps();
+        EXPECT_TRUE(removeColumns(doc, c.first, c.last));
+        EXPECT_EQ(layout(), c.expected) << c.first << ".." << c.last;
+        EXPECT_EQ(frameCount(), static_cast<int>(c.expected.size()));
+        EXPECT_DOUBLE_EQ(lengthMS(), 10.0 * c.expected.size());
+        EXPECT_EQ(doc._dataTableDictionary.count(), c.expected.size() + 1);
+        EXPECT_NE(doc._dataTableDictionary.objectForKey("0"), nullptr); // the name column stays
+        EXPECT_EQ(undoSteps(), steps + 1);
 
-    // The name column counts as frame 1.
-    makeFrames(5);
-    EXPECT_TRUE(removeColumns(doc, 0, 2));
-    EXPECT_EQ(layout(), (Origins{3, 4, 5}));
-
-    // Everything.
-    makeFrames(5);
-    EXPECT_TRUE(removeColumns(doc, 1, 5));
-    EXPECT_TRUE(layout().empty());
-    EXPECT_EQ(frameCount(), 0);
-    EXPECT_DOUBLE_EQ(lengthMS(), 0.0);
-    ASSERT_NE(doc._dataTableDictionary.objectForKey("0"), nullptr);
-
-    // A selection past the last frame removes up to the end and no further.
-    makeFrames(5);
-    EXPECT_TRUE(removeColumns(doc, 4, 9));
-    EXPECT_EQ(layout(), (Origins{1, 2, 3}));
-}
-
-TEST_F(FiveFrames, RemovingWithoutSelectionChangesOnlyTheUndoHistory)
-{
-    EXPECT_FALSE(removeColumns(doc, -1, -1));
-    EXPECT_EQ(layout(), (Origins{1, 2, 3, 4, 5}));
-    EXPECT_EQ(frameCount(), 5);
-    EXPECT_EQ(undoSteps(), 1u);
-}
-
-TEST_F(FiveFrames, UndoReturnsToTheFramesBeforeTheEdit)
-{
-    removeColumns(doc, 2, 3);
-    ASSERT_EQ(frameCount(), 3);
-    doc.doUndo();
-    EXPECT_EQ(frameCount(), 5);
-    EXPECT_DOUBLE_EQ(lengthMS(), 50.0);
-    ASSERT_EQ(doc._dataTableDictionary.count(), 6u);
-    for (int k = 1; k <= 5; ++k)
-        EXPECT_EQ(doc._dataTableDictionary.cellAt(k * 10, Row::f0)->_nValue(), 1000 + k);
+        doc.doUndo();
+        EXPECT_EQ(frameCount(), 5);
+        EXPECT_DOUBLE_EQ(lengthMS(), 50.0);
+        ASSERT_EQ(doc._dataTableDictionary.count(), 6u);
+        for (int k = 1; k <= 5; ++k)
+            EXPECT_EQ(doc._dataTableDictionary.cellAt(k * 10, Row::f0)->_nValue(), 1000 + k);
+    }
 }
 
 TEST_F(FiveFrames, RemovingAnchorsClearsOnlyFlagsOfTheRowSpan)
