@@ -8,6 +8,7 @@
 #include "document/MyDocument.h"
 #include "document/ParameterDocumentText.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <charconv>
 #include <climits>
@@ -35,14 +36,6 @@ int truncateToInt(double v)
     if (v <= static_cast<double>(INT_MIN))
         return INT_MIN;
     return static_cast<int>(v);
-}
-
-// Writes "%d" and a tab at `out` (room for 12 characters) and answers the end.
-char* putNumber(char* out, int number)
-{
-    out = std::to_chars(out, out + 11, number).ptr;
-    *out++ = '\t';
-    return out;
 }
 
 // Writes a section of entries ten to a line: a line end after every tenth entry and one more
@@ -200,7 +193,9 @@ void MyDocument::EnterNumber(std::string& text, int number, bool bCRLFOnly)
         return;
     }
     char digits[12];
-    text.append(digits, putNumber(digits, number));
+    char* end = std::to_chars(digits, digits + 11, number).ptr;
+    *end++ = '\t';
+    text.append(digits, end);
 }
 
 void MyDocument::EnterParameter(std::string& text, const char* name)
