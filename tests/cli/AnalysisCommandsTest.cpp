@@ -4,142 +4,100 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstring>
 #include <fstream>
 #include <sstream>
 
+// The numbers of the pitch and formant tracks are checked where they are computed; here only
+// that the commands reach those computations with their options and print the right shape.
 namespace
 {
 
 constexpr double kRate = 11025.0;
 
-// A 16-bit WAVE file of the samples, written by the document's own writer.
-void writeWave(const std::string& path, const std::vector<float>& samples)
+// Two seconds of a 120 Hz vowel as a 16-bit WAVE file, written by the document's own writer.
+std::string vowelWave(const TempDir& dir)
 {
+    const std::vector<float> samples = signals::toFloat(
+        signals::vowel(22050, 120.0, kRate, {{700.0, 130.0}, {1220.0, 70.0}, {2600.0, 160.0}}), 0.05);
     MyDocument document;
     Channels* c = document.getChannel(0);
     c->m_hData = MemoryBlock::newHandleClear(samples.size() * sizeof(float));
     std::memcpy(c->m_hData->bytes(), samples.data(), samples.size() * sizeof(float));
     c->m_dSampleRate = kRate;
     c->m_dwFileLength = static_cast<double>(samples.size());
-    std::ofstream(path, std::ios::binary) << document.save_Wave_FileType();
-}
-
-std::string vowelWave(const TempDir& dir, double f0)
-{
     const std::string path = dir / "vowel.wav";
-    writeWave(path,
-              signals::toFloat(
-                  signals::vowel(22050, f0, kRate, {{700.0, 130.0}, {1220.0, 70.0}, {2600.0, 160.0}}), 0.05));
+    std::ofstream(path, std::ios::binary) << document.save_Wave_FileType();
     return path;
 }
 
-std::vector<std::vector<double>> csvRows(const std::string& text, std::string* header)
+// The CSV's header line and the first field of every row.
+std::vector<double> firstColumn(const std::string& csv, std::string* header)
 {
-    std::istringstream lines(text);
-    std::string line;
+    std::istringstream lines(csv);
     std::getline(lines, *header);
-    std::vector<std::vector<double>> rows;
-    while (std::getline(lines, line)) {
-        std::vector<double> row;
-        std::istringstream fields(line);
-        std::string field;
-        while (std::getline(fields, field, ','))
-            row.push_back(std::stod(field));
-        rows.push_back(row);
-    }
-    return rows;
+    std::vector<double> column;
+    for (std::string line; std::getline(lines, line);)
+        column.push_back(std::stod(line));
+    return column;
 }
 
 std::uint32_t bigEndian32(const std::string& bytes, std::size_t at)
 {
-    return (std::uint32_t(std::uint8_t(bytes[at])) << 24) |
-           (std::uint32_t(std::uint8_t(bytes[at + 1])) << 16) |
-           (std::uint32_t(std::uint8_t(bytes[at + 2])) << 8) | std::uint32_t(std::uint8_t(bytes[at + 3]));
+    std::uint32_t v = 0;
+    for (std::size_t i = at; i < at + 4; ++i)
+        v = v << 8 | std::uint8_t(bytes[i]);
+    return v;
 }
 
 } // namespace
 
-TEST(AnalysisCommands, PitchAndFormantTracksOfAVowel)
+TEST(AnalysisCommands, TracksAndImageHaveTheShapeTheOptionsAskFor)
 {
     TempDir dir;
-    const std::string wav = vowelWave(dir, 120.0);
+    const std::string wav = vowelWave(dir);
     std::string header;
     CliResult r = runCli("pitch " + wav);
     ASSERT_EQ(r.exitCode, 0) << r.err;
-    auto rows = csvRows(r.out, &header);
+    std::vector<double> times = firstColumn(r.out, &header);
     EXPECT_EQ(header, "time_ms,f0_hz");
-    ASSERT_EQ(rows.size(), 199u); // trunc(22050 / 110.25) - 1
-    std::vector<double> f0;
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-        ASSERT_EQ(rows[i][0], i * 10.0);
-        if (i >= 2 && i < 180)
-            f0.push_back(rows[i][1]);
-    }
-    EXPECT_NEAR(*std::min_element(f0.begin(), f0.end()), 120.0, 3.6);
-    EXPECT_NEAR(*std::max_element(f0.begin(), f0.end()), 120.0, 3.6);
-    // Options reach the computation: a shorter step doubles the frames.
+    ASSERT_EQ(times.size(), 199u); // trunc(22050 / 110.25) - 1
+    EXPECT_EQ(times[198], 1980.0);
     r = runCli("pitch " + wav + " --step 5 --window 30");
     ASSERT_EQ(r.exitCode, 0) << r.err;
-    EXPECT_EQ(csvRows(r.out, &header).size(), 399u);
+    EXPECT_EQ(firstColumn(r.out, &header).size(), 399u);
 
     r = runCli("formants " + wav + " --columns 50 --rows 128");
     ASSERT_EQ(r.exitCode, 0) << r.err;
-    rows = csvRows(r.out, &header);
+    EXPECT_EQ(firstColumn(r.out, &header), [] {
+        std::vector<double> columns(50);
+        for (int c = 0; c < 50; ++c)
+            columns[c] = c;
+        return columns;
+    }());
     EXPECT_EQ(header, "column,time_ms,f1,f2,f3,f4,f5");
-    ASSERT_EQ(rows.size(), 50u);
-    std::vector<double> f1, f2;
-    for (std::size_t c = 5; c < 45; ++c) {
-        EXPECT_NEAR(rows[c][1], c * (22050.0 / 50.0) / kRate * 1000.0, 1e-9);
-        f1.push_back(rows[c][2]);
-        f2.push_back(rows[c][3]);
-    }
-    EXPECT_NEAR(signals::median(f1), 700.0, 56.0);
-    EXPECT_NEAR(signals::median(f2), 1220.0, 61.0);
-}
 
-TEST(AnalysisCommands, SpectrogramImage)
-{
-    TempDir dir;
-    const std::string wav = vowelWave(dir, 120.0);
+    // The PNG signature and IHDR size other programs read; formant marks change the pixels.
     const std::string plain = dir / "plain.png", marked = dir / "marked.png";
-    CliResult r = runCli("spectrogram " + wav + " -o " + plain);
+    r = runCli("spectrogram " + wav + " -o " + plain);
     ASSERT_EQ(r.exitCode, 0) << r.err;
     EXPECT_TRUE(r.out.empty());
     std::string png = slurp(plain);
     ASSERT_GT(png.size(), 33u);
-    EXPECT_EQ(png.substr(0, 8), std::string("\x89PNG\r\n\x1a\n", 8));
-    EXPECT_EQ(png.substr(12, 4), "IHDR");
+    EXPECT_EQ(png.substr(0, 16), std::string("\x89PNG\r\n\x1a\n\0\0\0\x0dIHDR", 16));
     EXPECT_EQ(bigEndian32(png, 16), 500u);
     EXPECT_EQ(bigEndian32(png, 20), 256u);
-
-    // Columns and rows set the image size; formant tracks change it.
-    r = runCli("spectrogram " + wav + " --columns 120 --rows 80 --formants -o " + marked);
-    ASSERT_EQ(r.exitCode, 0) << r.err;
+    ASSERT_EQ(runCli("spectrogram " + wav + " --columns 120 --rows 80 --formants -o " + marked).exitCode, 0);
+    runCli("spectrogram " + wav + " --columns 120 --rows 80 -o " + plain);
     png = slurp(marked);
     EXPECT_EQ(bigEndian32(png, 16), 120u);
     EXPECT_EQ(bigEndian32(png, 20), 80u);
-    r = runCli("spectrogram " + wav + " --columns 120 --rows 80 -o " + plain);
     EXPECT_NE(slurp(plain), png);
 }
 
-TEST(AnalysisCommands, BadInputAndUsage)
+TEST(AnalysisCommands, DocumentWithoutRecordingAndBadOptionsAreRefused)
 {
     TempDir dir;
-    const std::string garbage = dir / "garbage.wav";
-    std::ofstream(garbage) << "not audio at all\n";
-    for (const std::string& command :
-         std::vector<std::string>{"pitch", "formants", "spectrogram -o " + dir / "x.png"}) {
-        CliResult r = runCli(command + " " + dir / "missing.wav");
-        EXPECT_EQ(r.exitCode, 2) << command;
-        EXPECT_TRUE(r.out.empty());
-        EXPECT_NE(r.err.find("missing.wav"), std::string::npos) << r.err;
-        r = runCli(command + " " + garbage);
-        EXPECT_EQ(r.exitCode, 2) << command;
-        EXPECT_EQ(std::count(r.err.begin(), r.err.end(), '\n'), 1) << r.err;
-    }
-    // A parameter document has no recording to analyse.
     const std::string stk = dir / "doc.stk";
     MyDocument document;
     document.SetUpDataGridMemory();
@@ -150,9 +108,8 @@ TEST(AnalysisCommands, BadInputAndUsage)
     EXPECT_EQ(r.exitCode, 2);
     EXPECT_NE(r.err.find("model utterance"), std::string::npos) << r.err;
 
-    const std::string wav = vowelWave(dir, 150.0);
+    const std::string wav = vowelWave(dir);
     EXPECT_EQ(runCli("spectrogram " + wav).exitCode, 1); // no output named
     EXPECT_EQ(runCli("formants " + wav + " --rows 0").exitCode, 1);
     EXPECT_EQ(runCli("pitch " + wav + " --step 0.01").exitCode, 1); // below one sample
-    EXPECT_FALSE(std::filesystem::exists(dir / "x.png"));
 }

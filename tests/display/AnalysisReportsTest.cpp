@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include <sstream>
+#include <algorithm>
 
 TEST(AnalysisReports, PitchAndFormantCsv)
 {
@@ -22,18 +22,9 @@ TEST(AnalysisReports, PitchAndFormantCsv)
     ASSERT_TRUE(s.compute(*channel, 100, 32));
     s.m_phsnFormants[3] = FormantRecord{512, 1500, -1, -1, -1, 0};
     const std::string csv = formantTrackCsv(s);
-    std::istringstream lines(csv);
-    std::string line;
-    std::getline(lines, line);
-    EXPECT_EQ(line, "column,time_ms,f1,f2,f3,f4,f5");
-    int count = 0;
-    while (std::getline(lines, line)) {
-        if (count == 3) {
-            EXPECT_EQ(line, "3,60,512,1500,-1,-1,-1");
-        }
-        ++count;
-    }
-    EXPECT_EQ(count, 100);
+    EXPECT_EQ(csv.rfind("column,time_ms,f1,f2,f3,f4,f5\n0,0,", 0), 0u) << csv.substr(0, 80);
+    EXPECT_NE(csv.find("\n3,60,512,1500,-1,-1,-1\n"), std::string::npos);
+    EXPECT_EQ(std::count(csv.begin(), csv.end(), '\n'), 101);
 
     // Without formant records every slot reads -1.
     s.m_settings.m_bSpecDrawFormantTracking = false;
@@ -41,7 +32,7 @@ TEST(AnalysisReports, PitchAndFormantCsv)
     EXPECT_NE(formantTrackCsv(s).find("\n3,600,-1,-1,-1,-1,-1\n"), std::string::npos);
 }
 
-TEST(AnalysisReports, SpectrogramImageIsUpright)
+TEST(AnalysisReports, SpectrogramImageIsUprightWithRedFormantMarks)
 {
     const auto ramp = grayRamp();
     EXPECT_EQ(ramp[0], 255);
@@ -49,30 +40,33 @@ TEST(AnalysisReports, SpectrogramImageIsUpright)
     for (int i = 1; i <= 256; ++i)
         ASSERT_LE(ramp[i], ramp[i - 1]);
 
-    // A 1000 Hz sine: the darkest pixel of a middle column sits 1000/5000 of the way up.
-    const auto channel = channelOf(signals::toFloat(signals::sine(11025, 1000.0, 11025.0, 0.5)), 11025.0);
-    SpectrogramSettings settings;
-    settings.m_dPreEmphasis = 0.0;
-    SpectrogramComputation s(settings);
-    ASSERT_TRUE(s.compute(*channel, 40, 100));
+    // 40 columns of 100 rows (5000 Hz, 50 dB): the full range in row 20 of column 20, half of
+    // it in row 70 of column 5, below zero in row 0 of column 6; row 0 is the bottom line.
+    SpectrogramComputation s;
+    s.SetupDisplay(40, 100, 11025.0);
+    s.GetStorage();
+    s.m_bHaveSpectrogram = s.m_bHaveFormants = true;
+    s.frame(20)[20] = 50.0;
+    s.frame(5)[70] = 25.0;
+    s.frame(6)[0] = -3.0;
     const RgbImage plain = spectrogramImage(s, false);
     ASSERT_EQ(plain.width, 40);
     ASSERT_EQ(plain.height, 100);
     ASSERT_EQ(plain.rgb.size(), 40u * 100u * 3u);
-    int darkestY = 0;
-    for (int y = 0; y < 100; ++y)
-        if (plain.rgb[(y * 40 + 20) * 3] < plain.rgb[(darkestY * 40 + 20) * 3])
-            darkestY = y;
-    EXPECT_NEAR(darkestY, 99 - 20, 1);
-    EXPECT_LE(plain.rgb[(darkestY * 40 + 20) * 3], 2); // the loudest levels are black
+    auto pixel = [](const RgbImage& image, int x, int y) { return &image.rgb[(y * image.width + x) * 3]; };
+    EXPECT_EQ(pixel(plain, 20, 79)[0], 0);
+    EXPECT_EQ(pixel(plain, 5, 29)[0], ramp[128]);
+    EXPECT_EQ(pixel(plain, 6, 99)[0], 255);
+    EXPECT_EQ(pixel(plain, 20, 20)[0], 255);
 
     // Formant marks in red at their frequency, three pixels tall.
     for (auto& record : s.m_phsnFormants)
         record = FormantRecord{2500, -1, -1, -1, -1, 0};
     const RgbImage marked = spectrogramImage(s, true);
-    const std::uint8_t* p = &marked.rgb[((99 - 50) * 40 + 7) * 3];
-    EXPECT_EQ(p[0], 255);
-    EXPECT_EQ(p[1], 0);
-    EXPECT_EQ(p[2], 0);
+    for (int y : {48, 49, 50})
+        EXPECT_EQ(std::vector<std::uint8_t>(pixel(marked, 7, y), pixel(marked, 7, y) + 3),
+                  (std::vector<std::uint8_t>{255, 0, 0}))
+            << y;
+    EXPECT_EQ(pixel(marked, 7, 47)[1], 255);
     EXPECT_TRUE(spectrogramImage(SpectrogramComputation{}, true).rgb.empty());
 }

@@ -1,13 +1,11 @@
 // The analysis finds again what the project's own synthesizer was asked to say.
 #include "analysis/TestSignals.h"
-#include "display/PitchTrackComputation.h"
 #include "display/SpectrogramComputation.h"
 #include "document/Log.h"
 #include "document/MyDocument.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <memory>
 
 namespace
@@ -46,7 +44,7 @@ std::unique_ptr<MyDocument> synthesizedVowel(double f0, int f1, int f2, int f3)
 
 } // namespace
 
-TEST(SynthesizedSpeech, FormantsAndPitchOfASynthesizedVowelAreFoundAgain)
+TEST(SynthesizedSpeech, FormantsOfASynthesizedVowelAreFoundAgain)
 {
     struct Case {
         double f0;
@@ -74,11 +72,5 @@ TEST(SynthesizedSpeech, FormantsAndPitchOfASynthesizedVowelAreFoundAgain)
         EXPECT_NEAR(signals::median(slots[0]), v.f1, v.f1 * 0.06) << v.f0;
         EXPECT_NEAR(signals::median(slots[1]), v.f2, v.f2 * 0.04) << v.f0;
         EXPECT_NEAR(signals::median(slots[2]), v.f3, v.f3 * 0.03) << v.f0;
-
-        PitchTrackComputation pitch;
-        ASSERT_TRUE(pitch.DoPitchCepstral(audio, PitchSettings::fromDocument(*document)));
-        std::vector<double> voiced(pitch.m_hdPitchFile.begin() + 5, pitch.m_hdPitchFile.begin() + 85);
-        EXPECT_NEAR(signals::median(voiced), v.f0, v.f0 * 0.03);
-        EXPECT_EQ(std::count(voiced.begin(), voiced.end(), 0.0), 0);
     }
 }

@@ -104,13 +104,9 @@ TEST(optionsParameters, SavesShownRowsColoursAndMethod)
     panel.defaultSetting();
     EXPECT_FALSE(panel.m_pShown[Row::f6]->isChecked());
     EXPECT_TRUE(panel.m_pShown[Row::apv]->isChecked());
-    EXPECT_FALSE(panel.m_pShown[Row::gain]->isChecked());
     EXPECT_EQ(panel._colorSet[1]->color(), Color::white());
     EXPECT_EQ(panel._methodGroup->checkedId(), 1);
     EXPECT_EQ(c.m_Parameters[Row::f6].bSelected, 1);
-    EXPECT_EQ(c.m_bCascade_Parallel, 0);
-    EXPECT_EQ(optionsParameters::groupOfRow(Row::ab), 4);
-    EXPECT_EQ(optionsParameters::groupOfRow(Row::bnp), 7);
 }
 
 TEST(optionParameterSettings, EditsLimitsAndSavesOnOK)

