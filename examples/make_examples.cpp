@@ -10,7 +10,8 @@
 #include <memory>
 #include <string>
 
-namespace {
+namespace
+{
 
 std::unique_ptr<MyDocument> makeDocument(double lengthMS)
 {
@@ -30,7 +31,8 @@ void setTrack(MyDocument& document, int row, double (*value)(double))
 {
     Channels* c = document.getChannel(0);
     for (int k = 1; k <= c->m_nColumnNum; ++k) {
-        CellRef cell = document._dataTableDictionary.cellAt(static_cast<long long>(k) * c->m_nUpdateIntervalMS, row);
+        CellRef cell =
+            document._dataTableDictionary.cellAt(static_cast<long long>(k) * c->m_nUpdateIntervalMS, row);
         const int v = static_cast<int>(std::lround(value(k * c->m_nUpdateIntervalMS)));
         cell->set_nValue(v);
         cell->setInttoStringValue(v);
@@ -62,7 +64,8 @@ void makeVowel(const std::string& dir)
     auto document = makeDocument(600.0);
     MyDocument& d = *document;
     setTrack(d, Row::f0, [](double t) { return ramp(t, 0, 1250, 600, 1000); });
-    setTrack(d, Row::av, [](double t) { return t < 50 ? ramp(t, 0, 30, 50, 60) : ramp(t, 520, 60, 600, 30); });
+    setTrack(d, Row::av,
+             [](double t) { return t < 50 ? ramp(t, 0, 30, 50, 60) : ramp(t, 520, 60, 600, 30); });
     setTrack(d, Row::f1, [](double) { return 700.0; });
     setTrack(d, Row::f2, [](double) { return 1220.0; });
     setTrack(d, Row::f3, [](double) { return 2600.0; });

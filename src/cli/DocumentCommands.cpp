@@ -8,7 +8,8 @@
 #include <filesystem>
 #include <iostream>
 
-namespace {
+namespace
+{
 
 // The longest utterance the tool makes: one hour.
 constexpr double kMaxLengthMS = 3600.0 * 1000.0;
@@ -90,7 +91,8 @@ void addDocumentCommands(CLI::App& app)
     auto interval = std::make_shared<int>(10);
     auto output = std::make_shared<std::string>();
     make->add_option("--length", *length, "Utterance length in ms")->check(CLI::Range(1.0, kMaxLengthMS));
-    make->add_option("--interval", *interval, "Update interval (frame length) in ms")->check(CLI::Range(1, 1000));
+    make->add_option("--interval", *interval, "Update interval (frame length) in ms")
+        ->check(CLI::Range(1, 1000));
     make->add_option("-o,--output", *output, "Parameter document to write (.stk)")->required();
     make->callback([=] { commandNew(*length, *interval, *output); });
 

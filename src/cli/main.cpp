@@ -8,9 +8,7 @@
 int main(int argc, char** argv)
 {
     // Diagnostics of the core go to standard error; standard output carries results only.
-    Log::setSink([](const std::string& text) {
-        std::fwrite(text.data(), 1, text.size(), stderr);
-    });
+    Log::setSink([](const std::string& text) { std::fwrite(text.data(), 1, text.size(), stderr); });
 
     CLI::App app{"tessaphon-cli: Klatt synthesis documents, WAVE files and their analysis"};
     app.name("tessaphon-cli");

@@ -13,7 +13,8 @@ std::size_t Channels::sampleCount() const
     return std::min(wanted, m_hData->size() / sizeof(float));
 }
 
-namespace {
+namespace
+{
 // A copy of a derived-signal block: same length; filled with the source's values or left zero.
 std::unique_ptr<MemoryBlock> copyBlock(const std::unique_ptr<MemoryBlock>& source, bool fill)
 {

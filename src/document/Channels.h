@@ -37,7 +37,8 @@ struct FloatPoint {
 
 using GridColumn = std::array<std::int16_t, kGridRows>;
 
-class Channels {
+class Channels
+{
 public:
     Channels(); // every field takes its fresh value
     Channels(const Channels&) = delete;
@@ -51,8 +52,8 @@ public:
     // Fills m_hData with `length` samples decoded from `bytes` starting at byte `location`,
     // for 12, 16 or 32 bits per sample (`datasize`); see WaveFile.cpp. Never reads outside
     // `bytes`: samples the file does not hold stay 0. Returns false when nothing was decoded.
-    bool readData(const std::uint8_t* bytes, std::size_t byteCount, double length, double location, int datasize,
-                  bool swap);
+    bool readData(const std::uint8_t* bytes, std::size_t byteCount, double length, double location,
+                  int datasize, bool swap);
 
     // Samples of the block, or nullptr without a block. The count is truncate(m_dwFileLength)
     // but never more than the block holds: use sampleCount().
@@ -91,7 +92,8 @@ public:
     double m_dPageMin = 0.0, m_dPageMax = 0.0, m_dPageSize = 0.0;
     double m_dPageTimeMin = 0.0, m_dPageTimeMax = 0.0, m_dPageTimeSize = 0.0;
     FloatPoint m_ptOldCursorLoc, m_ptNewCursorLoc;
-    double m_dCursorDataValue = 0.0, m_dMarkerDataValue = 0.0, m_dCursorFileValue = 0.0, m_dMarkerFileValue = 0.0;
+    double m_dCursorDataValue = 0.0, m_dMarkerDataValue = 0.0, m_dCursorFileValue = 0.0,
+           m_dMarkerFileValue = 0.0;
     double m_dCursorTime = 0.0, m_dMarkerTime = 0.0;
     double m_dDurationStartTime = 0.0, m_dDurationStopTime = 0.0, m_dDurationStartFile = 0.0,
            m_dDurationStopFile = 0.0, m_dDurationTime = 0.0, m_dDurationFile = 0.0;

@@ -4,7 +4,8 @@
 #include <stdexcept>
 #include <string>
 
-class DocumentException : public std::runtime_error {
+class DocumentException : public std::runtime_error
+{
 public:
     DocumentException(std::string name, std::string reason)
         : std::runtime_error(name + ": " + reason), m_strName(std::move(name)), m_strReason(std::move(reason))

@@ -4,7 +4,8 @@
 #include <cstdio>
 #include <mutex>
 
-namespace {
+namespace
+{
 std::mutex g_mutex;
 Log::Sink g_sink;
 } // namespace

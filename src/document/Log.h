@@ -7,7 +7,8 @@
 #include <functional>
 #include <string>
 
-namespace Log {
+namespace Log
+{
 using Sink = std::function<void(const std::string& text)>;
 
 // Replaces the sink; an empty function restores standard output.

@@ -8,7 +8,8 @@
 #include <cstdint>
 #include <memory>
 
-class MemoryBlock {
+class MemoryBlock
+{
 public:
     // Zero-filled block of `bytes` bytes, or nullptr when the memory cannot be had.
     static std::unique_ptr<MemoryBlock> newHandleClear(std::size_t bytes);
@@ -35,7 +36,10 @@ public:
     const double* doubles() const { return reinterpret_cast<const double*>(m_pBytes.get()); }
 
 private:
-    MemoryBlock(std::unique_ptr<std::uint8_t[]> bytes, std::size_t size) : m_pBytes(std::move(bytes)), m_nSize(size) {}
+    MemoryBlock(std::unique_ptr<std::uint8_t[]> bytes, std::size_t size)
+        : m_pBytes(std::move(bytes)), m_nSize(size)
+    {
+    }
     std::unique_ptr<std::uint8_t[]> m_pBytes;
     std::size_t m_nSize = 0;
     int m_nLockCount = 0;

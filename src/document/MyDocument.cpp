@@ -4,7 +4,8 @@
 
 #include <new>
 
-namespace {
+namespace
+{
 MyDocument::ConfigurationHook& configurationLoader()
 {
     static MyDocument::ConfigurationHook hook;
@@ -160,7 +161,8 @@ bool MyDocument::SetUpDataGridMemory()
     }
     for (long long col = 0; col < columns; ++col)
         for (int row = 0; row < kParameterCount; ++row)
-            c.m_snppDataImage_Col_Row[col][row] = static_cast<std::int16_t>(c.m_Parameters[row].nDefaultValue);
+            c.m_snppDataImage_Col_Row[col][row] =
+                static_cast<std::int16_t>(c.m_Parameters[row].nDefaultValue);
     return true;
 }
 

@@ -19,7 +19,8 @@
 #include <string>
 #include <vector>
 
-class MyDocument {
+class MyDocument
+{
 public:
     enum ChangeKind { ChangeDone = 0, ChangeUndone = 1, ChangeCleared = 2 };
 
@@ -118,9 +119,11 @@ public:
     std::int32_t m_nNewUpdateIntervalMS = 0;
     std::array<Color, 15> m_bgColor{};
     std::array<Color, 15> m_ColorTracing{};
-    std::int32_t m_nF0 = 1, m_nF1 = 0, m_nF2 = 0, m_nF3 = 0, m_nF4 = 0, m_nF5 = 0, m_nF6 = 0, m_nF7 = 0, m_nF8 = 0;
+    std::int32_t m_nF0 = 1, m_nF1 = 0, m_nF2 = 0, m_nF3 = 0, m_nF4 = 0, m_nF5 = 0, m_nF6 = 0, m_nF7 = 0,
+                 m_nF8 = 0;
     std::int32_t m_nAV = 0, m_nAPV = 0;
-    std::int32_t m_nA1F = 0, m_nA2F = 0, m_nA3F = 0, m_nA4F = 0, m_nA5F = 0, m_nA6F = 0, m_nA7F = 0, m_nA8F = 0;
+    std::int32_t m_nA1F = 0, m_nA2F = 0, m_nA3F = 0, m_nA4F = 0, m_nA5F = 0, m_nA6F = 0, m_nA7F = 0,
+                 m_nA8F = 0;
 
     // Undo and redo: snapshots before and after edits, oldest first, one shared position.
     std::vector<std::string> _arrayUndo;

@@ -40,6 +40,7 @@ struct ParameterFactoryRow {
 extern const ParameterFactoryRow kFactoryParameters[kParameterCount];
 
 // Row numbers used by name across the system.
+// clang-format off
 namespace Row {
 enum : int {
     f0 = 0, av = 1, ah = 2, af = 3, tl = 4,
@@ -51,6 +52,7 @@ enum : int {
     fnz = 38, bnz = 39, fnp = 40, bnp = 41, oq = 42, anv = 43, apv = 44, atu = 45, skew = 46, gain = 47
 };
 } // namespace Row
+// clang-format on
 
 // The twelve rows of the sixth to eighth formants: showing any of them switches synthesis to
 // 22050 Hz and eight cascade formants.

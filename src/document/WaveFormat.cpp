@@ -7,7 +7,8 @@ std::uint32_t readLE32(const std::string& bytes, std::uint64_t p)
     if (p + 4 > bytes.size())
         return 0;
     const auto* b = reinterpret_cast<const unsigned char*>(bytes.data() + p);
-    return std::uint32_t(b[0]) | std::uint32_t(b[1]) << 8 | std::uint32_t(b[2]) << 16 | std::uint32_t(b[3]) << 24;
+    return std::uint32_t(b[0]) | std::uint32_t(b[1]) << 8 | std::uint32_t(b[2]) << 16 |
+           std::uint32_t(b[3]) << 24;
 }
 
 std::uint16_t readLE16(const std::string& bytes, std::uint64_t p)
@@ -18,7 +19,8 @@ std::uint16_t readLE16(const std::string& bytes, std::uint64_t p)
     return std::uint16_t(b[0] | b[1] << 8);
 }
 
-namespace {
+namespace
+{
 bool tagAt(const std::string& bytes, std::uint64_t p, const char* tag)
 {
     return p + 4 <= bytes.size() && std::memcmp(bytes.data() + p, tag, 4) == 0;

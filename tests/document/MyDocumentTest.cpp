@@ -1,5 +1,5 @@
-#include "document/DocumentException.h"
 #include "document/MyDocument.h"
+#include "document/DocumentException.h"
 
 #include <gtest/gtest.h>
 
