@@ -6,12 +6,14 @@
 #include "document/Log.h"
 #include "document/MyDocument.h"
 #include "table/Alert.h"
+#include "table/FrozenColumnView.h"
 #include "table/TableEditing.h"
 
 #include <QContextMenuEvent>
 #include <QHeaderView>
 #include <QItemSelectionModel>
 #include <QMenu>
+#include <QScrollBar>
 
 #include <algorithm>
 #include <new>
@@ -55,10 +57,12 @@ mainTable::mainTable(MyDocument* doc, QWidget* parent) : QTableView(parent), m_p
     headerFont.setPointSizeF(std::max(7.0, headerFont.pointSizeF() - 1.0));
     horizontalHeader()->setFont(headerFont);
 
-    // Clicking a parameter's name selects its whole row.
-    connect(this, &QTableView::clicked, this, [this](const QModelIndex& index) {
-        if (index.column() == 0)
-            selectRow(index.row());
+    // The names are clicked on the frozen view laid over column 0; both select the row.
+    m_pFrozen = new FrozenColumnView(this);
+    connect(this, &QTableView::clicked, this, &mainTable::selectNameRow);
+    connect(m_pFrozen, &QTableView::clicked, this, &mainTable::selectNameRow);
+    connect(m_pFrozen, &QWidget::customContextMenuRequested, this, [this](const QPoint& pos) {
+        showAnchorMenu(m_pFrozen->indexAt(pos), m_pFrozen->viewport()->mapToGlobal(pos));
     });
     rebuildColumns();
     clearSelection();
@@ -67,6 +71,36 @@ mainTable::mainTable(MyDocument* doc, QWidget* parent) : QTableView(parent), m_p
 mainTable::~mainTable()
 {
     stopPlayback();
+}
+
+void mainTable::selectNameRow(const QModelIndex& index)
+{
+    // Clicking a parameter's name selects its whole row.
+    if (index.column() == 0)
+        selectRow(index.row());
+}
+
+void mainTable::updateGeometries()
+{
+    QTableView::updateGeometries();
+    if (m_pFrozen)
+        m_pFrozen->followGeometry();
+}
+
+void mainTable::scrollTo(const QModelIndex& index, ScrollHint hint)
+{
+    if (!index.isValid())
+        return;
+    const int left = horizontalScrollBar()->value();
+    QTableView::scrollTo(index, hint);
+    if (index.column() == 0) {
+        horizontalScrollBar()->setValue(left); // the names never scroll sideways
+        return;
+    }
+    // A column brought in from the left would land under the frozen names: move it out.
+    const int hidden = columnWidth(0) - columnViewportPosition(index.column());
+    if (hidden > 0)
+        horizontalScrollBar()->setValue(horizontalScrollBar()->value() - hidden);
 }
 
 void mainTable::rebuildColumns()
@@ -200,7 +234,11 @@ void mainTable::removeAnchor(int row, int column)
 
 void mainTable::contextMenuEvent(QContextMenuEvent* event)
 {
-    const QModelIndex index = indexAt(event->pos());
+    showAnchorMenu(indexAt(event->pos()), event->globalPos());
+}
+
+void mainTable::showAnchorMenu(const QModelIndex& index, const QPoint& globalPos)
+{
     const int row = index.isValid() ? index.row() : -1;
     const int column = index.isValid() ? index.column() : -1;
     QMenu menu(this);
@@ -209,7 +247,7 @@ void mainTable::contextMenuEvent(QContextMenuEvent* event)
     const bool usable = column >= 1 && rowTakesAnchor(row);
     add->setEnabled(usable);
     remove->setEnabled(usable);
-    QAction* chosen = menu.exec(event->globalPos());
+    QAction* chosen = menu.exec(globalPos);
     if (chosen == add)
         addAnchor(row, column);
     else if (chosen == remove)

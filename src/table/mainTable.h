@@ -9,6 +9,9 @@
 // alert (title = its name, message = its reason). The table does not own the document; the
 // window that owns both destroys the table first. One AudioPlayer serves the whole
 // application; the table that started a playback stops it before its samples can go away.
+//
+// The parameter names stay at the left edge while the frame columns scroll (FrozenColumnView,
+// laid over column 0).
 #include "table/DataEntryController.h"
 #include "table/ParameterTableModel.h"
 
@@ -19,6 +22,7 @@
 #include <memory>
 
 class AudioPlayer;
+class FrozenColumnView;
 class MyDocument;
 
 class mainTable : public QTableView
@@ -41,6 +45,13 @@ public:
 
     // The application's one player (made on first use).
     static AudioPlayer* sharedPlayer();
+
+    // The view of the parameter names laid over column 0.
+    FrozenColumnView* frozenColumn() const { return m_pFrozen; }
+
+    // Scrolls so that a frame column is not hidden under the frozen names; column 0 only
+    // scrolls vertically.
+    void scrollTo(const QModelIndex& index, ScrollHint hint = EnsureVisible) override;
 
     // --- used by the data-entry windows ---
     // Selects exactly that column and scrolls it into view.
@@ -120,12 +131,15 @@ signals:
 
 protected:
     void contextMenuEvent(QContextMenuEvent* event) override;
+    void updateGeometries() override;
 
 private:
     // Runs `body`, showing a failure as an alert with `button`; false when it failed.
     bool guarded(const QString& button, const std::function<void()>& body);
     void typedValue(int row, int column, const QString& text);
     void updateRowHeights();
+    void showAnchorMenu(const QModelIndex& index, const QPoint& globalPos);
+    void selectNameRow(const QModelIndex& index);
     void setAnchorFlag(int row, int column, bool anchor);
     void schedulePlay(int channel);
     void afterSnapshotRestored();
@@ -137,4 +151,5 @@ private:
     // The open data-entry windows (the commands _dataentryGraphical / _dataentryTrace).
     std::unique_ptr<DataEntryController> m_pDataentryGraphical;
     std::unique_ptr<DataEntryController> m_pDataentryTrace;
+    FrozenColumnView* m_pFrozen = nullptr;
 };
