@@ -1,8 +1,8 @@
 #include "app/DocumentWindow.h"
 
 #include "app/WorkbenchApplication.h"
-#include "audio/AudioPlayer.h"
 #include "document/MyDocument.h"
+#include "table/PlayCursor.h"
 #include "table/mainTable.h"
 
 #include <QCloseEvent>
@@ -35,7 +35,7 @@ DocumentWindow::DocumentWindow(WorkbenchApplication* app, std::unique_ptr<MyDocu
     setCentralWidget(m_pTable);
     connect(m_pTable, &mainTable::documentChanged, this, &DocumentWindow::updateTitle);
     connect(m_pTable, &mainTable::documentChanged, this, &DocumentWindow::updateActions);
-    connect(m_pTable, &mainTable::playbackStarted, this, &DocumentWindow::showPlayback);
+    connect(m_pTable, &mainTable::playbackStarted, this, &DocumentWindow::updateStatus);
     createMenus();
     createStatusBar();
     resize(1100, 720);
@@ -137,19 +137,12 @@ void DocumentWindow::createStatusBar()
     m_pStatusPlay = new QLabel(this);
     statusBar()->addWidget(m_pStatusGrid, 1);
     statusBar()->addPermanentWidget(m_pStatusPlay);
-    m_pPlayTimer = new QTimer(this);
-    m_pPlayTimer->setInterval(50);
-    connect(m_pPlayTimer, &QTimer::timeout, this, [this] {
-        AudioPlayer* player = mainTable::sharedPlayer();
-        if (!player->isPlaying()) {
-            m_pPlayTimer->stop();
-            m_pStatusPlay->clear();
-            return;
-        }
-        const double seconds = player->playedSamples() / m_dPlayRate;
-        m_pStatusPlay->setText(
-            tr("Playing %1 / %2 s").arg(seconds, 0, 'f', 2).arg(m_dPlaySamples / m_dPlayRate, 0, 'f', 2));
-    });
+    // The table's play cursor reports the position it shows; the status bar repeats it.
+    connect(m_pTable->playCursor(), &PlayCursor::positionChanged, m_pStatusPlay,
+            [this](double at, double total) {
+                m_pStatusPlay->setText(tr("Playing %1 / %2 s").arg(at, 0, 'f', 2).arg(total, 0, 'f', 2));
+            });
+    connect(m_pTable->playCursor(), &PlayCursor::finished, m_pStatusPlay, &QLabel::clear);
 }
 
 void DocumentWindow::updateStatus()
@@ -165,14 +158,4 @@ void DocumentWindow::updateStatus()
     if (m_pDoc->getChannel(2)->hasAudio())
         text += tr(" · model %1 ms").arg(static_cast<long long>(m_pDoc->getChannel(2)->m_dLengthMS));
     m_pStatusGrid->setText(text);
-}
-
-void DocumentWindow::showPlayback(double sampleRate, double samples)
-{
-    if (sampleRate <= 0)
-        return;
-    m_dPlayRate = sampleRate;
-    m_dPlaySamples = samples;
-    m_pPlayTimer->start();
-    updateStatus();
 }

@@ -16,7 +16,6 @@ class mainTable;
 class QAction;
 class QLabel;
 class QMenu;
-class QTimer;
 class WorkbenchApplication;
 
 class DocumentWindow : public QMainWindow
@@ -58,7 +57,6 @@ private:
     void createMenus();
     void createStatusBar();
     void updateStatus();
-    void showPlayback(double sampleRate, double samples);
     void alert(const QString& title, const QString& message);
 
     WorkbenchApplication* m_pApp;
@@ -67,9 +65,6 @@ private:
     int m_nUntitled;
     QLabel* m_pStatusGrid = nullptr;
     QLabel* m_pStatusPlay = nullptr;
-    QTimer* m_pPlayTimer = nullptr;
-    double m_dPlayRate = 0;
-    double m_dPlaySamples = 0;
 
     QAction* m_pSave = nullptr;
     QAction* m_pRevert = nullptr;

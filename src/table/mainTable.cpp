@@ -7,6 +7,7 @@
 #include "document/MyDocument.h"
 #include "table/Alert.h"
 #include "table/FrozenColumnView.h"
+#include "table/PlayCursor.h"
 #include "table/TableEditing.h"
 
 #include <QContextMenuEvent>
@@ -64,6 +65,8 @@ mainTable::mainTable(MyDocument* doc, QWidget* parent) : QTableView(parent), m_p
     connect(m_pFrozen, &QWidget::customContextMenuRequested, this, [this](const QPoint& pos) {
         showAnchorMenu(m_pFrozen->indexAt(pos), m_pFrozen->viewport()->mapToGlobal(pos));
     });
+    m_pPlayCursor = new PlayCursor(this);
+    connect(this, &mainTable::playbackStarted, m_pPlayCursor, &PlayCursor::follow);
     rebuildColumns();
     clearSelection();
 }

@@ -11,7 +11,8 @@
 // application; the table that started a playback stops it before its samples can go away.
 //
 // The parameter names stay at the left edge while the frame columns scroll (FrozenColumnView,
-// laid over column 0).
+// laid over column 0); while one of this table's channels plays, the frame column being
+// heard is tinted (PlayCursor).
 #include "table/DataEntryController.h"
 #include "table/ParameterTableModel.h"
 
@@ -24,6 +25,7 @@
 class AudioPlayer;
 class FrozenColumnView;
 class MyDocument;
+class PlayCursor;
 
 class mainTable : public QTableView
 {
@@ -43,11 +45,20 @@ public:
     static bool hasGraphicalDataEntry();
     static bool hasTraceDataEntry();
 
-    // The application's one player (made on first use).
+    // The application's one player (made on first use), and the table whose samples it plays
+    // (nullptr when none).
     static AudioPlayer* sharedPlayer();
+    static mainTable* playingTable();
 
     // The view of the parameter names laid over column 0.
     FrozenColumnView* frozenColumn() const { return m_pFrozen; }
+    // The frame column being heard, tinted and kept in view unless the user scrolled away
+    // from it; -1 when none.
+    PlayCursor* playCursor() const { return m_pPlayCursor; }
+    int playColumn() const { return m_nPlayColumn; }
+    void showPlayColumn(int tableColumn);
+    // Whether a table column shows at least partly right of the frozen names.
+    bool isColumnOnScreen(int tableColumn) const;
 
     // Scrolls so that a frame column is not hidden under the frozen names; column 0 only
     // scrolls vertically.
@@ -131,6 +142,7 @@ signals:
 
 protected:
     void contextMenuEvent(QContextMenuEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
     void updateGeometries() override;
 
 private:
@@ -140,6 +152,7 @@ private:
     void updateRowHeights();
     void showAnchorMenu(const QModelIndex& index, const QPoint& globalPos);
     void selectNameRow(const QModelIndex& index);
+    QRect columnStrip(int tableColumn) const;
     void setAnchorFlag(int row, int column, bool anchor);
     void schedulePlay(int channel);
     void afterSnapshotRestored();
@@ -152,4 +165,6 @@ private:
     std::unique_ptr<DataEntryController> m_pDataentryGraphical;
     std::unique_ptr<DataEntryController> m_pDataentryTrace;
     FrozenColumnView* m_pFrozen = nullptr;
+    PlayCursor* m_pPlayCursor = nullptr;
+    int m_nPlayColumn = -1;
 };

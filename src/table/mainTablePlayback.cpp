@@ -1,6 +1,6 @@
-// The table's play commands and the save-audio command. One AudioPlayer serves the whole
-// application; the table remembers which table's samples it plays so that a table going
-// away (or re-synthesizing) can stop it first.
+// The table's play commands, the play cursor's column and the save-audio command. One
+// AudioPlayer serves the whole application; the table remembers which table's samples it
+// plays so that a table going away (or re-synthesizing) can stop it first.
 #include "table/mainTable.h"
 
 #include "audio/AudioPlayer.h"
@@ -9,7 +9,11 @@
 
 #include <QApplication>
 #include <QFileDialog>
+#include <QHeaderView>
+#include <QPaintEvent>
+#include <QPainter>
 #include <QSaveFile>
+#include <QScrollBar>
 #include <QStandardPaths>
 #include <QTimer>
 
@@ -44,6 +48,63 @@ AudioPlayer* mainTable::sharedPlayer()
         QObject::connect(player, &AudioPlayer::playbackStopped, player, [] { releasePlayedBlock(); });
     }
     return player;
+}
+
+mainTable* mainTable::playingTable()
+{
+    return g_playingTable;
+}
+
+QRect mainTable::columnStrip(int tableColumn) const
+{
+    return QRect(columnViewportPosition(tableColumn), 0, columnWidth(tableColumn), viewport()->height());
+}
+
+bool mainTable::isColumnOnScreen(int tableColumn) const
+{
+    if (tableColumn < 1 || tableColumn >= m_pModel->columnCount() || isColumnHidden(tableColumn))
+        return false;
+    const QRect strip = columnStrip(tableColumn);
+    return strip.right() >= columnWidth(0) && strip.left() < viewport()->width();
+}
+
+void mainTable::showPlayColumn(int tableColumn)
+{
+    if (tableColumn < 1 || tableColumn >= m_pModel->columnCount())
+        tableColumn = -1;
+    if (tableColumn == m_nPlayColumn)
+        return;
+    // The view follows the cursor until the user scrolls the column being heard out of
+    // sight; scrolling back to it resumes following.
+    const bool follow = m_nPlayColumn < 1 || isColumnOnScreen(m_nPlayColumn);
+    if (m_nPlayColumn > 0)
+        viewport()->update(columnStrip(m_nPlayColumn));
+    m_nPlayColumn = tableColumn;
+    if (m_nPlayColumn < 1)
+        return;
+    const QRect strip = columnStrip(m_nPlayColumn);
+    if (follow && (strip.left() < columnWidth(0) || strip.right() >= viewport()->width())) {
+        // A page at a time: the column heard goes to the left edge, next to the names.
+        QScrollBar* bar = horizontalScrollBar();
+        bar->setValue(bar->value() + strip.left() - columnWidth(0));
+    }
+    viewport()->update(columnStrip(m_nPlayColumn));
+}
+
+void mainTable::paintEvent(QPaintEvent* event)
+{
+    QTableView::paintEvent(event);
+    if (m_nPlayColumn < 1)
+        return;
+    QRect strip = columnStrip(m_nPlayColumn);
+    // Down to the last row, not into the empty space below the table.
+    strip.setBottom(std::min(strip.bottom(), verticalHeader()->length() - verticalOffset() - 1));
+    if (!strip.intersects(event->rect()))
+        return;
+    QPainter painter(viewport());
+    painter.fillRect(strip, QColor(255, 170, 0, 90));
+    painter.setPen(QPen(QColor(230, 120, 0), 2));
+    painter.drawLine(strip.topLeft() + QPoint(1, 0), strip.bottomLeft() + QPoint(1, 0));
 }
 
 void mainTable::stopPlayback()

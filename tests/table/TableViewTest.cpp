@@ -1,8 +1,10 @@
-// The table view's frozen name column, on real widgets under the
+// The table view's frozen name column and its play cursor, on real widgets under the
 // offscreen platform; the checks are on the views' state, not on pixels.
+#include "audio/AudioPlayer.h"
 #include "document/MyDocument.h"
 #include "table/Alert.h"
 #include "table/FrozenColumnView.h"
+#include "table/PlayCursor.h"
 #include "table/mainTable.h"
 
 #include <QHeaderView>
@@ -65,6 +67,10 @@ struct ShownTable {
     }
 };
 
+int samplesBefore(int column, double rate)
+{
+    return static_cast<int>(std::ceil((column - 1) * 10 * rate / 1000.0));
+}
 } // namespace
 
 TEST(FrozenColumn, StaysAtTheLeftWhileTheFramesScrollAndFollowsRowsAndScrolling)
@@ -151,4 +157,82 @@ TEST(FrozenColumn, NamesSelectRowsWithoutEditingAndFramesNeverHideUnderThem)
     const int across = t.across()->value();
     t.table->scrollTo(f1Name);
     EXPECT_EQ(t.across()->value(), across) << "the names never scroll sideways";
+}
+
+TEST(PlayCursor, SamplesMapToTheFrameColumnBeingHeard)
+{
+    // 11025 Hz, 10 ms: 110.25 samples a frame.
+    EXPECT_EQ(PlayCursor::frameColumnAt(0, 11025, 10, 20), 1);
+    EXPECT_EQ(PlayCursor::frameColumnAt(110, 11025, 10, 20), 1);
+    EXPECT_EQ(PlayCursor::frameColumnAt(110.25, 11025, 10, 20), 2);
+    EXPECT_EQ(PlayCursor::frameColumnAt(1102.5, 11025, 10, 20), 11);
+    EXPECT_EQ(PlayCursor::frameColumnAt(20 * 110.25 - 1, 11025, 10, 20), 20);
+    EXPECT_EQ(PlayCursor::frameColumnAt(20 * 110.25, 11025, 10, 20), -1) << "past the grid";
+    EXPECT_EQ(PlayCursor::frameColumnAt(4410, 22050, 20, 20), 11);
+    EXPECT_EQ(PlayCursor::frameColumnAt(1322999, 22050, 10, 6000), 6000);
+    // Nothing to place.
+    EXPECT_EQ(PlayCursor::frameColumnAt(100, 0, 10, 20), -1);
+    EXPECT_EQ(PlayCursor::frameColumnAt(100, 11025, 0, 20), -1);
+    EXPECT_EQ(PlayCursor::frameColumnAt(-1, 11025, 10, 20), -1);
+    EXPECT_EQ(PlayCursor::frameColumnAt(std::numeric_limits<double>::quiet_NaN(), 11025, 10, 20), -1);
+    EXPECT_EQ(PlayCursor::frameColumnAt(100, 11025, 10, 0), -1);
+}
+
+TEST(PlayCursor, FollowsThePositionUnlessTheUserScrollsAwayAndClearsAtTheEnd)
+{
+    ShownTable t(60000.0);
+    const double rate = 11025;
+    PlayCursor* cursor = t.table->playCursor();
+    t.across()->setValue(t.across()->maximum()); // looking at the end when playback starts
+    QSignalSpy finished(cursor, &PlayCursor::finished);
+    cursor->follow(rate, 60 * rate);
+    EXPECT_EQ(t.table->playColumn(), 1);
+    EXPECT_TRUE(t.table->isColumnOnScreen(1)) << "the start of playback is brought into view";
+
+    cursor->showPosition(samplesBefore(50, rate));
+    EXPECT_EQ(t.table->playColumn(), 50);
+    EXPECT_TRUE(t.table->isColumnOnScreen(50));
+    cursor->showPosition(samplesBefore(500, rate) + 3);
+    EXPECT_EQ(t.table->playColumn(), 500);
+    EXPECT_EQ(t.leftOf(500), t.table->columnWidth(0)) << "a new page starts next to the names";
+
+    // The user scrolls away: the cursor moves on without pulling the view back.
+    t.across()->setValue(0);
+    cursor->showPosition(samplesBefore(501, rate));
+    EXPECT_EQ(t.table->playColumn(), 501);
+    EXPECT_EQ(t.across()->value(), 0);
+    cursor->showPosition(samplesBefore(900, rate));
+    EXPECT_EQ(t.across()->value(), 0);
+    // Back to the cursor: following resumes.
+    t.putColumnAt(900, 200);
+    cursor->showPosition(samplesBefore(2000, rate));
+    EXPECT_TRUE(t.table->isColumnOnScreen(2000));
+
+    // Past the grid nothing is tinted; with the player idle the next step clears and stops.
+    cursor->showPosition(60 * rate + 1);
+    EXPECT_EQ(t.table->playColumn(), -1);
+    cursor->showPosition(samplesBefore(6000, rate));
+    EXPECT_EQ(t.table->playColumn(), 6000);
+    ASSERT_FALSE(mainTable::sharedPlayer()->isPlaying());
+    ASSERT_TRUE(finished.wait(2000));
+    EXPECT_EQ(t.table->playColumn(), -1);
+    EXPECT_FALSE(cursor->isFollowing());
+}
+
+TEST(PlayCursor, StartsWithARealPlaybackAndEndsWithIt)
+{
+    ShownTable t(200.0);
+    PlayCursor* cursor = t.table->playCursor();
+    QSignalSpy positions(cursor, &PlayCursor::positionChanged);
+    QSignalSpy finished(cursor, &PlayCursor::finished);
+    t.table->_bSynthesize = true;
+    t.table->_PlayCurrent();
+    ASSERT_TRUE(finished.wait(10000));
+    ASSERT_GE(positions.count(), 1);
+    EXPECT_DOUBLE_EQ(positions.first().at(0).toDouble(), 0.0);
+    const Channels& c = *t.doc.getChannel(0);
+    EXPECT_NEAR(positions.first().at(1).toDouble(), c.m_dwFileLength / c.m_dSampleRate, 0.01);
+    EXPECT_EQ(t.table->playColumn(), -1);
+    EXPECT_FALSE(cursor->isFollowing());
+    EXPECT_FALSE(mainTable::sharedPlayer()->isPlaying());
 }
