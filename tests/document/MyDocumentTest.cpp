@@ -146,4 +146,6 @@ TEST(ImageAndTextCell, CopyLeavesTextAndIntValueParses)
     EXPECT_EQ(b.intValue(), -15);
     b.setStringValue("abc");
     EXPECT_EQ(b.intValue(), 0);
+    b.setStringValue("99999999999999"); // saturates instead of wrapping
+    EXPECT_EQ(b.intValue(), 2147483647);
 }

@@ -173,19 +173,3 @@ TEST_F(FrameCommands, InterpolatingTheSelectionFillsTheRowSpan)
     table->_InterpolateSelection();
     EXPECT_EQ(doc._arrayUndo.size(), 1u);
 }
-
-TEST_F(FrameCommands, RemovingAnchorsOfTheSelectionTakesTheRowSpan)
-{
-    for (int row : {Row::f0, Row::av, Row::tl, Row::gain})
-        cell(2, row)->set_bAnchor(true);
-    select(Row::av, 2);
-    select(Row::tl, 2);
-    table->_anchorRemoveSelection();
-    EXPECT_TRUE(cell(2, Row::f0)->_bAnchor());
-    EXPECT_FALSE(cell(2, Row::av)->_bAnchor());
-    EXPECT_FALSE(cell(2, Row::tl)->_bAnchor());
-    EXPECT_TRUE(cell(2, Row::gain)->_bAnchor());
-    table->_anchorRemoveAll();
-    EXPECT_FALSE(cell(2, Row::gain)->_bAnchor());
-    EXPECT_TRUE(doc._arrayUndo.empty());
-}

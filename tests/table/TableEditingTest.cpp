@@ -51,14 +51,6 @@ TEST(TableEditing, RowCellsAndReplaceFollowTableColumns)
     EXPECT_EQ(row[4], nullptr);
 }
 
-TEST(TableEditing, TypedIntegerReadsLikeTheTable)
-{
-    const std::pair<const char*, int> cases[] = {{"  42", 42}, {"-7", -7}, {"12abc", 12},
-                                                 {"abc", 0},   {"", 0},    {"99999999999999", 2147483647}};
-    for (const auto& [text, number] : cases)
-        EXPECT_EQ(typedInteger(text), number) << text;
-}
-
 TEST(TableEditing, TypedEntryClampsRecordsAndSkipsSameValue)
 {
     NewDocument d;
