@@ -128,7 +128,7 @@ void readExactLength(std::string_view field, ParsedDocument& doc)
     double length = 0.0;
     const auto [end, error] = std::from_chars(field.data(), field.data() + field.size(), length);
     if (error == std::errc() && end == field.data() + field.size() && std::isfinite(length) &&
-        length >= 0.0 && static_cast<long long>(length) == doc.lengthMS)
+        length >= 0.0 && std::floor(length) == static_cast<double>(doc.lengthMS))
         doc.exactLengthMS = length;
 }
 

@@ -154,7 +154,7 @@ TEST(UndoRedo, AFractionalLengthComesBackExactly)
     ASSERT_NE(exact, std::string::npos) << snapshot.substr(0, 40);
     ASSERT_TRUE(document.Read_STK_FileTypeDoUndo(snapshot));
     EXPECT_EQ(c->m_dLengthMS, 123.456789012345);
-    for (const char* bad : {"129.5", "nan", "-0.5", "12x"}) {
+    for (const char* bad : {"129.5", "nan", "-0.5", "12x", "1e308"}) {
         std::string damaged = snapshot;
         damaged.replace(exact, 16, bad);
         ASSERT_TRUE(document.Read_STK_FileTypeDoUndo(damaged)) << bad;
