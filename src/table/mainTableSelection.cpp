@@ -184,6 +184,8 @@ void mainTable::showSelection()
             shown.select(m_pModel->index(0, first), m_pModel->index(rows - 1, last));
         });
     }
+    // The frame headers stand out for selected frames only, not for every frame a row crosses.
+    horizontalHeader()->setHighlightSections(!m_columns.items.empty());
     m_bShowingSelection = true;
     selectionModel()->select(shown, QItemSelectionModel::ClearAndSelect);
     m_bShowingSelection = false;
