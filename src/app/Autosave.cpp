@@ -143,6 +143,19 @@ QList<Autosave::Entry> Autosave::leftBehind()
                 entry.originalPath.isEmpty() ? copy.fileName() : QFileInfo(entry.originalPath).fileName();
         entries.append(entry);
     }
+    // Locks of ended workbenches that left no copy are clutter: cleared.
+    for (const QFileInfo& lockFile :
+         QDir(m_strFolder).entryInfoList({QStringLiteral("*.lock")}, QDir::Files)) {
+        const QString instance = lockFile.completeBaseName();
+        const bool hasCopies = std::any_of(copies.begin(), copies.end(), [&](const QFileInfo& copy) {
+            return instanceOf(copy.filePath()) == instance;
+        });
+        if (instance == m_strInstance || hasCopies)
+            continue;
+        auto lock = lockOf(m_strFolder, instance);
+        if (lock->tryLock(0))
+            lock->unlock();
+    }
     std::sort(entries.begin(), entries.end(),
               [](const Entry& a, const Entry& b) { return a.savedAt < b.savedAt; });
     return entries;
