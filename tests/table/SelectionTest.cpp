@@ -96,6 +96,7 @@ TEST_F(SelectionTable, ANameSelectsItsRowAndNoFrame)
     EXPECT_EQ(table->selectedRowSpan(), std::make_pair(int(Row::f1), int(Row::f1)));
     EXPECT_EQ(table->selectedColumnSpan(), std::make_pair(-1, -1));
     expectFrameCommandsSeeNoFrame();
+    ASSERT_EQ(doc.getChannel(0)->m_nColumnNum, 10);
 
     // The row commands take the row: its anchors go, and only its.
     table->_anchorRemoveSelection();
