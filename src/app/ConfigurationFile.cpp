@@ -337,7 +337,8 @@ bool ConfigurationFile::writeShowGridData(const std::string& path, bool show)
     const std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
     // Only a file of this very version is rewritten: its version text is what it starts with.
     const std::string version = versionText();
-    if (bytes.size() <= version.size() || bytes.compare(0, version.size() + 1, version.c_str(), version.size() + 1) != 0)
+    if (bytes.size() <= version.size() ||
+        bytes.compare(0, version.size() + 1, version.c_str(), version.size() + 1) != 0)
         return false;
     MyDocument image;
     if (!decode(bytes, image, Scope::Everything))

@@ -147,7 +147,8 @@ bool DocumentWindow::loadModelRecordingFrom(const QString& path)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
-        alert(tr("The recording “%1” could not be read.").arg(QFileInfo(path).fileName()), file.errorString());
+        alert(tr("The recording “%1” could not be read.").arg(QFileInfo(path).fileName()),
+              file.errorString());
         return false;
     }
     const std::string bytes = file.readAll().toStdString();

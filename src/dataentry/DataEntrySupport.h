@@ -12,8 +12,8 @@ inline QColor toQColor(const Color& c)
 {
     if (!c.isSet)
         return Qt::black;
-    return QColor::fromRgbF(static_cast<float>(c.red), static_cast<float>(c.green), static_cast<float>(c.blue),
-                            static_cast<float>(c.alpha));
+    return QColor::fromRgbF(static_cast<float>(c.red), static_cast<float>(c.green),
+                            static_cast<float>(c.blue), static_cast<float>(c.alpha));
 }
 
 inline Color toColor(const QColor& c)

@@ -191,8 +191,11 @@ void TraceView::paintEvent(QPaintEvent* event)
     drawOverlay(painter, clip);
     const int frames = frameCount();
     if (frames > 0 && width() > 0) {
-        const int first = std::max(0, static_cast<int>(static_cast<long long>(clip.left() - kPoint) * frames / width()) - 1);
-        const int last = std::min(frames - 1, static_cast<int>(static_cast<long long>(clip.right() + kPoint) * frames / width()) + 1);
+        const int first = std::max(
+            0, static_cast<int>(static_cast<long long>(clip.left() - kPoint) * frames / width()) - 1);
+        const int last =
+            std::min(frames - 1,
+                     static_cast<int>(static_cast<long long>(clip.right() + kPoint) * frames / width()) + 1);
         for (int slot = 0; slot < m_lists.slotCount(); ++slot)
             if (drawsSlot(slot))
                 drawSlot(painter, slot, first, last);

@@ -35,18 +35,12 @@ struct ButtonRole {
 
 using C = dataentryTraceContoller;
 const ButtonRole kButtons[C::ButtonCount] = {
-    {"F0", "f0", "", "", -1, &MyDocument::m_nF0},
-    {"F1", "", "f1", "a1f", C::A1F, &MyDocument::m_nF1},
-    {"F2", "", "f2", "a2f", C::A2F, &MyDocument::m_nF2},
-    {"F3", "", "f3", "a3f", C::A3F, &MyDocument::m_nF3},
-    {"F4", "", "f4", "a4f", C::A4F, &MyDocument::m_nF4},
-    {"F5", "", "f5", "a5f", C::A5F, &MyDocument::m_nF5},
-    {"AV", "", "", "av", -1, &MyDocument::m_nAV},
-    {"APV", "", "", "apv", -1, &MyDocument::m_nAPV},
-    {"A1F", "", "", "a1f", -1, &MyDocument::m_nA1F},
-    {"A2F", "", "", "a2f", -1, &MyDocument::m_nA2F},
-    {"A3F", "", "", "a3f", -1, &MyDocument::m_nA3F},
-    {"A4F", "", "", "a4f", -1, &MyDocument::m_nA4F},
+    {"F0", "f0", "", "", -1, &MyDocument::m_nF0},        {"F1", "", "f1", "a1f", C::A1F, &MyDocument::m_nF1},
+    {"F2", "", "f2", "a2f", C::A2F, &MyDocument::m_nF2}, {"F3", "", "f3", "a3f", C::A3F, &MyDocument::m_nF3},
+    {"F4", "", "f4", "a4f", C::A4F, &MyDocument::m_nF4}, {"F5", "", "f5", "a5f", C::A5F, &MyDocument::m_nF5},
+    {"AV", "", "", "av", -1, &MyDocument::m_nAV},        {"APV", "", "", "apv", -1, &MyDocument::m_nAPV},
+    {"A1F", "", "", "a1f", -1, &MyDocument::m_nA1F},     {"A2F", "", "", "a2f", -1, &MyDocument::m_nA2F},
+    {"A3F", "", "", "a3f", -1, &MyDocument::m_nA3F},     {"A4F", "", "", "a4f", -1, &MyDocument::m_nA4F},
     {"A5F", "", "", "a5f", -1, &MyDocument::m_nA5F},
 };
 
@@ -72,7 +66,8 @@ dataentryTraceContoller::dataentryTraceContoller(MyDocument* doc, mainTable* tab
             if (!m_viewSpectrogram->isComputing())
                 m_status->setText(text);
         });
-    connect(m_viewSpectrogram, &viewSpectrogram::computingChanged, this, &dataentryTraceContoller::spectrogramComputing);
+    connect(m_viewSpectrogram, &viewSpectrogram::computingChanged, this,
+            &dataentryTraceContoller::spectrogramComputing);
     setmaintableID(table);
     windowDidLoad();
 }
@@ -111,7 +106,8 @@ void dataentryTraceContoller::makeControls()
         button->setFocusPolicy(Qt::NoFocus);
         button->setToolTip(well == 0 ? QStringLiteral("F0 colour") : QStringLiteral("F%1 colour").arg(well));
         connect(button, &QToolButton::clicked, this, [this, well] {
-            const QColor chosen = QColorDialog::getColor(m_wellColors[static_cast<std::size_t>(well)], m_window.get());
+            const QColor chosen =
+                QColorDialog::getColor(m_wellColors[static_cast<std::size_t>(well)], m_window.get());
             if (chosen.isValid())
                 actionColor(well, chosen);
         });
@@ -119,7 +115,8 @@ void dataentryTraceContoller::makeControls()
     }
     m_enterAllData = new QPushButton(QStringLiteral("Enter All Data"), m_window.get());
     m_enterAllData->setFocusPolicy(Qt::NoFocus);
-    m_enterAllData->setToolTip(QStringLiteral("Enter the pitch track, the formants and their amplitudes (Ctrl+E)"));
+    m_enterAllData->setToolTip(
+        QStringLiteral("Enter the pitch track, the formants and their amplitudes (Ctrl+E)"));
     connect(m_enterAllData, &QPushButton::clicked, this, &dataentryTraceContoller::actionEnterAllData);
     m_viewOldData = new QCheckBox(QStringLiteral("View Old Data"), m_window.get());
     m_viewOldData->setFocusPolicy(Qt::NoFocus);
@@ -156,11 +153,13 @@ void dataentryTraceContoller::windowDidLoad()
     m_window->setGeometry(10, 300, 800, 400);
     m_window->setMinimumSize(420, 300);
     for (int well = 0; well < 6; ++well) {
-        m_wellColors[static_cast<std::size_t>(well)] = m_pDoc ? toQColor(m_pDoc->m_ColorTracing[well]) : QColor(Qt::black);
+        m_wellColors[static_cast<std::size_t>(well)] =
+            m_pDoc ? toQColor(m_pDoc->m_ColorTracing[well]) : QColor(Qt::black);
         showWellColor(well);
     }
     for (int b = 0; b < ButtonCount; ++b)
-        m_buttons[static_cast<std::size_t>(b)]->setChecked(m_pDoc && m_pDoc->*kButtons[b].documentSwitch != 0);
+        m_buttons[static_cast<std::size_t>(b)]->setChecked(m_pDoc &&
+                                                           m_pDoc->*kButtons[b].documentSwitch != 0);
     for (TraceView* view : views()) {
         view->setDocument(m_pDoc);
         view->set_containerID(this);
@@ -240,11 +239,13 @@ void dataentryTraceContoller::showWellColor(int well)
             .arg(m_wellColors[static_cast<std::size_t>(well)].name(QColor::HexArgb)));
 }
 
-void dataentryTraceContoller::showSheet(const QString& title, const QString& message, const QString& buttonText)
+void dataentryTraceContoller::showSheet(const QString& title, const QString& message,
+                                        const QString& buttonText)
 {
     if (m_sheet)
         m_sheet->deleteLater();
-    auto* box = new QMessageBox(QMessageBox::Warning, title, message, QMessageBox::NoButton, m_window.get());
+    auto* box = new QMessageBox(QMessageBox::Warning, title, title, QMessageBox::NoButton, m_window.get());
+    box->setInformativeText(message);
     box->addButton(buttonText, QMessageBox::AcceptRole);
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->setWindowModality(Qt::WindowModal);
@@ -372,7 +373,8 @@ void dataentryTraceContoller::specialWindowDidResize(int w, int h)
     const int wellX = kMargin - kWellWidth - 2 * kGap;
     for (int well = 0; well < 6; ++well) {
         const QRect beside = m_buttons[static_cast<std::size_t>(well)]->geometry();
-        m_wells[static_cast<std::size_t>(well)]->setGeometry(wellX, beside.top(), kWellWidth, beside.height());
+        m_wells[static_cast<std::size_t>(well)]->setGeometry(wellX, beside.top(), kWellWidth,
+                                                             beside.height());
     }
     const int stripTop = h - kStrip + 2;
     m_enterAllData->setGeometry(kGap, stripTop, kMargin - 2 * kGap, kStrip - 4);

@@ -13,8 +13,8 @@
 #include "table/DataEntryController.h"
 
 #include <QColor>
-#include <QObject>
 #include <QMessageBox>
+#include <QObject>
 #include <QPointer>
 
 #include <array>

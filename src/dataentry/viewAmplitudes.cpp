@@ -22,7 +22,8 @@ void viewAmplitudes::remoteTraceValue(double amplitude, int column, int index)
     updateColumn(column);
 }
 
-void viewAmplitudes::enterValues(const SpectrogramComputation& spectrogram, int formantFrames, const ShortRect& rect)
+void viewAmplitudes::enterValues(const SpectrogramComputation& spectrogram, int formantFrames,
+                                 const ShortRect& rect)
 {
     if (!_pDoc || formantFrames <= 0)
         return;

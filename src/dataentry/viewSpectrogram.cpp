@@ -22,7 +22,8 @@ const std::array<QColor, 5> kFormantColors = {QColor(220, 40, 40), QColor(30, 16
 } // namespace
 
 viewSpectrogram::viewSpectrogram(QWidget* parent)
-    : TraceView(5000.0, {"f1", "f2", "f3", "f4", "f5"}, {Row::f1, Row::f2, Row::f3, Row::f4, Row::f5}, parent),
+    : TraceView(5000.0, {"f1", "f2", "f3", "f4", "f5"}, {Row::f1, Row::f2, Row::f3, Row::f4, Row::f5},
+                parent),
       m_worker(this)
 {
     m_resizeSettled.setSingleShot(true);
@@ -46,6 +47,7 @@ void viewSpectrogram::DoSpectrogramOperation()
     m_resizeSettled.stop();
     if (!_pDoc || width() <= 0 || height() <= 0)
         return;
+    m_requested = size();
     m_worker.start(*_pDoc->getChannel(2), m_settings, width(), height());
     emit computingChanged(true);
     update();
@@ -61,8 +63,8 @@ void viewSpectrogram::resultArrived(std::shared_ptr<const SpectrogramWorker::Res
 void viewSpectrogram::resizeEvent(QResizeEvent* event)
 {
     TraceView::resizeEvent(event);
-    // Computed again once the size stops changing; a result for this very size needs no run.
-    if (m_result && m_result->width == width() && m_result->height == height() && !m_worker.isRunning())
+    // Computed again once the size stops changing; a run for this very size needs no other.
+    if (m_requested == size())
         return;
     if (_pDoc)
         m_resizeSettled.start();
@@ -89,9 +91,9 @@ void viewSpectrogram::afterDragValue(int column, const QPointF& p)
     for (int slot = 0; slot < 5; ++slot) {
         if (!isActive(slot))
             continue;
-        const double amplitude =
-            s.GetSpectrogramAmplitue(vertical, horizontal, _pDoc->m_nSpecDynamicRange, TraceDataEntry::kAmplitudeCeiling,
-                                     static_cast<int>(std::trunc(vertical - p.y())), static_cast<int>(std::trunc(p.x())));
+        const double amplitude = s.GetSpectrogramAmplitue(
+            vertical, horizontal, _pDoc->m_nSpecDynamicRange, TraceDataEntry::kAmplitudeCeiling,
+            static_cast<int>(std::trunc(vertical - p.y())), static_cast<int>(std::trunc(p.x())));
         amplitudes->remoteTraceValue(amplitude, column, slot);
     }
 }
@@ -117,15 +119,16 @@ void viewSpectrogram::drawAnalysis(QPainter& painter, const QRect&)
     if (!m_result || m_result->image.isNull())
         return;
     // Until the spectrogram for a new size arrives, the old picture is stretched over the view.
-    painter.setRenderHint(QPainter::SmoothPixmapTransform, m_result->width != width() || m_result->height != height());
+    painter.setRenderHint(QPainter::SmoothPixmapTransform,
+                          m_result->width != width() || m_result->height != height());
     painter.drawImage(rect(), m_result->image);
 }
 
 void viewSpectrogram::drawOverlay(QPainter& painter, const QRect&)
 {
     if (m_result && _pDoc && _pDoc->m_bSpecDrawFormantTracking) {
-        DrawFormantTracks(painter, rect(), m_result->computation, m_result->computation.m_settings.m_nSpecfrequencyRange,
-                          kFormantColors);
+        DrawFormantTracks(painter, rect(), m_result->computation,
+                          m_result->computation.m_settings.m_nSpecfrequencyRange, kFormantColors);
     }
     if (m_worker.isRunning()) {
         const QString text = QStringLiteral("Computing spectrogram\u2026");

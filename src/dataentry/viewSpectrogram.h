@@ -59,4 +59,5 @@ private:
     std::shared_ptr<const SpectrogramWorker::Result> m_result;
     SpectrogramSettings m_settings;
     QTimer m_resizeSettled;
+    QSize m_requested; // the display size of the last run started
 };

@@ -86,7 +86,8 @@ void titleLengthMenu(QComboBox* menu, double sampleRate)
 {
     for (int i = 0; i < menu->count(); ++i) {
         const int points = pointsOf(i);
-        const long long bandwidth = std::isfinite(sampleRate) ? static_cast<long long>(sampleRate / points) : 0;
+        const long long bandwidth =
+            std::isfinite(sampleRate) ? static_cast<long long>(sampleRate / points) : 0;
         menu->setItemText(i, QString::asprintf(" %d Hz (%d pts)", static_cast<int>(bandwidth), points));
     }
 }

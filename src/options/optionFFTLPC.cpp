@@ -58,7 +58,8 @@ optionFFTLPC::optionFFTLPC(QWidget* parent) : OptionPanel(parent)
     outer->addLayout(form);
     outer->addWidget(makeButtons(true));
     connect(defaultButton(), &QPushButton::clicked, this, &optionFFTLPC::actionDefault);
-    connect(_popupWindowLength, QOverload<int>::of(&QComboBox::activated), this, &optionFFTLPC::actionPtsSelector);
+    connect(_popupWindowLength, QOverload<int>::of(&QComboBox::activated), this,
+            &optionFFTLPC::actionPtsSelector);
 }
 
 void optionFFTLPC::setup(MyDocument* doc)

@@ -35,9 +35,10 @@ optionSpectrogram::optionSpectrogram(QWidget* parent) : OptionPanel(parent)
     m_Inchcm = choice(this, tr("Inches"), tr("cm"), unitRow);
     m_dSpecWidth = decimalField();
     m_dSpecHeight = decimalField();
-    _note = new QLabel(QStringLiteral("Note\nA value of 0 will make the time grid adjust automatically to the zoomed "
-                                      "window.\nGrid is always displayed on the main screen but follows the selection "
-                                      "for the print and pict."));
+    _note = new QLabel(
+        QStringLiteral("Note\nA value of 0 will make the time grid adjust automatically to the zoomed "
+                       "window.\nGrid is always displayed on the main screen but follows the selection "
+                       "for the print and pict."));
     _note->setWordWrap(true);
     _note->setMaximumWidth(420);
 

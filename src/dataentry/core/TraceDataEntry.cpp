@@ -24,10 +24,12 @@ void TraceDataEntry::enterPitch(MyDocument& doc, TraceTrackLists& lists, const P
     lists.writeBack(doc, 0, false);
 }
 
-void TraceDataEntry::enterFormants(MyDocument& doc, TraceTrackLists& lists, const SpectrogramComputation& spectrogram)
+void TraceDataEntry::enterFormants(MyDocument& doc, TraceTrackLists& lists,
+                                   const SpectrogramComputation& spectrogram)
 {
     const int columns = doc.getChannel(0)->m_nColumnNum;
-    const int frames = std::min(spectrogram.m_nFormantsFrames, static_cast<int>(spectrogram.m_phsnFormants.size()));
+    const int frames =
+        std::min(spectrogram.m_nFormantsFrames, static_cast<int>(spectrogram.m_phsnFormants.size()));
     if (frames > 0 && spectrogram.m_bHaveFormants) {
         const double perFrame = static_cast<double>(columns) / frames;
         for (int slot = 0; slot < 5; ++slot)
@@ -43,24 +45,26 @@ void TraceDataEntry::enterFormants(MyDocument& doc, TraceTrackLists& lists, cons
         checkDataRange(doc, row);
 }
 
-void TraceDataEntry::enterAmplitudes(MyDocument& doc, TraceTrackLists& lists, const SpectrogramComputation& spectrogram,
-                                     const ShortRect& rect)
+void TraceDataEntry::enterAmplitudes(MyDocument& doc, TraceTrackLists& lists,
+                                     const SpectrogramComputation& spectrogram, const ShortRect& rect)
 {
     const int columns = doc.getChannel(0)->m_nColumnNum;
     const int interval = doc.updateInterval();
-    const int frames = std::min(spectrogram.m_nFormantsFrames, static_cast<int>(spectrogram.m_phsnFormants.size()));
+    const int frames =
+        std::min(spectrogram.m_nFormantsFrames, static_cast<int>(spectrogram.m_phsnFormants.size()));
     const int width = rect.right - rect.left;
     const int height = rect.bottom - rect.top;
     const int range = doc.m_nSpecfrequencyRange;
     for (int slot = 0; slot < 5 && frames > 0; ++slot) {
         for (int j = 0; j < frames; ++j) {
             const int column = static_cast<int>(static_cast<long long>(j) * columns / frames);
-            const CellRef formant = doc._dataTableDictionary.cellAt(static_cast<long long>(column + 1) * interval, 12 - slot);
+            const CellRef formant =
+                doc._dataTableDictionary.cellAt(static_cast<long long>(column + 1) * interval, 12 - slot);
             const double frequency = formant ? formant->_nValue() : 0.0;
             const int vertical = range != 0 ? static_cast<int>(std::trunc(frequency * height / range)) : 0;
             const int horizontal = static_cast<int>(static_cast<long long>(j) * width / frames);
-            const double amplitude = spectrogram.GetSpectrogramAmplitue(height, width, doc.m_nSpecDynamicRange,
-                                                                        kAmplitudeCeiling, vertical, horizontal);
+            const double amplitude = spectrogram.GetSpectrogramAmplitue(
+                height, width, doc.m_nSpecDynamicRange, kAmplitudeCeiling, vertical, horizontal);
             lists.setValue(slot, column, static_cast<int>(amplitude));
         }
     }

@@ -26,8 +26,14 @@ public:
 
     // Rows of the tracks of each view, slot by slot.
     static TraceTrackLists pitchLists() { return TraceTrackLists({Row::f0}); }
-    static TraceTrackLists formantLists() { return TraceTrackLists({Row::f1, Row::f2, Row::f3, Row::f4, Row::f5}); }
-    static TraceTrackLists amplitudeLists() { return TraceTrackLists({Row::a1f, Row::a2f, Row::a3f, Row::a4f, Row::a5f, Row::av, Row::apv}); }
+    static TraceTrackLists formantLists()
+    {
+        return TraceTrackLists({Row::f1, Row::f2, Row::f3, Row::f4, Row::f5});
+    }
+    static TraceTrackLists amplitudeLists()
+    {
+        return TraceTrackLists({Row::a1f, Row::a2f, Row::a3f, Row::a4f, Row::a5f, Row::av, Row::apv});
+    }
 
     // The pitch track into f0: frame i to list index i as trunc(Hz) x 10, for i up to
     // min(frames - 1, columns); a track longer than the grid writes one index past the last
@@ -36,13 +42,14 @@ public:
     static void enterPitch(MyDocument& doc, TraceTrackLists& lists, const PitchTrackComputation& pitch);
     // Formant frame f to list index trunc(f x (columns / frames)) (the last frame wins), for the
     // five slots; then rows 12 .. 8 written back and clamped to their limits.
-    static void enterFormants(MyDocument& doc, TraceTrackLists& lists, const SpectrogramComputation& spectrogram);
+    static void enterFormants(MyDocument& doc, TraceTrackLists& lists,
+                              const SpectrogramComputation& spectrogram);
     // For each formant frame j and slot i: the level of the spectrogram under formant i + 1 as
     // the grid now holds it in column trunc(j x columns / frames), read with
     // GetSpectrogramAmplitue on the display rectangle; then rows 29 .. 25 written back and
     // clamped.
-    static void enterAmplitudes(MyDocument& doc, TraceTrackLists& lists, const SpectrogramComputation& spectrogram,
-                                const ShortRect& rect);
+    static void enterAmplitudes(MyDocument& doc, TraceTrackLists& lists,
+                                const SpectrogramComputation& spectrogram, const ShortRect& rect);
 
     enum class Outcome { Entered, FormantTrackingOff };
     // The whole entry: nothing when formant tracking is off; otherwise an undo step, then
