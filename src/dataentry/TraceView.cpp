@@ -14,7 +14,8 @@
 
 namespace
 {
-constexpr int kPoint = 3; // side of a traced point, pixels
+constexpr int kPoint = 3;             // side of a traced point, pixels
+constexpr int kFollowIntervalMS = 40; // the table follows a drag at most this often
 } // namespace
 
 TraceView::TraceView(double fullScale, std::vector<std::string> keys, std::vector<int> rows, QWidget* parent)
@@ -25,6 +26,9 @@ TraceView::TraceView(double fullScale, std::vector<std::string> keys, std::vecto
     setMouseTracking(true);
     setAttribute(Qt::WA_OpaquePaintEvent);
     setCursor(Qt::CrossCursor);
+    m_followTimer.setSingleShot(true);
+    m_followTimer.setInterval(kFollowIntervalMS);
+    connect(&m_followTimer, &QTimer::timeout, this, &TraceView::followNow);
 }
 
 void TraceView::setup()
@@ -108,6 +112,7 @@ void TraceView::mousePressEvent(QMouseEvent* event)
     if (keepsDragTrace())
         m_arraytrace.clear();
     m_nFollowedColumn = -1;
+    m_nPendingColumn = -1;
     _pDoc->saveUndo();
     m_bDrawing = true;
 }
@@ -131,10 +136,7 @@ void TraceView::dragTo(const QPointF& p)
     const int column = columnAt(p.x());
     if (column < 0)
         return;
-    if (m_mainTableID && column + 1 != m_nFollowedColumn) {
-        m_nFollowedColumn = column + 1;
-        m_mainTableID->selectaColumn(m_nFollowedColumn);
-    }
+    followInTable(column + 1);
     if (keepsDragTrace())
         m_arraytrace.push_back(p);
     const int value = valueAt(p.y());
@@ -145,6 +147,25 @@ void TraceView::dragTo(const QPointF& p)
     updateColumn(column);
     const QPoint pixel = p.toPoint();
     update(QRect(pixel.x() - 2, pixel.y() - 2, 5, 5));
+}
+
+void TraceView::followInTable(int tableColumn)
+{
+    m_nPendingColumn = tableColumn;
+    // The table scrolls and repaints at most once per interval of the timer: a fast drag stays
+    // smooth, and the table shows the last column when the drag slows down or ends.
+    if (!m_followTimer.isActive()) {
+        followNow();
+        m_followTimer.start();
+    }
+}
+
+void TraceView::followNow()
+{
+    if (!m_mainTableID || m_nPendingColumn < 0 || m_nPendingColumn == m_nFollowedColumn)
+        return;
+    m_nFollowedColumn = m_nPendingColumn;
+    m_mainTableID->selectaColumn(m_nFollowedColumn);
 }
 
 void TraceView::leaveEvent(QEvent* event)
@@ -159,6 +180,8 @@ void TraceView::mouseReleaseEvent(QMouseEvent* event)
     if (event->button() != Qt::LeftButton || !m_bDrawing)
         return;
     m_bDrawing = false;
+    m_followTimer.stop();
+    followNow();
     if (!_pDoc || (releaseNeedsActiveTrack() && !hasActiveTrack()))
         return;
     for (int slot = 0; slot < m_lists.slotCount(); ++slot)

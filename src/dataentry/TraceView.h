@@ -15,6 +15,7 @@
 
 #include <QColor>
 #include <QPointF>
+#include <QTimer>
 #include <QWidget>
 
 #include <string>
@@ -108,6 +109,8 @@ private:
     void drawSlot(QPainter& painter, int slot, int first, int last) const;
     void drawTrace(QPainter& painter) const;
     void drawCaption(QPainter& painter) const;
+    void followInTable(int tableColumn);
+    void followNow();
 
     mainTable* m_mainTableID = nullptr;
     dataentryTraceContoller* m_containerID = nullptr;
@@ -117,5 +120,7 @@ private:
     std::vector<QColor> m_colors;
     std::vector<QPointF> m_arraytrace;
     bool m_bDrawing = false;
-    int m_nFollowedColumn = -1;
+    int m_nFollowedColumn = -1; // the table column the table shows selected
+    int m_nPendingColumn = -1;  // the table column under the pointer
+    QTimer m_followTimer;
 };
