@@ -239,15 +239,19 @@ void TraceView::drawSlot(QPainter& painter, int slot, int first, int last) const
     const int frames = frameCount();
     const int w = width();
     const int h = height();
-    // The active track stands out; the others are shown lighter.
+    // The active track is a line with points; the others are lighter points only, so that
+    // the analysis behind them stays readable.
+    const bool active = isActive(slot);
     QColor color = m_colors[static_cast<std::size_t>(slot)];
-    if (!isActive(slot))
-        color.setAlpha(150);
+    if (!active)
+        color.setAlpha(140);
+    const double side = active ? kPoint : kPoint - 1.0;
     QPainterPath line;
     bool joined = false;
     for (int k = first; k <= last; ++k) {
         const CellRef& cell = shown[static_cast<std::size_t>(k)];
-        // Placeholders (-1) and missing cells are not drawn.
+        // Placeholders (-1) and missing cells are not drawn; a line does not run to or from 0
+        // (an unvoiced frame, a formant not found).
         if (!cell || cell->_nValue() < 0) {
             joined = false;
             continue;
@@ -255,14 +259,19 @@ void TraceView::drawSlot(QPainter& painter, int slot, int first, int last) const
         // The point sits in the middle of its column.
         const double x = (k + 0.5) * w / frames;
         const double y = h - cell->_nValue() * h / m_nScale;
+        painter.fillRect(QRectF(x - side / 2.0, y - side / 2.0, side, side), color);
+        if (cell->_nValue() == 0) {
+            joined = false;
+            continue;
+        }
         if (joined)
             line.lineTo(x, y);
         else
             line.moveTo(x, y);
         joined = true;
-        painter.fillRect(QRectF(x - kPoint / 2.0, y - kPoint / 2.0, kPoint, kPoint), color);
     }
-    painter.strokePath(line, QPen(color, isActive(slot) ? 1.8 : 1.0));
+    if (active)
+        painter.strokePath(line, QPen(color, 1.5));
 }
 
 void TraceView::drawTrace(QPainter& painter) const
