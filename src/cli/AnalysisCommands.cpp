@@ -40,6 +40,8 @@ struct PitchOptions {
 
 void commandPitch(const PitchOptions& options)
 {
+    requireOrderedRange("--low", options.settings.m_dCalculationLow, "--high",
+                        options.settings.m_dCalculationHigh);
     const auto document = openDocument(options.input);
     const Channels& model = modelChannel(*document, options.input);
     PitchTrackComputation track;
