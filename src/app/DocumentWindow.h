@@ -47,6 +47,8 @@ public slots:
     void revertDocument();
     void loadConfiguration();
     void saveConfiguration();
+    // File > Make Continuum...: this document as the first step; opens the folder when done.
+    void makeContinuum();
 
 protected:
     void closeEvent(QCloseEvent* event) override;

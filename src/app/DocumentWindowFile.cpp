@@ -3,12 +3,15 @@
 
 #include "app/ConfigurationFile.h"
 #include "app/WorkbenchApplication.h"
+#include "continuum/gui/ContinuumDialog.h"
 #include "document/MyDocument.h"
 #include "table/mainTable.h"
 
+#include <QDesktopServices>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QStandardPaths>
+#include <QUrl>
 
 namespace
 {
@@ -130,4 +133,12 @@ void DocumentWindow::saveConfiguration()
                                                       tr("Configurations (*.cfg)"));
     if (!path.isEmpty())
         saveConfigurationTo(path);
+}
+
+void DocumentWindow::makeContinuum()
+{
+    ContinuumDialog dialog(*m_pDoc, filePath(), this);
+    connect(&dialog, &ContinuumDialog::continuumWritten, this,
+            [](const QString& folder) { QDesktopServices::openUrl(QUrl::fromLocalFile(folder)); });
+    dialog.exec();
 }

@@ -33,6 +33,7 @@ void DocumentWindow::createMenus()
     m_pRevert = file->addAction(tr("Re&vert to Saved"), this, &DocumentWindow::revertDocument);
     file->addSeparator();
     file->addAction(tr("Save A&udio..."), m_pTable, &mainTable::_fileSaveAudio);
+    file->addAction(tr("Make Co&ntinuum..."), this, &DocumentWindow::makeContinuum);
     file->addSeparator();
     file->addAction(tr("&Load Configuration..."), this, &DocumentWindow::loadConfiguration);
     file->addAction(tr("Save Con&figuration..."), this, &DocumentWindow::saveConfiguration);

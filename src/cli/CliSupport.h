@@ -108,3 +108,4 @@ std::size_t runTasks(std::size_t count, unsigned jobs, const std::string& label,
 // Command groups, each registering its subcommands on the application.
 void addDocumentCommands(CLI::App& app);
 void addAnalysisCommands(CLI::App& app);
+void addContinuumCommand(CLI::App& app);
