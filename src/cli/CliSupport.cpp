@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <malloc.h>
 #include <map>
 #include <new>
 #include <sstream>
@@ -209,6 +210,9 @@ std::size_t runTasks(std::size_t count, unsigned jobs, const std::string& label,
 {
     if (jobs == 0)
         jobs = std::max(1u, std::thread::hardware_concurrency());
+    // Tidy the heap once here rather than in every child: a child's first allocations would
+    // otherwise consolidate the parent's freed chunks, copying each page they touch.
+    ::malloc_trim(0);
     ProgressBar bar(label, count);
     std::map<pid_t, RunningTask> running;
     std::size_t failed = 0;

@@ -103,7 +103,7 @@ void ContinuumDialog::buildForm(const QString& documentPath)
     m_pRows->setFlow(QListView::LeftToRight);
     m_pRows->setWrapping(true);
     m_pRows->setResizeMode(QListView::Adjust);
-    m_pRows->setMinimumHeight(120);
+    m_pRows->setFixedHeight(100);
     for (int row = 0; row < kParameterCount; ++row) {
         auto* item = new QListWidgetItem(QString::fromLatin1(kFactoryParameters[row].name), m_pRows);
         item->setFlags(Qt::ItemIsUserCheckable | Qt::ItemIsEnabled);
