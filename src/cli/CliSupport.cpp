@@ -83,6 +83,10 @@ std::unique_ptr<MyDocument> openDocument(const std::string& path)
         const std::string& why = document->lastReadError();
         throw CliInputError{path, why.empty() ? "not a WAVE file or a parameter document" : why};
     }
+    if (document->isTruncated())
+        cliWarning(path, "only " + std::to_string(document->framesInFile()) + " of " +
+                             std::to_string(document->framesDeclared()) +
+                             " declared frames are present; the others hold default values");
     document->buildDataTableDictionary();
     return document;
 }

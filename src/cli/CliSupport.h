@@ -42,7 +42,9 @@ std::string readWholeFile(const std::string& path);
 // Writes a whole file atomically (temporary file in the same folder, then rename); throws
 // CliInputError naming the file when it cannot be written.
 void writeWholeFile(const std::string& path, const std::string& bytes);
-// Opens a parameter document or a WAVE file as the workbench does; throws CliInputError.
+// Opens a parameter document or a WAVE file as the workbench does; throws CliInputError. A
+// document whose value lines stop before its declared length is read as far as it goes,
+// with one warning line on standard error naming the file and the frames present/declared.
 std::unique_ptr<MyDocument> openDocument(const std::string& path);
 
 // True when both paths name the same file (an existing file reached two ways counts).
