@@ -168,6 +168,7 @@ void commandFormants(const SpectrogramOptions& o)
 
 void commandSpectrogram(const SpectrogramOptions& o)
 {
+    chooseOutput(o.output, o.output, true, {o.input});
     const SpectrogramComputation spectrogram = computeSpectrogram(o, o.formants);
     std::string png;
     if (!encodePng(spectrogramImage(spectrogram, o.formants), png))

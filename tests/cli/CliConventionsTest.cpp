@@ -84,7 +84,8 @@ TEST(CliConventions, OutputsAreNeverWrittenOverBySurprise)
     std::filesystem::create_directories(dir.path / "sub");
     for (const std::string& args :
          {"synth --force " + dir / "a.wav", "synth " + dir / "a.stk" + " -o " + dir / "a.stk",
-          "synth " + dir / "a.stk" + " --force -o " + dir / "sub/../a.stk"}) {
+          "synth " + dir / "a.stk" + " --force -o " + dir / "sub/../a.stk",
+          "spectrogram " + dir / "a.wav" + " -o " + dir / "a.wav"}) {
         CliResult r = runCli(args);
         EXPECT_EQ(r.exitCode, 2) << args;
         EXPECT_EQ(lineCount(r.err), 1) << r.err;
