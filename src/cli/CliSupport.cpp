@@ -6,18 +6,31 @@
 #include <cstdio>
 #include <cstring>
 #include <fstream>
-#include <sstream>
 
 std::string readWholeFile(const std::string& path)
 {
-    std::ifstream in(path, std::ios::binary);
+    std::ifstream in(path, std::ios::binary | std::ios::ate);
     if (!in)
         throw CliInputError{path, std::strerror(errno)};
-    std::ostringstream bytes;
-    bytes << in.rdbuf();
+    // One read of the size the file has now; a file that is not seekable (a pipe) is read to its end.
+    std::string bytes;
+    const std::streamoff size = in.tellg();
+    if (size > 0) {
+        bytes.resize(static_cast<std::size_t>(size));
+        in.seekg(0);
+        in.read(bytes.data(), size);
+        bytes.resize(static_cast<std::size_t>(in.gcount()));
+        in.clear();
+    } else {
+        in.clear();
+        in.seekg(0);
+    }
+    char chunk[65536];
+    while (in.read(chunk, sizeof chunk) || in.gcount() > 0)
+        bytes.append(chunk, static_cast<std::size_t>(in.gcount()));
     if (in.bad())
         throw CliInputError{path, "read error"};
-    return bytes.str();
+    return bytes;
 }
 
 void writeWholeFile(const std::string& path, const std::string& bytes)
@@ -39,9 +52,14 @@ void writeWholeFile(const std::string& path, const std::string& bytes)
     }
 }
 
-std::unique_ptr<MyDocument> openDocument(const std::string& path)
+std::unique_ptr<MyDocument> openDocument(const std::string& path, TableData table)
 {
-    const std::string bytes = readWholeFile(path);
+    return openDocumentBytes(path, readWholeFile(path), table);
+}
+
+std::unique_ptr<MyDocument> openDocumentBytes(const std::string& path, const std::string& bytes,
+                                              TableData table)
+{
     auto document = std::make_unique<MyDocument>();
     document->setFileURL(path);
     int errorCode = 0;
@@ -49,6 +67,7 @@ std::unique_ptr<MyDocument> openDocument(const std::string& path)
         const std::string& why = document->lastReadError();
         throw CliInputError{path, why.empty() ? "not a WAVE file or a parameter document" : why};
     }
-    document->buildDataTableDictionary();
+    if (table == TableData::Build)
+        document->buildDataTableDictionary();
     return document;
 }

@@ -22,7 +22,13 @@ std::string readWholeFile(const std::string& path);
 // Writes a whole file atomically (temporary file beside it, then rename); throws CliInputError.
 void writeWholeFile(const std::string& path, const std::string& bytes);
 // Opens a parameter document or a WAVE file as the workbench does; throws CliInputError.
-std::unique_ptr<MyDocument> openDocument(const std::string& path);
+// Commands that only read the settings or the model recording skip building the table data
+// (the cells that synthesis and saving read).
+enum class TableData { Build, Skip };
+std::unique_ptr<MyDocument> openDocument(const std::string& path, TableData table = TableData::Build);
+// The same from bytes already read from `path`.
+std::unique_ptr<MyDocument> openDocumentBytes(const std::string& path, const std::string& bytes,
+                                              TableData table);
 
 // Command groups, each registering its subcommands on the application.
 void addDocumentCommands(CLI::App& app);

@@ -27,6 +27,7 @@ public:
     void setObject(long long key, CellArray column) { setObject(keyFor(key), std::move(column)); }
     void removeObjectForKey(const std::string& key) { m_map.erase(key); }
     void removeAllObjects() { m_map.clear(); }
+    void reserve(std::size_t columns) { m_map.reserve(columns); }
 
     // The cell of a column and row, or nullptr when either is missing.
     CellRef cellAt(long long key, int row) const;

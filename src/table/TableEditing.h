@@ -12,6 +12,7 @@
 #include "document/MyDocument.h"
 #include "table/DataTableDictionary.h"
 
+#include <array>
 #include <string>
 #include <vector>
 
@@ -78,3 +79,17 @@ void saveoptionsFile(MyDocument& doc);
 // A new frame cell made from a parameter record: name, definition, default, value, limits,
 // shown flag, colour and background as given, anchor off, text = the record's value.
 CellRef newFrameCell(const ParameterDefinition& record, const Color& background);
+
+// Makes the columns of new frames of a document in one allocation each, every cell of a row
+// sharing the row's definition (as newFrameCell makes them).
+class FrameCellMaker
+{
+public:
+    explicit FrameCellMaker(const MyDocument& doc);
+    // Cells of rows 0..47; shown flag from the records, or on for all when `allShown`.
+    CellArray column(bool allShown) const;
+
+private:
+    const Channels& m_channel;
+    std::array<ImageAndTextCell, kParameterCount> m_models;
+};
