@@ -10,7 +10,7 @@
 // UndoRedo.cpp (all src/document/); Synthesize in src/synthesis/Synthesize.cpp.
 #include "document/Channels.h"
 #include "document/Color.h"
-#include "table/DataTableDictionary.h"
+#include "table/core/DataTableDictionary.h"
 
 #include <array>
 #include <cstdint>

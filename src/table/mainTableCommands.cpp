@@ -6,7 +6,7 @@
 #include "document/MyDocument.h"
 #include "options/optionFile.h"
 #include "options/optionsParameters.h"
-#include "table/TableEditing.h"
+#include "table/edit/TableEditing.h"
 
 #include <QWidget>
 

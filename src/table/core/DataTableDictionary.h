@@ -3,7 +3,7 @@
 // order. Key "0" is the parameter-name column; frame column k (k >= 1) has the key k x update
 // interval in decimal ("10", "20", ...). The number of frame columns is count() - 1.
 // Lookups by a missing key answer nullptr: callers tolerate missing columns.
-#include "table/ImageAndTextCell.h"
+#include "table/core/ImageAndTextCell.h"
 
 #include <string>
 #include <unordered_map>

@@ -10,7 +10,7 @@
 // that field changed; the other cells of the row keep theirs. The name and definition point at
 // the parameter table's constant texts. Columns of cells are made in one allocation
 // (newColumn). Main thread only, except that cells may be read where the main thread waits.
-#include "table/CellDefinitions.h"
+#include "table/core/CellDefinitions.h"
 
 #include <cstdint>
 #include <memory>

@@ -1,4 +1,4 @@
-#include "table/CellDefinitions.h"
+#include "table/core/CellDefinitions.h"
 
 #include <atomic>
 #include <bit>

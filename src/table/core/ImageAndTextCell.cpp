@@ -1,4 +1,4 @@
-#include "table/ImageAndTextCell.h"
+#include "table/core/ImageAndTextCell.h"
 
 #include <cctype>
 #include <charconv>

@@ -1,7 +1,7 @@
-#include "table/FrameEditing.h"
+#include "table/edit/FrameEditing.h"
 
 #include "document/DocumentException.h"
-#include "table/TableEditing.h"
+#include "table/edit/TableEditing.h"
 
 #include <algorithm>
 #include <climits>

@@ -10,7 +10,7 @@
 // is the frame stored under the key k x update interval. Rows are parameter rows 0..47.
 // Main thread only. Values are in the parameters' own units (f0 in 0.1 Hz, ...).
 #include "document/MyDocument.h"
-#include "table/DataTableDictionary.h"
+#include "table/core/DataTableDictionary.h"
 
 #include <array>
 #include <string>
