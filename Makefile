@@ -39,6 +39,7 @@ test-asan: deps
 
 bench: build
 	@for b in $(BUILD)/bin/bench_*; do echo "== $$b"; $$b --benchmark_repetitions=5 --benchmark_report_aggregates_only=true; done
+	@echo "== tessaphon-cli, whole processes"; bash bench/cli_bench.sh $(BUILD)
 
 # Each fuzz target runs for FUZZ_SECONDS on its seed corpus (made by the program itself).
 fuzz: deps

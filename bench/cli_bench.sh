@@ -5,8 +5,8 @@
 set -euo pipefail
 BUILD=${1:-build}
 RUNS=${RUNS:-5}
-CLI="$BUILD/bin/tessaphon-cli"
-WORK="$BUILD/cli-bench"
+CLI=${CLI:-"$BUILD/bin/tessaphon-cli"} # another binary to compare: CLI=path bench/cli_bench.sh
+WORK=${WORK:-"$BUILD/cli-bench"}
 mkdir -p "$WORK"
 [ -x "$CLI" ] || { echo "no $CLI: run make build first" >&2; exit 2; }
 
