@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstring>
 #include <fstream>
+#include <iostream>
 
 std::string readWholeFile(const std::string& path)
 {
@@ -67,6 +68,10 @@ std::unique_ptr<MyDocument> openDocumentBytes(const std::string& path, const std
         const std::string& why = document->lastReadError();
         throw CliInputError{path, why.empty() ? "not a WAVE file or a parameter document" : why};
     }
+    if (document->isTruncated())
+        std::cerr << "tessaphon-cli: " << path << ": warning: only " << document->framesInFile() << " of "
+                  << document->framesDeclared()
+                  << " declared frames are present; the others hold default values\n";
     if (table == TableData::Build)
         document->buildDataTableDictionary();
     return document;

@@ -21,7 +21,9 @@ struct CliInputError {
 std::string readWholeFile(const std::string& path);
 // Writes a whole file atomically (temporary file beside it, then rename); throws CliInputError.
 void writeWholeFile(const std::string& path, const std::string& bytes);
-// Opens a parameter document or a WAVE file as the workbench does; throws CliInputError.
+// Opens a parameter document or a WAVE file as the workbench does; throws CliInputError. A
+// document whose value lines stop before its declared length is read as far as it goes,
+// with one warning line on standard error naming the file and the frames present/declared.
 // Commands that only read the settings or the model recording skip building the table data
 // (the cells that synthesis and saving read).
 enum class TableData { Build, Skip };

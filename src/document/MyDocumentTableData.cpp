@@ -1,8 +1,11 @@
 // Building the table data (_dataTableDictionary) from channel 0's parameter records and grid.
 #include "document/MyDocument.h"
 
+#include "document/DocumentException.h"
+
 #include <array>
 #include <memory>
+#include <new>
 
 Color MyDocument::groupBackgroundColor(int row) const
 {
@@ -47,6 +50,19 @@ void MyDocument::buildDataTableDictionary()
     const int interval = updateInterval();
     const int columns = c.m_nColumnNum < 0 ? 0 : c.m_nColumnNum;
     const bool fromGrid = m_bReadFile != 0;
+    if (columns > kMaxFrames)
+        throw DocumentException::tooManyFrames(columns, kMaxFrames);
+    try {
+        fillDataTableDictionary(columns, interval, fromGrid);
+    } catch (const std::bad_alloc&) {
+        _dataTableDictionary.removeAllObjects();
+        throw DocumentException::memoryError();
+    }
+}
+
+void MyDocument::fillDataTableDictionary(int columns, int interval, bool fromGrid)
+{
+    Channels& c = *m_Channel[0];
 
     // Anchor flags of a read document, by frame column and row, in one flat array.
     std::vector<std::uint8_t> anchors;
