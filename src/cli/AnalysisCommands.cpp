@@ -45,7 +45,7 @@ void commandPitch(const PitchOptions& options)
 {
     requireOrderedRange("--low", options.settings.m_dCalculationLow, "--high",
                         options.settings.m_dCalculationHigh);
-    const auto document = openDocument(options.input);
+    const auto document = openDocument(options.input, TableData::Skip);
     const Channels& model = modelChannel(*document, options.input);
     PitchTrackComputation track;
     if (!track.DoPitchCepstral(model, options.settings))
@@ -126,7 +126,7 @@ SpectrogramSettings settingsFor(const SpectrogramOptions& o, MyDocument& documen
 
 SpectrogramComputation computeSpectrogram(const SpectrogramOptions& o, bool tracking)
 {
-    const auto document = openDocument(o.input);
+    const auto document = openDocument(o.input, TableData::Skip);
     const Channels& model = modelChannel(*document, o.input);
     SpectrogramSettings settings = settingsFor(o, *document, model.m_dSampleRate);
     settings.m_bSpecDrawFormantTracking = tracking;

@@ -56,14 +56,28 @@ void setCliVerbose(bool verbose)
 std::string readWholeFile(const std::string& path)
 {
     takeInHand(path);
-    std::ifstream in(path, std::ios::binary);
+    std::ifstream in(path, std::ios::binary | std::ios::ate);
     if (!in)
         throw CliInputError{path, std::strerror(errno)};
-    std::ostringstream bytes;
-    bytes << in.rdbuf();
+    // One read of the size the file has now; a file that is not seekable (a pipe) is read to its end.
+    std::string bytes;
+    const std::streamoff size = in.tellg();
+    if (size > 0) {
+        bytes.resize(static_cast<std::size_t>(size));
+        in.seekg(0);
+        in.read(bytes.data(), size);
+        bytes.resize(static_cast<std::size_t>(in.gcount()));
+        in.clear();
+    } else {
+        in.clear();
+        in.seekg(0);
+    }
+    char chunk[65536];
+    while (in.read(chunk, sizeof chunk) || in.gcount() > 0)
+        bytes.append(chunk, static_cast<std::size_t>(in.gcount()));
     if (in.bad())
         throw CliInputError{path, "read error"};
-    return bytes.str();
+    return bytes;
 }
 
 void writeWholeFile(const std::string& path, const std::string& bytes)
@@ -73,9 +87,14 @@ void writeWholeFile(const std::string& path, const std::string& bytes)
         throw CliInputError{path, std::string("cannot write: ") + std::strerror(error)};
 }
 
-std::unique_ptr<MyDocument> openDocument(const std::string& path)
+std::unique_ptr<MyDocument> openDocument(const std::string& path, TableData table)
 {
-    const std::string bytes = readWholeFile(path);
+    return openDocumentBytes(path, readWholeFile(path), table);
+}
+
+std::unique_ptr<MyDocument> openDocumentBytes(const std::string& path, const std::string& bytes,
+                                              TableData table)
+{
     auto document = std::make_unique<MyDocument>();
     document->setFileURL(path);
     int errorCode = 0;
@@ -87,7 +106,8 @@ std::unique_ptr<MyDocument> openDocument(const std::string& path)
         cliWarning(path, "only " + std::to_string(document->framesInFile()) + " of " +
                              std::to_string(document->framesDeclared()) +
                              " declared frames are present; the others hold default values");
-    document->buildDataTableDictionary();
+    if (table == TableData::Build)
+        document->buildDataTableDictionary();
     return document;
 }
 

@@ -45,7 +45,13 @@ void writeWholeFile(const std::string& path, const std::string& bytes);
 // Opens a parameter document or a WAVE file as the workbench does; throws CliInputError. A
 // document whose value lines stop before its declared length is read as far as it goes,
 // with one warning line on standard error naming the file and the frames present/declared.
-std::unique_ptr<MyDocument> openDocument(const std::string& path);
+// Commands that only read the settings or the model recording skip building the table data
+// (the cells that synthesis and saving read).
+enum class TableData { Build, Skip };
+std::unique_ptr<MyDocument> openDocument(const std::string& path, TableData table = TableData::Build);
+// The same from bytes already read from `path`.
+std::unique_ptr<MyDocument> openDocumentBytes(const std::string& path, const std::string& bytes,
+                                              TableData table);
 
 // True when both paths name the same file (an existing file reached two ways counts).
 bool sameFile(const std::string& a, const std::string& b);

@@ -107,7 +107,7 @@ void commandInfo(const std::string& path)
     WaveFormat format;
     if (parseWaveFormat(bytes, format)) {
         // Read it the way the workbench opens it, so that a file it refuses is refused here too.
-        auto document = openDocument(path);
+        auto document = openDocumentBytes(path, bytes, TableData::Skip);
         const Channels* model = document->getChannel(2);
         std::cout << "type: wave\n"
                   << "format: " << format.formatCode << "\n"
@@ -118,7 +118,7 @@ void commandInfo(const std::string& path)
                   << "length_ms: " << model->m_dLengthMS << "\n";
         return;
     }
-    auto document = openDocument(path);
+    auto document = openDocumentBytes(path, bytes, TableData::Skip);
     printDocumentInfo(*document);
 }
 

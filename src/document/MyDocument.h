@@ -10,7 +10,7 @@
 // UndoRedo.cpp (all src/document/); Synthesize in src/synthesis/Synthesize.cpp.
 #include "document/Channels.h"
 #include "document/Color.h"
-#include "table/DataTableDictionary.h"
+#include "table/core/DataTableDictionary.h"
 
 #include <array>
 #include <cstdint>
@@ -56,6 +56,9 @@ public:
     void buildDataTableDictionary();
     // Background colour of a row's cells: the group colour of m_bgColor by row; row 0 stays white.
     Color groupBackgroundColor(int row) const;
+    // The shared part of a frame cell made from a parameter record: name, definition text,
+    // default, limits and colour of the record, and the background given.
+    static CellDefinition frameCellDefinition(const ParameterDefinition& record, const Color& background);
 
     // --- change count and file identity ---
     void updateChangeCount(ChangeKind kind);

@@ -3,6 +3,7 @@
 
 #include "document/DocumentException.h"
 
+#include <array>
 #include <memory>
 #include <new>
 
@@ -30,6 +31,19 @@ Color MyDocument::groupBackgroundColor(int row) const
     return m_bgColor[group];
 }
 
+CellDefinition MyDocument::frameCellDefinition(const ParameterDefinition& p, const Color& background)
+{
+    CellDefinition d;
+    d.name = p.strName;
+    d.definition = p.strDefinition;
+    d.defaultValue = p.nDefaultValue;
+    d.minValue = p.nMinValue;
+    d.maxValue = p.nMaxValue;
+    d.colour = p.mColor;
+    d.background = background;
+    return d;
+}
+
 void MyDocument::buildDataTableDictionary()
 {
     Channels& c = *m_Channel[0];
@@ -50,43 +64,51 @@ void MyDocument::fillDataTableDictionary(int columns, int interval, bool fromGri
 {
     Channels& c = *m_Channel[0];
 
-    // Anchor flags of a read document, by (frame column, row).
-    std::vector<std::vector<bool>> anchors;
+    // Anchor flags of a read document, by frame column and row, in one flat array.
+    std::vector<std::uint8_t> anchors;
     if (fromGrid) {
-        anchors.assign(static_cast<std::size_t>(columns) + 1, std::vector<bool>(kParameterCount, false));
+        anchors.assign(static_cast<std::size_t>(columns) * kParameterCount, 0);
         for (std::size_t i = 0; i + 1 < c.m_pAnchorPosition.size(); i += 2) {
             const int row = c.m_pAnchorPosition[i];
             const int frame = c.m_pAnchorPosition[i + 1];
             if (row >= 0 && row < kParameterCount && frame >= 0 && frame < columns)
-                anchors[frame][row] = true;
+                anchors[static_cast<std::size_t>(frame) * kParameterCount + row] = 1;
         }
     }
 
+    // One shared definition per row for the name column and one for the frame columns: every
+    // cell of a row takes it from these models instead of setting its fields one by one.
+    std::array<ImageAndTextCell, kParameterCount> nameModel, frameModel;
+    for (int row = 0; row < kParameterCount; ++row) {
+        const ParameterDefinition& p = c.m_Parameters[row];
+        CellDefinition name;
+        name.name = p.strName;
+        name.definition = p.strDefinition;
+        name.background = groupBackgroundColor(row);
+        nameModel[row].setDefinition(name);
+        frameModel[row].setDefinition(frameCellDefinition(p, name.background));
+    }
+
     _dataTableDictionary.removeAllObjects();
+    _dataTableDictionary.reserve(static_cast<std::size_t>(columns) + 1);
     for (int col = 0; col <= columns; ++col) {
-        CellArray cells;
-        cells.reserve(kParameterCount);
+        CellArray cells = ImageAndTextCell::newColumn(kParameterCount);
+        const int frame = col - 1;
+        const bool gridColumn =
+            fromGrid && col > 0 && static_cast<std::size_t>(frame) < c.m_snppDataImage_Col_Row.size();
         for (int row = 0; row < kParameterCount; ++row) {
             const ParameterDefinition& p = c.m_Parameters[row];
-            auto cell = std::make_shared<ImageAndTextCell>();
-            cell->set_strName(p.strName);
-            cell->set_strDefinition(p.strDefinition);
-            cell->set_bSelected(p.bSelected != 0);
-            if (col > 0) {
-                int value = p.nValue;
-                const int frame = col - 1;
-                if (fromGrid && static_cast<std::size_t>(frame) < c.m_snppDataImage_Col_Row.size())
-                    value = c.m_snppDataImage_Col_Row[frame][row];
-                cell->set_nDefaultValue(p.nDefaultValue);
-                cell->set_nValue(value);
-                cell->set_nMinValue(p.nMinValue);
-                cell->set_nMaxValue(p.nMaxValue);
-                cell->set_mColor(p.mColor);
-                cell->set_bAnchor(fromGrid && anchors[frame][row]);
-                cell->setInttoStringValue(value);
+            ImageAndTextCell& cell = *cells[row];
+            cell.set_bSelected(p.bSelected != 0);
+            if (col == 0) {
+                cell.adoptDefinition(nameModel[row]);
+                continue;
             }
-            cell->set_nsbgColor(groupBackgroundColor(row));
-            cells.push_back(std::move(cell));
+            const int value = gridColumn ? c.m_snppDataImage_Col_Row[frame][row] : p.nValue;
+            cell.adoptDefinition(frameModel[row]);
+            cell.set_nValue(value);
+            cell.set_bAnchor(fromGrid && anchors[static_cast<std::size_t>(frame) * kParameterCount + row]);
+            cell.setInttoStringValue(value);
         }
         _dataTableDictionary.setObject(static_cast<long long>(col) * interval, std::move(cells));
     }

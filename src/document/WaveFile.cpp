@@ -136,16 +136,20 @@ std::string MyDocument::save_Wave_FileType()
     // The loop runs while i < the length as a double, so a fractional length writes one sample
     // more than the header counts; that sample is 0 when the block does not hold it.
     const auto written = static_cast<std::size_t>(std::ceil(length));
-    out.reserve(48 + written * 2);
+    const std::size_t headerBytes = out.size();
+    out.resize(headerBytes + written * 2);
+    auto* bytes = reinterpret_cast<unsigned char*>(out.data() + headerBytes);
     const float* samples = nullptr;
     if (c.m_hData)
         samples = static_cast<const float*>(c.m_hData->lock());
-    const std::size_t held = c.m_hData ? c.m_hData->size() / sizeof(float) : 0;
-    for (std::size_t i = 0; i < written; ++i) {
-        const float s = i < held ? samples[i] : 0.0f;
+    const std::size_t held = c.m_hData ? std::min(c.m_hData->size() / sizeof(float), written) : 0;
+    for (std::size_t i = 0; i < held; ++i) {
         // No clipping: +1.0 becomes 32768, whose low 16 bits are -32768. Kept so on purpose.
-        appendLE16(out, static_cast<std::uint16_t>(truncate64(s * 32768.0) & 0xffff));
+        const auto v = static_cast<std::uint16_t>(truncate64(samples[i] * 32768.0) & 0xffff);
+        bytes[2 * i] = static_cast<unsigned char>(v & 0xff);
+        bytes[2 * i + 1] = static_cast<unsigned char>(v >> 8);
     }
+    // Samples the block does not hold were zeroed by the resize.
     if (c.m_hData)
         c.m_hData->unlock();
     return out;

@@ -59,10 +59,14 @@ FrozenColumnView::FrozenColumnView(QTableView* table) : QTableView(table), m_pTa
 
 void FrozenColumnView::followColumnsAndRows()
 {
+    // With its updates off the header hides a section without working out where it was on
+    // screen, a pass over every column: an hour of frames has 360,000 of them.
     const int columns = model()->columnCount();
+    horizontalHeader()->setUpdatesEnabled(false);
     for (int column = 1; column < columns; ++column)
         if (!isColumnHidden(column))
             setColumnHidden(column, true);
+    horizontalHeader()->setUpdatesEnabled(true);
     setColumnWidth(0, m_pTable->columnWidth(0));
     const int rows = model()->rowCount();
     for (int row = 0; row < rows; ++row)

@@ -9,7 +9,7 @@
 #include <QAbstractTableModel>
 #include <QFont>
 
-#include "table/DataTableDictionary.h"
+#include "table/core/DataTableDictionary.h"
 
 #include <vector>
 

@@ -8,7 +8,7 @@
 #include "table/Alert.h"
 #include "table/FrozenColumnView.h"
 #include "table/PlayCursor.h"
-#include "table/TableEditing.h"
+#include "table/edit/TableEditing.h"
 
 #include <QContextMenuEvent>
 #include <QHeaderView>

@@ -9,7 +9,7 @@
 #include "options/optionPitch.h"
 #include "options/optionSpectrogram.h"
 #include "options/optionsParameters.h"
-#include "table/TableEditing.h"
+#include "table/edit/TableEditing.h"
 
 #include <QWidget>
 

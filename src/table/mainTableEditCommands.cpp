@@ -5,8 +5,8 @@
 
 #include "document/MyDocument.h"
 #include "table/Alert.h"
-#include "table/FrameEditing.h"
-#include "table/TableEditing.h"
+#include "table/edit/FrameEditing.h"
+#include "table/edit/TableEditing.h"
 #include "table/addColumns.h"
 
 void mainTable::_editAddColumns()

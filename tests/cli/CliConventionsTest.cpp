@@ -133,8 +133,8 @@ TEST(CliConventions, AllocationFailureIsOneLineNamingTheFile)
     GTEST_SKIP() << "the sanitizer's shadow memory does not fit under an address-space limit";
 #endif
     TempDir dir;
-    ASSERT_EQ(runCli("new --length 60000 -o " + dir / "long.stk").exitCode, 0);
-    // 40 MB of address space: the program starts, the synthesis of a minute does not fit.
+    ASSERT_EQ(runCli("new --length 600000 -o " + dir / "long.stk").exitCode, 0);
+    // 40 MB of address space: the program starts, the synthesis of ten minutes does not fit.
     CliResult r = runCliAfter("ulimit -v 40000;", "synth " + dir / "long.stk");
     EXPECT_EQ(r.exitCode, 2) << r.err;
     EXPECT_NE(r.err.find("long.stk"), std::string::npos) << r.err;

@@ -229,3 +229,37 @@ TEST(GraphicalEntryFromTheTable, OpensWithThePrefixFollowsThePointerAndUndoesThr
     GraphicalEntry::drag(plot, {{45, 50}, {45, 50}});
     EXPECT_EQ(doc._dataTableDictionary.cellAt(30, Row::f0)->_nValue(), 1500);
 }
+
+TEST(GraphicalEntryFromTheTable, OneCellIsSeenThroughTheTableDataTheTableAndThePlot)
+{
+    MyDocument doc;
+    mainTable table(&doc);
+    mainTable::setGraphicalDataEntryFactory([](mainTable* t) -> DataEntryController* {
+        return new dataentryGraphicalController(t->document(), t);
+    });
+    table._dataentryGraphical();
+    mainTable::setGraphicalDataEntryFactory({});
+    auto* controller = dynamic_cast<dataentryGraphicalController*>(table.graphicalDataEntry());
+    ASSERT_NE(controller, nullptr);
+    controller->window()->resize(505, 426 + controller->window()->height() -
+                                          controller->_viewF0()->parentWidget()->height());
+    QApplication::processEvents();
+    ParameterTableModel& model = *table.tableModel();
+    auto shown = [&](int column) {
+        return model.data(model.index(Row::f0, column), Qt::DisplayRole).toString();
+    };
+
+    // An edit through the table data is what the table shows.
+    const CellRef frame3 = doc._dataTableDictionary.cellAt(40, Row::f0);
+    frame3->set_nValue(2000);
+    frame3->setInttoStringValue(2000);
+    EXPECT_EQ(model.cellAt(Row::f0, 4), frame3);
+    EXPECT_EQ(shown(4), "2000");
+
+    // An edit through the plot changes that same cell: the table data and the table see it.
+    GraphicalEntry::drag(*controller->_viewF0(), {{70, 10}, {70, 10}});
+    EXPECT_EQ(doc._dataTableDictionary.cellAt(40, Row::f0), frame3);
+    EXPECT_EQ(frame3->_nValue(), 2700);
+    EXPECT_EQ(shown(4), "2700");
+    EXPECT_EQ(shown(3), "1000");
+}

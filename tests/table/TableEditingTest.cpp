@@ -1,4 +1,4 @@
-#include "table/TableEditing.h"
+#include "table/edit/TableEditing.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "dataentry/core/TraceDataEntry.h"
 
 #include "document/MyDocument.h"
-#include "table/TableEditing.h"
+#include "table/edit/TableEditing.h"
 
 #include <algorithm>
 #include <cmath>

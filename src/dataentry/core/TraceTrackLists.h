@@ -7,7 +7,7 @@
 // view shows: the same cells when the grid's old values are shown, otherwise one placeholder
 // of value -1 per column (shared by all slots of that column) until the column is traced or
 // entered, when the live cell takes its place. Main thread only.
-#include "table/DataTableDictionary.h"
+#include "table/core/DataTableDictionary.h"
 
 #include <vector>
 

@@ -3,7 +3,7 @@
 // order. Key "0" is the parameter-name column; frame column k (k >= 1) has the key k x update
 // interval in decimal ("10", "20", ...). The number of frame columns is count() - 1.
 // Lookups by a missing key answer nullptr: callers tolerate missing columns.
-#include "table/ImageAndTextCell.h"
+#include "table/core/ImageAndTextCell.h"
 
 #include <string>
 #include <unordered_map>
@@ -27,6 +27,7 @@ public:
     void setObject(long long key, CellArray column) { setObject(keyFor(key), std::move(column)); }
     void removeObjectForKey(const std::string& key) { m_map.erase(key); }
     void removeAllObjects() { m_map.clear(); }
+    void reserve(std::size_t columns) { m_map.reserve(columns); }
 
     // The cell of a column and row, or nullptr when either is missing.
     CellRef cellAt(long long key, int row) const;

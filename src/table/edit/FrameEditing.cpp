@@ -1,7 +1,7 @@
-#include "table/FrameEditing.h"
+#include "table/edit/FrameEditing.h"
 
 #include "document/DocumentException.h"
-#include "table/TableEditing.h"
+#include "table/edit/TableEditing.h"
 
 #include <algorithm>
 #include <climits>
@@ -38,8 +38,9 @@ void carryFrame(const DataTableDictionary& oldData, DataTableDictionary& newData
 void addNewFrames(const MyDocument& doc, DataTableDictionary& newData, int firstFrame, int count,
                   int interval)
 {
+    const FrameCellMaker maker(doc);
     for (int k = 0; k < count; ++k)
-        newData.setObject(static_cast<long long>(firstFrame + k) * interval, newFrameCells(doc));
+        newData.setObject(static_cast<long long>(firstFrame + k) * interval, maker.column(true));
 }
 
 // The table data of a document whose window has not built it yet.
@@ -73,17 +74,9 @@ void clearAnchorRows(MyDocument& doc, int firstRow, int lastRow)
 
 CellArray newFrameCells(const MyDocument& doc)
 {
-    const Channels& c = *doc.getChannel(0);
-    CellArray cells;
-    cells.reserve(kParameterCount);
-    for (int row = 0; row < kParameterCount; ++row) {
-        CellRef cell = newFrameCell(c.m_Parameters[row], doc.groupBackgroundColor(row));
-        // Inserted frames are marked shown whatever the record says; a row's height follows
-        // the name column's flag, not these.
-        cell->set_bSelected(true);
-        cells.push_back(std::move(cell));
-    }
-    return cells;
+    // Inserted frames are marked shown whatever the record says; a row's height follows the
+    // name column's flag, not these.
+    return FrameCellMaker(doc).column(true);
 }
 
 bool modifyColumns(MyDocument& doc, int firstSelectedColumn)

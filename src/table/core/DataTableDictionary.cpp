@@ -1,4 +1,4 @@
-#include "table/DataTableDictionary.h"
+#include "table/core/DataTableDictionary.h"
 
 CellArray* DataTableDictionary::objectForKey(const std::string& key)
 {

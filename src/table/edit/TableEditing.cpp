@@ -1,8 +1,9 @@
-#include "table/TableEditing.h"
+#include "table/edit/TableEditing.h"
 
 #include "document/DocumentException.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <memory>
 
@@ -162,17 +163,33 @@ void checkDataRange(MyDocument& doc, int row)
 void saveParameters(MyDocument& doc)
 {
     const Channels& c = *doc.getChannel(0);
+    // The cells of a row share a few definitions (the name column's, the frames'): each is
+    // changed once, and the cells that had it take the changed one.
+    std::array<std::vector<std::pair<ImageAndTextCell, ImageAndTextCell>>, kParameterCount> changed;
     for (auto& [key, column] : doc._dataTableDictionary.map()) {
         (void)key;
         const std::size_t rows = std::min<std::size_t>(column.size(), kParameterCount);
         for (std::size_t row = 0; row < rows; ++row) {
             const ParameterDefinition& p = c.m_Parameters[row];
             ImageAndTextCell& cell = *column[row];
-            cell.set_nDefaultValue(p.nDefaultValue);
-            cell.set_nMinValue(p.nMinValue);
-            cell.set_nMaxValue(p.nMaxValue);
+            auto& known = changed[row];
+            auto found = std::find_if(known.begin(), known.end(), [&cell](const auto& pair) {
+                return cell.sharesDefinitionWith(pair.first);
+            });
+            if (found == known.end()) {
+                ImageAndTextCell after;
+                after.adoptDefinition(cell);
+                CellDefinition d = after.definition();
+                d.defaultValue = p.nDefaultValue;
+                d.minValue = p.nMinValue;
+                d.maxValue = p.nMaxValue;
+                d.background = p.nsSetColor;
+                after.setDefinition(d);
+                known.emplace_back(cell, after);
+                found = known.end() - 1;
+            }
+            cell.adoptDefinition(found->second);
             cell.set_bSelected(p.bSelected != 0);
-            cell.set_nsbgColor(p.nsSetColor);
         }
     }
     AdjustSampleRate(doc, true);
@@ -204,17 +221,32 @@ void AdjustSampleRate(MyDocument& doc, bool synthesize)
 CellRef newFrameCell(const ParameterDefinition& p, const Color& background)
 {
     auto cell = std::make_shared<ImageAndTextCell>();
-    cell->set_strName(p.strName);
-    cell->set_strDefinition(p.strDefinition);
-    cell->set_nDefaultValue(p.nDefaultValue);
+    cell->setDefinition(MyDocument::frameCellDefinition(p, background));
     cell->set_nValue(p.nValue);
-    cell->set_nMinValue(p.nMinValue);
-    cell->set_nMaxValue(p.nMaxValue);
     cell->set_bSelected(p.bSelected != 0);
-    cell->set_mColor(p.mColor);
-    cell->set_nsbgColor(background);
     cell->setInttoStringValue(p.nValue);
     return cell;
+}
+
+FrameCellMaker::FrameCellMaker(const MyDocument& doc) : m_channel(*doc.getChannel(0))
+{
+    for (int row = 0; row < kParameterCount; ++row)
+        m_models[row].setDefinition(
+            MyDocument::frameCellDefinition(m_channel.m_Parameters[row], doc.groupBackgroundColor(row)));
+}
+
+CellArray FrameCellMaker::column(bool allShown) const
+{
+    CellArray cells = ImageAndTextCell::newColumn(kParameterCount);
+    for (int row = 0; row < kParameterCount; ++row) {
+        const ParameterDefinition& p = m_channel.m_Parameters[row];
+        ImageAndTextCell& cell = *cells[row];
+        cell.adoptDefinition(m_models[row]);
+        cell.set_nValue(p.nValue);
+        cell.set_bSelected(allShown || p.bSelected != 0);
+        cell.setInttoStringValue(p.nValue);
+    }
+    return cells;
 }
 
 namespace
@@ -233,13 +265,13 @@ long long findKeyAtOrBelow(const DataTableDictionary& dictionary, long long time
 void copyColumnCells(const CellArray& from, CellArray& to)
 {
     const std::size_t rows = std::min(from.size(), to.size());
+    CellArray copies = ImageAndTextCell::newColumn(rows);
     for (std::size_t row = 0; row < rows; ++row) {
         if (!from[row])
             continue;
-        auto cell = std::make_shared<ImageAndTextCell>();
-        cell->copy(*from[row]);
-        cell->setInttoStringValue(cell->_nValue());
-        to[row] = std::move(cell);
+        copies[row]->copy(*from[row]);
+        copies[row]->setInttoStringValue(copies[row]->_nValue());
+        to[row] = std::move(copies[row]);
     }
 }
 
@@ -247,22 +279,19 @@ DataTableDictionary freshTableData(MyDocument& doc, int frames, long long interv
 {
     const Channels& c = *doc.getChannel(0);
     DataTableDictionary fresh;
-    CellArray names;
+    CellArray names = ImageAndTextCell::newColumn(kParameterCount);
     for (int row = 0; row < kParameterCount; ++row) {
-        auto cell = std::make_shared<ImageAndTextCell>();
-        cell->set_strName(c.m_Parameters[row].strName);
-        cell->set_strDefinition(c.m_Parameters[row].strDefinition);
-        cell->set_bSelected(c.m_Parameters[row].bSelected != 0);
-        names.push_back(std::move(cell));
+        CellDefinition d;
+        d.name = c.m_Parameters[row].strName;
+        d.definition = c.m_Parameters[row].strDefinition;
+        names[row]->setDefinition(d);
+        names[row]->set_bSelected(c.m_Parameters[row].bSelected != 0);
     }
     fresh.setObject("0", std::move(names));
-    for (int k = 1; k <= frames; ++k) {
-        CellArray column;
-        column.reserve(kParameterCount);
-        for (int row = 0; row < kParameterCount; ++row)
-            column.push_back(newFrameCell(c.m_Parameters[row], doc.groupBackgroundColor(row)));
-        fresh.setObject(k * interval, std::move(column));
-    }
+    const FrameCellMaker maker(doc);
+    fresh.reserve(static_cast<std::size_t>(std::max(frames, 0)) + 1);
+    for (int k = 1; k <= frames; ++k)
+        fresh.setObject(k * interval, maker.column(false));
     return fresh;
 }
 } // namespace

@@ -10,8 +10,9 @@
 // is the frame stored under the key k x update interval. Rows are parameter rows 0..47.
 // Main thread only. Values are in the parameters' own units (f0 in 0.1 Hz, ...).
 #include "document/MyDocument.h"
-#include "table/DataTableDictionary.h"
+#include "table/core/DataTableDictionary.h"
 
+#include <array>
 #include <string>
 #include <vector>
 
@@ -79,3 +80,17 @@ void saveoptionsFile(MyDocument& doc);
 // A new frame cell made from a parameter record: name, definition, default, value, limits,
 // shown flag, colour and background as given, anchor off, text = the record's value.
 CellRef newFrameCell(const ParameterDefinition& record, const Color& background);
+
+// Makes the columns of new frames of a document in one allocation each, every cell of a row
+// sharing the row's definition (as newFrameCell makes them).
+class FrameCellMaker
+{
+public:
+    explicit FrameCellMaker(const MyDocument& doc);
+    // Cells of rows 0..47; shown flag from the records, or on for all when `allShown`.
+    CellArray column(bool allShown) const;
+
+private:
+    const Channels& m_channel;
+    std::array<ImageAndTextCell, kParameterCount> m_models;
+};

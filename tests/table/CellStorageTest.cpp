@@ -1,0 +1,179 @@
+// How table cells are stored: the shared row definitions, the displayed text, undo snapshots
+// that give back every value, flag and anchor, and the memory a long document costs.
+#include "table/edit/FrameEditing.h"
+#include "table/edit/TableEditing.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <random>
+#include <string>
+
+namespace
+{
+
+std::unique_ptr<MyDocument> documentOf(int frames)
+{
+    auto doc = std::make_unique<MyDocument>();
+    Channels& c = *doc->getChannel(0);
+    c.m_dLengthMS = frames * 10.0;
+    c.m_nColumnNum = frames;
+    doc->SetUpDataGridMemory();
+    doc->buildDataTableDictionary();
+    return doc;
+}
+
+CellRef cellOf(MyDocument& doc, int frame, int row)
+{
+    return doc._dataTableDictionary.cellAt(static_cast<long long>(frame) * 10, row);
+}
+
+} // namespace
+
+TEST(CellStorage, ChangingOneCellsLimitsOrColoursLeavesTheRestOfItsRow)
+{
+    auto doc = documentOf(5);
+    const CellRef a = cellOf(*doc, 2, Row::f1);
+    const CellRef b = cellOf(*doc, 3, Row::f1);
+    ASSERT_TRUE(a->sharesDefinitionWith(*b));
+    const int max = b->_nMaxValue();
+
+    a->set_nMaxValue(max - 1);
+    a->set_nsbgColor(Color::rgb(0.25, 0.5, 0.75));
+    a->set_mColor(RGBColor16{1, 2, 3});
+    EXPECT_EQ(a->_nMaxValue(), max - 1);
+    EXPECT_EQ(a->_nsbgColor(), Color::rgb(0.25, 0.5, 0.75));
+    EXPECT_EQ(a->_mColor(), (RGBColor16{1, 2, 3}));
+    EXPECT_STREQ(a->_strName(), "f1");
+    EXPECT_EQ(b->_nMaxValue(), max);
+    EXPECT_EQ(b->_nsbgColor(), doc->groupBackgroundColor(Row::f1));
+
+    // copy() takes everything but the text; the value and flags stay the cell's own.
+    ImageAndTextCell c;
+    c.setInttoStringValue(7);
+    a->set_nValue(444);
+    a->set_bAnchor(true);
+    c.copy(*a);
+    EXPECT_EQ(c._nMaxValue(), max - 1);
+    EXPECT_EQ(c._nValue(), 444);
+    EXPECT_TRUE(c._bAnchor());
+    EXPECT_EQ(c.stringValue(), "7");
+    a->set_nValue(1);
+    EXPECT_EQ(c._nValue(), 444);
+}
+
+TEST(CellStorage, DisplayedTextIsKeptAsWrittenAndReadAsTheTableReadsIt)
+{
+    ImageAndTextCell cell;
+    EXPECT_EQ(cell.stringValue(), "");
+    EXPECT_EQ(cell.intValue(), 0);
+    cell.setInttoStringValue(-2147483647 - 1);
+    EXPECT_EQ(cell.stringValue(), "-2147483648");
+    EXPECT_EQ(cell.intValue(), -2147483647 - 1);
+
+    // Texts that are not a plain decimal stay as typed; their number is read from the front.
+    const struct {
+        const char* text;
+        int value;
+    } typed[] = {{" 12abc", 12}, {"007", 7}, {"+5", 5}, {"x", 0}, {"99999999999", 2147483647}};
+    for (const auto& t : typed) {
+        cell.setStringValue(t.text);
+        EXPECT_EQ(cell.stringValue(), t.text);
+        EXPECT_EQ(cell.intValue(), t.value) << t.text;
+        const ImageAndTextCell copied(cell);
+        EXPECT_EQ(copied.stringValue(), t.text);
+    }
+    ImageAndTextCell assigned;
+    assigned = cell;
+    cell.setInttoStringValue(3);
+    EXPECT_EQ(assigned.stringValue(), "99999999999");
+    EXPECT_EQ(cell.stringValue(), "3");
+}
+
+TEST(CellStorage, DefinitionsNoLongerUsedAreGivenBack)
+{
+    const std::size_t before = CellDefinitions::liveCount();
+    {
+        auto doc = documentOf(50);
+        // Distinct colours for every row of every frame: 2400 definitions while they live.
+        for (int k = 1; k <= 50; ++k)
+            for (int row = 0; row < kParameterCount; ++row)
+                cellOf(*doc, k, row)->set_nsbgColor(Color::rgb(k / 64.0, row / 64.0, 0.5));
+        EXPECT_GE(CellDefinitions::liveCount(), before + 50 * kParameterCount);
+        saveParameters(*doc);
+        // The parameter settings bring every frame cell of a row back to one definition.
+        for (int k = 2; k <= 50; ++k)
+            ASSERT_TRUE(cellOf(*doc, k, Row::f2)->sharesDefinitionWith(*cellOf(*doc, 1, Row::f2)));
+    }
+    EXPECT_EQ(CellDefinitions::liveCount(), before);
+}
+
+TEST(CellStorage, UndoSnapshotsGiveBackEveryValueFlagAndAnchor)
+{
+    auto doc = documentOf(300);
+    std::mt19937 random(11);
+    auto state = [&doc] {
+        std::string all;
+        for (int k = 0; k <= 300; ++k)
+            for (int row = 0; row < kParameterCount; ++row) {
+                const CellRef c = cellOf(*doc, k, row);
+                all += std::to_string(c->_nValue()) + c->stringValue() + (c->_bAnchor() ? "a" : "-") +
+                       (c->_bSelected() ? "s" : "-") + c->_strName() + std::to_string(c->_nMaxValue()) + ";";
+            }
+        return all;
+    };
+    auto scramble = [&] {
+        bool shown[kParameterCount];
+        for (int row = 0; row < kParameterCount; ++row) {
+            shown[row] = random() % 2 == 0;
+            doc->getChannel(0)->m_Parameters[row].bSelected = shown[row];
+        }
+        for (int k = 0; k <= 300; ++k)
+            for (int row = 0; row < kParameterCount; ++row) {
+                const CellRef c = cellOf(*doc, k, row);
+                c->set_bSelected(shown[row]);
+                if (k == 0)
+                    continue;
+                const int v = std::uniform_int_distribution<int>(-32768, 32767)(random);
+                c->set_nValue(v);
+                c->setInttoStringValue(v);
+                c->set_bAnchor(random() % 7 == 0);
+            }
+    };
+    scramble();
+    const std::string first = state();
+    doc->saveUndo();
+    scramble();
+    doc->saveRedo();
+    const std::string second = state();
+    ASSERT_NE(first, second);
+
+    doc->doUndo();
+    EXPECT_EQ(state(), first);
+    doc->doRedo();
+    EXPECT_EQ(state(), second);
+}
+
+TEST(CellStorage, ADeclaredLengthFarBeyondTheValueLinesCostsItsFramesAtSixteenBytesACell)
+{
+    EXPECT_EQ(sizeof(ImageAndTextCell), 16u);
+    // A document that declares ten minutes but whose value lines stop after three frames.
+    auto small = documentOf(3);
+    std::string text = small->Save_STK_FileType50(true);
+    text.replace(0, text.find('\t'), "600000");
+
+    MyDocument doc;
+    ASSERT_EQ(doc.Read_STK_FileType(text), 0);
+    doc.m_bReadFile = 1;
+    doc.buildDataTableDictionary();
+    ASSERT_EQ(doc._dataTableDictionary.count(), 60001u);
+    EXPECT_EQ(cellOf(doc, 60000, Row::f0)->_nValue(), doc.getChannel(0)->m_Parameters[Row::f0].nDefaultValue);
+    // Every column's cells lie in one block: neighbours are 16 bytes apart.
+    for (long long k : {1LL, 30000LL, 60000LL}) {
+        const CellArray& column = *doc._dataTableDictionary.objectForKey(k * 10);
+        for (int row = 1; row < kParameterCount; ++row)
+            ASSERT_EQ(reinterpret_cast<const char*>(column[row].get()) -
+                          reinterpret_cast<const char*>(column[row - 1].get()),
+                      16);
+    }
+}
