@@ -19,6 +19,7 @@ namespace
 {
 constexpr int kRecentFiles = 10;
 const char* kRecentKey = "recentFiles";
+const char* kOpenFolderKey = "openFolder";
 } // namespace
 
 WorkbenchApplication::WorkbenchApplication(QObject* parent) : QObject(parent)
@@ -98,15 +99,29 @@ DocumentWindow* WorkbenchApplication::openFile(const QString& path)
     }
     doc->buildDataTableDictionary(); // a WAVE file became a new, changed document x.stk
     noteRecentFile(absolute);
+    const QStringList changes = readChanges(*doc);
+    DocumentWindow* opened = nullptr;
     // An untouched new window gives way to the opened file.
     if (m_windows.size() == 1 && m_windows.front()->isPristine()) {
         DocumentWindow* pristine = m_windows.front();
-        DocumentWindow* opened = show(std::move(doc), 0);
+        opened = show(std::move(doc), 0);
         opened->move(pristine->pos());
         pristine->close();
-        return opened;
+    } else {
+        opened = show(std::move(doc), 0);
     }
-    return show(std::move(doc), 0);
+    if (!changes.isEmpty())
+        alert(opened, tr("The document “%1” was not read exactly as written.").arg(name), changes.join('\n'));
+    return opened;
+}
+
+QStringList WorkbenchApplication::readChanges(const MyDocument& doc)
+{
+    QStringList changes;
+    if (doc.m_nClampedValues > 0)
+        changes << tr("%1 values did not fit the table and were set to their parameters' limits.")
+                       .arg(doc.m_nClampedValues);
+    return changes;
 }
 
 void WorkbenchApplication::openFiles(const QStringList& paths)
@@ -115,12 +130,21 @@ void WorkbenchApplication::openFiles(const QStringList& paths)
         openFile(path);
 }
 
+QString WorkbenchApplication::openFolder(QWidget* parent) const
+{
+    if (auto* window = qobject_cast<DocumentWindow*>(parent); window && !window->filePath().isEmpty())
+        return QFileInfo(window->filePath()).absolutePath();
+    return QSettings().value(kOpenFolderKey).toString();
+}
+
 void WorkbenchApplication::openDialog(QWidget* parent)
 {
     const QStringList paths = QFileDialog::getOpenFileNames(
-        parent, tr("Open"), QString(),
+        parent, tr("Open"), openFolder(parent),
         tr("Parameter documents and WAVE files (*.stk *.wav *.wave);;"
            "Parameter documents (*.stk);;WAVE files (*.wav *.wave);;All files (*)"));
+    if (!paths.isEmpty())
+        QSettings().setValue(kOpenFolderKey, QFileInfo(paths.first()).absolutePath());
     openFiles(paths);
 }
 

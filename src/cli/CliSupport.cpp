@@ -8,6 +8,11 @@
 #include <fstream>
 #include <sstream>
 
+void warn(const std::string& file, const std::string& what)
+{
+    std::fprintf(stderr, "tessaphon-cli: %s: warning: %s\n", file.c_str(), what.c_str());
+}
+
 std::string readWholeFile(const std::string& path)
 {
     std::ifstream in(path, std::ios::binary);
@@ -49,6 +54,9 @@ std::unique_ptr<MyDocument> openDocument(const std::string& path)
         const std::string& why = document->lastReadError();
         throw CliInputError{path, why.empty() ? "not a WAVE file or a parameter document" : why};
     }
+    if (document->m_nClampedValues > 0)
+        warn(path, std::to_string(document->m_nClampedValues) +
+                       " values did not fit the grid and were clamped to their rows' limits");
     document->buildDataTableDictionary();
     return document;
 }

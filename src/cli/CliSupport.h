@@ -17,11 +17,16 @@ struct CliInputError {
     std::string what;
 };
 
+// A warning: one line "tessaphon-cli: FILE: warning: WHAT" on standard error; the command
+// goes on and its exit status is unchanged.
+void warn(const std::string& file, const std::string& what);
+
 // Reads a whole file; throws CliInputError when it cannot be read.
 std::string readWholeFile(const std::string& path);
 // Writes a whole file atomically (temporary file beside it, then rename); throws CliInputError.
 void writeWholeFile(const std::string& path, const std::string& bytes);
-// Opens a parameter document or a WAVE file as the workbench does; throws CliInputError.
+// Opens a parameter document or a WAVE file as the workbench does, warning about values it
+// had to clamp; throws CliInputError.
 std::unique_ptr<MyDocument> openDocument(const std::string& path);
 
 // Command groups, each registering its subcommands on the application.

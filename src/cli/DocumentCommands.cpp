@@ -42,6 +42,9 @@ void commandSynth(const std::string& input, std::string output)
         output = withExtension(input, ".wav");
     document->Synthesize();
     writeWholeFile(output, document->save_Wave_FileType());
+    // The file is written all the same: the samples beyond full scale were limited.
+    if (const std::string clipping = document->clippingReport(); !clipping.empty())
+        warn(output, clipping);
 }
 
 void printDocumentInfo(MyDocument& document)
@@ -54,6 +57,7 @@ void printDocumentInfo(MyDocument& document)
               << "sample_rate: " << static_cast<long long>(c->m_dSampleRate) << "\n"
               << "cascade: " << int(c->m_bCascade_Parallel) << "\n"
               << "anchors: " << c->m_nNumberofAnchors << "\n"
+              << "clamped_values: " << document.m_nClampedValues << "\n"
               << "selected:";
     for (int row = 0; row < kParameterCount; ++row)
         if (c->m_Parameters[row].bSelected)

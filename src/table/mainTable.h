@@ -21,6 +21,7 @@
 
 #include <functional>
 #include <memory>
+#include <vector>
 
 class AudioPlayer;
 class FrozenColumnView;
@@ -84,6 +85,10 @@ public:
     // Rows too low to take an anchor from the context menu: hidden parameters.
     bool rowTakesAnchor(int row) const;
 
+    // The name of the document as its window shows it; the open data-entry windows carry it
+    // in their titles, with the document's modified marker. Called again after every change.
+    void setDocumentTitle(const QString& name);
+
     DataEntryController* graphicalDataEntry() const { return m_pDataentryGraphical.get(); }
     DataEntryController* traceDataEntry() const { return m_pDataentryTrace.get(); }
 
@@ -97,6 +102,9 @@ public slots:
     void _PlayCurrent();
     void _PlayPrevious();
     void _PlayAudio();
+    // Plays the part of the synthesis under the selected frame columns (synthesizing first
+    // when the table changed or was never synthesized).
+    void _PlaySelection();
     void _InterpolateAll();
     void _editRows();
     void _optionsParameters();
@@ -118,6 +126,7 @@ public slots:
 
     // The deferred half of the play commands; public for the benchmarks and tests.
     void PlayDocument(int channel);
+    void PlaySelection();
 
     void addAnchor(int row, int column);
     void removeAnchor(int row, int column);
@@ -133,12 +142,23 @@ public slots:
     void _anchorRemoveAll();
     void _InterpolateSelection();
 
+    // --- copy and paste (mainTableEditCommands.cpp) ---
+    // Puts the selected cells (or the selected frame columns, all rows) on the clipboard as
+    // tab-separated text with a header line of parameter names.
+    void copySelection();
+    // Writes the clipboard's tab-separated values from the selected cell on, as one undo
+    // step; a paste that does not fit is refused with an alert.
+    void pasteAtSelection();
+
 signals:
     // The document changed (edit, undo, redo, revert, options): the window updates its title
     // and menus.
     void documentChanged();
-    // A playback of this table's document started (sample rate, length in samples).
-    void playbackStarted(double sampleRate, double samples);
+    // A playback of this table's document started (sample rate, length in samples, and the
+    // sample of the synthesis it starts at).
+    void playbackStarted(double sampleRate, double samples, double startSample);
+    // The table synthesized channel 0 (clipping, sample rate and length may have changed).
+    void synthesized();
 
 protected:
     void contextMenuEvent(QContextMenuEvent* event) override;
@@ -155,9 +175,18 @@ private:
     QRect columnStrip(int tableColumn) const;
     void setAnchorFlag(int row, int column, bool anchor);
     void schedulePlay(int channel);
+    // Channel 0 must be synthesized before it is played or saved: the table changed, or it
+    // was never synthesized.
+    bool needsSynthesis() const;
+    // Stops a playback of this document, synthesizes, clears _bSynthesize, says so.
+    void synthesizeNow();
     void afterSnapshotRestored();
+    // Asks before Options > File... removes frames that hold entered values; true to go on.
+    bool mayShorten();
     void openDataEntry(std::unique_ptr<DataEntryController>& slot, const DataEntryFactory& factory,
                        const QString& titlePrefix);
+    // Titles a data-entry window: the prefix, the document's name and its modified marker.
+    void titleDataEntry(DataEntryController* controller, const QString& titlePrefix);
 
     MyDocument* m_pDoc;
     ParameterTableModel* m_pModel;
@@ -167,4 +196,8 @@ private:
     FrozenColumnView* m_pFrozen = nullptr;
     PlayCursor* m_pPlayCursor = nullptr;
     int m_nPlayColumn = -1;
+    // The samples of a selection being played (the player reads them; kept until the next
+    // playback or the table goes).
+    std::vector<float> m_selectionSamples;
+    QString m_strDocumentTitle; // empty until the window names the document
 };

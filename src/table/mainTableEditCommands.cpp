@@ -1,13 +1,18 @@
-// The table's frame and anchor commands: adding and removing frames, clearing anchors and
-// interpolating the selected rows. The operations on the table data are in FrameEditing and
-// TableEditing; here they get the table's selection, its redraw and its alerts.
+// The table's frame and anchor commands: adding and removing frames, clearing anchors,
+// interpolating the selected rows, and copying and pasting cells as text. The operations on the table data
+// are in FrameEditing and TableEditing; here they get the table's selection, its redraw and its alerts.
 #include "table/mainTable.h"
 
 #include "document/MyDocument.h"
 #include "table/Alert.h"
 #include "table/FrameEditing.h"
+#include "table/TableClipboard.h"
 #include "table/TableEditing.h"
 #include "table/addColumns.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QItemSelectionModel>
 
 void mainTable::_editAddColumns()
 {
@@ -71,6 +76,49 @@ void mainTable::_InterpolateSelection()
         _bSynthesize = true;
         m_pDoc->updateChangeCount(MyDocument::ChangeDone);
         m_pDoc->saveRedo();
+        emit documentChanged();
+    });
+}
+
+void mainTable::copySelection()
+{
+    guarded(QStringLiteral("OK"), [&] {
+        const auto [firstRow, lastRow] = selectedRowSpan();
+        const auto [firstColumn, lastColumn] = selectedColumnSpan();
+        const std::string text = copyCellsAsText(*m_pDoc, firstRow, lastRow, firstColumn, lastColumn);
+        if (!text.empty())
+            QGuiApplication::clipboard()->setText(QString::fromStdString(text));
+    });
+}
+
+void mainTable::pasteAtSelection()
+{
+    guarded(QStringLiteral("OK"), [&] {
+        int row = selectedRowSpan().first;
+        int column = selectedColumnSpan().first;
+        if (row < 0 && currentIndex().isValid()) {
+            row = currentIndex().row();
+            column = currentIndex().column();
+        }
+        if (row < 0 || column < 1) {
+            Alert::show(window(), QStringLiteral("Nothing Pasted"),
+                        tr("Select the frame cell where the first value goes."), QStringLiteral("OK"));
+            return;
+        }
+        const std::string text = QGuiApplication::clipboard()->text().toStdString();
+        const PasteOutcome outcome = pasteCellsFromText(*m_pDoc, row, column, text);
+        if (!outcome.pasted) {
+            Alert::show(window(), QStringLiteral("Nothing Pasted"), QString::fromStdString(outcome.message),
+                        QStringLiteral("OK"));
+            return;
+        }
+        reloadData();
+        // The pasted cells stay selected, so that they can be seen and copied again.
+        selectionModel()->select(
+            QItemSelection(m_pModel->index(row, column),
+                           m_pModel->index(row + outcome.rows - 1, column + outcome.frames - 1)),
+            QItemSelectionModel::ClearAndSelect);
+        _bSynthesize = true;
         emit documentChanged();
     });
 }
