@@ -111,7 +111,9 @@ DocumentWindow* WorkbenchApplication::openFile(const QString& path)
         opened = show(std::move(doc), 0);
     }
     if (!changes.isEmpty())
-        alert(opened, tr("The document “%1” was not read exactly as written.").arg(name), changes.join('\n'));
+        alert(opened, tr("Opened with changes"),
+              tr("The document “%1” was not read exactly as written:").arg(name) + QLatin1Char('\n') +
+                  changes.join(QLatin1Char('\n')));
     return opened;
 }
 

@@ -140,12 +140,12 @@ bool mainTable::mayShorten()
     const Shortening shortening = proposedShortening(*m_pDoc);
     if (!shortening.removesValues)
         return true; // frames at the factory values are not worth a question
-    QMessageBox box(QMessageBox::Question, tr("Shorten the utterance?"),
+    QMessageBox box(QMessageBox::Question, tr("Shorten"),
                     tr("Shortening to %1 ms removes %2 frames.")
                         .arg(static_cast<long long>(std::max(0.0, m_pDoc->m_dNewLengthMS)))
                         .arg(shortening.removedFrames),
                     QMessageBox::NoButton, window());
-    box.setInformativeText(tr("Some of them hold values you entered."));
+    box.setInformativeText(tr("Some of them hold values other than a new frame's."));
     QPushButton* shorten = box.addButton(tr("Shorten"), QMessageBox::DestructiveRole);
     QPushButton* cancel = box.addButton(QMessageBox::Cancel);
     box.setDefaultButton(cancel);

@@ -160,7 +160,7 @@ void mainTable::PlayDocument(int channel)
 {
     try {
         Channels* ch = m_pDoc->getChannel(channel);
-        if (channel == 0 && _bSynthesize)
+        if (channel == 0 && needsSynthesis())
             synthesizeNow();
         if (!ch->hasAudio())
             return; // nothing to play, nothing to report

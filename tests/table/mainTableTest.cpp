@@ -200,7 +200,7 @@ TEST(mainTable, TwoPlaysSynthesizeOnceAndTheOutputGetsTheSamples)
     TableFixture f;
     const std::string capture = std::string(std::getenv("AUDIO_CAPTURE_FILE")) + ".table";
     setenv("AUDIO_CAPTURE_FILE", capture.c_str(), 1);
-    f.table->_bSynthesize = true;
+    ASSERT_FALSE(f.table->_bSynthesize); // a new document, never synthesized, is synthesized to play
     f.table->_PlayCurrent();
     QTest::qWait(300);
     f.waitForPlaybackEnd();
