@@ -95,7 +95,9 @@ void mainTable::pasteAtSelection()
 {
     guarded(QStringLiteral("OK"), [&] {
         int row = selectedRowSpan().first;
-        int column = selectedColumnSpan().first;
+        const auto [column0, lastColumn] = selectedColumnSpan();
+        // A whole row (selected by its name) takes the values from its first frame on.
+        int column = column0 == 0 && lastColumn >= 1 ? 1 : column0;
         if (row < 0 && currentIndex().isValid()) {
             row = currentIndex().row();
             column = currentIndex().column();
