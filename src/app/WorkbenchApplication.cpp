@@ -22,9 +22,13 @@ const char* kRecentKey = "recentFiles";
 const char* kOpenFolderKey = "openFolder";
 } // namespace
 
-WorkbenchApplication::WorkbenchApplication(QObject* parent) : QObject(parent)
+WorkbenchApplication::WorkbenchApplication(QObject* parent)
+    : QObject(parent), m_pAutosave(std::make_unique<Autosave>())
 {
     ConfigurationFile::install();
+    // Whatever ends the event loop, unsaved changes are copied first.
+    connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, this,
+            &WorkbenchApplication::autosaveAll);
     mainTable::setGraphicalDataEntryFactory([](mainTable* table) -> DataEntryController* {
         return new dataentryGraphicalController(table->document(), table);
     });
@@ -49,6 +53,10 @@ void WorkbenchApplication::alert(QWidget* parent, const QString& title, const QS
 DocumentWindow* WorkbenchApplication::show(std::unique_ptr<MyDocument> doc, int untitledNumber)
 {
     auto* window = new DocumentWindow(this, std::move(doc), untitledNumber);
+    if (!window->table()->isSetUp()) {
+        delete window; // its table said why in an alert; the other windows go on
+        return nullptr;
+    }
     m_windows.push_back(window);
     // Cascade new windows a little so that they do not hide each other.
     if (m_windows.size() > 1) {
@@ -97,19 +105,25 @@ DocumentWindow* WorkbenchApplication::openFile(const QString& path)
               why.isEmpty() ? tr("It is neither a WAVE file nor a parameter document.") : why);
         return nullptr;
     }
-    doc->buildDataTableDictionary(); // a WAVE file became a new, changed document x.stk
+    // A WAVE file became a new, changed document x.stk: a name proposed, not chosen.
+    const bool nameProposed =
+        QFileInfo(QString::fromStdString(doc->fileURL())).absoluteFilePath() != absolute;
     noteRecentFile(absolute);
     const QStringList changes = readChanges(*doc);
-    DocumentWindow* opened = nullptr;
     // An untouched new window gives way to the opened file.
-    if (m_windows.size() == 1 && m_windows.front()->isPristine()) {
-        DocumentWindow* pristine = m_windows.front();
-        opened = show(std::move(doc), 0);
+    DocumentWindow* pristine =
+        m_windows.size() == 1 && m_windows.front()->isPristine() ? m_windows.front() : nullptr;
+    DocumentWindow* opened = show(std::move(doc), 0);
+    if (!opened)
+        return nullptr;
+    opened->setFileNameProposed(nameProposed);
+    if (opened->document()->getChannel(2)->hasAudio())
+        opened->setModelPath(absolute);
+    if (pristine) {
         opened->move(pristine->pos());
         pristine->close();
-    } else {
-        opened = show(std::move(doc), 0);
     }
+    // Everything reading changed, in one alert after the window opened.
     if (!changes.isEmpty())
         alert(opened, tr("Opened with changes"),
               tr("The document “%1” was not read exactly as written:").arg(name) + QLatin1Char('\n') +
@@ -120,6 +134,11 @@ DocumentWindow* WorkbenchApplication::openFile(const QString& path)
 QStringList WorkbenchApplication::readChanges(const MyDocument& doc)
 {
     QStringList changes;
+    if (doc.isTruncated())
+        changes
+            << tr("It declares %1 frames but holds values for %2 of them; the others have default values.")
+                   .arg(doc.framesDeclared())
+                   .arg(doc.framesInFile());
     if (doc.m_nClampedValues > 0)
         changes << tr("%1 values did not fit the table and were set to their parameters' limits.")
                        .arg(doc.m_nClampedValues);
@@ -177,8 +196,15 @@ void WorkbenchApplication::windowClosed(DocumentWindow* window)
     m_windows.erase(std::remove(m_windows.begin(), m_windows.end(), window), m_windows.end());
 }
 
+void WorkbenchApplication::autosaveAll()
+{
+    for (DocumentWindow* w : m_windows)
+        w->autosaveNow();
+}
+
 bool WorkbenchApplication::quit()
 {
+    autosaveAll();
     for (DocumentWindow* w : std::vector<DocumentWindow*>(m_windows))
         if (!w->close())
             return false;

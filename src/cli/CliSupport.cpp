@@ -54,6 +54,10 @@ std::unique_ptr<MyDocument> openDocument(const std::string& path)
         const std::string& why = document->lastReadError();
         throw CliInputError{path, why.empty() ? "not a WAVE file or a parameter document" : why};
     }
+    if (document->isTruncated())
+        warn(path, "only " + std::to_string(document->framesInFile()) + " of " +
+                       std::to_string(document->framesDeclared()) +
+                       " declared frames are present; the others hold default values");
     if (document->m_nClampedValues > 0)
         warn(path, std::to_string(document->m_nClampedValues) +
                        " values did not fit the grid and were clamped to their rows' limits");

@@ -25,8 +25,10 @@ void warn(const std::string& file, const std::string& what);
 std::string readWholeFile(const std::string& path);
 // Writes a whole file atomically (temporary file beside it, then rename); throws CliInputError.
 void writeWholeFile(const std::string& path, const std::string& bytes);
-// Opens a parameter document or a WAVE file as the workbench does, warning about values it
-// had to clamp; throws CliInputError.
+// Opens a parameter document or a WAVE file as the workbench does; throws CliInputError. A
+// document whose value lines stop before its declared length is read as far as it goes, and
+// values too large for the grid are read as their rows' limits: one warning line each on
+// standard error naming the file.
 std::unique_ptr<MyDocument> openDocument(const std::string& path);
 
 // Command groups, each registering its subcommands on the application.

@@ -1,5 +1,7 @@
 #include "table/TableEditing.h"
 
+#include "document/DocumentException.h"
+
 #include <algorithm>
 #include <cmath>
 #include <memory>
@@ -271,9 +273,10 @@ long long proposedInterval(const MyDocument& doc)
     return doc.m_nNewUpdateIntervalMS < 1 ? 10 : doc.m_nNewUpdateIntervalMS;
 }
 
+// Capped far beyond any document, so that the frame count stays representable.
 double proposedLength(const MyDocument& doc)
 {
-    return doc.m_dNewLengthMS < 0.0 ? 0.0 : doc.m_dNewLengthMS;
+    return doc.m_dNewLengthMS < 0.0 ? 0.0 : std::min(doc.m_dNewLengthMS, 1e15);
 }
 } // namespace
 
@@ -300,12 +303,15 @@ Shortening proposedShortening(MyDocument& doc)
 
 void saveoptionsFile(MyDocument& doc)
 {
+    const long long newInterval = proposedInterval(doc);
+    const double newLength = proposedLength(doc);
+    const long long frames = static_cast<long long>(newLength) / newInterval;
+    if (frames > MyDocument::kMaxFrames || newLength > MyDocument::kMaxLengthMS)
+        throw DocumentException::tooManyFrames(frames, MyDocument::kMaxFrames); // nothing changed yet
+    const int newFrames = static_cast<int>(frames);
     doc.saveUndo();
     Channels& c = *doc.getChannel(0);
     const long long oldInterval = doc.updateInterval();
-    const long long newInterval = proposedInterval(doc);
-    const double newLength = proposedLength(doc);
-    const int newFrames = static_cast<int>(static_cast<long long>(newLength) / newInterval);
     const long long oldFrames = doc._dataTableDictionary.empty() ? 0 : doc._dataTableDictionary.count() - 1;
 
     DataTableDictionary fresh = freshTableData(doc, newFrames, newInterval);

@@ -21,6 +21,7 @@
 
 #include <functional>
 #include <memory>
+#include <set>
 #include <vector>
 
 class AudioPlayer;
@@ -72,13 +73,23 @@ public:
     void refreshTable();
     void checkDataRange(int row);
 
-    // Table-column span and row span of the selection (first, last), or (-1, -1).
+    // Two selections kept apart: parameter rows, selected by clicking their names, and frame
+    // columns, selected by their headers or by selectaColumn. The frame commands read only
+    // the columns, the row commands only the rows; a click on a cell selects neither.
+    // Spans are (first, last) in table rows / table columns, or (-1, -1) when none.
     std::pair<int, int> selectedColumnSpan() const;
     std::pair<int, int> selectedRowSpan() const;
+    // The table's select-all selects every parameter row (and no frame).
+    void selectAll() override;
+
+    // False when the table data or its columns could not be made (an alert said why): the
+    // table shows nothing and the window that holds it should not stay open.
+    bool isSetUp() const { return m_bSetUp; }
 
     // Rebuilds the columns after the table data was replaced (frame count or interval may
-    // have changed), then reloads: what awakeFromNib does once.
-    void rebuildColumns();
+    // have changed), then reloads: what awakeFromNib does once. A failure is shown as an
+    // alert ("Error in creating columns") and leaves the table empty; false then.
+    bool rebuildColumns();
     // Reloads the cells without marking anything.
     void reloadData();
 
@@ -124,7 +135,9 @@ public slots:
     // Stops the shared player when it plays this document's samples.
     void stopPlayback();
 
-    // The deferred half of the play commands; public for the benchmarks and tests.
+    // The deferred half of the play commands; public for the benchmarks and tests. Channel 0
+    // is synthesized first when the table changed since the last synthesis or when it was
+    // never synthesized.
     void PlayDocument(int channel);
     void PlaySelection();
 
@@ -143,11 +156,12 @@ public slots:
     void _InterpolateSelection();
 
     // --- copy and paste (mainTableEditCommands.cpp) ---
-    // Puts the selected cells (or the selected frame columns, all rows) on the clipboard as
-    // tab-separated text with a header line of parameter names.
+    // Puts the selected cells (the selected frames with all rows, the selected rows with all
+    // frames, or the cells selected in the view) on the clipboard as tab-separated text with a
+    // header line of parameter names.
     void copySelection();
-    // Writes the clipboard's tab-separated values from the selected cell on, as one undo
-    // step; a paste that does not fit is refused with an alert.
+    // Writes the clipboard's tab-separated values from the first cell of that selection on,
+    // as one undo step; a paste that does not fit is refused with an alert.
     void pasteAtSelection();
 
 signals:
@@ -161,6 +175,7 @@ signals:
     void synthesized();
 
 protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void updateGeometries() override;
@@ -171,16 +186,26 @@ private:
     void typedValue(int row, int column, const QString& text);
     void updateRowHeights();
     void showAnchorMenu(const QModelIndex& index, const QPoint& globalPos);
-    void selectNameRow(const QModelIndex& index);
+    // --- the row and column selections (mainTableSelection.cpp) ---
+    void setUpSelection();
+    // A press on a name (rows) or a frame header (columns), with the modifiers of the press:
+    // none selects that one, Ctrl toggles it, Shift extends from the last pressed one.
+    void pressName(int row, Qt::KeyboardModifiers modifiers);
+    void pressHeader(int column, Qt::KeyboardModifiers modifiers);
+    // Shows the two selections in the view's selection model.
+    void showSelection();
+    // The user changed the cell selection (a cell clicked, keys): rows and columns let go.
+    void cellSelectionEdited();
+    void forgetSelection();
     QRect columnStrip(int tableColumn) const;
     void setAnchorFlag(int row, int column, bool anchor);
     void schedulePlay(int channel);
-    // Channel 0 must be synthesized before it is played or saved: the table changed, or it
-    // was never synthesized.
-    bool needsSynthesis() const;
-    // Stops a playback of this document, synthesizes, clears _bSynthesize, says so.
-    void synthesizeNow();
+    // Runs the synthesis when _bSynthesize is set or channel 0 holds no samples yet (stopping
+    // a playback of this document first), and says so with synthesized().
+    void synthesizeIfNeeded();
     void afterSnapshotRestored();
+    // The cells Copy and Paste work on, as table columns (x) and rows (y); empty for none.
+    QRect selectedCellBlock() const;
     // Asks before Options > File... removes frames that hold entered values; true to go on.
     bool mayShorten();
     void openDataEntry(std::unique_ptr<DataEntryController>& slot, const DataEntryFactory& factory,
@@ -200,4 +225,16 @@ private:
     // playback or the table goes).
     std::vector<float> m_selectionSamples;
     QString m_strDocumentTitle; // empty until the window names the document
+    bool m_bSetUp = false;
+
+    // One of the two selections: the indices and where the last plain or Ctrl press was.
+    struct IndexSelection {
+        std::set<int> items;
+        int anchor = -1;
+        std::set<int> beforeDrag; // what a Ctrl drag adds to
+    };
+    IndexSelection m_rows;
+    IndexSelection m_columns;
+    Qt::KeyboardModifiers m_pressModifiers;
+    bool m_bShowingSelection = false;
 };

@@ -80,12 +80,32 @@ void mainTable::_InterpolateSelection()
     });
 }
 
+QRect mainTable::selectedCellBlock() const
+{
+    const int rows = m_pModel->rowCount();
+    const int frames = m_pModel->frameCount();
+    if (const auto [first, last] = selectedColumnSpan(); first >= 1)
+        return QRect(QPoint(first, 0), QPoint(last, rows - 1)); // the frames, all rows
+    if (const auto [first, last] = selectedRowSpan(); first >= 0)
+        return QRect(QPoint(1, first), QPoint(frames, last)); // the rows, all frames
+    QRect block;
+    for (const QItemSelectionRange& range : selectionModel()->selection())
+        block |= QRect(QPoint(range.left(), range.top()), QPoint(range.right(), range.bottom()));
+    if (block.isEmpty() && currentIndex().isValid())
+        block = QRect(currentIndex().column(), currentIndex().row(), 1, 1);
+    if (!block.isEmpty() && block.left() < 1)
+        block.setLeft(1); // the names are not values
+    return block;
+}
+
 void mainTable::copySelection()
 {
     guarded(QStringLiteral("OK"), [&] {
-        const auto [firstRow, lastRow] = selectedRowSpan();
-        const auto [firstColumn, lastColumn] = selectedColumnSpan();
-        const std::string text = copyCellsAsText(*m_pDoc, firstRow, lastRow, firstColumn, lastColumn);
+        const QRect block = selectedCellBlock();
+        if (block.isEmpty())
+            return;
+        const std::string text =
+            copyCellsAsText(*m_pDoc, block.top(), block.bottom(), block.left(), block.right());
         if (!text.empty())
             QGuiApplication::clipboard()->setText(QString::fromStdString(text));
     });
@@ -94,19 +114,14 @@ void mainTable::copySelection()
 void mainTable::pasteAtSelection()
 {
     guarded(QStringLiteral("OK"), [&] {
-        int row = selectedRowSpan().first;
-        const auto [column0, lastColumn] = selectedColumnSpan();
-        // A whole row (selected by its name) takes the values from its first frame on.
-        int column = column0 == 0 && lastColumn >= 1 ? 1 : column0;
-        if (row < 0 && currentIndex().isValid()) {
-            row = currentIndex().row();
-            column = currentIndex().column();
-        }
-        if (row < 0 || column < 1) {
+        const QRect block = selectedCellBlock();
+        if (block.isEmpty()) {
             Alert::show(window(), QStringLiteral("Nothing Pasted"),
                         tr("Select the frame cell where the first value goes."), QStringLiteral("OK"));
             return;
         }
+        const int row = block.top();
+        const int column = block.left();
         const std::string text = QGuiApplication::clipboard()->text().toStdString();
         const PasteOutcome outcome = pasteCellsFromText(*m_pDoc, row, column, text);
         if (!outcome.pasted) {

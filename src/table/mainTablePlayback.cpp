@@ -143,13 +143,11 @@ void mainTable::schedulePlay(int channel)
     QTimer::singleShot(100, this, [this, channel] { PlayDocument(channel); });
 }
 
-bool mainTable::needsSynthesis() const
+void mainTable::synthesizeIfNeeded()
 {
-    return _bSynthesize || !m_pDoc->getChannel(0)->hasAudio();
-}
-
-void mainTable::synthesizeNow()
-{
+    // A document just opened has a table but no synthesis yet: it is heard as it reads.
+    if (!_bSynthesize && m_pDoc->getChannel(0)->hasAudio())
+        return;
     stopPlayback(); // the synthesis replaces the samples the player may hold
     m_pDoc->Synthesize();
     _bSynthesize = false;
@@ -160,8 +158,8 @@ void mainTable::PlayDocument(int channel)
 {
     try {
         Channels* ch = m_pDoc->getChannel(channel);
-        if (channel == 0 && needsSynthesis())
-            synthesizeNow();
+        if (channel == 0)
+            synthesizeIfNeeded();
         if (!ch->hasAudio())
             return; // nothing to play, nothing to report
         AudioPlayer* player = sharedPlayer();
@@ -201,8 +199,7 @@ void mainTable::PlaySelection()
         first = std::max(first, 1); // the name column stands for no samples
         if (last < first)
             return;
-        if (needsSynthesis())
-            synthesizeNow();
+        synthesizeIfNeeded();
         const Channels& ch = *m_pDoc->getChannel(0);
         // Frame column k holds the samples from (k - 1) x the frame's sample count on, the
         // count the synthesis made per frame.
@@ -240,9 +237,7 @@ bool mainTable::saveAudioTo(const QString& path)
 {
     bool ok = false;
     try {
-        // A document never synthesized is synthesized first: its audio is what is saved.
-        if (needsSynthesis())
-            synthesizeNow();
+        synthesizeIfNeeded();
         if (m_pDoc->getChannel(0)->sampleCount() == 0) {
             Alert::show(window(), QStringLiteral("No audio to save"),
                         tr("The document is too short to synthesize any samples; nothing was written."),

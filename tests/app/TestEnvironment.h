@@ -1,6 +1,6 @@
 #pragma once
 // The environment the GUI tests and the workbench benchmarks run in: the offscreen platform
-// unless one is set, a private configuration folder (the real home is never touched), and an
+// unless one is set, private configuration and state folders (the real home is never touched), and an
 // ALSA set-up whose default output writes what it plays into a file (AUDIO_CAPTURE_FILE), so
 // that playback runs the real path without a sound card.
 #include <cstdlib>
@@ -18,6 +18,7 @@ inline std::string prepareTestEnvironment()
         return {};
     const std::string base = folder;
     setenv("XDG_CONFIG_HOME", (base + "/config").c_str(), 1);
+    setenv("XDG_STATE_HOME", (base + "/state").c_str(), 1); // crash-recovery copies
     std::ofstream(base + "/asound.conf") << R"(pcm.!default {
     type file
     slave.pcm { type null }

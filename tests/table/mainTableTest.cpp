@@ -5,6 +5,7 @@
 #include "document/MyDocument.h"
 #include "options/optionFile.h"
 #include "table/Alert.h"
+#include "table/TableClicks.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -21,6 +22,7 @@
 
 #include <atomic>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <mutex>
@@ -182,7 +184,7 @@ TEST(mainTable, SelectionHelpersAndFailedRevert)
     TableFixture f;
     f.table->selectaColumn(7);
     EXPECT_EQ(f.table->selectedColumnSpan(), std::make_pair(7, 7));
-    EXPECT_EQ(f.table->selectedRowSpan().first, 0);
+    EXPECT_EQ(f.table->selectedRowSpan(), std::make_pair(-1, -1)) << "a frame is no row";
     f.table->selectaColumn(3);
     EXPECT_EQ(f.table->selectedColumnSpan(), std::make_pair(3, 3)) << "the selection is not extended";
     f.table->clearSelection();
@@ -238,6 +240,61 @@ TEST(mainTable, TwoPlaysSynthesizeOnceAndTheOutputGetsTheSamples)
     EXPECT_TRUE(f.alerts.isEmpty());
 }
 
+TEST(mainTable, ADocumentNeverSynthesizedIsHeardAndSavedAsItReads)
+{
+    // Just opened: the table flag is clear and channel 0 holds no samples yet.
+    TableFixture f;
+    ASSERT_FALSE(f.table->_bSynthesize);
+    ASSERT_FALSE(f.doc.getChannel(0)->hasAudio());
+    f.table->_PlayCurrent();
+    QTest::qWait(300);
+    f.waitForPlaybackEnd();
+    EXPECT_EQ(f.logged("strat synthesize"), 1);
+    EXPECT_GT(f.doc.getChannel(0)->sampleCount(), 0u);
+    f.table->_PlayCurrent();
+    QTest::qWait(300);
+    f.waitForPlaybackEnd();
+    EXPECT_EQ(f.logged("strat synthesize"), 1) << "synthesized once";
+
+    TableFixture g;
+    const std::string path = std::string(std::getenv("AUDIO_CAPTURE_FILE")) + ".fresh.wav";
+    ASSERT_TRUE(g.table->saveAudioTo(QString::fromStdString(path)));
+    ASSERT_GT(g.doc.getChannel(0)->sampleCount(), 0u);
+    EXPECT_EQ(std::filesystem::file_size(path), 48 + 2 * g.doc.getChannel(0)->sampleCount());
+}
+
+TEST(mainTable, AFailedSetUpIsAnAlertAndTheProgramGoesOn)
+{
+    QStringList alerts;
+    Alert::setHandler(
+        [&](const QString& title, const QString&, const QString& button) { alerts << title + "|" + button; });
+    // More frames than a document holds: refused before anything is made.
+    MyDocument tooLong;
+    tooLong.getChannel(0)->m_nColumnNum = MyDocument::kMaxFrames + 1;
+    {
+        mainTable table(&tooLong);
+        EXPECT_FALSE(table.isSetUp());
+        EXPECT_EQ(alerts, QStringList{"Document Too Long|Error in starting the window"});
+        EXPECT_EQ(table.model()->columnCount(), 0);
+        EXPECT_TRUE(tooLong._dataTableDictionary.empty());
+    }
+
+    // Columns that cannot be made leave an empty table, not stale columns.
+    MyDocument doc;
+    doc.buildDataTableDictionary();
+    mainTable table(&doc);
+    ASSERT_TRUE(table.isSetUp());
+    DataTableDictionary runaway;
+    for (long long k = 0; k <= MyDocument::kMaxFrames + 1; ++k)
+        runaway.setObject(k * 10, CellArray{});
+    doc._dataTableDictionary = std::move(runaway);
+    EXPECT_FALSE(table.rebuildColumns());
+    EXPECT_EQ(alerts.value(1), "Document Too Long|Error in creating columns");
+    EXPECT_EQ(table.model()->columnCount(), 0);
+    EXPECT_EQ(table.model()->rowCount(), 0);
+    Alert::setHandler({});
+}
+
 TEST(mainTable, SaveAudioWritesTheSynthesis)
 {
     // A new document, never played: its synthesis is made first and saved, 200 ms at 11025 Hz.
@@ -272,9 +329,9 @@ TEST(mainTable, PlaySelectionPlaysExactlyTheSelectedFrames)
     const std::string capture = std::string(std::getenv("AUDIO_CAPTURE_FILE")) + ".selection";
     setenv("AUDIO_CAPTURE_FILE", capture.c_str(), 1);
     // Frames 5 to 8 of a document never synthesized: 110 samples a frame at 11025 Hz.
-    QAbstractItemModel* model = f.table->model();
-    f.table->selectionModel()->select(QItemSelection(model->index(0, 5), model->index(47, 8)),
-                                      QItemSelectionModel::ClearAndSelect);
+    clickHeader(*f.table, 5);
+    clickHeader(*f.table, 8, Qt::ShiftModifier);
+    ASSERT_EQ(f.table->selectedColumnSpan(), std::make_pair(5, 8));
     f.table->_PlaySelection();
     QTest::qWait(300);
     f.waitForPlaybackEnd();
@@ -292,8 +349,8 @@ TEST(mainTable, PlaySelectionPlaysExactlyTheSelectedFrames)
     EXPECT_TRUE(std::all_of(heard.begin(), at, [](float s) { return s == 0.0f; }));
     EXPECT_TRUE(std::all_of(at + 4 * 110, heard.end(), [](float s) { return s == 0.0f; }));
 
-    // The name column alone selects no frame: nothing plays.
-    f.table->selectionModel()->select(model->index(3, 0), QItemSelectionModel::ClearAndSelect);
+    // A parameter row selects no frame: nothing plays.
+    clickName(*f.table, Row::f1);
     f.table->PlaySelection();
     EXPECT_FALSE(mainTable::sharedPlayer()->isPlaying());
 }
@@ -302,7 +359,9 @@ TEST(mainTable, CopiedCellsPasteElsewhereAsOneUndoStep)
 {
     TableFixture f;
     QAbstractItemModel* model = f.table->model();
+    // Cells selected in the view (a selected row or frame is let go first).
     auto select = [&](int top, int left, int bottom, int right) {
+        f.table->clearSelection();
         f.table->selectionModel()->select(
             QItemSelection(model->index(top, left), model->index(bottom, right)),
             QItemSelectionModel::ClearAndSelect);
@@ -328,6 +387,20 @@ TEST(mainTable, CopiedCellsPasteElsewhereAsOneUndoStep)
     f.table->undo();
     EXPECT_EQ(f.value(Row::f2, 11), 1500);
     EXPECT_EQ(f.value(Row::f1, 12), 500);
+
+    // A row selected by its name is copied over every frame, a frame over every row.
+    clickName(*f.table, Row::f1);
+    f.table->copySelection();
+    QStringList lines = QGuiApplication::clipboard()->text().split('\n', Qt::SkipEmptyParts);
+    ASSERT_EQ(lines.size(), 21);
+    EXPECT_EQ(lines[0], "f1");
+    EXPECT_EQ(lines[4], "704");
+    clickHeader(*f.table, 4);
+    f.table->copySelection();
+    lines = QGuiApplication::clipboard()->text().split('\n', Qt::SkipEmptyParts);
+    ASSERT_EQ(lines.size(), 2);
+    EXPECT_EQ(lines[0].split('\t').size(), 48);
+    EXPECT_EQ(lines[1].split('\t').value(Row::f1), "704");
 
     // Values from elsewhere (CR LF, no header) are clamped as typed values are.
     QGuiApplication::clipboard()->setText("200\t-3\r\n50\r\n");
