@@ -33,6 +33,7 @@ void DocumentWindow::createMenus()
     m_pRevert = file->addAction(tr("Re&vert to Saved"), this, &DocumentWindow::revertDocument);
     file->addSeparator();
     file->addAction(tr("Save A&udio..."), m_pTable, &mainTable::_fileSaveAudio);
+    file->addAction(tr("Load &Model Recording..."), this, &DocumentWindow::loadModelRecording);
     file->addSeparator();
     file->addAction(tr("&Load Configuration..."), this, &DocumentWindow::loadConfiguration);
     file->addAction(tr("Save Con&figuration..."), this, &DocumentWindow::saveConfiguration);
@@ -84,6 +85,10 @@ void DocumentWindow::createMenus()
     QMenu* options = menuBar()->addMenu(tr("&Options"));
     options->addAction(tr("&Parameters..."), m_pTable, &mainTable::_optionsParameters);
     options->addAction(tr("&File..."), m_pTable, &mainTable::_optionsFile);
+    options->addSeparator();
+    options->addAction(tr("FFT/&LPC..."), m_pTable, &mainTable::_optionsFFTLPC);
+    options->addAction(tr("&Spectrogram..."), m_pTable, &mainTable::_optionsSpectrogram);
+    options->addAction(tr("P&itch..."), m_pTable, &mainTable::_optionsPitch);
 
     for (QMenu* menu : {file, edit, frames, play, options})
         connect(menu, &QMenu::aboutToShow, this, &DocumentWindow::updateActions);

@@ -120,6 +120,10 @@ public slots:
     void _editRows();
     void _optionsParameters();
     void _optionsFile();
+    // The analysis option panels; OK saves the configuration and rebuilds an open trace window.
+    void _optionsFFTLPC();
+    void _optionsSpectrogram();
+    void _optionsPitch();
     void _dataentryGraphical();
     void _dataentryTrace();
     // Writes channel 0 as a WAVE file, asking where (save panel "Save Audio as").

@@ -4,7 +4,10 @@
 
 #include "document/DocumentException.h"
 #include "document/MyDocument.h"
+#include "options/optionFFTLPC.h"
 #include "options/optionFile.h"
+#include "options/optionPitch.h"
+#include "options/optionSpectrogram.h"
 #include "options/optionsParameters.h"
 #include "table/TableEditing.h"
 
@@ -152,6 +155,39 @@ bool mainTable::mayShorten()
     box.setWindowModality(Qt::WindowModal);
     box.exec();
     return box.clickedButton() == shorten;
+}
+
+namespace
+{
+template <class Panel> bool runAnalysisPanel(QWidget* parent, MyDocument* doc)
+{
+    Panel panel(parent);
+    if (panel.showInWindow(parent, doc) != OptionPanel::kOK)
+        return false;
+    doc->saveConfig();
+    return true;
+}
+} // namespace
+
+void mainTable::_optionsFFTLPC()
+{
+    guarded(QStringLiteral("OK"), [&] { runAnalysisPanel<optionFFTLPC>(window(), m_pDoc); });
+}
+
+void mainTable::_optionsSpectrogram()
+{
+    guarded(QStringLiteral("OK"), [&] {
+        if (runAnalysisPanel<optionSpectrogram>(window(), m_pDoc) && m_pDataentryTrace)
+            m_pDataentryTrace->analysisSettingsChanged();
+    });
+}
+
+void mainTable::_optionsPitch()
+{
+    guarded(QStringLiteral("OK"), [&] {
+        if (runAnalysisPanel<optionPitch>(window(), m_pDoc) && m_pDataentryTrace)
+            m_pDataentryTrace->analysisSettingsChanged();
+    });
 }
 
 void mainTable::saveParameters()
