@@ -105,12 +105,26 @@ void ensureTableData(MyDocument& document)
     document.m_bReadFile = readFile;
 }
 
+// The shortest decimal text that reads back as the same double, and a tab.
+void appendExactNumber(std::string& text, double value)
+{
+    char digits[32];
+    char* end = std::to_chars(digits, digits + sizeof digits, value).ptr;
+    *end++ = '\t';
+    text.append(digits, end);
+}
+
 void writeSettings(MyDocument& document, std::string& text, int anchors, int marker)
 {
     Channels& c = *document.getChannel(0);
     MyDocument::EnterNumber(text, truncateToInt(c.m_dLengthMS), false);
     MyDocument::EnterNumber(text, truncateToInt(c.m_dSampleRate), false);
     MyDocument::EnterNumber(text, document.updateInterval(), false);
+    // A snapshot also carries the length exactly: a document made from a recording has a
+    // fractional length in ms, and the synthesis sizes its audio by it, so undo must give it
+    // back unchanged. Readers of files never look past the third field.
+    if (marker == kSnapshotMarker)
+        appendExactNumber(text, c.m_dLengthMS);
     MyDocument::EnterNumber(text, 0, true);
 
     MyDocument::EnterNumber(text, c.m_bCascade_Parallel ? 1 : 0, false);
