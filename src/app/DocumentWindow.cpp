@@ -36,6 +36,7 @@ DocumentWindow::DocumentWindow(WorkbenchApplication* app, std::unique_ptr<MyDocu
     connect(m_pTable, &mainTable::documentChanged, this, &DocumentWindow::updateTitle);
     connect(m_pTable, &mainTable::documentChanged, this, &DocumentWindow::updateActions);
     connect(m_pTable, &mainTable::playbackStarted, this, &DocumentWindow::updateStatus);
+    connect(m_pTable, &mainTable::synthesized, this, &DocumentWindow::updateStatus);
     createMenus();
     createStatusBar();
     setUpAutosave();
@@ -82,6 +83,7 @@ void DocumentWindow::updateTitle()
     setWindowTitle(displayName() + QStringLiteral("[*] — Tessaphon"));
     setWindowFilePath(filePath());
     setWindowModified(m_pDoc->isDocumentEdited());
+    m_pTable->setDocumentTitle(displayName());
     updateStatus();
 }
 
@@ -147,8 +149,12 @@ void DocumentWindow::dropEvent(QDropEvent* event)
 void DocumentWindow::createStatusBar()
 {
     m_pStatusGrid = new QLabel(this);
+    m_pStatusClipping = new QLabel(this);
+    m_pStatusClipping->setObjectName(QStringLiteral("clipping"));
+    m_pStatusClipping->setStyleSheet(QStringLiteral("QLabel { color: #b00000; font-weight: bold; }"));
     m_pStatusPlay = new QLabel(this);
     statusBar()->addWidget(m_pStatusGrid, 1);
+    statusBar()->addWidget(m_pStatusClipping);
     statusBar()->addPermanentWidget(m_pStatusPlay);
     // The table's play cursor reports the position it shows; the status bar repeats it.
     connect(m_pTable->playCursor(), &PlayCursor::positionChanged, m_pStatusPlay,
@@ -163,12 +169,15 @@ void DocumentWindow::updateStatus()
     if (!m_pStatusGrid)
         return;
     const Channels& c = *m_pDoc->getChannel(0);
+    // The rate the next synthesis will run at, which follows the shown parameters at once.
     QString text = tr("%1 frames of %2 ms · %3 ms · %4 Hz")
                        .arg(c.m_nColumnNum)
                        .arg(c.m_nUpdateIntervalMS)
                        .arg(static_cast<long long>(c.m_dLengthMS))
-                       .arg(static_cast<long long>(c.m_dSampleRate));
+                       .arg(m_pDoc->synthesisSampleRate());
     if (m_pDoc->getChannel(2)->hasAudio())
         text += tr(" · model %1 ms").arg(static_cast<long long>(m_pDoc->getChannel(2)->m_dLengthMS));
     m_pStatusGrid->setText(text);
+    // The last synthesis's clipping, until the next synthesis.
+    m_pStatusClipping->setText(QString::fromStdString(m_pDoc->clippingReport()));
 }

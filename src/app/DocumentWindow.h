@@ -101,6 +101,7 @@ private:
     QTimer* m_pAutosaveTimer = nullptr;
     QLabel* m_pStatusGrid = nullptr;
     QLabel* m_pStatusPlay = nullptr;
+    QLabel* m_pStatusClipping = nullptr; // "N samples clipped (peak x dB)" in a warning colour
 
     QAction* m_pSave = nullptr;
     QAction* m_pRevert = nullptr;

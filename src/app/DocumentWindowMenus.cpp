@@ -46,6 +46,8 @@ void DocumentWindow::createMenus()
     m_pUndo = edit->addAction(tr("&Undo"), QKeySequence::Undo, m_pTable, &mainTable::undo);
     m_pRedo = edit->addAction(tr("&Redo"), QKeySequence(tr("Ctrl+Shift+Z")), m_pTable, &mainTable::redo);
     edit->addSeparator();
+    edit->addAction(tr("&Copy"), QKeySequence::Copy, m_pTable, &mainTable::copySelection);
+    edit->addAction(tr("&Paste"), QKeySequence::Paste, m_pTable, &mainTable::pasteAtSelection);
     edit->addAction(tr("Select &All"), QKeySequence::SelectAll, m_pTable, &QTableView::selectAll);
     edit->addSeparator();
     edit->addAction(tr("&Parameters..."), m_pTable, &mainTable::_editRows);
@@ -64,6 +66,8 @@ void DocumentWindow::createMenus()
 
     QMenu* play = menuBar()->addMenu(tr("&Play"));
     play->addAction(tr("Play &Current"), QKeySequence(Qt::Key_Space), m_pTable, &mainTable::_PlayCurrent);
+    play->addAction(tr("Play &Selection"), QKeySequence(tr("Shift+Space")), m_pTable,
+                    &mainTable::_PlaySelection);
     play->addAction(tr("Play &Previous"), QKeySequence(tr("Ctrl+Shift+Space")), m_pTable,
                     &mainTable::_PlayPrevious);
     m_pPlayModel =

@@ -21,6 +21,7 @@ namespace
 {
 constexpr int kRecentFiles = 10;
 const char* kRecentKey = "recentFiles";
+const char* kOpenFolderKey = "openFolder";
 } // namespace
 
 WorkbenchApplication::WorkbenchApplication(QObject* parent)
@@ -120,6 +121,7 @@ DocumentWindow* WorkbenchApplication::openFile(const QString& path)
     const bool nameProposed =
         QFileInfo(QString::fromStdString(doc->fileURL())).absoluteFilePath() != absolute;
     noteRecentFile(absolute);
+    const QStringList changes = readChanges(*doc);
     // An untouched new window gives way to the opened file.
     DocumentWindow* pristine =
         m_windows.size() == 1 && m_windows.front()->isPristine() ? m_windows.front() : nullptr;
@@ -133,13 +135,26 @@ DocumentWindow* WorkbenchApplication::openFile(const QString& path)
         opened->move(pristine->pos());
         pristine->close();
     }
-    const MyDocument& read = *opened->document();
-    if (read.isTruncated())
-        alert(opened, tr("The document “%1” is incomplete.").arg(name),
-              tr("It declares %1 frames but holds values for %2 of them; the others have default values.")
-                  .arg(read.framesDeclared())
-                  .arg(read.framesInFile()));
+    // Everything reading changed, in one alert after the window opened.
+    if (!changes.isEmpty())
+        alert(opened, tr("Opened with changes"),
+              tr("The document “%1” was not read exactly as written:").arg(name) + QLatin1Char('\n') +
+                  changes.join(QLatin1Char('\n')));
     return opened;
+}
+
+QStringList WorkbenchApplication::readChanges(const MyDocument& doc)
+{
+    QStringList changes;
+    if (doc.isTruncated())
+        changes
+            << tr("It declares %1 frames but holds values for %2 of them; the others have default values.")
+                   .arg(doc.framesDeclared())
+                   .arg(doc.framesInFile());
+    if (doc.m_nClampedValues > 0)
+        changes << tr("%1 values did not fit the table and were set to their parameters' limits.")
+                       .arg(doc.m_nClampedValues);
+    return changes;
 }
 
 void WorkbenchApplication::openFiles(const QStringList& paths)
@@ -148,12 +163,21 @@ void WorkbenchApplication::openFiles(const QStringList& paths)
         openFile(path);
 }
 
+QString WorkbenchApplication::openFolder(QWidget* parent) const
+{
+    if (auto* window = qobject_cast<DocumentWindow*>(parent); window && !window->filePath().isEmpty())
+        return QFileInfo(window->filePath()).absolutePath();
+    return QSettings().value(kOpenFolderKey).toString();
+}
+
 void WorkbenchApplication::openDialog(QWidget* parent)
 {
     const QStringList paths = QFileDialog::getOpenFileNames(
-        parent, tr("Open"), QString(),
+        parent, tr("Open"), openFolder(parent),
         tr("Parameter documents and WAVE files (*.stk *.wav *.wave);;"
            "Parameter documents (*.stk);;WAVE files (*.wav *.wave);;All files (*)"));
+    if (!paths.isEmpty())
+        QSettings().setValue(kOpenFolderKey, QFileInfo(paths.first()).absolutePath());
     openFiles(paths);
 }
 

@@ -30,6 +30,13 @@ public:
     // an alert naming the file and the reason when it cannot be read.
     DocumentWindow* openFile(const QString& path);
     void openFiles(const QStringList& paths);
+    // What reading changed in a document that opened (values clamped, ...), one line each;
+    // shown in one alert after the window opens.
+    static QStringList readChanges(const MyDocument& doc);
+
+    // Where File > Open starts: the folder of the window's document, else the last folder
+    // opened from (empty the first time: the dialog's own choice).
+    QString openFolder(QWidget* parent) const;
 
     QStringList recentFiles() const;
     void noteRecentFile(const QString& path);

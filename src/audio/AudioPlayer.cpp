@@ -16,9 +16,6 @@ struct AudioPlayer::OutputUnit {
 
 namespace
 {
-// Frames per render request: fixed, so that the end-of-data rule always sees whole requests.
-constexpr unsigned long kFramesPerRequest = 512;
-
 // A status as four characters, the way the output's failure lines show codes.
 std::string fourCharacters(long status)
 {
@@ -100,8 +97,8 @@ void AudioPlayer::startPlay()
                     static_cast<long>(status));
         return;
     }
-    status = Pa_OpenStream(&gOutputUnit->stream, nullptr, &format, sSampleRate, kFramesPerRequest, paClipOff,
-                           AudioOutProc, this);
+    status = Pa_OpenStream(&gOutputUnit->stream, nullptr, &format, sSampleRate,
+                           AudioPlayer::kFramesPerRequest, paClipOff, AudioOutProc, this);
     if (status != paNoError) {
         gOutputUnit->stream = nullptr;
         Log::printf("AudioUnitInitialize=%ld\n", static_cast<long>(status));

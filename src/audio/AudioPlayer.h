@@ -28,6 +28,10 @@ public:
     explicit AudioPlayer(QObject* parent = nullptr);
     ~AudioPlayer() override;
 
+    // Frames per render request: fixed, so that the end-of-data rule always sees whole
+    // requests. A last request that would run past the data is not played.
+    static constexpr unsigned long kFramesPerRequest = 512;
+
     void setSampleRate(double rate) { sSampleRate = rate; }
     // The buffer (not owned), its length in samples and the start sample; resets the read
     // position. A start beyond 0 must come with a length shortened by the caller: the end

@@ -106,6 +106,9 @@ std::unique_ptr<MyDocument> openDocumentBytes(const std::string& path, const std
         cliWarning(path, "only " + std::to_string(document->framesInFile()) + " of " +
                              std::to_string(document->framesDeclared()) +
                              " declared frames are present; the others hold default values");
+    if (document->m_nClampedValues > 0)
+        cliWarning(path, std::to_string(document->m_nClampedValues) +
+                             " values did not fit the grid and were clamped to their rows' limits");
     if (table == TableData::Build)
         document->buildDataTableDictionary();
     return document;

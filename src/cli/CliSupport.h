@@ -43,8 +43,9 @@ std::string readWholeFile(const std::string& path);
 // CliInputError naming the file when it cannot be written.
 void writeWholeFile(const std::string& path, const std::string& bytes);
 // Opens a parameter document or a WAVE file as the workbench does; throws CliInputError. A
-// document whose value lines stop before its declared length is read as far as it goes,
-// with one warning line on standard error naming the file and the frames present/declared.
+// document whose value lines stop before its declared length is read as far as it goes, and
+// values too large for the grid are read as their rows' limits: one warning line each on
+// standard error naming the file.
 // Commands that only read the settings or the model recording skip building the table data
 // (the cells that synthesis and saving read).
 enum class TableData { Build, Skip };

@@ -34,6 +34,9 @@ void synthesizeDocument(const std::string& input, const std::string& output)
     auto document = openDocument(input);
     document->Synthesize();
     writeWholeFile(output, document->save_Wave_FileType());
+    // The file is written all the same: the samples beyond full scale were limited.
+    if (const std::string clipping = document->clippingReport(); !clipping.empty())
+        cliWarning(output, clipping);
 }
 
 struct SynthOptions {
@@ -94,6 +97,7 @@ void printDocumentInfo(MyDocument& document)
               << "sample_rate: " << static_cast<long long>(c->m_dSampleRate) << "\n"
               << "cascade: " << int(c->m_bCascade_Parallel) << "\n"
               << "anchors: " << c->m_nNumberofAnchors << "\n"
+              << "clamped_values: " << document.m_nClampedValues << "\n"
               << "selected:";
     for (int row = 0; row < kParameterCount; ++row)
         if (c->m_Parameters[row].bSelected)

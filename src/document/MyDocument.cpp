@@ -2,6 +2,8 @@
 
 #include "document/DocumentException.h"
 
+#include <algorithm>
+#include <iterator>
 #include <new>
 
 namespace
@@ -200,4 +202,12 @@ bool MyDocument::CheckParameter(const char* name, bool batvapv) const
     if (!name)
         return false;
     return CheckParameterNew(std::string(name), batvapv);
+}
+
+int MyDocument::synthesisSampleRate() const
+{
+    const Channels& c = *m_Channel[0];
+    const bool highFormants = std::any_of(std::begin(kHighFormantRows), std::end(kHighFormantRows),
+                                          [&c](int row) { return c.m_Parameters[row].bSelected != 0; });
+    return highFormants ? 22050 : 11025;
 }

@@ -123,6 +123,19 @@ public:
     void CopyCurrentToPrevious();
     bool CheckParameterNew(const std::string& name, bool batvapv) const;
     bool CheckParameter(const char* name, bool batvapv) const;
+    // The rate the next synthesis runs at: 22050 Hz when any parameter of the sixth to eighth
+    // formants is shown in channel 0, else 11025 Hz.
+    int synthesisSampleRate() const;
+    // "N samples clipped (peak x dB)" for the last synthesis, empty when nothing clipped.
+    std::string clippingReport() const;
+    // What the output limiting did in the last synthesis: samples beyond full scale, and the
+    // largest magnitude before limiting (1.0 = full scale).
+    std::int64_t m_nClippedSamples = 0;
+    double m_dPeakLevel = 0.0;
+
+    // Values of the last document read from a file that lay outside the grid's 16-bit range
+    // and were clamped to their rows' limits.
+    std::int64_t m_nClampedValues = 0;
 
     // ===== fields =====
     std::array<std::unique_ptr<Channels>, 4> m_Channel;

@@ -13,6 +13,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <string_view>
 #include <unordered_map>
 
@@ -299,9 +300,22 @@ void applyColours(MyDocument& document, const ParsedDocument& doc, bool keepEqui
     }
 }
 
-void fillGrid(Channels& channel, const ParsedDocument& doc)
+// A value for a grid cell of `row`. One outside the cell's 16-bit range would wrap into an
+// unrelated number: it becomes the row's limit on its side instead, and is counted.
+std::int16_t gridValue(const ParameterDefinition& row, long long value, long long& clamped)
+{
+    if (value >= INT16_MIN && value <= INT16_MAX)
+        return static_cast<std::int16_t>(value);
+    ++clamped;
+    const long long limit = value > 0 ? row.nMaxValue : row.nMinValue;
+    return static_cast<std::int16_t>(std::clamp<long long>(limit, INT16_MIN, INT16_MAX));
+}
+
+// Fills the grid from the value lines; answers how many values were clamped.
+long long fillGrid(Channels& channel, const ParsedDocument& doc)
 {
     long long value = 0;
+    long long clamped = 0;
     for (std::size_t k = 0; k < doc.valueLines.size(); ++k) {
         GridColumn& column = channel.m_snppDataImage_Col_Row[k];
         Fields fields(doc.valueLines[k]);
@@ -309,9 +323,10 @@ void fillGrid(Channels& channel, const ParsedDocument& doc)
         for (std::size_t j = 0; j < doc.columnRows.size() && fields.next(f); ++j) {
             const int row = doc.columnRows[j];
             if (row >= 0 && parseInteger(f, value))
-                column[row] = static_cast<std::int16_t>(static_cast<std::uint16_t>(value & 0xffff));
+                column[row] = gridValue(channel.m_Parameters[row], value, clamped);
         }
     }
+    return clamped;
 }
 
 } // namespace
@@ -346,13 +361,14 @@ int readParameterText(MyDocument& document, const std::string& text, ParameterTe
     c.m_pAnchorPosition = std::move(doc.anchors);
     c.m_nNumberofAnchors = static_cast<std::int32_t>(c.m_pAnchorPosition.size() / 2);
     c.m_nParameterNumber = doc.knownRows;
-    fillGrid(c, doc);
+    const long long clamped = fillGrid(c, doc);
     c.m_bHaveData = 1;
     c.m_bSynthesize = 1;
     if (use == ParameterTextUse::File) {
         document.noteFramesRead(static_cast<int>(doc.valueLines.size()), doc.frames);
         document.m_bver50 = doc.marker == "50" ? 1 : 0;
         document.m_bAudiofile = 0;
+        document.m_nClampedValues = clamped;
         document.setFileType("stk");
     }
     return 0;

@@ -106,6 +106,10 @@ struct klatt_global_t {
     const std::int32_t* source_samples;      // must hold source_sample_count values
     std::int32_t base_f0;                    // the frame's f0 in whole Hz before flutter
     resonator_t resonators[kResonatorCount]; // in klatt_resonator_index order
+    // What the output limiting did over the run so far (parwave() adds to them, nothing resets
+    // them): samples beyond the 16-bit range, and the largest magnitude before limiting.
+    std::int64_t clipped_samples;
+    double peak_magnitude;
 };
 
 class CKlattEngine
@@ -120,7 +124,8 @@ public:
     void parwave_init(klatt_global_t* globals);
 
     // Synthesizes one frame: writes exactly globals->samples_per_frame samples to `output`
-    // (which must hold that many ints), each limited to -32768..32767. Rewrites frame fields.
+    // (which must hold that many ints), each limited to -32768..32767, and counts the limited
+    // samples and the peak into globals->clipped_samples and peak_magnitude. Rewrites frame fields.
     void parwave(klatt_global_t* globals, klatt_frame_t* frame, int* output);
 
     // dB to linear gain: amptable[dB] * 0.001, and 0 for any dB outside 0..87.

@@ -8,6 +8,7 @@
 #include "synthesis/KlattInternals.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace
@@ -183,6 +184,8 @@ void filterPass(klatt_global_t& g, const SourceBlock& in, int count, FrameMemory
     const double gainOverall = g.gain_overall;
     const int select = g.output_select;
     double prev = mem.prev_par_glot;
+    double peak = g.peak_magnitude;
+    std::int64_t clipped = 0;
     for (int j = 0; j < count; ++j) {
         const double parGlot = gainParVoice * in.voice[j] + in.aspiration[j];
         const double source = in.frication[j] + parGlot - prev;
@@ -196,8 +199,14 @@ void filterPass(klatt_global_t& g, const SourceBlock& in, int count, FrameMemory
             out += cascade[j];
         if constexpr (Tap)
             out = tap(select, in, j, parGlot, bypass, source);
-        output[j] = toSample(resonate(lowpass, out) * gainOverall);
+        const double sample = resonate(lowpass, out) * gainOverall;
+        const double magnitude = std::fabs(sample);
+        peak = magnitude > peak ? magnitude : peak; // NaN leaves the peak alone
+        clipped += sample > 32767.0 || sample < -32768.0;
+        output[j] = toSample(sample);
     }
+    g.peak_magnitude = peak;
+    g.clipped_samples += clipped;
     unpack(f32, r[R_PAR_F1 + 2], 1.0, r[R_PAR_F1 + 1], -1.0);
     unpack(f54, r[R_PAR_F1 + 4], 1.0, r[R_PAR_F1 + 3], -1.0);
     unpack(f61, r[R_PAR_F1 + 5], -1.0, r[R_PAR_F1], 1.0);

@@ -6,7 +6,9 @@
 #include "synthesis/CKlattEngine.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
+#include <cstdio>
 #include <memory>
 #include <new>
 #include <vector>
@@ -16,14 +18,6 @@ namespace
 
 constexpr std::int64_t kFrameBufferSamples = 22050;   // one second at the higher rate
 constexpr std::size_t kNoPreviousSynthesisBytes = 99; // a block this small holds no synthesis
-
-// True when any parameter of the sixth to eighth formants is in use: the run then needs
-// 22050 Hz and eight cascade formants.
-bool usesHighFormants(const Channels& c)
-{
-    return std::any_of(std::begin(kHighFormantRows), std::end(kHighFormantRows),
-                       [&c](int row) { return c.m_Parameters[row].bSelected != 0; });
-}
 
 // Reads the table columns of a run in order, ahead of synthesis. Cells are separate objects
 // spread over memory; read one at a time between two frames of synthesis, each read would wait
@@ -142,8 +136,10 @@ void MyDocument::Synthesize()
     // one second at 22050 Hz, or the whole frame when an update interval is longer than that:
     // a long interval never overflows it. A frame whose sample count cannot be represented is
     // refused like any other allocation failure.
-    const bool highFormants = usesHighFormants(channel);
-    const int sampleRate = highFormants ? 22050 : 11025;
+    // Any parameter of the sixth to eighth formants in use needs 22050 Hz and eight cascade
+    // formants.
+    const int sampleRate = synthesisSampleRate();
+    const bool highFormants = sampleRate == 22050;
     if (channel.m_nUpdateIntervalMS < 1)
         channel.m_nUpdateIntervalMS = 10;
     const std::int64_t frameSamples = std::int64_t{channel.m_nUpdateIntervalMS} * sampleRate / 1000;
@@ -213,6 +209,8 @@ void MyDocument::Synthesize()
         }
     }
     Log::line("end synthesize");
+    m_nClippedSamples = g.clipped_samples;
+    m_dPeakLevel = g.peak_magnitude / 32768.0;
     frameOutput.reset();
     globals.reset();
     frame.reset();
@@ -222,4 +220,14 @@ void MyDocument::Synthesize()
     if (!hadPrevious)
         CopyCurrentToPrevious();
     Log::line("done synthesize");
+}
+
+std::string MyDocument::clippingReport() const
+{
+    if (m_nClippedSamples <= 0)
+        return {};
+    char text[96];
+    std::snprintf(text, sizeof text, "%lld samples clipped (peak %.1f dB)",
+                  static_cast<long long>(m_nClippedSamples), 20.0 * std::log10(m_dPeakLevel));
+    return text;
 }

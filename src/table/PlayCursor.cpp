@@ -31,10 +31,11 @@ int PlayCursor::frameColumnAt(double playedSamples, double sampleRate, int inter
     return static_cast<int>(frame) + 1;
 }
 
-void PlayCursor::follow(double sampleRate, double samples)
+void PlayCursor::follow(double sampleRate, double samples, double startSample)
 {
     m_dSampleRate = sampleRate;
     m_dSamples = samples;
+    m_dStart = startSample;
     showPosition(0);
     m_pTimer->start();
 }
@@ -47,8 +48,8 @@ bool PlayCursor::isFollowing() const
 void PlayCursor::showPosition(double playedSamples)
 {
     const int interval = m_pTable->document()->updateInterval();
-    m_pTable->showPlayColumn(
-        frameColumnAt(playedSamples, m_dSampleRate, interval, m_pTable->tableModel()->frameCount()));
+    m_pTable->showPlayColumn(frameColumnAt(m_dStart + playedSamples, m_dSampleRate, interval,
+                                           m_pTable->tableModel()->frameCount()));
     if (m_dSampleRate > 0)
         emit positionChanged(playedSamples / m_dSampleRate, m_dSamples / m_dSampleRate);
 }

@@ -25,9 +25,11 @@ public:
     // or the interval (ms) cannot place it.
     static int frameColumnAt(double playedSamples, double sampleRate, int intervalMS, int frameCount);
 
-    // Starts following a playback of `samples` samples at `sampleRate` Hz.
-    void follow(double sampleRate, double samples);
-    // Shows the frame column of a position of the current playback (the timer's step).
+    // Starts following a playback of `samples` samples at `sampleRate` Hz that starts at
+    // sample `startSample` of the synthesis (a played selection).
+    void follow(double sampleRate, double samples, double startSample = 0);
+    // Shows the frame column of a position of the current playback, counted from its start
+    // (the timer's step).
     void showPosition(double playedSamples);
     // Clears the cursor and stops following.
     void clear();
@@ -47,4 +49,5 @@ private:
     QTimer* m_pTimer;
     double m_dSampleRate = 0;
     double m_dSamples = 0;
+    double m_dStart = 0;
 };

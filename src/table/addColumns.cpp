@@ -9,6 +9,8 @@
 #include <QSpinBox>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 addColumns::addColumns(QWidget* parent) : OptionPanel(parent)
 {
     setWindowTitle(QStringLiteral("Add Frames"));
@@ -27,6 +29,9 @@ addColumns::addColumns(QWidget* parent) : OptionPanel(parent)
     form->addRow(QStringLiteral("Duration to add:"), m_duration);
     layout->addLayout(form);
     layout->addWidget(makeButtons(false));
+    // Wide enough for the whole title beside the title bar's buttons: the window manager
+    // shortens a title that does not fit.
+    setMinimumWidth(std::max(sizeHint().width(), fontMetrics().horizontalAdvance(windowTitle()) * 2 + 160));
 }
 
 void addColumns::setup(MyDocument* doc)

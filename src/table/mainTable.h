@@ -22,6 +22,7 @@
 #include <functional>
 #include <memory>
 #include <set>
+#include <vector>
 
 class AudioPlayer;
 class FrozenColumnView;
@@ -95,6 +96,10 @@ public:
     // Rows too low to take an anchor from the context menu: hidden parameters.
     bool rowTakesAnchor(int row) const;
 
+    // The name of the document as its window shows it; the open data-entry windows carry it
+    // in their titles, with the document's modified marker. Called again after every change.
+    void setDocumentTitle(const QString& name);
+
     DataEntryController* graphicalDataEntry() const { return m_pDataentryGraphical.get(); }
     DataEntryController* traceDataEntry() const { return m_pDataentryTrace.get(); }
 
@@ -108,6 +113,9 @@ public slots:
     void _PlayCurrent();
     void _PlayPrevious();
     void _PlayAudio();
+    // Plays the part of the synthesis under the selected frame columns (synthesizing first
+    // when the table changed or was never synthesized).
+    void _PlaySelection();
     void _InterpolateAll();
     void _editRows();
     void _optionsParameters();
@@ -135,6 +143,7 @@ public slots:
     // is synthesized first when the table changed since the last synthesis or when it was
     // never synthesized.
     void PlayDocument(int channel);
+    void PlaySelection();
 
     void addAnchor(int row, int column);
     void removeAnchor(int row, int column);
@@ -150,12 +159,24 @@ public slots:
     void _anchorRemoveAll();
     void _InterpolateSelection();
 
+    // --- copy and paste (mainTableEditCommands.cpp) ---
+    // Puts the selected cells (the selected frames with all rows, the selected rows with all
+    // frames, or the cells selected in the view) on the clipboard as tab-separated text with a
+    // header line of parameter names.
+    void copySelection();
+    // Writes the clipboard's tab-separated values from the first cell of that selection on,
+    // as one undo step; a paste that does not fit is refused with an alert.
+    void pasteAtSelection();
+
 signals:
     // The document changed (edit, undo, redo, revert, options): the window updates its title
     // and menus.
     void documentChanged();
-    // A playback of this table's document started (sample rate, length in samples).
-    void playbackStarted(double sampleRate, double samples);
+    // A playback of this table's document started (sample rate, length in samples, and the
+    // sample of the synthesis it starts at).
+    void playbackStarted(double sampleRate, double samples, double startSample);
+    // The table synthesized channel 0 (clipping, sample rate and length may have changed).
+    void synthesized();
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -183,11 +204,18 @@ private:
     QRect columnStrip(int tableColumn) const;
     void setAnchorFlag(int row, int column, bool anchor);
     void schedulePlay(int channel);
-    // Runs the synthesis when _bSynthesize is set or channel 0 holds no samples yet.
+    // Runs the synthesis when _bSynthesize is set or channel 0 holds no samples yet (stopping
+    // a playback of this document first), and says so with synthesized().
     void synthesizeIfNeeded();
     void afterSnapshotRestored();
+    // The cells Copy and Paste work on, as table columns (x) and rows (y); empty for none.
+    QRect selectedCellBlock() const;
+    // Asks before Options > File... removes frames that hold entered values; true to go on.
+    bool mayShorten();
     void openDataEntry(std::unique_ptr<DataEntryController>& slot, const DataEntryFactory& factory,
                        const QString& titlePrefix);
+    // Titles a data-entry window: the prefix, the document's name and its modified marker.
+    void titleDataEntry(DataEntryController* controller, const QString& titlePrefix);
 
     MyDocument* m_pDoc;
     ParameterTableModel* m_pModel;
@@ -197,6 +225,10 @@ private:
     FrozenColumnView* m_pFrozen = nullptr;
     PlayCursor* m_pPlayCursor = nullptr;
     int m_nPlayColumn = -1;
+    // The samples of a selection being played (the player reads them; kept until the next
+    // playback or the table goes).
+    std::vector<float> m_selectionSamples;
+    QString m_strDocumentTitle; // empty until the window names the document
     bool m_bSetUp = false;
 
     // One of the two selections: the indices and where the last plain or Ctrl press was.

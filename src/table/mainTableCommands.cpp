@@ -11,10 +11,17 @@
 #include "options/optionsParameters.h"
 #include "table/edit/TableEditing.h"
 
+#include <QMessageBox>
+#include <QPushButton>
 #include <QWidget>
+
+#include <algorithm>
 
 namespace
 {
+const QString kGraphicalTitle = QStringLiteral("data entry:: ");
+const QString kTraceTitle = QStringLiteral("data entry by tracing over a model:: ");
+
 mainTable::DataEntryFactory& graphicalFactory()
 {
     static mainTable::DataEntryFactory factory;
@@ -114,14 +121,40 @@ void mainTable::_optionsParameters()
 void mainTable::_optionsFile()
 {
     guarded(QStringLiteral("OK"), [&] {
+        Channels& c = *m_pDoc->getChannel(0);
+        const std::uint8_t interpolate = c.m_bDoInterpolate, anchor = c.m_bDoAnchor;
         optionFile panel(window());
         if (panel.showInWindow(window(), m_pDoc) != 1000)
             return;
+        if (!mayShorten()) {
+            c.m_bDoInterpolate = interpolate; // declined: the panel changes nothing
+            c.m_bDoAnchor = anchor;
+            return;
+        }
         saveoptionsFile();
         m_pDoc->saveConfig();
         m_pDoc->saveRedo();
         reloadData();
     });
+}
+
+bool mainTable::mayShorten()
+{
+    const Shortening shortening = proposedShortening(*m_pDoc);
+    if (!shortening.removesValues)
+        return true; // frames at the factory values are not worth a question
+    QMessageBox box(QMessageBox::Question, tr("Shorten"),
+                    tr("Shortening to %1 ms removes %2 frames.")
+                        .arg(static_cast<long long>(std::max(0.0, m_pDoc->m_dNewLengthMS)))
+                        .arg(shortening.removedFrames),
+                    QMessageBox::NoButton, window());
+    box.setInformativeText(tr("Some of them hold values other than a new frame's."));
+    QPushButton* shorten = box.addButton(tr("Shorten"), QMessageBox::DestructiveRole);
+    QPushButton* cancel = box.addButton(QMessageBox::Cancel);
+    box.setDefaultButton(cancel);
+    box.setWindowModality(Qt::WindowModal);
+    box.exec();
+    return box.clickedButton() == shorten;
 }
 
 namespace
@@ -162,6 +195,7 @@ void mainTable::saveParameters()
     stopPlayback(); // the synthesis that follows replaces the samples
     ::saveParameters(*m_pDoc);
     reloadData();
+    emit synthesized();
     emit documentChanged();
 }
 
@@ -170,6 +204,8 @@ void mainTable::AdjustSampleRate(bool synthesize)
     if (synthesize)
         stopPlayback();
     ::AdjustSampleRate(*m_pDoc, synthesize);
+    if (synthesize)
+        emit synthesized();
 }
 
 void mainTable::saveoptionsFile()
@@ -192,7 +228,9 @@ void mainTable::openDataEntry(std::unique_ptr<DataEntryController>& slot, const 
         if (!slot || !slot->window())
             return;
         QWidget* w = slot->window();
-        w->setWindowTitle(titlePrefix + w->windowTitle());
+        if (m_strDocumentTitle.isEmpty())
+            m_strDocumentTitle = w->windowTitle(); // the controller's own name of the document
+        titleDataEntry(slot.get(), titlePrefix);
         w->show();
         w->raise();
         w->activateWindow();
@@ -201,12 +239,28 @@ void mainTable::openDataEntry(std::unique_ptr<DataEntryController>& slot, const 
 
 void mainTable::_dataentryGraphical()
 {
-    openDataEntry(m_pDataentryGraphical, graphicalFactory(), QStringLiteral("data entry:: "));
+    openDataEntry(m_pDataentryGraphical, graphicalFactory(), kGraphicalTitle);
 }
 
 void mainTable::_dataentryTrace()
 {
     if (!m_pDoc->getChannel(2)->hasAudio())
         return;
-    openDataEntry(m_pDataentryTrace, traceFactory(), QStringLiteral("data entry by tracing over a model:: "));
+    openDataEntry(m_pDataentryTrace, traceFactory(), kTraceTitle);
+}
+
+void mainTable::titleDataEntry(DataEntryController* controller, const QString& titlePrefix)
+{
+    QWidget* w = controller ? controller->window() : nullptr;
+    if (!w)
+        return;
+    w->setWindowTitle(titlePrefix + m_strDocumentTitle + QStringLiteral("[*]"));
+    w->setWindowModified(m_pDoc->isDocumentEdited());
+}
+
+void mainTable::setDocumentTitle(const QString& name)
+{
+    m_strDocumentTitle = name;
+    titleDataEntry(m_pDataentryGraphical.get(), kGraphicalTitle);
+    titleDataEntry(m_pDataentryTrace.get(), kTraceTitle);
 }

@@ -1,4 +1,6 @@
-// The table's play commands, the play cursor's column and the save-audio command. One
+// The table's play commands (the whole synthesis, the previous one, the model, or the part
+// of the synthesis under the selected frames), the play cursor's column and the save-audio
+// command. One
 // AudioPlayer serves the whole application; the table remembers which table's samples it
 // plays so that a table going away (or re-synthesizing) can stop it first.
 #include "table/mainTable.h"
@@ -6,6 +8,7 @@
 #include "audio/AudioPlayer.h"
 #include "document/Log.h"
 #include "document/MyDocument.h"
+#include "table/Alert.h"
 
 #include <QApplication>
 #include <QFileDialog>
@@ -74,9 +77,10 @@ void mainTable::showPlayColumn(int tableColumn)
         tableColumn = -1;
     if (tableColumn == m_nPlayColumn)
         return;
-    // The view follows the cursor until the user scrolls the column being heard out of
-    // sight; scrolling back to it resumes following.
-    const bool follow = m_nPlayColumn < 1 || isColumnOnScreen(m_nPlayColumn);
+    // The view follows the cursor only while the column being heard is on screen: a
+    // playback that starts out of sight, or a column the user scrolled away from, never
+    // takes the table away from where the user is; scrolling back to it resumes following.
+    const bool follow = m_nPlayColumn >= 1 && isColumnOnScreen(m_nPlayColumn);
     if (m_nPlayColumn > 0)
         viewport()->update(columnStrip(m_nPlayColumn));
     m_nPlayColumn = tableColumn;
@@ -147,6 +151,7 @@ void mainTable::synthesizeIfNeeded()
     stopPlayback(); // the synthesis replaces the samples the player may hold
     m_pDoc->Synthesize();
     _bSynthesize = false;
+    emit synthesized();
 }
 
 void mainTable::PlayDocument(int channel)
@@ -173,9 +178,58 @@ void mainTable::PlayDocument(int channel)
         player->setSampleRate(ch->m_dSampleRate);
         player->startPlay();
         if (player->isPlaying())
-            emit playbackStarted(ch->m_dSampleRate, length);
+            emit playbackStarted(ch->m_dSampleRate, length, 0);
     } catch (const std::exception& e) {
         Log::line(std::string("PlayDocument: ") + e.what()); // swallowed by design
+    }
+}
+
+void mainTable::_PlaySelection()
+{
+    AudioPlayer* player = sharedPlayer();
+    if (player->isPlaying())
+        player->stopPlay();
+    QTimer::singleShot(100, this, [this] { PlaySelection(); });
+}
+
+void mainTable::PlaySelection()
+{
+    try {
+        auto [first, last] = selectedColumnSpan();
+        first = std::max(first, 1); // the name column stands for no samples
+        if (last < first)
+            return;
+        synthesizeIfNeeded();
+        const Channels& ch = *m_pDoc->getChannel(0);
+        // Frame column k holds the samples from (k - 1) x the frame's sample count on, the
+        // count the synthesis made per frame.
+        const std::size_t perFrame = static_cast<std::size_t>(m_pDoc->updateInterval()) *
+                                     static_cast<std::size_t>(ch.m_dSampleRate) / 1000;
+        const std::size_t held = ch.sampleCount();
+        const std::size_t from = std::min(static_cast<std::size_t>(first - 1) * perFrame, held);
+        const std::size_t to = std::min(static_cast<std::size_t>(last) * perFrame, held);
+        if (from >= to)
+            return;
+        AudioPlayer* player = sharedPlayer();
+        if (player->isPlaying())
+            player->stopPlay();
+        releasePlayedBlock();
+        // The player plays whole requests only; the selection is copied and followed by
+        // silence up to a whole request, so that its last samples are heard too.
+        const std::size_t request = AudioPlayer::kFramesPerRequest;
+        m_selectionSamples.assign(ch.samples() + from, ch.samples() + to);
+        m_selectionSamples.resize((to - from + request - 1) / request * request, 0.0f);
+        player->CreateDefaultAU();
+        player->setDelegate(this);
+        g_playingTable = this;
+        player->setData(reinterpret_cast<const std::uint8_t*>(m_selectionSamples.data()),
+                        static_cast<double>(m_selectionSamples.size()), 0);
+        player->setSampleRate(ch.m_dSampleRate);
+        player->startPlay();
+        if (player->isPlaying())
+            emit playbackStarted(ch.m_dSampleRate, static_cast<double>(to - from), static_cast<double>(from));
+    } catch (const std::exception& e) {
+        Log::line(std::string("PlaySelection: ") + e.what()); // swallowed, as for the other plays
     }
 }
 
@@ -184,6 +238,13 @@ bool mainTable::saveAudioTo(const QString& path)
     bool ok = false;
     try {
         synthesizeIfNeeded();
+        if (m_pDoc->getChannel(0)->sampleCount() == 0) {
+            Alert::show(window(), QStringLiteral("No audio to save"),
+                        tr("The document is too short to synthesize any samples; nothing was written."),
+                        QStringLiteral("OK"));
+            Log::line("no");
+            return false;
+        }
         const std::string bytes = m_pDoc->save_Wave_FileType();
         QSaveFile file(path);
         ok = file.open(QIODevice::WriteOnly) &&

@@ -1,17 +1,18 @@
 #include "app/DocumentWindow.h"
+#include "app/RecoveryDialog.h"
 #include "app/WorkbenchApplication.h"
 #include "document/MyDocument.h"
+#include "table/DataEntryController.h"
 #include "table/mainTable.h"
-
-#include "app/RecoveryDialog.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileDialog>
-#include <QLineEdit>
 #include <QFileInfo>
+#include <QLabel>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QMessageBox>
 #include <QPushButton>
@@ -280,6 +281,80 @@ TEST(Workbench, NamedConfigurationsCarrySettingsBetweenDocuments)
     EXPECT_DOUBLE_EQ(d.m_dSampleRate, 22050.0) << "f7 shown: the higher rate";
     EXPECT_EQ(b->table()->tableModel()->cellAt(Row::f1, 5)->_nMaxValue(), 1000);
     EXPECT_FALSE(b->loadConfigurationFrom(wb.path("missing.cfg")));
+}
+
+TEST(Workbench, OpeningReportsValuesThatDidNotFitAndStartsInTheDocumentsFolder)
+{
+    Workbench wb;
+    // Five frames declared, three present; f0 99999 in two of them, far beyond what the table
+    // holds. Both facts come in one alert.
+    const QString file = wb.path("wide.stk");
+    std::ofstream(file.toStdString(), std::ios::binary)
+        << "50\t11025\t10\t\r\n1\t0\t0\t0\t0\t0\t0\t0\t0\t50\t\r\n255\t255\t255\t\r\n"
+           "f0\tf1\t\r\n99999\t600\t\r\n1200\t600\t\r\n99999\t600\t\r\n";
+    DocumentWindow* w = wb.app.openFile(file);
+    ASSERT_NE(w, nullptr);
+    EXPECT_TRUE(wb.app.lastAlert().contains("wide.stk")) << wb.app.lastAlert().toStdString();
+    EXPECT_TRUE(wb.app.lastAlert().contains("2 values did not fit")) << wb.app.lastAlert().toStdString();
+    EXPECT_TRUE(wb.app.lastAlert().contains("declares 5 frames but holds values for 3"))
+        << wb.app.lastAlert().toStdString();
+    EXPECT_EQ(value(w, Row::f0, 1), 5000) << "the row's maximum, not a wrapped number";
+    EXPECT_EQ(value(w, Row::f0, 2), 1200);
+    EXPECT_EQ(w->table()->model()->data(w->table()->model()->index(Row::f0, 3)).toString(), "5000");
+
+    EXPECT_EQ(wb.app.openFolder(w), wb.folder.path());
+}
+
+TEST(Workbench, StatusLineShowsTheNextRateAndTheLastClipping)
+{
+    Workbench wb;
+    DocumentWindow* w = wb.app.newDocument();
+    auto status = [w](const char* name) -> QString {
+        for (QLabel* label : w->statusBar()->findChildren<QLabel*>())
+            if (label->objectName() == name || (QString(name) == "grid" && label->text().contains(" Hz")))
+                return label->text();
+        return {};
+    };
+    // The file options ask for 22050 Hz, but without a sixth to eighth formant shown the next
+    // synthesis runs at 11025 Hz; showing f6 switches it at once.
+    MyDocument& doc = *w->document();
+    doc.m_dNewSampleRate = 22050;
+    doc.m_dNewLengthMS = 200;
+    doc.m_nNewUpdateIntervalMS = 10;
+    w->table()->saveoptionsFile();
+    EXPECT_TRUE(status("grid").contains("11025 Hz")) << status("grid").toStdString();
+    doc.getChannel(0)->m_Parameters[Row::f6].bSelected = 1;
+    w->table()->saveParameters();
+    EXPECT_TRUE(status("grid").contains("22050 Hz")) << status("grid").toStdString();
+    doc.getChannel(0)->m_Parameters[Row::f6].bSelected = 0;
+    w->table()->saveParameters();
+
+    // Voicing and gain at their maximum clip; the status line says how much after saving.
+    EXPECT_TRUE(status("clipping").isEmpty());
+    for (int k = 1; k <= 20; ++k) {
+        typeInto(w, Row::av, k, 87);
+        typeInto(w, Row::gain, k, 87);
+    }
+    ASSERT_TRUE(w->table()->saveAudioTo(wb.path("loud.wav")));
+    EXPECT_EQ(status("clipping"), QString::fromStdString(doc.clippingReport()));
+    EXPECT_TRUE(status("clipping").contains(QString("%1 samples clipped (peak ").arg(doc.m_nClippedSamples)));
+    EXPECT_GT(doc.m_nClippedSamples, 0);
+}
+
+TEST(Workbench, DataEntryWindowTitleFollowsTheDocument)
+{
+    Workbench wb;
+    DocumentWindow* w = wb.app.newDocument();
+    action(w, "&Graphical Data Entry...")->trigger();
+    ASSERT_NE(w->table()->graphicalDataEntry(), nullptr);
+    QWidget* entry = w->table()->graphicalDataEntry()->window();
+    EXPECT_EQ(entry->windowTitle(), "data entry:: Untitled[*]");
+    EXPECT_FALSE(entry->isWindowModified());
+    typeInto(w, Row::f1, 3, 700);
+    EXPECT_TRUE(entry->isWindowModified());
+    ASSERT_TRUE(w->saveDocumentTo(wb.path("named.stk")));
+    EXPECT_EQ(entry->windowTitle(), "data entry:: named.stk[*]");
+    EXPECT_FALSE(entry->isWindowModified());
 }
 
 TEST(Workbench, TheFirstSaveOfARecordingsDocumentNeverReplacesAFileUnasked)

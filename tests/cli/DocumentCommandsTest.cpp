@@ -21,6 +21,42 @@ void expectInfo(const std::string& text, const std::map<std::string, std::string
     for (const auto& [key, value] : expected)
         EXPECT_EQ(info[key], value) << key;
 }
+
+// The document text with the given fields (by row) of every frame line replaced.
+std::string withValues(const std::string& text, const std::map<int, std::string>& values)
+{
+    std::string out;
+    bool frames = false;
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line, '\n');) {
+        if (frames) {
+            std::vector<std::string> fields;
+            std::istringstream split(line);
+            for (std::string f; std::getline(split, f, '\t');)
+                fields.push_back(f);
+            for (const auto& [row, value] : values)
+                fields.at(row) = value;
+            line.clear();
+            for (const std::string& f : fields)
+                line += f + "\t";
+            line += "\r";
+        }
+        frames = frames || line.rfind("f0\t", 0) == 0;
+        out += line + "\n";
+    }
+    return out;
+}
+
+// The lines of `text` that contain `word`.
+std::vector<std::string> linesWith(const std::string& text, const std::string& word)
+{
+    std::vector<std::string> found;
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);)
+        if (line.find(word) != std::string::npos)
+            found.push_back(line);
+    return found;
+}
 } // namespace
 
 TEST(CliDocumentCommands, NewThenInfoThenSynth)
@@ -96,6 +132,34 @@ TEST(CliDocumentCommands, ErrorsHaveTheirExitCodesAndOneLine)
     }
     EXPECT_FALSE(std::filesystem::exists(dir / "junk.wav"));
     EXPECT_EQ(runCli("synth --help").exitCode, 0);
+}
+
+TEST(CliDocumentCommands, ClampedValuesAndClippingAreOneWarningEach)
+{
+    TempDir dir;
+    ASSERT_EQ(runCli("new --length 300 -o " + dir / "u.stk").exitCode, 0);
+    // Every frame: an f0 too large for the table, voicing and gain at their maximum.
+    std::ofstream(dir / "loud.stk", std::ios::binary)
+        << withValues(slurp(dir / "u.stk"), {{0, "99999"}, {1, "87"}, {47, "87"}});
+
+    CliResult info = runCli("info " + dir / "loud.stk");
+    ASSERT_EQ(info.exitCode, 0) << info.err;
+    expectInfo(info.out, {{"frames", "30"}, {"clamped_values", "30"}});
+    const auto clamped = linesWith(info.err, "warning");
+    ASSERT_EQ(clamped.size(), 1u) << info.err;
+    EXPECT_NE(clamped[0].find("loud.stk"), std::string::npos) << clamped[0];
+    EXPECT_NE(clamped[0].find("30 values"), std::string::npos) << clamped[0];
+    expectInfo(runCli("info " + dir / "u.stk").out, {{"clamped_values", "0"}});
+
+    // The synthesis is written all the same, with one line about its clipping.
+    CliResult synth = runCli("synth " + dir / "loud.stk" + " -o " + dir / "loud.wav");
+    ASSERT_EQ(synth.exitCode, 0) << synth.err;
+    EXPECT_TRUE(synth.out.empty());
+    const auto clipped = linesWith(synth.err, "samples clipped (peak ");
+    ASSERT_EQ(clipped.size(), 1u) << synth.err;
+    EXPECT_NE(clipped[0].find("loud.wav: warning: "), std::string::npos) << clipped[0];
+    EXPECT_GT(slurp(dir / "loud.wav").size(), 48u + 2 * 3000);
+    EXPECT_TRUE(linesWith(runCli("synth " + dir / "u.stk").err, "clipped").empty());
 }
 
 TEST(CliDocumentCommands, ATruncatedDocumentIsReadWithOneWarning)

@@ -205,7 +205,7 @@ TEST(GraphicalEntryFromTheTable, OpensWithThePrefixFollowsThePointerAndUndoesThr
     mainTable::setGraphicalDataEntryFactory({});
     auto* controller = dynamic_cast<dataentryGraphicalController*>(table.graphicalDataEntry());
     ASSERT_NE(controller, nullptr);
-    EXPECT_EQ(controller->window()->windowTitle(), "data entry:: Untitled");
+    EXPECT_EQ(controller->window()->windowTitle(), "data entry:: Untitled[*]"); // [*]: the modified marker
     controller->window()->resize(505, 426 + controller->window()->height() -
                                           controller->_viewF0()->parentWidget()->height());
     QApplication::processEvents();

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 
 namespace
@@ -183,6 +184,37 @@ TEST_F(SynthesizeTest, FlagsLogLinesAndSizesThatCannotBeMade)
     ch0().m_dLengthMS = 200.0;
     ch0().m_nUpdateIntervalMS = 2147483647;
     EXPECT_THROW(doc.Synthesize(), DocumentException);
+}
+
+TEST_F(SynthesizeTest, SamplesBeyondFullScaleAreCountedWithTheirPeak)
+{
+    doc.Synthesize();
+    EXPECT_EQ(doc.m_nClippedSamples, 0);
+    EXPECT_EQ(doc.clippingReport(), "");
+    EXPECT_GT(doc.m_dPeakLevel, 0.0);
+    EXPECT_LT(doc.m_dPeakLevel, 1.0);
+
+    // Loud voicing at full gain: the limited samples are the ones at full scale, and the peak
+    // before limiting lies above it.
+    setRow(Row::av, 87);
+    setRow(Row::gain, 87);
+    doc.Synthesize();
+    const std::vector<float> samples = audio(0);
+    const auto atLimit = std::count_if(samples.begin(), samples.end(),
+                                       [](float s) { return s == -1.0f || s == 32767.0f / 32768.0f; });
+    ASSERT_GT(doc.m_nClippedSamples, 0);
+    EXPECT_EQ(doc.m_nClippedSamples, atLimit);
+    EXPECT_GT(doc.m_dPeakLevel, 1.0);
+    const std::string report = doc.clippingReport();
+    const std::string start = std::to_string(atLimit) + " samples clipped (peak ";
+    ASSERT_EQ(report.substr(0, start.size()), start) << report;
+    EXPECT_GT(std::stod(report.substr(start.size())), 0.0) << "a peak above full scale is above 0 dB";
+    EXPECT_EQ(report.substr(report.size() - 4), " dB)");
+
+    // The count belongs to the last synthesis only.
+    setRow(Row::gain, 40);
+    doc.Synthesize();
+    EXPECT_EQ(doc.m_nClippedSamples, 0);
 }
 
 TEST_F(SynthesizeTest, UndoKeepsTheLengthOfADocumentMadeFromARecording)

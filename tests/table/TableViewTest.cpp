@@ -183,12 +183,19 @@ TEST(PlayCursor, FollowsThePositionUnlessTheUserScrollsAwayAndClearsAtTheEnd)
     ShownTable t(60000.0);
     const double rate = 11025;
     PlayCursor* cursor = t.table->playCursor();
-    t.across()->setValue(t.across()->maximum()); // looking at the end when playback starts
+    t.across()->setValue(t.across()->maximum()); // working at the end when playback starts
+    const int atEnd = t.across()->value();
     QSignalSpy finished(cursor, &PlayCursor::finished);
     cursor->follow(rate, 60 * rate);
     EXPECT_EQ(t.table->playColumn(), 1);
-    EXPECT_TRUE(t.table->isColumnOnScreen(1)) << "the start of playback is brought into view";
+    cursor->showPosition(samplesBefore(50, rate));
+    EXPECT_EQ(t.table->playColumn(), 50);
+    EXPECT_EQ(t.across()->value(), atEnd) << "playback took the table away from where the user works";
 
+    // Looking at the start and playing again: the cursor is followed page by page.
+    t.across()->setValue(0);
+    cursor->follow(rate, 60 * rate);
+    EXPECT_TRUE(t.table->isColumnOnScreen(1));
     cursor->showPosition(samplesBefore(50, rate));
     EXPECT_EQ(t.table->playColumn(), 50);
     EXPECT_TRUE(t.table->isColumnOnScreen(50));

@@ -3,12 +3,21 @@
 #include "audio/AudioPlayer.h"
 #include "document/Log.h"
 #include "document/MyDocument.h"
+#include "options/optionFile.h"
 #include "table/Alert.h"
+#include "table/TableClicks.h"
 
+#include <QAbstractButton>
+#include <QApplication>
+#include <QClipboard>
 #include <QHeaderView>
+#include <QItemSelectionModel>
 #include <QLineEdit>
+#include <QMessageBox>
+#include <QPointer>
 #include <QSignalSpy>
 #include <QTest>
+#include <QTimer>
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -193,7 +202,7 @@ TEST(mainTable, TwoPlaysSynthesizeOnceAndTheOutputGetsTheSamples)
     TableFixture f;
     const std::string capture = std::string(std::getenv("AUDIO_CAPTURE_FILE")) + ".table";
     setenv("AUDIO_CAPTURE_FILE", capture.c_str(), 1);
-    f.table->_bSynthesize = true;
+    ASSERT_FALSE(f.table->_bSynthesize); // a new document, never synthesized, is synthesized to play
     f.table->_PlayCurrent();
     QTest::qWait(300);
     f.waitForPlaybackEnd();
@@ -288,16 +297,180 @@ TEST(mainTable, AFailedSetUpIsAnAlertAndTheProgramGoesOn)
 
 TEST(mainTable, SaveAudioWritesTheSynthesis)
 {
+    // A new document, never played: its synthesis is made first and saved, 200 ms at 11025 Hz.
     TableFixture f;
     const std::string path = std::string(std::getenv("AUDIO_CAPTURE_FILE")) + ".audio.wav";
-    f.table->_bSynthesize = true;
+    ASSERT_FALSE(f.table->_bSynthesize);
     ASSERT_TRUE(f.table->saveAudioTo(QString::fromStdString(path)));
     std::ifstream in(path, std::ios::binary);
     std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
     ASSERT_GE(bytes.size(), 48u);
     EXPECT_EQ(bytes.substr(0, 4), "RIFF");
-    EXPECT_EQ(bytes.size(), 48 + 2 * f.doc.getChannel(0)->sampleCount());
+    EXPECT_EQ(bytes.size(), 48u + 2 * 2205);
+    EXPECT_EQ(f.logged("strat synthesize"), 1);
     EXPECT_EQ(f.logged("yes"), 1);
     EXPECT_FALSE(f.table->saveAudioTo("/proc/no/such/folder/audio.wav"));
     EXPECT_EQ(f.logged("no"), 1);
+    EXPECT_EQ(f.logged("strat synthesize"), 1) << "saved twice, synthesized once";
+
+    // A document too short for a single sample writes nothing and says so.
+    const std::string empty = path + ".empty.wav";
+    f.doc.getChannel(0)->m_dLengthMS = 0;
+    f.table->_bSynthesize = true;
+    EXPECT_FALSE(f.table->saveAudioTo(QString::fromStdString(empty)));
+    EXPECT_FALSE(std::ifstream(empty).good());
+    ASSERT_EQ(f.alerts.size(), 1);
+    EXPECT_TRUE(f.alerts[0].startsWith("No audio to save|")) << f.alerts[0].toStdString();
+}
+
+TEST(mainTable, PlaySelectionPlaysExactlyTheSelectedFrames)
+{
+    TableFixture f;
+    const std::string capture = std::string(std::getenv("AUDIO_CAPTURE_FILE")) + ".selection";
+    setenv("AUDIO_CAPTURE_FILE", capture.c_str(), 1);
+    // Frames 5 to 8 of a document never synthesized: 110 samples a frame at 11025 Hz.
+    clickHeader(*f.table, 5);
+    clickHeader(*f.table, 8, Qt::ShiftModifier);
+    ASSERT_EQ(f.table->selectedColumnSpan(), std::make_pair(5, 8));
+    f.table->_PlaySelection();
+    QTest::qWait(300);
+    f.waitForPlaybackEnd();
+    EXPECT_EQ(f.logged("strat synthesize"), 1);
+    ASSERT_EQ(f.doc.getChannel(0)->sampleCount(), 2205u);
+
+    std::ifstream in(capture, std::ios::binary);
+    std::vector<char> bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    std::vector<float> heard(bytes.size() / 4);
+    std::memcpy(heard.data(), bytes.data(), heard.size() * 4);
+    const float* selected = f.doc.getChannel(0)->samples() + 4 * 110;
+    const auto at = std::search(heard.begin(), heard.end(), selected, selected + 4 * 110);
+    ASSERT_NE(at, heard.end()) << "the selected frames were not heard as they are";
+    // Nothing else of the synthesis was heard: silence before and after the selection.
+    EXPECT_TRUE(std::all_of(heard.begin(), at, [](float s) { return s == 0.0f; }));
+    EXPECT_TRUE(std::all_of(at + 4 * 110, heard.end(), [](float s) { return s == 0.0f; }));
+
+    // A parameter row selects no frame: nothing plays.
+    clickName(*f.table, Row::f1);
+    f.table->PlaySelection();
+    EXPECT_FALSE(mainTable::sharedPlayer()->isPlaying());
+}
+
+TEST(mainTable, CopiedCellsPasteElsewhereAsOneUndoStep)
+{
+    TableFixture f;
+    QAbstractItemModel* model = f.table->model();
+    // Cells selected in the view (a selected row or frame is let go first).
+    auto select = [&](int top, int left, int bottom, int right) {
+        f.table->clearSelection();
+        f.table->selectionModel()->select(
+            QItemSelection(model->index(top, left), model->index(bottom, right)),
+            QItemSelectionModel::ClearAndSelect);
+    };
+    for (int k = 3; k <= 5; ++k) {
+        f.doc._dataTableDictionary.cellAt(k * 10, Row::f2)->set_nValue(1600 + k);
+        f.doc._dataTableDictionary.cellAt(k * 10, Row::f1)->set_nValue(700 + k);
+    }
+    select(Row::f2, 3, Row::f1, 5); // f2 is the row above f1
+    f.table->copySelection();
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), "f2\tf1\n1603\t703\n1604\t704\n1605\t705\n");
+
+    select(Row::f2, 10, Row::f2, 10);
+    f.table->pasteAtSelection();
+    for (int k = 0; k < 3; ++k) {
+        EXPECT_EQ(f.value(Row::f2, 10 + k), 1603 + k);
+        EXPECT_EQ(f.value(Row::f1, 10 + k), 703 + k);
+        EXPECT_EQ(model->data(model->index(Row::f1, 10 + k)).toString(), QString::number(703 + k));
+    }
+    EXPECT_TRUE(f.table->_bSynthesize);
+    EXPECT_TRUE(f.doc.isDocumentEdited());
+    EXPECT_EQ(f.doc._arrayUndo.size(), 1u);
+    f.table->undo();
+    EXPECT_EQ(f.value(Row::f2, 11), 1500);
+    EXPECT_EQ(f.value(Row::f1, 12), 500);
+
+    // A row selected by its name is copied over every frame, a frame over every row.
+    clickName(*f.table, Row::f1);
+    f.table->copySelection();
+    QStringList lines = QGuiApplication::clipboard()->text().split('\n', Qt::SkipEmptyParts);
+    ASSERT_EQ(lines.size(), 21);
+    EXPECT_EQ(lines[0], "f1");
+    EXPECT_EQ(lines[4], "704");
+    clickHeader(*f.table, 4);
+    f.table->copySelection();
+    lines = QGuiApplication::clipboard()->text().split('\n', Qt::SkipEmptyParts);
+    ASSERT_EQ(lines.size(), 2);
+    EXPECT_EQ(lines[0].split('\t').size(), 48);
+    EXPECT_EQ(lines[1].split('\t').value(Row::f1), "704");
+
+    // Values from elsewhere (CR LF, no header) are clamped as typed values are.
+    QGuiApplication::clipboard()->setText("200\t-3\r\n50\r\n");
+    select(Row::av, 2, Row::av, 2);
+    f.table->pasteAtSelection();
+    EXPECT_EQ(f.value(Row::av, 2), 87);
+    EXPECT_EQ(f.value(Row::ah, 2), 0);
+    EXPECT_EQ(f.value(Row::av, 3), 50);
+
+    // What does not fit, or is not numbers, is refused and changes nothing.
+    const std::size_t undoSteps = f.doc._arrayUndo.size();
+    QGuiApplication::clipboard()->setText("f1\n1\n2\n3\n");
+    select(Row::f1, 19, Row::f1, 19); // two frames left
+    f.table->pasteAtSelection();
+    QGuiApplication::clipboard()->setText("1\t2\n");
+    select(Row::gain, 4, Row::gain, 4); // the last row
+    f.table->pasteAtSelection();
+    QGuiApplication::clipboard()->setText("f1\n700\nloud\n");
+    select(Row::f1, 7, Row::f1, 7);
+    f.table->pasteAtSelection();
+    EXPECT_EQ(f.doc._arrayUndo.size(), undoSteps);
+    EXPECT_EQ(f.value(Row::f1, 19), 500);
+    EXPECT_EQ(f.value(Row::f1, 7), 500);
+    EXPECT_EQ(f.value(Row::gain, 4), 60);
+    ASSERT_EQ(f.alerts.size(), 3);
+    EXPECT_TRUE(f.alerts[0].contains("3 frames")) << f.alerts[0].toStdString();
+    EXPECT_TRUE(f.alerts[2].contains("“loud”")) << f.alerts[2].toStdString();
+}
+
+TEST(mainTable, ShorteningAsksBeforeItRemovesEnteredValues)
+{
+    TableFixture f;
+    QStringList questions;
+    // The option panel gets the new length and OK; a question that follows gets `answer`.
+    auto shortenTo = [&](const QString& length, const QString& answer) {
+        QTimer poll;
+        QPointer<QWidget> handled;
+        QObject::connect(&poll, &QTimer::timeout, [&] {
+            QWidget* modal = QApplication::activeModalWidget();
+            if (!modal || modal == handled)
+                return;
+            handled = modal;
+            if (auto* panel = qobject_cast<optionFile*>(modal)) {
+                panel->m_nFileLength->setText(length);
+                panel->oktButton();
+            } else if (auto* box = qobject_cast<QMessageBox*>(modal)) {
+                questions << box->text();
+                for (QAbstractButton* button : box->buttons())
+                    if (button->text() == answer)
+                        button->click();
+            }
+        });
+        poll.start(10);
+        f.table->_optionsFile();
+    };
+
+    // Frames at the factory values go without a question.
+    shortenTo("150", "Cancel");
+    EXPECT_TRUE(questions.isEmpty());
+    EXPECT_EQ(f.doc.getChannel(0)->m_nColumnNum, 15);
+
+    f.type(Row::f1, 14, "700");
+    shortenTo("100", "Cancel");
+    ASSERT_EQ(questions.size(), 1);
+    EXPECT_EQ(questions[0], "Shortening to 100 ms removes 5 frames.");
+    EXPECT_EQ(f.doc.getChannel(0)->m_nColumnNum, 15) << "declined: nothing removed";
+    EXPECT_EQ(f.value(Row::f1, 14), 700);
+
+    shortenTo("100", "Shorten");
+    EXPECT_EQ(questions.size(), 2);
+    EXPECT_EQ(f.doc.getChannel(0)->m_nColumnNum, 10);
+    EXPECT_EQ(f.table->model()->columnCount(), 11);
 }

@@ -42,10 +42,6 @@ void replaceCellAt(MyDocument& doc, CellRef cell, int row, int col)
         (*column)[row] = std::move(cell);
 }
 
-namespace
-{
-// The value limited to the cell's range: the maximum first, then the minimum (so a cell whose
-// minimum exceeds its maximum ends at the minimum).
 int clampToLimits(const ImageAndTextCell& cell, int value)
 {
     if (value > cell._nMaxValue())
@@ -54,7 +50,17 @@ int clampToLimits(const ImageAndTextCell& cell, int value)
         value = cell._nMinValue();
     return value;
 }
-} // namespace
+
+CellRef enteredCell(const ImageAndTextCell& stored, int value)
+{
+    auto cell = std::make_shared<ImageAndTextCell>();
+    cell->copy(stored);
+    // Out-of-range input is corrected silently, never refused.
+    const int clamped = clampToLimits(*cell, value);
+    cell->set_nValue(clamped);
+    cell->setInttoStringValue(clamped);
+    return cell;
+}
 
 int typedInteger(const std::string& text)
 {
@@ -73,12 +79,7 @@ TypedEntryOutcome typeValue(MyDocument& doc, int row, int tableColumn, int newVa
         return TypedEntryOutcome::Unchanged;
 
     doc.saveUndo();
-    auto cell = std::make_shared<ImageAndTextCell>();
-    cell->copy(*stored);
-    // Out-of-range input is corrected silently, never refused.
-    const int value = clampToLimits(*cell, newValue);
-    cell->set_nValue(value);
-    cell->setInttoStringValue(value);
+    CellRef cell = enteredCell(*stored, newValue);
     if (doc.getChannel(0)->m_bDoAnchor)
         cell->set_bAnchor(true);
     replaceCellAt(doc, cell, row, tableColumn);
@@ -199,12 +200,10 @@ void saveParameters(MyDocument& doc)
 void AdjustSampleRate(MyDocument& doc, bool synthesize)
 {
     Channels& c = *doc.getChannel(0);
-    const bool highFormants = std::any_of(std::begin(kHighFormantRows), std::end(kHighFormantRows),
-                                          [&](int row) { return c.m_Parameters[row].bSelected != 0; });
-    c.m_bIncraseSampleRate = highFormants ? 1 : 0;
-    c.m_dSampleRate = highFormants ? 22050.0 : 11025.0;
+    const int rate = doc.synthesisSampleRate();
+    c.m_bIncraseSampleRate = rate == 22050 ? 1 : 0;
+    c.m_dSampleRate = rate;
 
-    const double rate = c.m_dSampleRate;
     const int range = static_cast<int>(rate * 0.5) / 1000 * 1000;
     int order = static_cast<int>(2.0 * (rate * 0.5 / 1000.0)) + 4;
     order -= order % 2;
@@ -296,10 +295,45 @@ DataTableDictionary freshTableData(MyDocument& doc, int frames, long long interv
 }
 } // namespace
 
+namespace
+{
+long long proposedInterval(const MyDocument& doc)
+{
+    return doc.m_nNewUpdateIntervalMS < 1 ? 10 : doc.m_nNewUpdateIntervalMS;
+}
+
+// Capped far beyond any document, so that the frame count stays representable.
+double proposedLength(const MyDocument& doc)
+{
+    return doc.m_dNewLengthMS < 0.0 ? 0.0 : std::min(doc.m_dNewLengthMS, 1e15);
+}
+} // namespace
+
+Shortening proposedShortening(MyDocument& doc)
+{
+    const long long newInterval = proposedInterval(doc);
+    const long long newEnd = static_cast<long long>(proposedLength(doc)) / newInterval * newInterval;
+    const long long oldInterval = doc.updateInterval();
+    const Channels& c = *doc.getChannel(0);
+    const std::vector<CellArray*> columns = frameColumns(doc);
+    Shortening shortening;
+    for (std::size_t j = 0; j < columns.size(); ++j) {
+        if (static_cast<long long>(j + 1) * oldInterval <= newEnd)
+            continue;
+        ++shortening.removedFrames;
+        const CellArray* cells = columns[j];
+        const std::size_t rows = cells ? std::min<std::size_t>(cells->size(), kParameterCount) : 0;
+        for (std::size_t row = 0; row < rows && !shortening.removesValues; ++row)
+            shortening.removesValues =
+                (*cells)[row] && (*cells)[row]->_nValue() != c.m_Parameters[row].nValue;
+    }
+    return shortening;
+}
+
 void saveoptionsFile(MyDocument& doc)
 {
-    const long long newInterval = doc.m_nNewUpdateIntervalMS < 1 ? 10 : doc.m_nNewUpdateIntervalMS;
-    const double newLength = doc.m_dNewLengthMS < 0.0 ? 0.0 : std::min(doc.m_dNewLengthMS, 1e15);
+    const long long newInterval = proposedInterval(doc);
+    const double newLength = proposedLength(doc);
     const long long frames = static_cast<long long>(newLength) / newInterval;
     if (frames > MyDocument::kMaxFrames || newLength > MyDocument::kMaxLengthMS)
         throw DocumentException::tooManyFrames(frames, MyDocument::kMaxFrames); // nothing changed yet

@@ -32,6 +32,14 @@ void replaceCellAt(MyDocument& doc, CellRef cell, int row, int col);
 // ("12abc" is 12, "abc" is 0), saturating at the limits of int.
 int typedInteger(const std::string& text);
 
+// The value limited to the cell's range: the maximum first, then the minimum (so a cell whose
+// minimum exceeds its maximum ends at the minimum).
+int clampToLimits(const ImageAndTextCell& cell, int value);
+
+// A new cell copied from `stored` that holds `value` clamped to its limits and shows it: what
+// typed entry (and a paste) puts in place of the stored cell.
+CellRef enteredCell(const ImageAndTextCell& stored, int value);
+
 enum class TypedEntryOutcome {
     Unchanged,             // same value as shown, or no such cell: nothing recorded
     Stored,                // the value (clamped) replaced the cell; undo and redo recorded
@@ -76,6 +84,15 @@ void AdjustSampleRate(MyDocument& doc, bool synthesize);
 // is taken as 10 and a negative length as 0. A length beyond one hour or more frames than
 // MyDocument::kMaxFrames throw DocumentException "Document Too Long" with nothing changed.
 void saveoptionsFile(MyDocument& doc);
+
+// What saveoptionsFile() would remove for the proposed length and interval: the frames whose
+// time lies past the new length, and whether any of them holds a value other than a fresh
+// frame's (its parameter record's value).
+struct Shortening {
+    int removedFrames = 0;
+    bool removesValues = false;
+};
+Shortening proposedShortening(MyDocument& doc);
 
 // A new frame cell made from a parameter record: name, definition, default, value, limits,
 // shown flag, colour and background as given, anchor off, text = the record's value.
