@@ -1,6 +1,6 @@
 #include "dataentry/TrackPlotView.h"
 
-#include "dataentry/GraphGrids.h"
+#include "display/gui/GraphGrids.h"
 #include "table/mainTable.h"
 
 #include <QMouseEvent>

@@ -1,5 +1,5 @@
 #pragma once
-// Labelled grids drawn behind the plots of the data-entry windows: a time grid of vertical
+// Labelled grids drawn behind the plots of the data-entry and analysis windows: a time grid of vertical
 // lines and a value grid of horizontal lines. Both draw into `area` (widget coordinates,
 // y growing downward, the value 0 at the bottom edge) with the painter's current clip.
 // A step of 0 or less, or one so fine that lines would crowd closer than a few pixels,

@@ -1,4 +1,4 @@
-#include "dataentry/GraphGrids.h"
+#include "display/gui/GraphGrids.h"
 
 #include <QFontMetrics>
 #include <QPainter>

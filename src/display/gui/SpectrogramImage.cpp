@@ -1,0 +1,71 @@
+#include "display/gui/SpectrogramImage.h"
+
+#include "display/SpectrogramComputation.h"
+
+#include <QPainter>
+
+#include <algorithm>
+#include <cmath>
+
+void SpectrogramImage::SetColors()
+{
+    for (int i = 0; i < kRampSize; ++i) {
+        // A gamma below one darkens the middle of the range: the weaker formants stay visible
+        // at the default dynamic range without turning the floor grey.
+        const double t = std::pow(i / 256.0, 0.75);
+        const int grey = 255 - static_cast<int>(std::lround(t * 255.0));
+        m_ramp[static_cast<std::size_t>(i)] = qRgb(grey, grey, grey);
+    }
+}
+
+int SpectrogramImage::rampPosition(double level, int dynamicRange)
+{
+    if (dynamicRange <= 0 || !std::isfinite(level))
+        return level > 0.0 ? kRampSize - 1 : 0;
+    const double position = std::trunc(level * 256.0 / dynamicRange);
+    return static_cast<int>(std::clamp(position, 0.0, static_cast<double>(kRampSize - 1)));
+}
+
+void SpectrogramImage::DrawSpectrogramBMP(QImage& image, const SpectrogramComputation& levels, int columns,
+                                          int rows, int dynamicRange) const
+{
+    if (image.isNull())
+        return;
+    image.fill(m_ramp[0]);
+    {
+        QPainter frame(&image);
+        frame.setPen(QColor(Qt::black));
+        frame.drawRect(image.rect().adjusted(0, 0, -1, -1));
+    }
+    columns = std::min(columns, static_cast<int>(levels.m_nDisplayRange));
+    rows = std::min(rows, static_cast<int>(levels.m_nDisplayVerticalRange));
+    if (columns <= 0 || rows <= 0 || levels.m_phdDataFile.empty())
+        return;
+    const int width = image.width();
+    const int height = image.height();
+    const double sx = static_cast<double>(width) / columns;
+    const double sy = static_cast<double>(height) / rows;
+    const int p = std::max(static_cast<int>(sx), 1);
+    for (int x = 0; x < columns; ++x) {
+        const int px = static_cast<int>(sx * x) + p;
+        if (px < 0 || px >= width)
+            continue;
+        const double* frame = levels.frame(x);
+        for (int y = 0; y < rows; ++y) {
+            const int py = height - (static_cast<int>(sy * y) + p);
+            if (py < 0 || py >= height)
+                continue;
+            image.setPixel(px, py, m_ramp[static_cast<std::size_t>(rampPosition(frame[y], dynamicRange))]);
+        }
+    }
+}
+
+QImage SpectrogramImage::DrawImage(const SpectrogramComputation& levels) const
+{
+    if (!levels.m_bHaveSpectrogram || levels.m_nDisplayRange <= 0 || levels.m_nDisplayVerticalRange <= 0)
+        return {};
+    QImage image(levels.m_nDisplayRange, levels.m_nDisplayVerticalRange, QImage::Format_RGB32);
+    DrawSpectrogramBMP(image, levels, levels.m_nDisplayRange, levels.m_nDisplayVerticalRange,
+                       levels.m_settings.m_nSpecDynamicRange);
+    return image;
+}
