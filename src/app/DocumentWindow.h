@@ -72,6 +72,8 @@ private:
     QAction* m_pRedo = nullptr;
     QAction* m_pPlayModel = nullptr;
     QAction* m_pTrace = nullptr;
+    QAction* m_pSpectrogramModel = nullptr;
+    QAction* m_pFFTLPC = nullptr;
     QAction* m_pInterpolateSelection = nullptr;
     QAction* m_pAnchorRemoveSelection = nullptr;
     QMenu* m_pRecent = nullptr;

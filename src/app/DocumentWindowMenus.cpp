@@ -77,11 +77,22 @@ void DocumentWindow::createMenus()
                                         &mainTable::_dataentryTrace);
     }
 
+    QMenu* analysis = menuBar()->addMenu(tr("&Analysis"));
+    if (mainTable::hasAnalysisWindows()) {
+        analysis->addAction(tr("&Spectrogram and Pitch"), QKeySequence(tr("Ctrl+Shift+P")), m_pTable,
+                            &mainTable::_analysisSpectrogramPitch);
+        m_pSpectrogramModel =
+            analysis->addAction(tr("Spectrogram and Pitch of &Model"), QKeySequence(tr("Ctrl+Shift+M")),
+                                m_pTable, &mainTable::_analysisSpectrogramPitchModel);
+        m_pFFTLPC = analysis->addAction(tr("&FFT/LPC Slice"), QKeySequence(tr("Ctrl+Shift+F")), m_pTable,
+                                        &mainTable::_analysisFFTLPC);
+    }
+
     QMenu* options = menuBar()->addMenu(tr("&Options"));
     options->addAction(tr("&Parameters..."), m_pTable, &mainTable::_optionsParameters);
     options->addAction(tr("&File..."), m_pTable, &mainTable::_optionsFile);
 
-    for (QMenu* menu : {file, edit, frames, play, options})
+    for (QMenu* menu : {file, edit, frames, play, analysis, options})
         connect(menu, &QMenu::aboutToShow, this, &DocumentWindow::updateActions);
 }
 
@@ -96,6 +107,11 @@ void DocumentWindow::updateActions()
     m_pPlayModel->setEnabled(model);
     if (m_pTrace)
         m_pTrace->setEnabled(model);
+    if (m_pSpectrogramModel)
+        m_pSpectrogramModel->setEnabled(model);
+    // The first frame cannot be analysed from the table: column 1 is not enough.
+    if (m_pFFTLPC)
+        m_pFFTLPC->setEnabled(m_pTable->selectedColumnSpan().first > 1);
     // The selection commands work on the span of the selected rows.
     const bool rowSelected = m_pTable->selectedRowSpan().first >= 0;
     m_pInterpolateSelection->setEnabled(rowSelected);

@@ -3,6 +3,7 @@
 #include "app/ConfigurationFile.h"
 #include "app/DocumentWindow.h"
 #include "dataentry/dataentryGraphicalController.h"
+#include "display/gui/FFTLPCWindow.h"
 #include "document/MyDocument.h"
 #include "table/mainTable.h"
 
@@ -27,6 +28,11 @@ WorkbenchApplication::WorkbenchApplication(QObject* parent) : QObject(parent)
     mainTable::setGraphicalDataEntryFactory([](mainTable* table) -> DataEntryController* {
         return new dataentryGraphicalController(table->document(), table);
     });
+    mainTable::setAnalysisWindowFactories(
+        [](mainTable* table, double startSample) -> QWidget* {
+            return new FFTLPCWindow(table, startSample, table->window());
+        },
+        [](mainTable*, int) -> QWidget* { return nullptr; });
 }
 
 WorkbenchApplication::~WorkbenchApplication()

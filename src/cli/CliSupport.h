@@ -7,7 +7,9 @@
 #include <memory>
 #include <string>
 
+class Channels;
 class MyDocument;
+struct RgbImage;
 
 enum CliExit { ExitOk = 0, ExitUsage = 1, ExitBadInput = 2 };
 
@@ -24,6 +26,13 @@ void writeWholeFile(const std::string& path, const std::string& bytes);
 // Opens a parameter document or a WAVE file as the workbench does; throws CliInputError.
 std::unique_ptr<MyDocument> openDocument(const std::string& path);
 
+// The channel every analysis reads: the model utterance of an opened file; throws
+// CliInputError naming `path` when it holds no usable recording.
+const Channels& modelChannel(const MyDocument& document, const std::string& path);
+// Appends the PNG image of an RGB image to `out`; false when libpng fails.
+bool encodePng(const RgbImage& image, std::string& out);
+
 // Command groups, each registering its subcommands on the application.
 void addDocumentCommands(CLI::App& app);
 void addAnalysisCommands(CLI::App& app);
+void addSliceCommands(CLI::App& app);

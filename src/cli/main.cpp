@@ -15,6 +15,7 @@ int main(int argc, char** argv)
     app.require_subcommand(1, 1);
     addDocumentCommands(app);
     addAnalysisCommands(app);
+    addSliceCommands(app);
 
     try {
         app.parse(argc, argv);

@@ -45,6 +45,22 @@ public:
     static bool hasGraphicalDataEntry();
     static bool hasTraceDataEntry();
 
+    // The analysis windows live above the table too: the application installs their factories
+    // (the FFT/LPC window at a start sample of channel 0, the spectrogram and pitch window of
+    // a channel); their commands exist only while the factories are installed.
+    using FFTLPCFactory = std::function<QWidget*(mainTable*, double startSample)>;
+    using SpectrogramPitchFactory = std::function<QWidget*(mainTable*, int channel)>;
+    static void setAnalysisWindowFactories(FFTLPCFactory fftlpc, SpectrogramPitchFactory spectrogram);
+    static bool hasAnalysisWindows();
+    // The open FFT/LPC window of this table's document, or nullptr.
+    QWidget* fftlpcWindow() const { return m_pFFTLPC; }
+    // Start sample of the FFT/LPC command at the selected frame column: trunc((column - 1) x
+    // channel 0's samples / frames); -1 when the column index is not greater than 1.
+    double FFTLPCStartSample() const;
+    // Synthesizes channel 0 when the table changed since the last synthesis or it holds no
+    // samples yet (stopping a playback of its samples first); then emits synthesized().
+    void synthesizeIfChanged();
+
     // The application's one player (made on first use), and the table whose samples it plays
     // (nullptr when none).
     static AudioPlayer* sharedPlayer();
@@ -103,6 +119,10 @@ public slots:
     void _optionsFile();
     void _dataentryGraphical();
     void _dataentryTrace();
+    // The analysis windows (mainTableAnalysis.cpp).
+    void _analysisFFTLPC();
+    void _analysisSpectrogramPitch();
+    void _analysisSpectrogramPitchModel();
     // Writes channel 0 as a WAVE file, asking where (save panel "Save Audio as").
     void _fileSaveAudio();
     // The same without the panel; the outcome is only logged ("yes" / "no").
@@ -137,6 +157,8 @@ signals:
     // The document changed (edit, undo, redo, revert, options): the window updates its title
     // and menus.
     void documentChanged();
+    // Channel 0 was synthesized again: views of it recompute.
+    void synthesized();
     // A playback of this table's document started (sample rate, length in samples).
     void playbackStarted(double sampleRate, double samples);
 
@@ -167,4 +189,5 @@ private:
     FrozenColumnView* m_pFrozen = nullptr;
     PlayCursor* m_pPlayCursor = nullptr;
     int m_nPlayColumn = -1;
+    QPointer<QWidget> m_pFFTLPC; // the document's FFT/LPC window
 };

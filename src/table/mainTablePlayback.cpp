@@ -143,11 +143,8 @@ void mainTable::PlayDocument(int channel)
 {
     try {
         Channels* ch = m_pDoc->getChannel(channel);
-        if (channel == 0 && _bSynthesize) {
-            stopPlayback(); // the synthesis replaces the samples the player may hold
-            m_pDoc->Synthesize();
-            _bSynthesize = false;
-        }
+        if (channel == 0 && _bSynthesize)
+            synthesizeIfChanged();
         if (!ch->hasAudio())
             return; // nothing to play, nothing to report
         AudioPlayer* player = sharedPlayer();
@@ -176,11 +173,8 @@ bool mainTable::saveAudioTo(const QString& path)
 {
     bool ok = false;
     try {
-        if (_bSynthesize) {
-            stopPlayback();
-            m_pDoc->Synthesize();
-            _bSynthesize = false;
-        }
+        if (_bSynthesize)
+            synthesizeIfChanged();
         const std::string bytes = m_pDoc->save_Wave_FileType();
         QSaveFile file(path);
         ok = file.open(QIODevice::WriteOnly) &&
