@@ -47,6 +47,11 @@ public slots:
     void revertDocument();
     void loadConfiguration();
     void saveConfiguration();
+    // File > Record Model...: records from the default input; the recording becomes the model.
+    void recordModel();
+    // File > Save Model Audio...: the model channel as a WAVE file.
+    void saveModelAudio();
+    bool saveModelAudioTo(const QString& path);
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -71,6 +76,7 @@ private:
     QAction* m_pUndo = nullptr;
     QAction* m_pRedo = nullptr;
     QAction* m_pPlayModel = nullptr;
+    QAction* m_pSaveModel = nullptr;
     QAction* m_pTrace = nullptr;
     QAction* m_pSpectrogramModel = nullptr;
     QAction* m_pFFTLPC = nullptr;

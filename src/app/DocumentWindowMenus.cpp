@@ -33,6 +33,8 @@ void DocumentWindow::createMenus()
     m_pRevert = file->addAction(tr("Re&vert to Saved"), this, &DocumentWindow::revertDocument);
     file->addSeparator();
     file->addAction(tr("Save A&udio..."), m_pTable, &mainTable::_fileSaveAudio);
+    file->addAction(tr("Record &Model..."), this, &DocumentWindow::recordModel);
+    m_pSaveModel = file->addAction(tr("Save Mo&del Audio..."), this, &DocumentWindow::saveModelAudio);
     file->addSeparator();
     file->addAction(tr("&Load Configuration..."), this, &DocumentWindow::loadConfiguration);
     file->addAction(tr("Save Con&figuration..."), this, &DocumentWindow::saveConfiguration);
@@ -105,6 +107,7 @@ void DocumentWindow::updateActions()
     m_pRevert->setEnabled(m_pDoc->canRevert());
     const bool model = m_pDoc->getChannel(2)->hasAudio();
     m_pPlayModel->setEnabled(model);
+    m_pSaveModel->setEnabled(model);
     if (m_pTrace)
         m_pTrace->setEnabled(model);
     if (m_pSpectrogramModel)

@@ -4,6 +4,7 @@
 #include "app/DocumentWindow.h"
 #include "dataentry/dataentryGraphicalController.h"
 #include "display/gui/FFTLPCWindow.h"
+#include "display/gui/SpectrogramPitchWindow.h"
 #include "document/MyDocument.h"
 #include "table/mainTable.h"
 
@@ -32,7 +33,9 @@ WorkbenchApplication::WorkbenchApplication(QObject* parent) : QObject(parent)
         [](mainTable* table, double startSample) -> QWidget* {
             return new FFTLPCWindow(table, startSample, table->window());
         },
-        [](mainTable*, int) -> QWidget* { return nullptr; });
+        [](mainTable* table, int channel) -> QWidget* {
+            return new SpectrogramPitchWindow(table, channel, table->window());
+        });
 }
 
 WorkbenchApplication::~WorkbenchApplication()

@@ -41,6 +41,16 @@ QString FFTLPCWindow::documentName() const
     return path.isEmpty() ? tr("Untitled") : QFileInfo(path).fileName();
 }
 
+int FFTLPCWindow::frameOf(double startSample) const
+{
+    const Channels& c = *m_pDoc->getChannel(0);
+    if (c.m_nColumnNum < 1 || !(c.m_dwFileLength > 0.0))
+        return 0;
+    // Frame k (from 1) starts at trunc((k - 1) x samples / frames): one sample more reaches
+    // past that boundary whatever the truncation took away.
+    return static_cast<int>(std::floor((startSample + 1.0) * c.m_nColumnNum / c.m_dwFileLength)) + 1;
+}
+
 void FFTLPCWindow::set_nStartFile(double startSample)
 {
     m_nStartFile = std::max(0.0, std::trunc(startSample));
@@ -58,8 +68,8 @@ void FFTLPCWindow::stepFrames(int frames)
     if (c.m_nColumnNum < 1 || !(c.m_dwFileLength > 0.0))
         return;
     const double perFrame = c.m_dwFileLength / c.m_nColumnNum;
-    // The frame the start lies in, then whole frames from there.
-    const int frame = static_cast<int>(std::floor(m_nStartFile / perFrame + 1e-9));
+    // The frame the start lies in (from 0), then whole frames from there.
+    const int frame = frameOf(m_nStartFile) - 1;
     const int target = std::clamp(frame + frames, 0, c.m_nColumnNum - 1);
     set_nStartFile(std::trunc(target * perFrame));
 }
@@ -78,11 +88,7 @@ void FFTLPCWindow::recompute()
         copied.emplace(settings);
         copied->compute(model, std::trunc(ms * model.m_dSampleRate / 1000.0));
     }
-    const int frame = synthesis.m_nColumnNum > 0 && synthesis.m_dwFileLength > 0
-                          ? static_cast<int>(std::floor(
-                                m_nStartFile * synthesis.m_nColumnNum / synthesis.m_dwFileLength + 1e-9)) +
-                                1
-                          : 0;
+    const int frame = frameOf(m_nStartFile);
     const QString title = tr("frame %1 at %2 ms").arg(frame).arg(ms, 0, 'f', 1);
     m_pView->setSlices(std::move(own), std::move(copied), SlicePlotStyle::fromDocument(*m_pDoc, true), title);
     QString status = tr("Frame %1, %2 ms, sample %3; Left and Right step one frame")

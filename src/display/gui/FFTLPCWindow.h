@@ -27,6 +27,8 @@ public:
     double startSample() const { return m_nStartFile; }
     // Moves the slice to a time in ms of channel 0.
     void setTimeMS(double ms);
+    // The frame of the table (1 = the first) a start sample of channel 0 lies in.
+    int frameOf(double startSample) const;
     // Steps by whole frames of the table (negative: back), staying within the utterance.
     void stepFrames(int frames);
 
