@@ -43,7 +43,7 @@ void writeWholeFile(const std::string& path, const std::string& bytes)
     }
 }
 
-std::unique_ptr<MyDocument> openDocument(const std::string& path)
+std::unique_ptr<MyDocument> openDocument(const std::string& path, bool withTableData)
 {
     const std::string bytes = readWholeFile(path);
     auto document = std::make_unique<MyDocument>();
@@ -53,7 +53,8 @@ std::unique_ptr<MyDocument> openDocument(const std::string& path)
         const std::string& why = document->lastReadError();
         throw CliInputError{path, why.empty() ? "not a WAVE file or a parameter document" : why};
     }
-    document->buildDataTableDictionary();
+    if (withTableData)
+        document->buildDataTableDictionary();
     return document;
 }
 

@@ -24,7 +24,8 @@ std::string readWholeFile(const std::string& path);
 // Writes a whole file atomically (temporary file beside it, then rename); throws CliInputError.
 void writeWholeFile(const std::string& path, const std::string& bytes);
 // Opens a parameter document or a WAVE file as the workbench does; throws CliInputError.
-std::unique_ptr<MyDocument> openDocument(const std::string& path);
+// Commands that only analyse a recording skip building the table data (`withTableData`).
+std::unique_ptr<MyDocument> openDocument(const std::string& path, bool withTableData = true);
 
 // The channel every analysis reads: the model utterance of an opened file; throws
 // CliInputError naming `path` when it holds no usable recording.

@@ -104,7 +104,7 @@ void commandSlice(const SliceOptions& o)
 {
     if (!o.output.empty())
         checkOutput(o);
-    auto document = openDocument(o.input);
+    auto document = openDocument(o.input, false);
     const Channels& model = modelChannel(*document, o.input);
     document->setAnalysisDefaults(model.m_dSampleRate);
     auto given = [&](const char* name) { return o.command->count(name) > 0; };
@@ -167,8 +167,8 @@ struct CompareOptions {
 
 void commandCompare(const CompareOptions& o)
 {
-    const auto a = openDocument(o.first);
-    const auto b = openDocument(o.second);
+    const auto a = openDocument(o.first, false);
+    const auto b = openDocument(o.second, false);
     const Channels& ca = modelChannel(*a, o.first);
     const Channels& cb = modelChannel(*b, o.second);
     if (ca.m_dSampleRate != cb.m_dSampleRate) {

@@ -14,6 +14,7 @@
 #include <QPainter>
 #include <QSplitter>
 #include <QStatusBar>
+#include <QTimer>
 
 namespace
 {
@@ -49,7 +50,9 @@ SpectrogramPitchWindow::SpectrogramPitchWindow(mainTable* table, int channel, QW
     setWindowTitle(documentName());
     setFocusPolicy(Qt::StrongFocus);
     resize(1000, 560);
-    m_pPitch->setup();
+    // The pitch track is computed on the main thread right after the spectrogram's worker has
+    // started (when the view first gets its size), so that the two run side by side.
+    QTimer::singleShot(0, m_pPitch, &pitchView::setup);
 }
 
 QString SpectrogramPitchWindow::documentName() const
