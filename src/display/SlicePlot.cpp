@@ -159,7 +159,9 @@ SlicePlotFrame SlicePlot::draw(PlotCanvas& canvas, double width, double height, 
     SlicePlotFrame f;
     f.left = canvas.textWidth("-100") + 12.0;
     f.top = 2.0 * ascent + 16.0;
-    f.width = std::max(1.0, width - f.left - 12.0);
+    // Room at the right for half of the last frequency label.
+    const double right = std::max(12.0, canvas.textWidth("00000") / 2.0 + 4.0);
+    f.width = std::max(1.0, width - f.left - right);
     f.height = std::max(1.0, height - f.top - 2.0 * ascent - 14.0);
     f.frequencyRange = std::max(1, style.m_nFFTfrequencyRange);
     f.rangeDB = std::max(1, style.m_nFFTAbsoluteRange);
@@ -169,7 +171,7 @@ SlicePlotFrame SlicePlot::draw(PlotCanvas& canvas, double width, double height, 
     canvas.text(f.left, ascent + 3.0, title, kBlack, TextAnchor::Left);
     if (overlay) {
         const double d = distance(slice, *overlay, f.frequencyRange);
-        canvas.text(width - 12.0, ascent + 3.0,
+        canvas.text(f.left + f.width, ascent + 3.0,
                     std::isnan(d) ? std::string("distance -") : format("distance %.1f dB", d), kBlack,
                     TextAnchor::Right);
     }
