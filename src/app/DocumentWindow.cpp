@@ -42,6 +42,7 @@ DocumentWindow::DocumentWindow(WorkbenchApplication* app, std::unique_ptr<MyDocu
     connect(m_pTable->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &DocumentWindow::updateActions);
     createStatusBar();
+    setUpAutosave();
     resize(1100, 720);
     updateTitle();
     updateActions();
@@ -65,12 +66,24 @@ bool DocumentWindow::isPristine() const
     return filePath().isEmpty() && !m_pDoc->isDocumentEdited() && m_pDoc->_arrayUndo.empty();
 }
 
+QString DocumentWindow::displayName() const
+{
+    if (!filePath().isEmpty())
+        return QFileInfo(filePath()).fileName();
+    if (!m_strUntitledName.isEmpty())
+        return m_strUntitledName;
+    return m_nUntitled > 1 ? tr("Untitled %1").arg(m_nUntitled) : tr("Untitled");
+}
+
+void DocumentWindow::setUntitledName(const QString& name)
+{
+    m_strUntitledName = name;
+    updateTitle();
+}
+
 void DocumentWindow::updateTitle()
 {
-    const QString name = filePath().isEmpty()
-                             ? (m_nUntitled > 1 ? tr("Untitled %1").arg(m_nUntitled) : tr("Untitled"))
-                             : QFileInfo(filePath()).fileName();
-    setWindowTitle(name + QStringLiteral("[*] — Tessaphon"));
+    setWindowTitle(displayName() + QStringLiteral("[*] — Tessaphon"));
     setWindowFilePath(filePath());
     setWindowModified(m_pDoc->isDocumentEdited());
     updateStatus();
@@ -85,8 +98,7 @@ bool DocumentWindow::maySave()
 {
     if (!m_pDoc->isDocumentEdited())
         return true;
-    const QString name = filePath().isEmpty() ? windowTitle().section(QStringLiteral("[*]"), 0, 0)
-                                              : QFileInfo(filePath()).fileName();
+    const QString name = displayName();
     QMessageBox box(QMessageBox::Warning, tr("Tessaphon"),
                     tr("Do you want to save the changes you made in the document “%1”?").arg(name),
                     QMessageBox::NoButton, this);
@@ -110,6 +122,7 @@ void DocumentWindow::closeEvent(QCloseEvent* event)
         return;
     }
     m_pTable->stopPlayback();
+    removeAutosave(); // saved, or its changes let go on purpose
     event->accept();
 }
 

@@ -6,7 +6,8 @@
 //
 // Split by concern: DocumentWindow.cpp (window, title, close, drop, status),
 // DocumentWindowMenus.cpp (menus, actions and their enabling), DocumentWindowFile.cpp (save,
-// save as, revert, save audio, configurations).
+// save as, revert, save audio, configurations), DocumentWindowAutosave.cpp (the copy kept
+// for crash recovery while there are unsaved changes).
 #include <QMainWindow>
 
 #include <memory>
@@ -16,6 +17,7 @@ class mainTable;
 class QAction;
 class QLabel;
 class QMenu;
+class QTimer;
 class WorkbenchApplication;
 
 class DocumentWindow : public QMainWindow
@@ -32,8 +34,28 @@ public:
     // A new document nobody has touched (replaced when the user opens a file).
     bool isPristine() const;
 
+    // A document made from a WAVE file x.wav carries the name x.stk without the user having
+    // chosen it: its first save never replaces an x.stk that exists (Save As is asked).
+    void setFileNameProposed(bool proposed) { m_bFileNameProposed = proposed; }
+    bool isFileNameProposed() const { return m_bFileNameProposed; }
+    // The WAVE file the model recording was read from (kept with the crash-recovery copy).
+    void setModelPath(const QString& path) { m_strModelPath = path; }
+    // The name of a window without a file ("Untitled 2"); a recovered one keeps its old name.
+    QString displayName() const;
+    void setUntitledName(const QString& name);
+
+    // --- crash recovery (DocumentWindowAutosave.cpp) ---
+    // With unsaved changes, writes the document's copy to the autosave folder; without,
+    // removes it. False when a copy was due and could not be written.
+    bool autosaveNow();
+    // Removes the copy (the document was saved, or closed without saving).
+    void removeAutosave();
+    QString autosavePath() const { return m_strAutosavePath; }
+
     // --- document life cycle (no panels; the menu commands ask where, then call these) ---
-    bool saveDocument();                      // to its file, or as a new one
+    // To its file, or as a new one; through Save As when there is no file or when the file
+    // name was only proposed and such a file exists.
+    bool saveDocument();
     bool saveDocumentTo(const QString& path); // atomic; the document takes the name
     bool loadConfigurationFrom(const QString& path);
     bool saveConfigurationTo(const QString& path);
@@ -61,6 +83,9 @@ protected:
 private:
     void createMenus();
     void createStatusBar();
+    void setUpAutosave();
+    // After a change: a copy within the autosave interval (not postponed by later changes).
+    void scheduleAutosave();
     void updateStatus();
     void alert(const QString& title, const QString& message);
 
@@ -68,6 +93,11 @@ private:
     std::unique_ptr<MyDocument> m_pDoc;
     mainTable* m_pTable = nullptr;
     int m_nUntitled;
+    bool m_bFileNameProposed = false;
+    QString m_strUntitledName;
+    QString m_strModelPath;
+    QString m_strAutosavePath; // empty until the first copy
+    QTimer* m_pAutosaveTimer = nullptr;
     QLabel* m_pStatusGrid = nullptr;
     QLabel* m_pStatusPlay = nullptr;
 

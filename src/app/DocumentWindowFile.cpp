@@ -23,9 +23,11 @@ QString documentsFolder()
 
 bool DocumentWindow::saveDocument()
 {
-    if (filePath().isEmpty()) {
+    if (filePath().isEmpty() || (m_bFileNameProposed && QFileInfo::exists(filePath()))) {
+        // The file there is not this document's: the user picks where (the panel asks before
+        // it replaces anything).
         saveDocumentAs();
-        return !filePath().isEmpty() && !m_pDoc->isDocumentEdited();
+        return !filePath().isEmpty() && !m_bFileNameProposed && !m_pDoc->isDocumentEdited();
     }
     return saveDocumentTo(filePath());
 }
@@ -42,6 +44,8 @@ bool DocumentWindow::saveDocumentTo(const QString& path)
     m_pDoc->setFileURL(QFileInfo(path).absoluteFilePath().toStdString());
     m_pDoc->setFileType("stk");
     m_pDoc->updateChangeCount(MyDocument::ChangeCleared);
+    m_bFileNameProposed = false;
+    removeAutosave();
     m_pApp->noteRecentFile(filePath());
     updateTitle();
     updateActions();
@@ -99,8 +103,15 @@ bool DocumentWindow::loadConfigurationFrom(const QString& path)
         k.m_nUpdateIntervalMS = kept[ch].interval;
         k.m_nColumnNum = kept[ch].columns;
     }
-    m_pTable->saveoptionsFile();
-    m_pTable->saveParameters();
+    try {
+        m_pTable->saveoptionsFile();
+        m_pTable->saveParameters();
+    } catch (const std::exception& e) {
+        // A length or interval the document cannot take: the grid stays as it was.
+        alert(tr("The configuration “%1” could not be applied.").arg(QFileInfo(path).fileName()),
+              QString::fromUtf8(e.what()));
+        return false;
+    }
     m_pDoc->saveRedo();
     updateTitle();
     updateActions();

@@ -23,9 +23,13 @@ constexpr int kRecentFiles = 10;
 const char* kRecentKey = "recentFiles";
 } // namespace
 
-WorkbenchApplication::WorkbenchApplication(QObject* parent) : QObject(parent)
+WorkbenchApplication::WorkbenchApplication(QObject* parent)
+    : QObject(parent), m_pAutosave(std::make_unique<Autosave>())
 {
     ConfigurationFile::install();
+    // Whatever ends the event loop, unsaved changes are copied first.
+    connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, this,
+            &WorkbenchApplication::autosaveAll);
     mainTable::setGraphicalDataEntryFactory([](mainTable* table) -> DataEntryController* {
         return new dataentryGraphicalController(table->document(), table);
     });
@@ -57,6 +61,10 @@ void WorkbenchApplication::alert(QWidget* parent, const QString& title, const QS
 DocumentWindow* WorkbenchApplication::show(std::unique_ptr<MyDocument> doc, int untitledNumber)
 {
     auto* window = new DocumentWindow(this, std::move(doc), untitledNumber);
+    if (!window->table()->isSetUp()) {
+        delete window; // its table said why in an alert; the other windows go on
+        return nullptr;
+    }
     m_windows.push_back(window);
     // Cascade new windows a little so that they do not hide each other.
     if (m_windows.size() > 1) {
@@ -105,17 +113,30 @@ DocumentWindow* WorkbenchApplication::openFile(const QString& path)
               why.isEmpty() ? tr("It is neither a WAVE file nor a parameter document.") : why);
         return nullptr;
     }
-    doc->buildDataTableDictionary(); // a WAVE file became a new, changed document x.stk
+    // A WAVE file became a new, changed document x.stk: a name proposed, not chosen.
+    const bool nameProposed =
+        QFileInfo(QString::fromStdString(doc->fileURL())).absoluteFilePath() != absolute;
     noteRecentFile(absolute);
     // An untouched new window gives way to the opened file.
-    if (m_windows.size() == 1 && m_windows.front()->isPristine()) {
-        DocumentWindow* pristine = m_windows.front();
-        DocumentWindow* opened = show(std::move(doc), 0);
+    DocumentWindow* pristine =
+        m_windows.size() == 1 && m_windows.front()->isPristine() ? m_windows.front() : nullptr;
+    DocumentWindow* opened = show(std::move(doc), 0);
+    if (!opened)
+        return nullptr;
+    opened->setFileNameProposed(nameProposed);
+    if (opened->document()->getChannel(2)->hasAudio())
+        opened->setModelPath(absolute);
+    if (pristine) {
         opened->move(pristine->pos());
         pristine->close();
-        return opened;
     }
-    return show(std::move(doc), 0);
+    const MyDocument& read = *opened->document();
+    if (read.isTruncated())
+        alert(opened, tr("The document “%1” is incomplete.").arg(name),
+              tr("It declares %1 frames but holds values for %2 of them; the others have default values.")
+                  .arg(read.framesDeclared())
+                  .arg(read.framesInFile()));
+    return opened;
 }
 
 void WorkbenchApplication::openFiles(const QStringList& paths)
@@ -160,8 +181,15 @@ void WorkbenchApplication::windowClosed(DocumentWindow* window)
     m_windows.erase(std::remove(m_windows.begin(), m_windows.end(), window), m_windows.end());
 }
 
+void WorkbenchApplication::autosaveAll()
+{
+    for (DocumentWindow* w : m_windows)
+        w->autosaveNow();
+}
+
 bool WorkbenchApplication::quit()
 {
+    autosaveAll();
     for (DocumentWindow* w : std::vector<DocumentWindow*>(m_windows))
         if (!w->close())
             return false;

@@ -1,7 +1,11 @@
 #pragma once
 // The application: its document windows, the commands that make or open documents (New,
-// Open, Open Recent), the recent-files list, and Quit with the unsaved-changes prompts.
-// Installs the configuration file hooks when made. Main thread only.
+// Open, Open Recent), the recent-files list, Quit with the unsaved-changes prompts, and the
+// crash-recovery copies of documents with unsaved changes (Autosave; the recovery offer at
+// start is in WorkbenchRecovery.cpp). Installs the configuration file hooks when made.
+// Main thread only.
+#include "app/Autosave.h"
+
 #include <QObject>
 #include <QStringList>
 
@@ -19,6 +23,7 @@ public:
     explicit WorkbenchApplication(QObject* parent = nullptr);
     ~WorkbenchApplication() override;
 
+    // nullptr when the window could not be made (its table said why in an alert).
     DocumentWindow* newDocument();
     // Opens a parameter document or a WAVE file (which becomes a new document x.stk with
     // the recording as its model); an already open file is brought to front. nullptr and
@@ -31,6 +36,18 @@ public:
     void clearRecentFiles();
 
     const std::vector<DocumentWindow*>& windows() const { return m_windows; }
+
+    // --- crash recovery ---
+    Autosave* autosave() const { return m_pAutosave.get(); }
+    // Writes the copy of every document with unsaved changes (at quit, before the prompts).
+    void autosaveAll();
+    // When copies were left behind by a workbench that ended without saving them, shows
+    // "Recover Unsaved Documents"; answers how many documents were reopened.
+    int offerRecovery();
+    // Reopens the documents of the copies as modified documents with their old names; each
+    // old copy is removed once its new window has written its own. Unreadable ones are
+    // reported and kept.
+    int recover(const QList<Autosave::Entry>& entries);
     void windowClosed(DocumentWindow* window);
 
     // When set, failures are reported through it instead of a message box (tests).
@@ -49,6 +66,7 @@ signals:
 private:
     DocumentWindow* show(std::unique_ptr<MyDocument> doc, int untitledNumber);
 
+    std::unique_ptr<Autosave> m_pAutosave;
     std::vector<DocumentWindow*> m_windows;
     int m_nUntitledCount = 0;
     bool m_bQuiet = false;

@@ -23,8 +23,10 @@ int main(int argc, char** argv)
     parser.process(app);
 
     WorkbenchApplication workbench;
+    // Documents a crashed workbench left with unsaved changes come first.
+    workbench.offerRecovery();
     workbench.openFiles(parser.positionalArguments());
-    if (workbench.windows().empty())
-        workbench.newDocument();
+    if (workbench.windows().empty() && !workbench.newDocument())
+        return 1; // not even a new document could be made (an alert said why)
     return app.exec();
 }

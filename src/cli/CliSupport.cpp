@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <cstring>
 #include <fstream>
+#include <iostream>
 #include <sstream>
 
 std::string readWholeFile(const std::string& path)
@@ -53,6 +54,10 @@ std::unique_ptr<MyDocument> openDocument(const std::string& path, bool withTable
         const std::string& why = document->lastReadError();
         throw CliInputError{path, why.empty() ? "not a WAVE file or a parameter document" : why};
     }
+    if (document->isTruncated())
+        std::cerr << "tessaphon-cli: " << path << ": warning: only " << document->framesInFile() << " of "
+                  << document->framesDeclared()
+                  << " declared frames are present; the others hold default values\n";
     if (withTableData)
         document->buildDataTableDictionary();
     return document;

@@ -23,7 +23,9 @@ struct CliInputError {
 std::string readWholeFile(const std::string& path);
 // Writes a whole file atomically (temporary file beside it, then rename); throws CliInputError.
 void writeWholeFile(const std::string& path, const std::string& bytes);
-// Opens a parameter document or a WAVE file as the workbench does; throws CliInputError.
+// Opens a parameter document or a WAVE file as the workbench does; throws CliInputError. A
+// document whose value lines stop before its declared length is read as far as it goes,
+// with one warning line on standard error naming the file and the frames present/declared.
 // Commands that only analyse a recording skip building the table data (`withTableData`).
 std::unique_ptr<MyDocument> openDocument(const std::string& path, bool withTableData = true);
 

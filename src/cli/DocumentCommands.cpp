@@ -51,6 +51,7 @@ void printDocumentInfo(MyDocument& document)
               << "length_ms: " << static_cast<long long>(c->m_dLengthMS) << "\n"
               << "interval_ms: " << c->m_nUpdateIntervalMS << "\n"
               << "frames: " << c->m_nColumnNum << "\n"
+              << "frames_in_file: " << document.framesInFile() << "\n"
               << "sample_rate: " << static_cast<long long>(c->m_dSampleRate) << "\n"
               << "cascade: " << int(c->m_bCascade_Parallel) << "\n"
               << "anchors: " << c->m_nNumberofAnchors << "\n"

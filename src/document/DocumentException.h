@@ -20,6 +20,14 @@ public:
         return DocumentException("Memory Error", reason);
     }
 
+    // A document of more frames than the program holds (the readers' one-hour limit).
+    static DocumentException tooManyFrames(long long frames, long long limit)
+    {
+        return DocumentException("Document Too Long",
+                                 std::to_string(frames) + " frames; a document holds at most " +
+                                     std::to_string(limit) + " (one hour of 10 ms frames)");
+    }
+
 private:
     std::string m_strName;
     std::string m_strReason;

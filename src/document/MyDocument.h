@@ -50,7 +50,9 @@ public:
     // --- table data ---
     // Empties and rebuilds _dataTableDictionary from the parameter records of channel 0: values
     // from the records for a new document, from the grid and the anchor list for a read one
-    // (m_bReadFile set). Repairs an update interval of 0 or less to 10 first.
+    // (m_bReadFile set). Repairs an update interval of 0 or less to 10 first. More frames than
+    // kMaxFrames throw DocumentException "Document Too Long" before anything is made; running
+    // out of memory throws "Memory Error" and leaves the table data empty.
     void buildDataTableDictionary();
     // Background colour of a row's cells: the group colour of m_bgColor by row; row 0 stays white.
     Color groupBackgroundColor(int row) const;
@@ -70,8 +72,23 @@ public:
     static constexpr double kMaxLengthMS = 3600.0 * 1000.0;
     static constexpr int kMaxFrames = 360000;
 
+    // Frames of the last parameter document read from a file: how many value lines it held
+    // and how many frames its length declares. A file that stops early is read as far as it
+    // goes; its missing frames keep the parameters' default values.
+    int framesInFile() const { return m_nFramesInFile; }
+    int framesDeclared() const { return m_nFramesDeclared; }
+    bool isTruncated() const { return m_nFramesInFile < m_nFramesDeclared; }
+    void noteFramesRead(int present, int declared)
+    {
+        m_nFramesInFile = present;
+        m_nFramesDeclared = declared;
+    }
+
     // --- parameter document files ---
     std::string Save_STK_FileType50(bool allRows);
+    // The same text without marking the document changed: for copies that are not the
+    // document's own file (the crash-recovery autosaves).
+    std::string parameterDocumentText(bool allRows);
     std::string Save_STK_FileType(bool allRows); // undo snapshots
     int Read_STK_FileType(const std::string& bytes);
     static void EnterNumber(std::string& text, int number, bool bCRLFOnly);
@@ -193,8 +210,12 @@ public:
     void setAnalysisDefaults(double sampleRate);
 
 private:
+    void fillDataTableDictionary(int columns, int interval, bool fromGrid);
+
     std::string m_strFileURL;
     std::string m_strFileType = "stk";
     std::string m_strReadError;
     long m_nChangeCount = 0;
+    int m_nFramesInFile = 0;
+    int m_nFramesDeclared = 0;
 };

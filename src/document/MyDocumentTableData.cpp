@@ -1,7 +1,10 @@
 // Building the table data (_dataTableDictionary) from channel 0's parameter records and grid.
 #include "document/MyDocument.h"
 
+#include "document/DocumentException.h"
+
 #include <memory>
+#include <new>
 
 Color MyDocument::groupBackgroundColor(int row) const
 {
@@ -33,6 +36,19 @@ void MyDocument::buildDataTableDictionary()
     const int interval = updateInterval();
     const int columns = c.m_nColumnNum < 0 ? 0 : c.m_nColumnNum;
     const bool fromGrid = m_bReadFile != 0;
+    if (columns > kMaxFrames)
+        throw DocumentException::tooManyFrames(columns, kMaxFrames);
+    try {
+        fillDataTableDictionary(columns, interval, fromGrid);
+    } catch (const std::bad_alloc&) {
+        _dataTableDictionary.removeAllObjects();
+        throw DocumentException::memoryError();
+    }
+}
+
+void MyDocument::fillDataTableDictionary(int columns, int interval, bool fromGrid)
+{
+    Channels& c = *m_Channel[0];
 
     // Anchor flags of a read document, by (frame column, row).
     std::vector<std::vector<bool>> anchors;

@@ -205,10 +205,16 @@ void MyDocument::EnterParameter(std::string& text, const char* name)
     text += '\t';
 }
 
-std::string MyDocument::Save_STK_FileType50(bool allRows)
+std::string MyDocument::parameterDocumentText(bool allRows)
 {
     std::string text;
     writeParameterText(*this, allRows, ParameterTextUse::File, text);
+    return text;
+}
+
+std::string MyDocument::Save_STK_FileType50(bool allRows)
+{
+    std::string text = parameterDocumentText(allRows);
     updateChangeCount(ChangeDone);
     return text;
 }

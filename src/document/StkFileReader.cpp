@@ -334,6 +334,7 @@ int readParameterText(MyDocument& document, const std::string& text, ParameterTe
     c.m_bHaveData = 1;
     c.m_bSynthesize = 1;
     if (use == ParameterTextUse::File) {
+        document.noteFramesRead(static_cast<int>(doc.valueLines.size()), doc.frames);
         document.m_bver50 = doc.marker == "50" ? 1 : 0;
         document.m_bAudiofile = 0;
         document.setFileType("stk");

@@ -24,10 +24,17 @@ public:
     virtual void save(MyDocument* doc) = 0;
 
 public slots:
-    void oktButton() { done(kOK); }
+    // Ends with OK unless the panel refuses what it shows (mayAccept).
+    void oktButton()
+    {
+        if (mayAccept())
+            done(kOK);
+    }
     void canceltButton() { done(kCancel); }
 
 protected:
+    // Whether OK may end the panel; a panel that refuses says why in itself and stays open.
+    virtual bool mayAccept() { return true; }
     // The OK / Cancel row (and a Default button when `withDefault`), for the subclass layout.
     QDialogButtonBox* makeButtons(bool withDefault);
     QPushButton* defaultButton() const { return m_pDefault; }

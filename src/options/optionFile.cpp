@@ -8,6 +8,7 @@
 #include <QFormLayout>
 #include <QHBoxLayout>
 #include <QIntValidator>
+#include <QLabel>
 #include <QLineEdit>
 #include <QRadioButton>
 #include <QVBoxLayout>
@@ -61,9 +62,42 @@ optionFile::optionFile(QWidget* parent) : OptionPanel(parent)
     form->addRow(tr("Interpolate typed values:"), interpolationRow);
     form->addRow(tr("Typed values become anchors:"), anchorRow);
 
+    m_pRefusal = new QLabel;
+    m_pRefusal->setWordWrap(true);
+    m_pRefusal->setStyleSheet(QStringLiteral("color: #b00000;"));
+    m_pRefusal->hide();
+
     auto* outer = new QVBoxLayout(this);
     outer->addLayout(form);
+    outer->addWidget(m_pRefusal);
     outer->addWidget(makeButtons(false));
+}
+
+QString optionFile::sizeRefusal(long long lengthMS, long long intervalMS)
+{
+    const auto limit = static_cast<long long>(MyDocument::kMaxLengthMS);
+    if (lengthMS > limit)
+        return tr("A document lasts at most one hour (%1 ms); %2 ms is too long.").arg(limit).arg(lengthMS);
+    const long long interval = intervalMS < 1 ? 10 : intervalMS; // as the table takes it
+    const long long frames = lengthMS / interval;
+    if (frames > MyDocument::kMaxFrames)
+        return tr("%1 ms in frames of %2 ms makes %3 frames; a document holds at most %4. "
+                  "Choose a longer interval or a shorter length.")
+            .arg(lengthMS)
+            .arg(interval)
+            .arg(frames)
+            .arg(MyDocument::kMaxFrames);
+    return {};
+}
+
+bool optionFile::mayAccept()
+{
+    const QString why = sizeRefusal(m_nFileLength->text().toLongLong(), m_nInterval->text().toLongLong());
+    m_pRefusal->setText(why);
+    m_pRefusal->setVisible(!why.isEmpty());
+    if (!why.isEmpty())
+        m_nFileLength->setFocus();
+    return why.isEmpty();
 }
 
 void optionFile::setup(MyDocument* doc)

@@ -3,11 +3,13 @@
 // interval in ms, and the interpolate and anchor switches of typed entry. The rate, length
 // and interval it saves are proposals (m_dNewSampleRate, m_dNewLengthMS,
 // m_nNewUpdateIntervalMS) that the table then applies; the switches go to channel 0.
-// Main thread only.
+// OK refuses a length beyond one hour and more frames than a document holds
+// (MyDocument::kMaxLengthMS, kMaxFrames), saying so in the panel. Main thread only.
 #include "options/OptionPanel.h"
 
 class QButtonGroup;
 class QComboBox;
+class QLabel;
 class QLineEdit;
 
 class optionFile : public OptionPanel
@@ -26,4 +28,12 @@ public:
     // whether the first row is chosen.
     QButtonGroup* _interpolationGroup = nullptr;
     QButtonGroup* _anchorGroup = nullptr;
+    // Why OK was refused; hidden while there is nothing to say.
+    QLabel* m_pRefusal = nullptr;
+
+    // Why the length and interval shown cannot be taken, or empty when they can.
+    static QString sizeRefusal(long long lengthMS, long long intervalMS);
+
+protected:
+    bool mayAccept() override;
 };

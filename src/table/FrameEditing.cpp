@@ -97,6 +97,9 @@ bool modifyColumns(MyDocument& doc, int firstSelectedColumn)
     const int interval = doc.updateInterval();
     const int nOld = existingFrames(doc, interval);
     const int nNew = std::max(doc._nDurationModifyColumn / interval, 0);
+    const long long total = static_cast<long long>(nOld) + nNew;
+    if (total > MyDocument::kMaxFrames || total * interval > MyDocument::kMaxLengthMS)
+        throw DocumentException::tooManyFrames(total, MyDocument::kMaxFrames); // nothing built yet
     const DataTableDictionary& oldData = doc._dataTableDictionary;
     DataTableDictionary newData;
     try {

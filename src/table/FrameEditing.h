@@ -20,7 +20,8 @@ enum FramePlace { FramesAtBeginning = 0, FramesAfterSelection = 1, FramesAtEnd =
 // `firstSelectedColumn` when the place is "after the selected frame". Records an undo step
 // first, always. Returns false, having changed nothing else, when the place is "after the
 // selected frame" and nothing is selected; true when the table data was rebuilt (even with
-// no frame added, for a duration shorter than one interval).
+// no frame added, for a duration shorter than one interval). More than kMaxFrames frames or
+// one hour in all throw DocumentException "Document Too Long" before anything is built.
 bool modifyColumns(MyDocument& doc, int firstSelectedColumn);
 
 // Removes the frames of the span firstSelectedColumn .. lastSelectedColumn (a selection of

@@ -9,8 +9,9 @@ FrozenColumnView::FrozenColumnView(QTableView* table) : QTableView(table), m_pTa
     setSelectionModel(table->selectionModel());
     setFocusPolicy(Qt::NoFocus);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
-    setSelectionMode(table->selectionMode());
-    setSelectionBehavior(table->selectionBehavior());
+    // It shows the table's selection but never changes it: a press on a name selects the
+    // parameter's row through the table it covers.
+    setSelectionMode(QAbstractItemView::NoSelection);
     setVerticalScrollMode(table->verticalScrollMode());
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);

@@ -5,9 +5,9 @@
 // table it covers: vertical scrolling both ways, row heights (hidden parameters keep their
 // hairline), the header height, and the width of column 0 both ways.
 //
-// It never takes the keyboard focus and never edits; the table it covers connects its
-// clicks and context-menu requests. Owned by that table (a child widget). Main thread only;
-// sizes in pixels.
+// It never takes the keyboard focus, never edits and never selects by itself; the table it
+// covers watches the presses on its names (they select rows) and its context-menu requests. Owned by that
+// table (a child widget). Main thread only; sizes in pixels.
 #include <QTableView>
 
 class FrozenColumnView : public QTableView

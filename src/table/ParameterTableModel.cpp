@@ -1,5 +1,6 @@
 #include "table/ParameterTableModel.h"
 
+#include "document/DocumentException.h"
 #include "document/MyDocument.h"
 
 #include <QApplication>
@@ -22,7 +23,6 @@ ParameterTableModel::ParameterTableModel(MyDocument* doc, QObject* parent)
     m_cellFont = QApplication::font();
     // The table uses the small system font size, as the parameter grid is dense.
     m_cellFont.setPointSizeF(std::max(7.0, m_cellFont.pointSizeF() - 1.0));
-    lookUpColumns();
 }
 
 void ParameterTableModel::lookUpColumns()
@@ -43,10 +43,27 @@ void ParameterTableModel::reload()
     const std::size_t newColumns = m_pDoc->_dataTableDictionary.count();
     const CellArray* names = m_pDoc->_dataTableDictionary.objectForKey("0");
     const int newRows = names ? static_cast<int>(names->size()) : 0;
+    if (newColumns > static_cast<std::size_t>(MyDocument::kMaxFrames) + 1) {
+        // More frames than a document may hold: nothing is shown rather than a runaway table.
+        beginResetModel();
+        m_columns.clear();
+        m_nRows = 0;
+        endResetModel();
+        throw DocumentException::tooManyFrames(static_cast<long long>(newColumns) - 1,
+                                               MyDocument::kMaxFrames);
+    }
     if (static_cast<int>(newColumns) != oldColumns || newRows != oldRows ||
         m_pDoc->updateInterval() != oldInterval) {
         beginResetModel();
-        lookUpColumns();
+        try {
+            lookUpColumns();
+        } catch (...) {
+            // Out of memory half-way: an empty table is consistent, stale column pointers not.
+            m_columns.clear();
+            m_nRows = 0;
+            endResetModel();
+            throw;
+        }
         endResetModel();
         return;
     }

@@ -23,7 +23,9 @@ public:
 
     // Looks the columns up again after the table data changed. A change of the column count
     // resets the model; otherwise every cell is reported changed (the view repaints only
-    // what it shows).
+    // what it shows). Starts empty: the first reload finds the columns. Table data of more
+    // frames than a document holds (MyDocument::kMaxFrames) leaves the model empty and throws
+    // DocumentException "Document Too Long"; so does running out of memory (bad_alloc).
     void reload();
     // Reports one cell changed (a typed value replaced it; the columns are the same).
     void cellChanged(int row, int column);

@@ -1,5 +1,7 @@
 #include "table/TableEditing.h"
 
+#include "document/DocumentException.h"
+
 #include <algorithm>
 #include <cmath>
 #include <memory>
@@ -267,12 +269,15 @@ DataTableDictionary freshTableData(MyDocument& doc, int frames, long long interv
 
 void saveoptionsFile(MyDocument& doc)
 {
+    const long long newInterval = doc.m_nNewUpdateIntervalMS < 1 ? 10 : doc.m_nNewUpdateIntervalMS;
+    const double newLength = doc.m_dNewLengthMS < 0.0 ? 0.0 : std::min(doc.m_dNewLengthMS, 1e15);
+    const long long frames = static_cast<long long>(newLength) / newInterval;
+    if (frames > MyDocument::kMaxFrames || newLength > MyDocument::kMaxLengthMS)
+        throw DocumentException::tooManyFrames(frames, MyDocument::kMaxFrames); // nothing changed yet
+    const int newFrames = static_cast<int>(frames);
     doc.saveUndo();
     Channels& c = *doc.getChannel(0);
     const long long oldInterval = doc.updateInterval();
-    const long long newInterval = doc.m_nNewUpdateIntervalMS < 1 ? 10 : doc.m_nNewUpdateIntervalMS;
-    const double newLength = doc.m_dNewLengthMS < 0.0 ? 0.0 : doc.m_dNewLengthMS;
-    const int newFrames = static_cast<int>(static_cast<long long>(newLength) / newInterval);
     const long long oldFrames = doc._dataTableDictionary.empty() ? 0 : doc._dataTableDictionary.count() - 1;
 
     DataTableDictionary fresh = freshTableData(doc, newFrames, newInterval);

@@ -72,7 +72,8 @@ void AdjustSampleRate(MyDocument& doc, bool synthesize);
 // (m_dNewLengthMS, m_nNewUpdateIntervalMS, m_dNewSampleRate): records an undo step, makes
 // fresh frames from the parameter records, carries the old frame values over by time, and
 // stores the new rate, length, interval and frame count in channel 0. An interval below 1
-// is taken as 10 and a negative length as 0.
+// is taken as 10 and a negative length as 0. A length beyond one hour or more frames than
+// MyDocument::kMaxFrames throw DocumentException "Document Too Long" with nothing changed.
 void saveoptionsFile(MyDocument& doc);
 
 // A new frame cell made from a parameter record: name, definition, default, value, limits,

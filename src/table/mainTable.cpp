@@ -32,8 +32,7 @@ constexpr int kAnchorRowHeight = 10;
 
 mainTable::mainTable(MyDocument* doc, QWidget* parent) : QTableView(parent), m_pDoc(doc)
 {
-    if (m_pDoc->_dataTableDictionary.empty())
-        m_pDoc->buildDataTableDictionary();
+    // The model starts empty; the columns are looked up once the table data is there.
     m_pModel = new ParameterTableModel(m_pDoc, this);
     setModel(m_pModel);
     connect(m_pModel, &ParameterTableModel::valueTyped, this, &mainTable::typedValue);
@@ -58,29 +57,25 @@ mainTable::mainTable(MyDocument* doc, QWidget* parent) : QTableView(parent), m_p
     headerFont.setPointSizeF(std::max(7.0, headerFont.pointSizeF() - 1.0));
     horizontalHeader()->setFont(headerFont);
 
-    // The names are clicked on the frozen view laid over column 0; both select the row.
+    // The names are pressed on the frozen view laid over column 0: they select rows.
     m_pFrozen = new FrozenColumnView(this);
-    connect(this, &QTableView::clicked, this, &mainTable::selectNameRow);
-    connect(m_pFrozen, &QTableView::clicked, this, &mainTable::selectNameRow);
     connect(m_pFrozen, &QWidget::customContextMenuRequested, this, [this](const QPoint& pos) {
         showAnchorMenu(m_pFrozen->indexAt(pos), m_pFrozen->viewport()->mapToGlobal(pos));
     });
     m_pPlayCursor = new PlayCursor(this);
     connect(this, &mainTable::playbackStarted, m_pPlayCursor, &PlayCursor::follow);
-    rebuildColumns();
+    setUpSelection();
+    m_bSetUp = guarded(QStringLiteral("Error in starting the window"), [&] {
+        if (m_pDoc->_dataTableDictionary.empty())
+            m_pDoc->buildDataTableDictionary();
+    });
+    m_bSetUp = m_bSetUp && rebuildColumns();
     clearSelection();
 }
 
 mainTable::~mainTable()
 {
     stopPlayback();
-}
-
-void mainTable::selectNameRow(const QModelIndex& index)
-{
-    // Clicking a parameter's name selects its whole row.
-    if (index.column() == 0)
-        selectRow(index.row());
 }
 
 void mainTable::updateGeometries()
@@ -106,12 +101,14 @@ void mainTable::scrollTo(const QModelIndex& index, ScrollHint hint)
         horizontalScrollBar()->setValue(horizontalScrollBar()->value() - hidden);
 }
 
-void mainTable::rebuildColumns()
+bool mainTable::rebuildColumns()
 {
-    m_pDoc->updateInterval(); // repairs an interval below 1 before the titles are made
-    m_pModel->reload();
-    horizontalHeader()->resizeSection(0, kNameColumnWidth);
-    updateRowHeights();
+    return guarded(QStringLiteral("Error in creating columns"), [&] {
+        m_pDoc->updateInterval(); // repairs an interval below 1 before the titles are made
+        m_pModel->reload();
+        horizontalHeader()->resizeSection(0, kNameColumnWidth);
+        updateRowHeights();
+    });
 }
 
 void mainTable::reloadData()
@@ -137,35 +134,6 @@ void mainTable::refreshTable()
     _bSynthesize = true;
     m_pDoc->updateChangeCount(MyDocument::ChangeDone);
     emit documentChanged();
-}
-
-void mainTable::selectaColumn(int tableColumn)
-{
-    if (tableColumn < 0 || tableColumn >= m_pModel->columnCount())
-        return;
-    selectionModel()->clearSelection();
-    selectColumn(tableColumn);
-    scrollTo(m_pModel->index(0, tableColumn), QAbstractItemView::EnsureVisible);
-}
-
-std::pair<int, int> mainTable::selectedColumnSpan() const
-{
-    int first = -1, last = -1;
-    for (const QItemSelectionRange& range : selectionModel()->selection()) {
-        first = first < 0 ? range.left() : std::min(first, range.left());
-        last = std::max(last, range.right());
-    }
-    return {first, last};
-}
-
-std::pair<int, int> mainTable::selectedRowSpan() const
-{
-    int first = -1, last = -1;
-    for (const QItemSelectionRange& range : selectionModel()->selection()) {
-        first = first < 0 ? range.top() : std::min(first, range.top());
-        last = std::max(last, range.bottom());
-    }
-    return {first, last};
 }
 
 bool mainTable::guarded(const QString& button, const std::function<void()>& body)

@@ -21,6 +21,7 @@
 
 #include <functional>
 #include <memory>
+#include <set>
 
 class AudioPlayer;
 class FrozenColumnView;
@@ -57,9 +58,9 @@ public:
     // Start sample of the FFT/LPC command at the selected frame column: trunc((column - 1) x
     // channel 0's samples / frames); -1 when the column index is not greater than 1.
     double FFTLPCStartSample() const;
-    // Synthesizes channel 0 when the table changed since the last synthesis or it holds no
-    // samples yet (stopping a playback of its samples first); then emits synthesized().
-    void synthesizeIfChanged();
+    // Runs the synthesis when _bSynthesize is set or channel 0 holds no samples yet (stopping a
+    // playback of its samples first), then emits synthesized().
+    void synthesizeIfNeeded();
 
     // The application's one player (made on first use), and the table whose samples it plays
     // (nullptr when none).
@@ -87,13 +88,23 @@ public:
     void refreshTable();
     void checkDataRange(int row);
 
-    // Table-column span and row span of the selection (first, last), or (-1, -1).
+    // Two selections kept apart: parameter rows, selected by clicking their names, and frame
+    // columns, selected by their headers or by selectaColumn. The frame commands read only
+    // the columns, the row commands only the rows; a click on a cell selects neither.
+    // Spans are (first, last) in table rows / table columns, or (-1, -1) when none.
     std::pair<int, int> selectedColumnSpan() const;
     std::pair<int, int> selectedRowSpan() const;
+    // The table's select-all selects every parameter row (and no frame).
+    void selectAll() override;
+
+    // False when the table data or its columns could not be made (an alert said why): the
+    // table shows nothing and the window that holds it should not stay open.
+    bool isSetUp() const { return m_bSetUp; }
 
     // Rebuilds the columns after the table data was replaced (frame count or interval may
-    // have changed), then reloads: what awakeFromNib does once.
-    void rebuildColumns();
+    // have changed), then reloads: what awakeFromNib does once. A failure is shown as an
+    // alert ("Error in creating columns") and leaves the table empty; false then.
+    bool rebuildColumns();
     // Reloads the cells without marking anything.
     void reloadData();
 
@@ -136,7 +147,9 @@ public slots:
     // Stops the shared player when it plays this document's samples.
     void stopPlayback();
 
-    // The deferred half of the play commands; public for the benchmarks and tests.
+    // The deferred half of the play commands; public for the benchmarks and tests. Channel 0
+    // is synthesized first when the table changed since the last synthesis or when it was
+    // never synthesized.
     void PlayDocument(int channel);
 
     void addAnchor(int row, int column);
@@ -163,6 +176,7 @@ signals:
     void playbackStarted(double sampleRate, double samples);
 
 protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void updateGeometries() override;
@@ -173,7 +187,17 @@ private:
     void typedValue(int row, int column, const QString& text);
     void updateRowHeights();
     void showAnchorMenu(const QModelIndex& index, const QPoint& globalPos);
-    void selectNameRow(const QModelIndex& index);
+    // --- the row and column selections (mainTableSelection.cpp) ---
+    void setUpSelection();
+    // A press on a name (rows) or a frame header (columns), with the modifiers of the press:
+    // none selects that one, Ctrl toggles it, Shift extends from the last pressed one.
+    void pressName(int row, Qt::KeyboardModifiers modifiers);
+    void pressHeader(int column, Qt::KeyboardModifiers modifiers);
+    // Shows the two selections in the view's selection model.
+    void showSelection();
+    // The user changed the cell selection (a cell clicked, keys): rows and columns let go.
+    void cellSelectionEdited();
+    void forgetSelection();
     QRect columnStrip(int tableColumn) const;
     void setAnchorFlag(int row, int column, bool anchor);
     void schedulePlay(int channel);
@@ -190,4 +214,16 @@ private:
     PlayCursor* m_pPlayCursor = nullptr;
     int m_nPlayColumn = -1;
     QPointer<QWidget> m_pFFTLPC; // the document's FFT/LPC window
+    bool m_bSetUp = false;
+
+    // One of the two selections: the indices and where the last plain or Ctrl press was.
+    struct IndexSelection {
+        std::set<int> items;
+        int anchor = -1;
+        std::set<int> beforeDrag; // what a Ctrl drag adds to
+    };
+    IndexSelection m_rows;
+    IndexSelection m_columns;
+    Qt::KeyboardModifiers m_pressModifiers;
+    bool m_bShowingSelection = false;
 };

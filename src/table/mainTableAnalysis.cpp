@@ -42,16 +42,6 @@ bool mainTable::hasAnalysisWindows()
     return fftlpcFactory() && spectrogramFactory();
 }
 
-void mainTable::synthesizeIfChanged()
-{
-    if (!_bSynthesize && m_pDoc->getChannel(0)->hasAudio())
-        return;
-    stopPlayback(); // the synthesis replaces the samples the player may hold
-    m_pDoc->Synthesize();
-    _bSynthesize = false;
-    emit synthesized();
-}
-
 double mainTable::FFTLPCStartSample() const
 {
     const int column = selectedColumnSpan().first;
@@ -66,7 +56,7 @@ void mainTable::_analysisFFTLPC()
     if (!fftlpcFactory() || selectedColumnSpan().first <= 1)
         return;
     guarded(QStringLiteral("OK"), [&] {
-        synthesizeIfChanged(); // the start sample is taken from the synthesis's length
+        synthesizeIfNeeded(); // the start sample is taken from the synthesis's length
         // One FFT/LPC window per document: the open one goes first.
         if (m_pFFTLPC)
             delete m_pFFTLPC.data();
@@ -81,7 +71,7 @@ void mainTable::_analysisSpectrogramPitch()
     if (!spectrogramFactory())
         return;
     guarded(QStringLiteral("OK"), [&] {
-        synthesizeIfChanged();
+        synthesizeIfNeeded();
         if (QWidget* w = spectrogramFactory()(this, 0))
             bringToFront(w, QStringLiteral("Spectrogram and Pitch of table data:: "));
     });

@@ -139,12 +139,23 @@ void mainTable::schedulePlay(int channel)
     QTimer::singleShot(100, this, [this, channel] { PlayDocument(channel); });
 }
 
+void mainTable::synthesizeIfNeeded()
+{
+    // A document just opened has a table but no synthesis yet: it is heard as it reads.
+    if (!_bSynthesize && m_pDoc->getChannel(0)->hasAudio())
+        return;
+    stopPlayback(); // the synthesis replaces the samples the player may hold
+    m_pDoc->Synthesize();
+    _bSynthesize = false;
+    emit synthesized();
+}
+
 void mainTable::PlayDocument(int channel)
 {
     try {
         Channels* ch = m_pDoc->getChannel(channel);
-        if (channel == 0 && _bSynthesize)
-            synthesizeIfChanged();
+        if (channel == 0)
+            synthesizeIfNeeded();
         if (!ch->hasAudio())
             return; // nothing to play, nothing to report
         AudioPlayer* player = sharedPlayer();
@@ -173,8 +184,7 @@ bool mainTable::saveAudioTo(const QString& path)
 {
     bool ok = false;
     try {
-        if (_bSynthesize)
-            synthesizeIfChanged();
+        synthesizeIfNeeded();
         const std::string bytes = m_pDoc->save_Wave_FileType();
         QSaveFile file(path);
         ok = file.open(QIODevice::WriteOnly) &&

@@ -1,9 +1,9 @@
 #pragma once
 // The environment the GUI tests and the workbench benchmarks run in: the offscreen platform
-// unless one is set, a private configuration folder (the real home is never touched), and an
-// ALSA set-up whose default output writes what it plays into a file (AUDIO_CAPTURE_FILE) and
-// whose default input reads what it records from a file (AUDIO_INPUT_FILE, raw samples in the
-// stream's format), so that playback and recording run the real path without a sound card.
+// unless one is set, private configuration and state folders (the real home is never touched),
+// and an ALSA set-up whose default output writes what it plays into a file (AUDIO_CAPTURE_FILE)
+// and whose default input reads what it records from a file (AUDIO_INPUT_FILE, raw samples in
+// the stream's format), so that playback and recording run the real path without a sound card.
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -19,6 +19,7 @@ inline std::string prepareTestEnvironment()
         return {};
     const std::string base = folder;
     setenv("XDG_CONFIG_HOME", (base + "/config").c_str(), 1);
+    setenv("XDG_STATE_HOME", (base + "/state").c_str(), 1); // crash-recovery copies
     std::ofstream(base + "/asound.conf") << R"(pcm.!default {
     type file
     slave.pcm { type null }

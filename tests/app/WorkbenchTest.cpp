@@ -3,13 +3,24 @@
 #include "document/MyDocument.h"
 #include "table/mainTable.h"
 
+#include "app/RecoveryDialog.h"
+
 #include <QAction>
+#include <QApplication>
 #include <QCoreApplication>
+#include <QDir>
+#include <QFileDialog>
+#include <QListWidget>
+#include <QMessageBox>
+#include <QPushButton>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <functional>
+#include <sstream>
 
 namespace
 {
@@ -30,6 +41,50 @@ void typeInto(DocumentWindow* w, int row, int column, int number)
 {
     QAbstractItemModel* model = w->table()->model();
     ASSERT_TRUE(model->setData(model->index(row, column), QString::number(number), Qt::EditRole));
+}
+
+// Runs `answer` on the next modal window of type T once it is up (within a few seconds);
+// anything else that comes up modally is rejected so that a test never hangs on it.
+template <typename T> void whenModal(std::function<void(T*)> answer)
+{
+    auto* poll = new QTimer;
+    auto tries = std::make_shared<int>(0);
+    QObject::connect(poll, &QTimer::timeout, [poll, tries, answer] {
+        QWidget* modal = QApplication::activeModalWidget();
+        if (!modal && ++*tries < 250)
+            return;
+        poll->stop();
+        poll->deleteLater();
+        if (auto* wanted = qobject_cast<T*>(modal))
+            answer(wanted);
+        else if (auto* dialog = qobject_cast<QDialog*>(modal)) {
+            ADD_FAILURE() << "unexpected dialog " << modal->windowTitle().toStdString();
+            dialog->reject();
+        } else
+            ADD_FAILURE() << "no dialog came up";
+    });
+    poll->start(20);
+}
+
+std::string fileText(const QString& path)
+{
+    std::ifstream in(path.toStdString(), std::ios::binary);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+// A 0.4 s recording written by the document's own wave writer.
+void writeRecording(const QString& path)
+{
+    MyDocument recording;
+    Channels& c = *recording.getChannel(0);
+    c.m_hData = MemoryBlock::newHandleClear(4410 * sizeof(float));
+    for (int i = 0; i < 4410; ++i)
+        reinterpret_cast<float*>(c.m_hData->bytes())[i] = (i % 100) / 400.0f;
+    c.m_dSampleRate = 11025;
+    c.m_dwFileLength = 4410;
+    std::ofstream(path.toStdString(), std::ios::binary) << recording.save_Wave_FileType();
 }
 
 struct Workbench {
@@ -98,16 +153,9 @@ TEST(Workbench, SaveReopenAndRevertThroughTheFileCommands)
 TEST(Workbench, WaveFilesOpenAsNewDocumentsWithAModel)
 {
     Workbench wb;
-    // 0.4 s of 16-bit mono at 11025 Hz, written by the document's own wave writer.
-    MyDocument recording;
-    Channels& c = *recording.getChannel(0);
-    c.m_hData = MemoryBlock::newHandleClear(4410 * sizeof(float));
-    for (int i = 0; i < 4410; ++i)
-        reinterpret_cast<float*>(c.m_hData->bytes())[i] = (i % 100) / 400.0f;
-    c.m_dSampleRate = 11025;
-    c.m_dwFileLength = 4410;
+    // 0.4 s of 16-bit mono at 11025 Hz.
     const QString file = wb.path("model.wav");
-    std::ofstream(file.toStdString(), std::ios::binary) << recording.save_Wave_FileType();
+    writeRecording(file);
 
     DocumentWindow* w = wb.app.openFile(file);
     ASSERT_NE(w, nullptr) << wb.app.lastAlert().toStdString();
@@ -156,4 +204,183 @@ TEST(Workbench, NamedConfigurationsCarrySettingsBetweenDocuments)
     EXPECT_DOUBLE_EQ(d.m_dSampleRate, 22050.0) << "f7 shown: the higher rate";
     EXPECT_EQ(b->table()->tableModel()->cellAt(Row::f1, 5)->_nMaxValue(), 1000);
     EXPECT_FALSE(b->loadConfigurationFrom(wb.path("missing.cfg")));
+}
+
+TEST(Workbench, TheFirstSaveOfARecordingsDocumentNeverReplacesAFileUnasked)
+{
+    Workbench wb;
+    writeRecording(wb.path("x.wav"));
+    writeRecording(wb.path("y.wav"));
+    const QString yesterday = wb.path("x.stk");
+    std::ofstream(yesterday.toStdString()) << "yesterday's traced document";
+
+    // x.stk exists: Save goes through Save As; cancelled, nothing is written.
+    DocumentWindow* w = wb.app.openFile(wb.path("x.wav"));
+    ASSERT_NE(w, nullptr);
+    EXPECT_TRUE(w->isFileNameProposed());
+    typeInto(w, Row::f1, 3, 700);
+    whenModal<QFileDialog>([](QFileDialog* panel) { panel->reject(); });
+    action(w, "&Save")->trigger();
+    EXPECT_EQ(fileText(yesterday), "yesterday's traced document");
+    EXPECT_TRUE(w->isWindowModified());
+
+    // Saved under another name the user chose; x.stk is still untouched, and from then on
+    // Save goes to the chosen file without asking.
+    const QString chosen = wb.path("x-today.stk");
+    whenModal<QFileDialog>([chosen](QFileDialog* panel) {
+        panel->selectFile(chosen);
+        static_cast<QDialog*>(panel)->accept(); // the panel's own check of the name runs
+    });
+    EXPECT_TRUE(w->saveDocument());
+    EXPECT_EQ(w->filePath(), chosen);
+    EXPECT_EQ(fileText(yesterday), "yesterday's traced document");
+    EXPECT_FALSE(w->isFileNameProposed());
+    typeInto(w, Row::f1, 4, 710);
+    EXPECT_TRUE(w->saveDocument());
+    EXPECT_NE(fileText(chosen).find("710"), std::string::npos);
+
+    // No y.stk yet: the proposed name is simply taken.
+    DocumentWindow* y = wb.app.openFile(wb.path("y.wav"));
+    ASSERT_NE(y, nullptr);
+    EXPECT_TRUE(y->saveDocument());
+    EXPECT_EQ(fileText(wb.path("y.stk")).substr(0, 4), "400\t");
+}
+
+TEST(Workbench, ATruncatedDocumentOpensWithAnAlertNamingWhatIsMissing)
+{
+    Workbench wb;
+    const QString path = wb.path("cut.stk");
+    std::ofstream(path.toStdString(), std::ios::binary)
+        << "50\t11025\t10\t\r\n1\t0\t0\t0\t0\t0\t0\t0\t0\t50\t\r\n255\t\r\nf0\t\r\n1100\t\r\n1200\t\r\n";
+    DocumentWindow* w = wb.app.openFile(path);
+    ASSERT_NE(w, nullptr) << "read as far as it goes";
+    EXPECT_EQ(value(w, Row::f0, 2), 1200);
+    EXPECT_TRUE(wb.app.lastAlert().contains("cut.stk")) << wb.app.lastAlert().toStdString();
+    EXPECT_TRUE(wb.app.lastAlert().contains("declares 5 frames but holds values for 2"))
+        << wb.app.lastAlert().toStdString();
+}
+
+namespace
+{
+// Points the crash-recovery folder at a folder of the test's own, with a short interval.
+struct StateFolder {
+    QTemporaryDir dir;
+    QByteArray saved = qgetenv("XDG_STATE_HOME");
+    StateFolder()
+    {
+        qputenv("XDG_STATE_HOME", dir.path().toUtf8());
+        qputenv("TESSAPHON_AUTOSAVE_SECONDS", "1");
+    }
+    ~StateFolder()
+    {
+        qputenv("XDG_STATE_HOME", saved);
+        qunsetenv("TESSAPHON_AUTOSAVE_SECONDS");
+    }
+    QString folder() const { return dir.path() + "/tessaphon/autosave"; }
+    QStringList copies() const { return QDir(folder()).entryList({"*.stk"}, QDir::Files, QDir::Name); }
+};
+
+DocumentWindow* windowNamed(WorkbenchApplication& app, const QString& prefix)
+{
+    for (DocumentWindow* w : app.windows())
+        if (w->windowTitle().startsWith(prefix))
+            return w;
+    return nullptr;
+}
+} // namespace
+
+TEST(Recovery, AnEditIsCopiedAWhileAfterAndTheCopyGoesWithSaveOrClose)
+{
+    StateFolder state;
+    Workbench wb;
+    DocumentWindow* w = wb.app.newDocument();
+    typeInto(w, Row::f1, 3, 700);
+    EXPECT_TRUE(state.copies().isEmpty()) << "not at once";
+    for (int i = 0; i < 250 && state.copies().isEmpty(); ++i)
+        QTest::qWait(20);
+    ASSERT_EQ(state.copies().size(), 1);
+    MyDocument back;
+    ASSERT_EQ(back.Read_STK_FileType(fileText(state.folder() + "/" + state.copies()[0])), 0);
+    EXPECT_EQ(back.getChannel(0)->m_snppDataImage_Col_Row[2][Row::f1], 700);
+    EXPECT_TRUE(w->isWindowModified()) << "a copy is not a save";
+
+    ASSERT_TRUE(w->saveDocumentTo(wb.path("v.stk")));
+    EXPECT_TRUE(state.copies().isEmpty());
+
+    typeInto(w, Row::f1, 4, 800);
+    ASSERT_TRUE(w->autosaveNow());
+    EXPECT_EQ(state.copies().size(), 1);
+    whenModal<QMessageBox>([](QMessageBox* box) {
+        for (QAbstractButton* b : box->buttons())
+            if (box->buttonRole(b) == QMessageBox::DestructiveRole)
+                b->click();
+    });
+    EXPECT_TRUE(w->close());
+    EXPECT_TRUE(state.copies().isEmpty()) << "closed without saving on purpose";
+}
+
+TEST(Recovery, CopiesLeftByAWorkbenchThatEndedAreRecoveredOrDiscarded)
+{
+    StateFolder state;
+    QTemporaryDir files;
+    const QString saved = files.filePath("vowel.stk");
+    {
+        WorkbenchApplication crashed;
+        crashed.setQuietAlerts(true);
+        DocumentWindow* a = crashed.newDocument();
+        typeInto(a, Row::f1, 3, 700);
+        ASSERT_TRUE(a->saveDocumentTo(saved));
+        typeInto(a, Row::f1, 3, 710);
+        DocumentWindow* b = crashed.newDocument(); // "Untitled 2"
+        typeInto(b, Row::f2, 5, 1700);
+        crashed.newDocument(); // nothing to copy
+        crashed.autosaveAll();
+        EXPECT_EQ(state.copies().size(), 2);
+        WorkbenchApplication running;
+        EXPECT_TRUE(running.autosave()->leftBehind().isEmpty())
+            << "the copies of a running workbench stay its own";
+    } // gone without closing its windows, as in a crash
+    ASSERT_EQ(state.copies().size(), 2);
+    std::ofstream((state.folder() + "/999.1-1.stk").toStdString()) << "not a document";
+
+    const QStringList old = state.copies();
+    {
+        WorkbenchApplication next;
+        next.setQuietAlerts(true);
+        whenModal<RecoveryDialog>([](RecoveryDialog* dialog) {
+            EXPECT_EQ(dialog->windowTitle(), "Recover Unsaved Documents");
+            EXPECT_EQ(dialog->list()->count(), 3);
+            QStringList lines;
+            for (int i = 0; i < dialog->list()->count(); ++i)
+                lines << dialog->list()->item(i)->text();
+            EXPECT_EQ(lines.filter("Untitled 2 — changed").size(), 1) << lines.join("|").toStdString();
+            EXPECT_EQ(lines.filter("vowel.stk — changed").size(), 1);
+            dialog->recoverButton()->click();
+        });
+        EXPECT_EQ(next.offerRecovery(), 2);
+        EXPECT_TRUE(next.lastAlert().contains("could not be recovered")) << next.lastAlert().toStdString();
+        DocumentWindow* vowel = windowNamed(next, "vowel.stk");
+        ASSERT_NE(vowel, nullptr);
+        EXPECT_EQ(vowel->filePath(), saved);
+        EXPECT_TRUE(vowel->isWindowModified());
+        EXPECT_EQ(value(vowel, Row::f1, 3), 710);
+        DocumentWindow* untitled = windowNamed(next, "Untitled 2");
+        ASSERT_NE(untitled, nullptr);
+        EXPECT_TRUE(untitled->filePath().isEmpty());
+        EXPECT_EQ(value(untitled, Row::f2, 5), 1700);
+        // The recovered documents have copies of their own; the unreadable one is kept.
+        const QStringList now = state.copies();
+        EXPECT_EQ(now.size(), 3);
+        EXPECT_TRUE(now.contains("999.1-1.stk"));
+        for (const QString& copy : old) {
+            if (copy != "999.1-1.stk")
+                EXPECT_FALSE(now.contains(copy)) << copy.toStdString();
+        }
+    }
+
+    WorkbenchApplication last;
+    whenModal<RecoveryDialog>([](RecoveryDialog* dialog) { dialog->discardButton()->click(); });
+    EXPECT_EQ(last.offerRecovery(), 0);
+    EXPECT_TRUE(last.windows().empty());
+    EXPECT_TRUE(state.copies().isEmpty());
 }

@@ -97,3 +97,31 @@ TEST(CliDocumentCommands, ErrorsHaveTheirExitCodesAndOneLine)
     EXPECT_FALSE(std::filesystem::exists(dir / "junk.wav"));
     EXPECT_EQ(runCli("synth --help").exitCode, 0);
 }
+
+TEST(CliDocumentCommands, ATruncatedDocumentIsReadWithOneWarning)
+{
+    TempDir dir;
+    ASSERT_EQ(runCli("new --length 100 -o " + dir / "cut.stk").exitCode, 0);
+    // Drop the last four value lines: six of ten frames are left.
+    std::string text = slurp(dir / "cut.stk");
+    for (int i = 0; i < 4; ++i)
+        text.erase(text.rfind("\r\n", text.size() - 3) + 2);
+    std::ofstream(dir / "cut.stk", std::ios::binary) << text;
+
+    CliResult info = runCli("info " + dir / "cut.stk");
+    ASSERT_EQ(info.exitCode, 0) << info.err;
+    expectInfo(info.out, {{"frames", "10"}, {"frames_in_file", "6"}});
+    EXPECT_EQ(std::count(info.err.begin(), info.err.end(), '\n'), 1) << info.err;
+    EXPECT_NE(info.err.find("cut.stk"), std::string::npos) << info.err;
+    EXPECT_NE(info.err.find("6 of 10"), std::string::npos) << info.err;
+
+    CliResult synth = runCli("synth " + dir / "cut.stk");
+    EXPECT_EQ(synth.exitCode, 0) << "a warning does not change the exit status";
+    EXPECT_NE(synth.err.find("6 of 10"), std::string::npos) << synth.err;
+
+    // A whole document says nothing.
+    ASSERT_EQ(runCli("new --length 100 -o " + dir / "whole.stk").exitCode, 0);
+    CliResult whole = runCli("info " + dir / "whole.stk");
+    expectInfo(whole.out, {{"frames", "10"}, {"frames_in_file", "10"}});
+    EXPECT_TRUE(whole.err.empty()) << whole.err;
+}

@@ -125,7 +125,7 @@ TEST_F(AnalysisWindows, SliceOfASinePeaksAtItAndTheModelIsLaidOver)
 
     // A new synthesis of the table is followed.
     doc.getChannel(0)->m_hData.reset();
-    table->synthesizeIfChanged();
+    table->synthesizeIfNeeded();
     EXPECT_GT(std::abs(window.view()->synthesisSlice().peakFrequency() - 440.0), 20.0);
 }
 

@@ -174,6 +174,17 @@ TEST(StkFile, OlderMarkersUnknownNamesAndRaggedLines)
     EXPECT_NEAR(document.m_bgColor[0].red, 10 / 255.0, 1e-12);
     EXPECT_NEAR(document.m_bgColor[0].blue, 30 / 255.0, 1e-12);
     EXPECT_EQ(document.m_bgColor[1], Color::white()); // colours the line lacks stay
+    EXPECT_FALSE(document.isTruncated());
+
+    // A file that stops before its declared length (50 ms: five frames) is read as far as it
+    // goes and says how far that was; the missing frames keep the defaults.
+    MyDocument cut;
+    ASSERT_EQ(cut.Read_STK_FileType("50" + text.substr(2)), 0) << cut.lastReadError();
+    EXPECT_TRUE(cut.isTruncated());
+    EXPECT_EQ(cut.framesInFile(), 3);
+    EXPECT_EQ(cut.framesDeclared(), 5);
+    EXPECT_EQ(cut.getChannel(0)->m_snppDataImage_Col_Row[2][Row::f0], 1400);
+    EXPECT_EQ(cut.getChannel(0)->m_snppDataImage_Col_Row[4][Row::f0], 1000);
 
     // With another marker "atv" is unknown; LF-only lines are read too.
     std::string other = text;

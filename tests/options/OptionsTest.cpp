@@ -9,6 +9,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialogButtonBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTimer>
@@ -63,6 +64,34 @@ TEST(optionFile, ShowsTheChannelAndProposesOnlyOnOK)
     panel.setup(&doc);
     EXPECT_EQ(panel._popupSR->currentText(), "11025");
     EXPECT_EQ(panel._interpolationGroup->checkedId(), 1);
+}
+
+TEST(optionFile, RefusesSizesBeyondTheOneHourDocument)
+{
+    MyDocument doc;
+    optionFile panel;
+    QStringList refusals;
+    QTimer::singleShot(0, &panel, [&] {
+        QPushButton* ok = panel.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok);
+        // Longer than an hour (the field takes seven digits while they are typed).
+        panel.m_nFileLength->setText("5000000");
+        ok->click();
+        refusals << (panel.isVisible() ? panel.m_pRefusal->text() : QString());
+        // An hour in frames of 1 ms: 3600000 frames.
+        panel.m_nFileLength->setText("3600000");
+        panel.m_nInterval->setText("1");
+        ok->click();
+        refusals << (panel.isVisible() ? panel.m_pRefusal->text() : QString());
+        // An hour in frames of 10 ms is what a document holds.
+        panel.m_nInterval->setText("10");
+        ok->click();
+    });
+    EXPECT_EQ(panel.showInWindow(nullptr, &doc), 1000);
+    ASSERT_EQ(refusals.size(), 2);
+    EXPECT_TRUE(refusals[0].contains("one hour")) << refusals[0].toStdString();
+    EXPECT_TRUE(refusals[1].contains("3600000 frames")) << refusals[1].toStdString();
+    EXPECT_EQ(doc.m_dNewLengthMS, 3600000.0);
+    EXPECT_EQ(doc.m_nNewUpdateIntervalMS, 10);
 }
 
 TEST(optionsParameters, SavesShownRowsColoursAndMethod)

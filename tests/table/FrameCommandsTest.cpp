@@ -1,5 +1,6 @@
 // The table's frame, anchor and interpolation commands and the add-frames dialog, run on a
 // real table under the offscreen platform; the checks are on the document.
+#include "TableClicks.h"
 #include "document/MyDocument.h"
 #include "table/Alert.h"
 #include "table/addColumns.h"
@@ -10,7 +11,6 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QButtonGroup>
-#include <QItemSelectionModel>
 #include <QSpinBox>
 #include <QTimer>
 
@@ -38,6 +38,9 @@ struct FrameCommands : ::testing::Test {
         for (int k = 1; k <= 5; ++k)
             setValue(k - 1, Row::f0, 1000 + k);
         table = std::make_unique<mainTable>(&doc);
+        table->resize(700, 900);
+        table->show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(table.get()));
         Alert::setHandler([this](const QString& t, const QString& m, const QString& b) {
             alerts.push_back({t, m, b});
         });
@@ -60,10 +63,6 @@ struct FrameCommands : ::testing::Test {
         for (int k = 0; k < doc.getChannel(0)->m_nColumnNum; ++k)
             values.push_back(value(k, Row::f0));
         return values;
-    }
-    void select(int row, int column) const
-    {
-        table->selectionModel()->select(table->model()->index(row, column), QItemSelectionModel::Select);
     }
 };
 
@@ -138,8 +137,8 @@ TEST_F(FrameCommands, RemoveFramesTakesTheSpanOrExplainsAnEmptySelection)
     EXPECT_EQ(doc.getChannel(0)->m_nColumnNum, 5);
     EXPECT_EQ(doc._arrayUndo.size(), 1u);
 
-    select(0, 2);
-    select(0, 4);
+    clickHeader(*table, 2);
+    clickHeader(*table, 4, Qt::ControlModifier);
     table->_editRemoveColumns();
     EXPECT_EQ(alerts.size(), 1u);
     EXPECT_EQ(f0s(), (std::vector<int>{1001, 1005}));
@@ -150,15 +149,16 @@ TEST_F(FrameCommands, RemoveFramesTakesTheSpanOrExplainsAnEmptySelection)
 
 TEST_F(FrameCommands, InterpolatingTheSelectionFillsTheRowSpan)
 {
-    // Rows 3 (af) and 9 (f4) between anchors; rows 2 and 7 selected, so 2..7 are interpolated.
+    // Rows 3 (af) and 9 (f4) between anchors; the names of rows 2 and 8 clicked, so 2..8 are
+    // interpolated.
     for (int row : {Row::af, Row::f4}) {
         setValue(0, row, 10);
         setValue(3, row, 0);
         cell(0, row)->set_bAnchor(true);
         cell(3, row)->set_bAnchor(true);
     }
-    select(Row::ah, 1);
-    select(Row::f6, 3);
+    clickName(*table, Row::ah);
+    clickName(*table, Row::f5, Qt::ControlModifier);
     table->_InterpolateSelection();
 
     EXPECT_EQ(value(1, Row::af), 6);    // 10 - 3.33 truncated

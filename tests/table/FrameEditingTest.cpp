@@ -1,6 +1,8 @@
 // Inserting and removing frames and clearing anchors on a document's table data.
 #include "table/FrameEditing.h"
 
+#include "document/DocumentException.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -133,11 +135,18 @@ TEST_F(FiveFrames, EditsWithNothingToDoOnlyRecordUndo)
     EXPECT_EQ(frameCount(), 5);
     EXPECT_EQ(undoSteps(), 2u);
 
+    // More than an hour of frames is refused before anything is built.
+    doc._nindexModifyColumn = FramesAtEnd;
+    doc._nDurationModifyColumn = 3600000;
+    EXPECT_THROW(modifyColumns(doc, -1), DocumentException);
+    EXPECT_EQ(layout(), (Origins{1, 2, 3, 4, 5}));
+    EXPECT_EQ(frameCount(), 5);
+
     // A negative duration adds nothing either; removing without a selection removes nothing.
     addFrames(FramesAtBeginning, -40);
     EXPECT_FALSE(removeColumns(doc, -1, -1));
     EXPECT_EQ(layout(), (Origins{1, 2, 3, 4, 5}));
-    EXPECT_EQ(undoSteps(), 4u);
+    EXPECT_EQ(undoSteps(), 5u);
 }
 
 TEST_F(FiveFrames, AddingUsesTheRepairedIntervalAndTheLengthsFrameCount)

@@ -13,6 +13,7 @@
 
 #include <atomic>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <mutex>
@@ -174,7 +175,7 @@ TEST(mainTable, SelectionHelpersAndFailedRevert)
     TableFixture f;
     f.table->selectaColumn(7);
     EXPECT_EQ(f.table->selectedColumnSpan(), std::make_pair(7, 7));
-    EXPECT_EQ(f.table->selectedRowSpan().first, 0);
+    EXPECT_EQ(f.table->selectedRowSpan(), std::make_pair(-1, -1)) << "a frame is no row";
     f.table->selectaColumn(3);
     EXPECT_EQ(f.table->selectedColumnSpan(), std::make_pair(3, 3)) << "the selection is not extended";
     f.table->clearSelection();
@@ -228,6 +229,61 @@ TEST(mainTable, TwoPlaysSynthesizeOnceAndTheOutputGetsTheSamples)
     QTest::qWait(200);
     EXPECT_FALSE(mainTable::sharedPlayer()->isPlaying());
     EXPECT_TRUE(f.alerts.isEmpty());
+}
+
+TEST(mainTable, ADocumentNeverSynthesizedIsHeardAndSavedAsItReads)
+{
+    // Just opened: the table flag is clear and channel 0 holds no samples yet.
+    TableFixture f;
+    ASSERT_FALSE(f.table->_bSynthesize);
+    ASSERT_FALSE(f.doc.getChannel(0)->hasAudio());
+    f.table->_PlayCurrent();
+    QTest::qWait(300);
+    f.waitForPlaybackEnd();
+    EXPECT_EQ(f.logged("strat synthesize"), 1);
+    EXPECT_GT(f.doc.getChannel(0)->sampleCount(), 0u);
+    f.table->_PlayCurrent();
+    QTest::qWait(300);
+    f.waitForPlaybackEnd();
+    EXPECT_EQ(f.logged("strat synthesize"), 1) << "synthesized once";
+
+    TableFixture g;
+    const std::string path = std::string(std::getenv("AUDIO_CAPTURE_FILE")) + ".fresh.wav";
+    ASSERT_TRUE(g.table->saveAudioTo(QString::fromStdString(path)));
+    ASSERT_GT(g.doc.getChannel(0)->sampleCount(), 0u);
+    EXPECT_EQ(std::filesystem::file_size(path), 48 + 2 * g.doc.getChannel(0)->sampleCount());
+}
+
+TEST(mainTable, AFailedSetUpIsAnAlertAndTheProgramGoesOn)
+{
+    QStringList alerts;
+    Alert::setHandler(
+        [&](const QString& title, const QString&, const QString& button) { alerts << title + "|" + button; });
+    // More frames than a document holds: refused before anything is made.
+    MyDocument tooLong;
+    tooLong.getChannel(0)->m_nColumnNum = MyDocument::kMaxFrames + 1;
+    {
+        mainTable table(&tooLong);
+        EXPECT_FALSE(table.isSetUp());
+        EXPECT_EQ(alerts, QStringList{"Document Too Long|Error in starting the window"});
+        EXPECT_EQ(table.model()->columnCount(), 0);
+        EXPECT_TRUE(tooLong._dataTableDictionary.empty());
+    }
+
+    // Columns that cannot be made leave an empty table, not stale columns.
+    MyDocument doc;
+    doc.buildDataTableDictionary();
+    mainTable table(&doc);
+    ASSERT_TRUE(table.isSetUp());
+    DataTableDictionary runaway;
+    for (long long k = 0; k <= MyDocument::kMaxFrames + 1; ++k)
+        runaway.setObject(k * 10, CellArray{});
+    doc._dataTableDictionary = std::move(runaway);
+    EXPECT_FALSE(table.rebuildColumns());
+    EXPECT_EQ(alerts.value(1), "Document Too Long|Error in creating columns");
+    EXPECT_EQ(table.model()->columnCount(), 0);
+    EXPECT_EQ(table.model()->rowCount(), 0);
+    Alert::setHandler({});
 }
 
 TEST(mainTable, SaveAudioWritesTheSynthesis)

@@ -1,0 +1,165 @@
+// Rows and frames are two selections: driven with the mouse on a shown table (names, frame
+// headers, cells) under the offscreen platform, checked on what the frame and row commands
+// then do to the document.
+#include "TableClicks.h"
+#include "document/MyDocument.h"
+#include "table/Alert.h"
+#include "table/mainTable.h"
+
+#include <QTest>
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace
+{
+// Ten frames of 10 ms; frame k's f0 is 1000 + k; f1 and f2 have anchors at frames 1 and 5.
+struct SelectionTable : ::testing::Test {
+    MyDocument doc;
+    std::unique_ptr<mainTable> table;
+    QStringList alerts;
+
+    void SetUp() override
+    {
+        Channels& c = *doc.getChannel(0);
+        c.m_dLengthMS = 100.0;
+        c.m_nColumnNum = 10;
+        doc.buildDataTableDictionary();
+        for (int k = 1; k <= 10; ++k)
+            cell(k, Row::f0)->set_nValue(1000 + k);
+        for (int row : {Row::f1, Row::f2}) {
+            cell(1, row)->set_bAnchor(true);
+            cell(1, row)->set_nValue(100);
+            cell(5, row)->set_bAnchor(true);
+            cell(5, row)->set_nValue(300);
+        }
+        table = std::make_unique<mainTable>(&doc);
+        table->resize(900, 600);
+        table->show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(table.get()));
+        Alert::setHandler([this](const QString& t, const QString&, const QString&) { alerts << t; });
+    }
+    void TearDown() override
+    {
+        table.reset();
+        Alert::setHandler({});
+    }
+
+    CellRef cell(int frame, int row) const
+    {
+        return doc._dataTableDictionary.cellAt(static_cast<long long>(frame) * 10, row);
+    }
+    std::vector<int> f0s() const
+    {
+        std::vector<int> values;
+        for (int k = 1; k <= doc.getChannel(0)->m_nColumnNum; ++k)
+            values.push_back(cell(k, Row::f0)->_nValue());
+        return values;
+    }
+    int anchors() const
+    {
+        int n = 0;
+        for (int k = 1; k <= doc.getChannel(0)->m_nColumnNum; ++k)
+            for (int row = 0; row < kParameterCount; ++row)
+                n += cell(k, row)->_bAnchor() ? 1 : 0;
+        return n;
+    }
+
+    // The frame commands and the row commands, with what they left behind.
+    void expectFrameCommandsSeeNoFrame()
+    {
+        const std::vector<int> before = f0s();
+        const int shownAlerts = alerts.size();
+        table->_editRemoveColumns();
+        ASSERT_EQ(alerts.size(), shownAlerts + 1);
+        EXPECT_EQ(alerts.back(), "No Column Selected");
+        doc._nindexModifyColumn = 1; // after the selected frame
+        doc._nDurationModifyColumn = 20;
+        table->modifyColumns();
+        EXPECT_EQ(f0s(), before) << "no frame removed or added";
+    }
+    void expectRowCommandsSeeNoRow()
+    {
+        const std::size_t undo = doc._arrayUndo.size();
+        table->_anchorRemoveSelection();
+        table->_InterpolateSelection();
+        EXPECT_EQ(anchors(), 4);
+        EXPECT_EQ(cell(3, Row::f1)->_nValue(), 500) << "not interpolated (it would be 200)";
+        EXPECT_EQ(doc._arrayUndo.size(), undo) << "no interpolation recorded";
+    }
+};
+} // namespace
+
+TEST_F(SelectionTable, ANameSelectsItsRowAndNoFrame)
+{
+    clickName(*table, Row::f1);
+    EXPECT_EQ(table->selectedRowSpan(), std::make_pair(int(Row::f1), int(Row::f1)));
+    EXPECT_EQ(table->selectedColumnSpan(), std::make_pair(-1, -1));
+    expectFrameCommandsSeeNoFrame();
+    ASSERT_EQ(doc.getChannel(0)->m_nColumnNum, 10);
+
+    // The row commands take the row: its anchors go, and only its.
+    table->_anchorRemoveSelection();
+    EXPECT_FALSE(cell(1, Row::f1)->_bAnchor());
+    EXPECT_TRUE(cell(1, Row::f2)->_bAnchor());
+}
+
+TEST_F(SelectionTable, AClickedCellIsNeitherARowNorAFrame)
+{
+    clickName(*table, Row::f2);
+    clickCell(*table, Row::f2, 4);
+    EXPECT_EQ(table->selectedRowSpan(), std::make_pair(-1, -1));
+    EXPECT_EQ(table->selectedColumnSpan(), std::make_pair(-1, -1));
+    expectFrameCommandsSeeNoFrame();
+    expectRowCommandsSeeNoRow();
+}
+
+TEST_F(SelectionTable, AFrameSelectedByItsHeaderOrTheDataEntryIsNoRow)
+{
+    clickHeader(*table, 4);
+    EXPECT_EQ(table->selectedColumnSpan(), std::make_pair(4, 4));
+    EXPECT_EQ(table->selectedRowSpan(), std::make_pair(-1, -1));
+    expectRowCommandsSeeNoRow();
+
+    table->selectaColumn(7);
+    EXPECT_EQ(table->selectedColumnSpan(), std::make_pair(7, 7));
+    expectRowCommandsSeeNoRow();
+
+    // Remove Frames takes that frame only.
+    clickHeader(*table, 4);
+    table->_editRemoveColumns();
+    EXPECT_EQ(f0s(), (std::vector<int>{1001, 1002, 1003, 1005, 1006, 1007, 1008, 1009, 1010}));
+    EXPECT_EQ(table->selectedColumnSpan(), std::make_pair(-1, -1))
+        << "the removed frame is no longer selected";
+}
+
+TEST_F(SelectionTable, ShiftAndCtrlExtendEachSelectionAndEachClearsTheOther)
+{
+    // Rows: f1 (12), Shift f3 (10), Ctrl f5 (8).
+    clickName(*table, Row::f1);
+    clickName(*table, Row::f3, Qt::ShiftModifier);
+    EXPECT_EQ(table->selectedRowSpan(), std::make_pair(int(Row::f3), int(Row::f1)));
+    clickName(*table, Row::f5, Qt::ControlModifier);
+    EXPECT_EQ(table->selectedRowSpan(), std::make_pair(int(Row::f5), int(Row::f1)));
+
+    // A header press lets the rows go; Shift and Ctrl work on frames the same way.
+    clickHeader(*table, 2);
+    EXPECT_EQ(table->selectedRowSpan(), std::make_pair(-1, -1));
+    clickHeader(*table, 4, Qt::ShiftModifier);
+    clickHeader(*table, 6, Qt::ControlModifier);
+    EXPECT_EQ(table->selectedColumnSpan(), std::make_pair(2, 6));
+    clickHeader(*table, 6, Qt::ControlModifier);
+    EXPECT_EQ(table->selectedColumnSpan(), std::make_pair(2, 4)) << "Ctrl toggles";
+
+    // A name press lets the frames go.
+    clickName(*table, Row::av);
+    EXPECT_EQ(table->selectedColumnSpan(), std::make_pair(-1, -1));
+    EXPECT_EQ(table->selectedRowSpan(), std::make_pair(int(Row::av), int(Row::av)));
+
+    // Select All is every row and no frame.
+    table->selectAll();
+    EXPECT_EQ(table->selectedRowSpan(), std::make_pair(0, kParameterCount - 1));
+    expectFrameCommandsSeeNoFrame();
+    table->_anchorRemoveSelection();
+    EXPECT_EQ(anchors(), 0);
+}
