@@ -329,6 +329,24 @@ bool ConfigurationFile::write(const std::string& path, const MyDocument& doc, st
     return true;
 }
 
+bool ConfigurationFile::writeShowGridData(const std::string& path, bool show)
+{
+    std::ifstream in(path, std::ios::binary);
+    if (!in)
+        return false;
+    const std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    // Only a file of this very version is rewritten: its version text is what it starts with.
+    const std::string version = versionText();
+    if (bytes.size() <= version.size() ||
+        bytes.compare(0, version.size() + 1, version.c_str(), version.size() + 1) != 0)
+        return false;
+    MyDocument image;
+    if (!decode(bytes, image, Scope::Everything))
+        return false;
+    image._bShowGridData = show ? 1 : 0;
+    return write(path, image);
+}
+
 void ConfigurationFile::install()
 {
     MyDocument::setConfigurationLoader([](MyDocument& doc) {

@@ -44,6 +44,12 @@ public:
     // needed; on failure `error` (when given) says why and the old file is untouched.
     static bool write(const std::string& path, const MyDocument& doc, std::string* error = nullptr);
 
+    // Changes only the show-grid flag of an existing configuration file of this version: the
+    // file is decoded, the flag set, and the whole image encoded again (checksum included) and
+    // written atomically. False, with the file untouched, when it is missing, of another
+    // version, damaged, or cannot be replaced.
+    static bool writeShowGridData(const std::string& path, bool show);
+
     // Installs the document hooks: each new document reads the default file (and writes one
     // with its values when there is none); saveConfig() writes the default file.
     static void install();

@@ -59,6 +59,9 @@ public:
     bool saveDocumentTo(const QString& path); // atomic; the document takes the name
     bool loadConfigurationFrom(const QString& path);
     bool saveConfigurationTo(const QString& path);
+    // Reads a WAVE file into the model channel as opening it does, leaving the grid, the table
+    // and the undo history as they are; false (with an alert) when the file is refused.
+    bool loadModelRecordingFrom(const QString& path);
     // Asks whether to save unsaved changes: true when the window may close.
     bool maySave();
 
@@ -69,6 +72,7 @@ public slots:
     void revertDocument();
     void loadConfiguration();
     void saveConfiguration();
+    void loadModelRecording();
     // File > Record Model...: records from the default input; the recording becomes the model.
     void recordModel();
     // File > Save Model Audio...: the model channel as a WAVE file.

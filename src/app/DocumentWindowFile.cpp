@@ -1,4 +1,5 @@
-// The document window's file commands: save, save as, revert, and named configurations.
+// The document window's file commands: save, save as, revert, named configurations, and
+// loading a model recording into the open document.
 #include "app/DocumentWindow.h"
 
 #include "app/ConfigurationFile.h"
@@ -7,6 +8,7 @@
 #include "document/MyDocument.h"
 #include "table/mainTable.h"
 
+#include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QSaveFile>
@@ -146,6 +148,50 @@ void DocumentWindow::saveConfiguration()
         saveConfigurationTo(path);
 }
 
+void DocumentWindow::loadModelRecording()
+{
+    const QString path = QFileDialog::getOpenFileName(this, tr("Load Model Recording"), documentsFolder(),
+                                                      tr("WAVE files (*.wav *.wave);;All files (*)"));
+    if (!path.isEmpty())
+        loadModelRecordingFrom(path);
+}
+
+bool DocumentWindow::loadModelRecordingFrom(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        alert(tr("The recording “%1” could not be read.").arg(QFileInfo(path).fileName()),
+              file.errorString());
+        return false;
+    }
+    const std::string bytes = file.readAll().toStdString();
+    // The model's samples are about to be replaced: a playback of them stops first.
+    m_pTable->stopPlayback();
+    // The reader names the document after the recording; this document keeps its own name.
+    const std::string url = m_pDoc->fileURL();
+    const std::string type = m_pDoc->fileType();
+    const int result = m_pDoc->Read_WAVE_FileType(bytes);
+    m_pDoc->setFileURL(url);
+    m_pDoc->setFileType(type);
+    if (result != 0) {
+        alert(tr("The recording “%1” could not be used.").arg(QFileInfo(path).fileName()),
+              QString::fromStdString(m_pDoc->lastReadError()));
+        return false;
+    }
+    if (DataEntryController* trace = m_pTable->traceDataEntry())
+        trace->analysisSettingsChanged();
+    updateStatus();
+    updateTitle();
+    updateActions();
+    const long long modelMS = static_cast<long long>(m_pDoc->getChannel(2)->m_dLengthMS);
+    const long long gridMS = static_cast<long long>(m_pDoc->getChannel(0)->m_dLengthMS);
+    QString message = tr("Model recording %1 loaded (%2 ms)").arg(QFileInfo(path).fileName()).arg(modelMS);
+    if (modelMS != gridMS)
+        message += tr("; the grid is %1 ms long and keeps its time axis").arg(gridMS);
+    statusBar()->showMessage(message, 15000);
+    return true;
+}
+
 void DocumentWindow::recordModel()
 {
     // The model is recorded at the document's rate, so that it lines up with the synthesis.
@@ -158,6 +204,8 @@ void DocumentWindow::recordModel()
     }
     if (dialog.exec() != QDialog::Accepted)
         return;
+    // The model's samples are about to be replaced: a playback of them stops first.
+    m_pTable->stopPlayback();
     try {
         if (!m_pDoc->setModelSamples(dialog.recording(), rate)) {
             alert(tr("The recording could not become the model."), tr("It is empty or too long."));
@@ -167,6 +215,9 @@ void DocumentWindow::recordModel()
         alert(tr("The recording could not become the model."), QString::fromUtf8(e.what()));
         return;
     }
+    if (DataEntryController* trace = m_pTable->traceDataEntry())
+        trace->analysisSettingsChanged();
+    updateStatus();
     updateTitle();
     updateActions();
     statusBar()->showMessage(

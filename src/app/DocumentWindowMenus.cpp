@@ -33,7 +33,8 @@ void DocumentWindow::createMenus()
     m_pRevert = file->addAction(tr("Re&vert to Saved"), this, &DocumentWindow::revertDocument);
     file->addSeparator();
     file->addAction(tr("Save A&udio..."), m_pTable, &mainTable::_fileSaveAudio);
-    file->addAction(tr("Record &Model..."), this, &DocumentWindow::recordModel);
+    file->addAction(tr("Load &Model Recording..."), this, &DocumentWindow::loadModelRecording);
+    file->addAction(tr("Rec&ord Model..."), this, &DocumentWindow::recordModel);
     m_pSaveModel = file->addAction(tr("Save Mo&del Audio..."), this, &DocumentWindow::saveModelAudio);
     file->addSeparator();
     file->addAction(tr("&Load Configuration..."), this, &DocumentWindow::loadConfiguration);
@@ -93,6 +94,10 @@ void DocumentWindow::createMenus()
     QMenu* options = menuBar()->addMenu(tr("&Options"));
     options->addAction(tr("&Parameters..."), m_pTable, &mainTable::_optionsParameters);
     options->addAction(tr("&File..."), m_pTable, &mainTable::_optionsFile);
+    options->addSeparator();
+    options->addAction(tr("FFT/&LPC..."), m_pTable, &mainTable::_optionsFFTLPC);
+    options->addAction(tr("&Spectrogram..."), m_pTable, &mainTable::_optionsSpectrogram);
+    options->addAction(tr("P&itch..."), m_pTable, &mainTable::_optionsPitch);
 
     for (QMenu* menu : {file, edit, frames, play, analysis, options})
         connect(menu, &QMenu::aboutToShow, this, &DocumentWindow::updateActions);

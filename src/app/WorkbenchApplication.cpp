@@ -3,6 +3,7 @@
 #include "app/ConfigurationFile.h"
 #include "app/DocumentWindow.h"
 #include "dataentry/dataentryGraphicalController.h"
+#include "dataentry/dataentryTraceContoller.h"
 #include "display/gui/FFTLPCWindow.h"
 #include "display/gui/SpectrogramPitchWindow.h"
 #include "document/MyDocument.h"
@@ -13,6 +14,7 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMessageBox>
+#include <QPointer>
 #include <QSettings>
 
 #include <algorithm>
@@ -32,6 +34,16 @@ WorkbenchApplication::WorkbenchApplication(QObject* parent)
             &WorkbenchApplication::autosaveAll);
     mainTable::setGraphicalDataEntryFactory([](mainTable* table) -> DataEntryController* {
         return new dataentryGraphicalController(table->document(), table);
+    });
+    mainTable::setTraceDataEntryFactory([](mainTable* table) -> DataEntryController* {
+        auto* controller = new dataentryTraceContoller(table->document(), table);
+        // Ctrl+S in the trace window saves the document as its own window does.
+        QPointer<DocumentWindow> owner = qobject_cast<DocumentWindow*>(table->window());
+        controller->setSaveCommand([owner] {
+            if (owner)
+                owner->saveDocument();
+        });
+        return controller;
     });
     mainTable::setAnalysisWindowFactories(
         [](mainTable* table, double startSample) -> QWidget* {

@@ -1,15 +1,18 @@
-// tessaphon-cli's analysis commands: pitch, formants, spectrogram. Each reads a WAVE file (or a
+// tessaphon-cli's analysis commands: pitch, formants, spectrogram, and trace (the copy synthesis
+// the trace window's Enter All Data makes, saved as a parameter document). Each reads a WAVE file (or a
 // parameter document that carries a model utterance), analyses the model channel with the
 // option panels' default settings for its sample rate, changed by the options given, and writes
 // CSV on standard output or a PNG image.
 #include "cli/CliSupport.h"
 
+#include "dataentry/core/TraceDataEntry.h"
 #include "display/AnalysisReports.h"
 #include "display/PitchTrackComputation.h"
 #include "display/SpectrogramComputation.h"
 #include "document/MyDocument.h"
 
 #include <cmath>
+#include <filesystem>
 #include <iostream>
 #include <new>
 
@@ -33,33 +36,39 @@ void commandPitch(const PitchOptions& options)
     std::cout << pitchTrackCsv(track, options.settings.m_dPitchStepSize);
 }
 
+// The pitch settings as options named with `prefix` ("--PREFIXwindow", ...).
+void addPitchOptions(CLI::App* command, PitchSettings& s, const std::string& prefix = "")
+{
+    const auto name = [&](const char* option) { return "--" + prefix + option; };
+    command->add_option(name("window"), s.m_dPitchWindowLength, "Analysis window in ms")
+        ->capture_default_str()
+        ->check(CLI::Range(1.0, 1000.0));
+    command->add_option(name("step"), s.m_dPitchStepSize, "Analysis step in ms")
+        ->capture_default_str()
+        ->check(CLI::Range(0.01, 10000.0));
+    command->add_option(name("low"), s.m_dCalculationLow, "Lowest pitch in Hz")
+        ->capture_default_str()
+        ->check(CLI::Range(1.0, 10000.0));
+    command->add_option(name("high"), s.m_dCalculationHigh, "Highest pitch in Hz")
+        ->capture_default_str()
+        ->check(CLI::Range(1.0, 10000.0));
+    command->add_option(name("deviation"), s.m_dFreqDeviation, "Largest frame-to-frame jump kept, in Hz")
+        ->capture_default_str()
+        ->check(CLI::NonNegativeNumber);
+    command
+        ->add_option(name("threshold"), s.m_dPitchTrackingThreshHold,
+                     "Energy gate in per cent of the loudest frame")
+        ->capture_default_str()
+        ->check(CLI::Range(0.0, 100.0));
+}
+
 void addPitchCommand(CLI::App& app)
 {
     auto options = std::make_shared<PitchOptions>();
     CLI::App* pitch =
         app.add_subcommand("pitch", "Cepstral pitch track of a recording as CSV (time_ms,f0_hz)");
     pitch->add_option("input", options->input, "WAVE file (or parameter document with a model)")->required();
-    PitchSettings& s = options->settings;
-    pitch->add_option("--window", s.m_dPitchWindowLength, "Analysis window in ms")
-        ->capture_default_str()
-        ->check(CLI::Range(1.0, 1000.0));
-    pitch->add_option("--step", s.m_dPitchStepSize, "Analysis step in ms")
-        ->capture_default_str()
-        ->check(CLI::Range(0.01, 10000.0));
-    pitch->add_option("--low", s.m_dCalculationLow, "Lowest pitch in Hz")
-        ->capture_default_str()
-        ->check(CLI::Range(1.0, 10000.0));
-    pitch->add_option("--high", s.m_dCalculationHigh, "Highest pitch in Hz")
-        ->capture_default_str()
-        ->check(CLI::Range(1.0, 10000.0));
-    pitch->add_option("--deviation", s.m_dFreqDeviation, "Largest frame-to-frame jump kept, in Hz")
-        ->capture_default_str()
-        ->check(CLI::NonNegativeNumber);
-    pitch
-        ->add_option("--threshold", s.m_dPitchTrackingThreshHold,
-                     "Energy gate in per cent of the loudest frame")
-        ->capture_default_str()
-        ->check(CLI::Range(0.0, 100.0));
+    addPitchOptions(pitch, options->settings);
     pitch->callback([options] { commandPitch(*options); });
 }
 
@@ -167,6 +176,80 @@ void addSpectrogramCommand(CLI::App& app)
     spectrogram->callback([options] { commandSpectrogram(*options); });
 }
 
+// ----- trace -----
+
+struct TraceOptions {
+    SpectrogramOptions spectrogram;
+    PitchSettings pitch;
+    std::string output;
+    bool force = false;
+};
+
+// The document's analysis settings: the factory values for the recording's rate, changed by
+// the options given.
+void applyTraceSettings(const TraceOptions& o, MyDocument& document, double sampleRate)
+{
+    const SpectrogramSettings s = settingsFor(o.spectrogram, document, sampleRate);
+    document.m_nSpecWindowLength = s.m_nSpecWindowLength;
+    document.m_nSpecfrequencyRange = s.m_nSpecfrequencyRange;
+    document.m_nSpecLPCNumberofCoefficients = s.m_nSpecLPCNumberofCoefficients;
+    document.m_dPreEmphasis = s.m_dPreEmphasis;
+    document.m_nSpecDynamicRange = s.m_nSpecDynamicRange;
+    document.m_dPitchWindowLength = o.pitch.m_dPitchWindowLength;
+    document.m_dPitchStepSize = o.pitch.m_dPitchStepSize;
+    document.m_dCalculationLow = o.pitch.m_dCalculationLow;
+    document.m_dCalculationHigh = o.pitch.m_dCalculationHigh;
+    document.m_dFreqDeviation = o.pitch.m_dFreqDeviation;
+    document.m_dPitchTrackingThreshHold = o.pitch.m_dPitchTrackingThreshHold;
+}
+
+void commandTrace(const TraceOptions& o)
+{
+    namespace fs = std::filesystem;
+    const std::string& input = o.spectrogram.input;
+    const bool explicitOutput = !o.output.empty();
+    const std::string output = explicitOutput ? o.output : fs::path(input).replace_extension(".stk").string();
+    std::error_code ec;
+    if (fs::exists(output, ec) && fs::equivalent(output, input, ec))
+        throw CLI::ValidationError("-o", "the output would replace the recording " + input);
+    if (!explicitOutput && !o.force && fs::exists(output, ec))
+        throw CliInputError{output, "exists; give --force to replace it or -o to write elsewhere"};
+
+    const auto document = openDocument(input);
+    if (document->getChannel(0)->m_nColumnNum <= 0)
+        throw CliInputError{input, "the recording is shorter than one frame"};
+    const Channels& model = modelChannel(*document, input);
+    applyTraceSettings(o, *document, model.m_dSampleRate);
+    try {
+        TraceDataEntry::traceDocument(*document, o.spectrogram.columns, o.spectrogram.rows);
+    } catch (const std::bad_alloc&) {
+        throw CliInputError{input, "not enough memory for the analysis"};
+    } catch (const std::exception& e) {
+        throw CliInputError{input, std::string("Error in entering data values: ") + e.what()};
+    }
+    std::string error;
+    if (!document->writeSafelyToURL(output, "stk", &error))
+        throw CliInputError{output, error};
+}
+
+void addTraceCommand(CLI::App& app)
+{
+    auto options = std::make_shared<TraceOptions>();
+    // The spectrogram's size decides its formant frames: by default the size of the trace
+    // window's spectrogram in its default frame, so that the result equals the window's.
+    options->spectrogram.columns = TraceDataEntry::kDefaultSpectrogramWidth;
+    options->spectrogram.rows = TraceDataEntry::kDefaultSpectrogramHeight;
+    CLI::App* trace = app.add_subcommand(
+        "trace",
+        "Copy synthesis: enter a recording's pitch, formants and amplitudes into a new parameter document");
+    addSpectrogramOptions(trace, options->spectrogram);
+    addPitchOptions(trace, options->pitch, "pitch-");
+    trace->add_option("-o,--output", options->output,
+                      "Parameter document to write (default: the input with .stk)");
+    trace->add_flag("--force", options->force, "Replace the default output when it exists");
+    trace->callback([options] { commandTrace(*options); });
+}
+
 } // namespace
 
 void addAnalysisCommands(CLI::App& app)
@@ -174,4 +257,5 @@ void addAnalysisCommands(CLI::App& app)
     addPitchCommand(app);
     addFormantsCommand(app);
     addSpectrogramCommand(app);
+    addTraceCommand(app);
 }

@@ -1,5 +1,6 @@
 #include "dataentry/dataentryGraphicalController.h"
 
+#include "dataentry/DataEntrySupport.h"
 #include "dataentry/viewF0.h"
 #include "dataentry/viewFormants.h"
 #include "dataentry/viewOthers.h"
@@ -43,27 +44,6 @@ const ButtonRole kButtons[dataentryGraphicalController::ButtonCount] = {
 constexpr int kMargin = 100; // the left margin that holds the controls
 constexpr int kControlGap = 2;
 constexpr int kWellWidth = 30;
-
-QColor toQColor(const Color& c)
-{
-    if (!c.isSet)
-        return Qt::black;
-    return QColor::fromRgbF(static_cast<float>(c.red), static_cast<float>(c.green),
-                            static_cast<float>(c.blue), static_cast<float>(c.alpha));
-}
-
-Color toColor(const QColor& c)
-{
-    return Color::rgb(c.redF(), c.greenF(), c.blueF(), c.alphaF());
-}
-
-// The document's name; the table that opens the window puts "data entry:: " before it.
-QString windowTitle(const MyDocument* doc)
-{
-    if (doc && !doc->fileURL().empty())
-        return QFileInfo(QString::fromStdString(doc->fileURL())).fileName();
-    return QStringLiteral("Untitled");
-}
 
 } // namespace
 
@@ -162,7 +142,7 @@ void dataentryGraphicalController::validateMenus()
 
 void dataentryGraphicalController::windowDidLoad()
 {
-    m_window->setWindowTitle(windowTitle(m_pDoc));
+    m_window->setWindowTitle(dataEntryWindowTitle(m_pDoc));
     m_window->setGeometry(10, 300, 800, 400);
     for (int well = 0; well < 6; ++well) {
         m_wellColors[well] = m_pDoc ? toQColor(m_pDoc->m_ColorTracing[well]) : QColor(Qt::black);

@@ -128,6 +128,10 @@ public slots:
     void _editRows();
     void _optionsParameters();
     void _optionsFile();
+    // The analysis option panels; OK saves the configuration and rebuilds an open trace window.
+    void _optionsFFTLPC();
+    void _optionsSpectrogram();
+    void _optionsPitch();
     void _dataentryGraphical();
     void _dataentryTrace();
     // The analysis windows (mainTableAnalysis.cpp).
@@ -172,6 +176,8 @@ signals:
     void documentChanged();
     // Channel 0 was synthesized again: views of it recompute.
     void synthesized();
+    // An analysis option panel closed with OK: the analysis windows recompute.
+    void analysisSettingsChanged();
     // A playback of this table's document started (sample rate, length in samples).
     void playbackStarted(double sampleRate, double samples);
 

@@ -4,7 +4,10 @@
 
 #include "document/DocumentException.h"
 #include "document/MyDocument.h"
+#include "options/optionFFTLPC.h"
 #include "options/optionFile.h"
+#include "options/optionPitch.h"
+#include "options/optionSpectrogram.h"
 #include "options/optionsParameters.h"
 #include "table/TableEditing.h"
 
@@ -121,11 +124,54 @@ void mainTable::_optionsFile()
     });
 }
 
+namespace
+{
+template <class Panel> bool runAnalysisPanel(QWidget* parent, MyDocument* doc)
+{
+    Panel panel(parent);
+    if (panel.showInWindow(parent, doc) != OptionPanel::kOK)
+        return false;
+    doc->saveConfig();
+    return true;
+}
+} // namespace
+
+void mainTable::_optionsFFTLPC()
+{
+    guarded(QStringLiteral("OK"), [&] {
+        if (runAnalysisPanel<optionFFTLPC>(window(), m_pDoc))
+            emit analysisSettingsChanged();
+    });
+}
+
+void mainTable::_optionsSpectrogram()
+{
+    guarded(QStringLiteral("OK"), [&] {
+        if (!runAnalysisPanel<optionSpectrogram>(window(), m_pDoc))
+            return;
+        if (m_pDataentryTrace)
+            m_pDataentryTrace->analysisSettingsChanged();
+        emit analysisSettingsChanged();
+    });
+}
+
+void mainTable::_optionsPitch()
+{
+    guarded(QStringLiteral("OK"), [&] {
+        if (!runAnalysisPanel<optionPitch>(window(), m_pDoc))
+            return;
+        if (m_pDataentryTrace)
+            m_pDataentryTrace->analysisSettingsChanged();
+        emit analysisSettingsChanged();
+    });
+}
+
 void mainTable::saveParameters()
 {
-    stopPlayback(); // the synthesis that follows replaces the samples
-    ::saveParameters(*m_pDoc);
+    stopPlayback();            // the synthesis that follows replaces the samples
+    ::saveParameters(*m_pDoc); // synthesizes again for the rate the shown rows ask for
     reloadData();
+    emit synthesized();
     emit documentChanged();
 }
 
@@ -134,6 +180,8 @@ void mainTable::AdjustSampleRate(bool synthesize)
     if (synthesize)
         stopPlayback();
     ::AdjustSampleRate(*m_pDoc, synthesize);
+    if (synthesize)
+        emit synthesized();
 }
 
 void mainTable::saveoptionsFile()

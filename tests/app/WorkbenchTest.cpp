@@ -13,6 +13,7 @@
 #include <QListWidget>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QStatusBar>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
@@ -180,6 +181,48 @@ TEST(Workbench, WaveFilesOpenAsNewDocumentsWithAModel)
     EXPECT_TRUE(wb.app.lastAlert().contains("could not be opened"));
     EXPECT_EQ(wb.app.openFile(wb.path("missing.stk")), nullptr);
     EXPECT_EQ(wb.app.windows().size(), open);
+}
+
+TEST(Workbench, LoadModelRecordingKeepsTheTableAndItsHistory)
+{
+    Workbench wb;
+    MyDocument recording;
+    Channels& c = *recording.getChannel(0);
+    c.m_hData = MemoryBlock::newHandleClear(4410 * sizeof(float));
+    for (int i = 0; i < 4410; ++i)
+        reinterpret_cast<float*>(c.m_hData->bytes())[i] = (i % 50) / 200.0f;
+    c.m_dSampleRate = 11025;
+    c.m_dwFileLength = 4410;
+    const QString file = wb.path("voice.wav");
+    std::ofstream(file.toStdString(), std::ios::binary) << recording.save_Wave_FileType();
+
+    DocumentWindow* w = wb.app.newDocument();
+    const int columns = w->table()->model()->columnCount();
+    typeInto(w, Row::f1, 3, 700);
+    ASSERT_TRUE(w->document()->canUndo());
+    const std::string before = w->document()->Save_STK_FileType50(true);
+
+    ASSERT_TRUE(w->loadModelRecordingFrom(file)) << wb.app.lastAlert().toStdString();
+    const Channels& model = *w->document()->getChannel(2);
+    EXPECT_TRUE(model.hasAudio());
+    EXPECT_EQ(model.m_dwFileLength, 4410.0);
+    EXPECT_NEAR(model.samples()[49], 49 / 200.0f, 1e-3);
+    EXPECT_EQ(w->table()->model()->columnCount(), columns);
+    EXPECT_EQ(value(w, Row::f1, 3), 700);
+    EXPECT_EQ(w->document()->Save_STK_FileType50(true), before);
+    EXPECT_TRUE(w->document()->canUndo());
+    EXPECT_TRUE(w->filePath().isEmpty()) << "the document keeps its own name";
+    EXPECT_TRUE(w->statusBar()->currentMessage().contains("keeps its time axis"));
+    w->updateActions();
+    EXPECT_TRUE(action(w, "Play &Model")->isEnabled());
+    EXPECT_TRUE(action(w, "&Trace Over Model...")->isEnabled());
+
+    // A damaged file is refused and the model stays.
+    const QString junk = wb.path("junk.wav");
+    std::ofstream(junk.toStdString()) << "RIFF junk";
+    EXPECT_FALSE(w->loadModelRecordingFrom(junk));
+    EXPECT_TRUE(wb.app.lastAlert().contains("could not be used"));
+    EXPECT_EQ(w->document()->getChannel(2)->m_dwFileLength, 4410.0);
 }
 
 TEST(Workbench, NamedConfigurationsCarrySettingsBetweenDocuments)

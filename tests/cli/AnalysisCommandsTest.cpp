@@ -4,7 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 
@@ -112,4 +114,65 @@ TEST(AnalysisCommands, DocumentWithoutRecordingAndBadOptionsAreRefused)
     EXPECT_EQ(runCli("spectrogram " + wav).exitCode, 1); // no output named
     EXPECT_EQ(runCli("formants " + wav + " --rows 0").exitCode, 1);
     EXPECT_EQ(runCli("pitch " + wav + " --step 0.01").exitCode, 1); // below one sample
+}
+
+namespace
+{
+// The median of one row's values over the frame columns whose value passes `keep`.
+double rowMedian(const MyDocument& document, int row, bool (*keep)(int))
+{
+    std::vector<int> values;
+    const int columns = document.getChannel(0)->m_nColumnNum;
+    for (int k = 1; k <= columns; ++k)
+        if (CellRef cell = document._dataTableDictionary.cellAt(k * 10LL, row); cell && keep(cell->_nValue()))
+            values.push_back(cell->_nValue());
+    if (values.empty())
+        return 0.0;
+    std::nth_element(values.begin(), values.begin() + values.size() / 2, values.end());
+    return values[values.size() / 2];
+}
+} // namespace
+
+TEST(AnalysisCommands, TraceEntersTheVowelsPitchFormantsAndAmplitudes)
+{
+    TempDir dir;
+    const std::string wav = vowelWave(dir);
+    CliResult r = runCli("trace " + wav);
+    ASSERT_EQ(r.exitCode, 0) << r.err;
+    EXPECT_TRUE(r.out.empty());
+    const std::string stk = (dir / "vowel.stk");
+    MyDocument document;
+    int error = 0;
+    ASSERT_TRUE(document.readFromData(slurp(stk), "stk", &error));
+    document.buildDataTableDictionary();
+    ASSERT_EQ(document.getChannel(0)->m_nColumnNum, 200);
+
+    const auto positive = [](int v) { return v > 0; };
+    EXPECT_NEAR(rowMedian(document, Row::f0, positive), 1200.0, 36.0); // 120 Hz in tenths
+    EXPECT_NEAR(rowMedian(document, Row::f1, positive), 700.0, 35.0);
+    EXPECT_NEAR(rowMedian(document, Row::f2, positive), 1220.0, 61.0);
+    EXPECT_NEAR(rowMedian(document, Row::f3, positive), 2600.0, 130.0);
+    // The level under the first formant is near the top of the amplitude scale.
+    EXPECT_GT(rowMedian(document, Row::a1f, positive), 70.0);
+
+    // The existing default output is kept without --force; -o and --force write.
+    const std::string before = slurp(stk);
+    r = runCli("trace " + wav + " --columns 100");
+    EXPECT_EQ(r.exitCode, 2);
+    EXPECT_NE(r.err.find("vowel.stk"), std::string::npos);
+    EXPECT_EQ(slurp(stk), before);
+    EXPECT_EQ(runCli("trace " + wav + " --force").exitCode, 0);
+    EXPECT_EQ(slurp(stk), before); // the same analysis gives the same document
+    EXPECT_EQ(runCli("trace " + wav + " --columns 100 -o " + (dir / "narrow.stk")).exitCode, 0);
+    EXPECT_NE(slurp(dir / "narrow.stk"), before);
+
+    // A pitch step that does not fit the grid, and a damaged recording.
+    r = runCli("trace " + wav + " --pitch-step 5 -o " + (dir / "step.stk"));
+    EXPECT_EQ(r.exitCode, 2);
+    EXPECT_NE(r.err.find("Error in entering data values"), std::string::npos) << r.err;
+    std::ofstream(dir / "bad.wav", std::ios::binary) << "RIFF\x10\0\0\0WAVEjunk";
+    r = runCli("trace " + (dir / "bad.wav"));
+    EXPECT_EQ(r.exitCode, 2);
+    EXPECT_NE(r.err.find("bad.wav"), std::string::npos);
+    EXPECT_FALSE(std::filesystem::exists(dir / "bad.stk"));
 }

@@ -1,6 +1,9 @@
 #include "document/MyDocument.h"
 #include "options/ColorWell.h"
+#include "options/optionFFTLPC.h"
 #include "options/optionFile.h"
+#include "options/optionPitch.h"
+#include "options/optionSpectrogram.h"
 #include "options/optionParameterSettings.h"
 #include "options/optionsParameters.h"
 #include "options/parametersTableView.h"
@@ -170,4 +173,83 @@ TEST(optionParameterSettings, EditsLimitsAndSavesOnOK)
     table->resettoDefault(&doc);
     EXPECT_EQ(table->valueAt(1, Row::f1), 200);
     EXPECT_EQ(table->valueAt(3, Row::f1), 500);
+}
+
+TEST(optionAnalysis, LengthMenusDefaultsAndSavingOnlyOnOK)
+{
+    MyDocument doc;
+    optionFFTLPC fft;
+    fft.setup(&doc);
+    ASSERT_EQ(fft._popupWindowLength->count(), 9);
+    EXPECT_EQ(fft._popupWindowLength->itemText(0), " 344 Hz (32 pts)");
+    EXPECT_EQ(fft._popupWindowLength->itemText(8), " 1 Hz (8192 pts)");
+    fft.actionPtsSelector(3);
+    EXPECT_EQ(fft.m_nFFTAppliedWindowLength->text(), "23");
+    fft._popupWindowLength->setCurrentIndex(5);
+    fft.m_nLPCNumberofCoefficients->setText("20");
+    fft.m_displayType->button(0)->setChecked(true);
+    fft.save(&doc);
+    EXPECT_EQ(doc.m_nFFTWindowLengthSelector, 5);
+    EXPECT_EQ(doc.m_nFFTWindowLength, 1024);
+    EXPECT_EQ(doc.m_nLPCNumberofCoefficients, 20);
+    EXPECT_EQ(doc.m_bFFTAbsolute, 0);
+
+    // Default resets the controls with the rate of the set-up, not the document.
+    doc.getChannel(0)->m_dSampleRate = 22050.0;
+    optionSpectrogram spectrogram;
+    spectrogram.setup(&doc);
+    doc.m_bSpecInches = 5; // any non-zero value means inches
+    doc.m_dPreEmphasis = 0.5;
+    spectrogram.setup(&doc);
+    EXPECT_EQ(spectrogram.m_Inchcm->checkedId(), 1);
+    EXPECT_EQ(spectrogram.m_dPreEmphasis->text(), "0.50");
+    EXPECT_EQ(spectrogram._popupWindowLength->itemText(2), " 172 Hz (128 pts)");
+    doc.getChannel(0)->m_dSampleRate = 11025.0;
+    spectrogram.actionDefault();
+    EXPECT_EQ(spectrogram.m_nSpecfrequencyRange->text(), "11000");
+    EXPECT_EQ(spectrogram.m_nSpecLPCNumberofCoefficients->text(), "26");
+    EXPECT_EQ(spectrogram.m_dPreEmphasis->text(), "0.98");
+    EXPECT_EQ(doc.m_dPreEmphasis, 0.5) << "Default changes the panel only";
+    EXPECT_TRUE(spectrogram._note->text().startsWith("Note\nA value of 0 will make the time grid adjust"));
+
+    // Cancel keeps the document; OK stores.
+    spectrogram._drawFormantTracking->setChecked(false);
+    pressLater(&spectrogram, QDialogButtonBox::Cancel);
+    EXPECT_EQ(spectrogram.showInWindow(nullptr, &doc), 1001);
+    EXPECT_EQ(doc.m_bSpecDrawFormantTracking, 1);
+    QTimer::singleShot(0, &spectrogram, [&] {
+        spectrogram._drawFormantTracking->setChecked(false);
+        spectrogram._popupWindowLength->setCurrentIndex(4);
+        spectrogram.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok)->click();
+    });
+    EXPECT_EQ(spectrogram.showInWindow(nullptr, &doc), 1000);
+    EXPECT_EQ(doc.m_bSpecDrawFormantTracking, 0);
+    EXPECT_EQ(doc.m_nSpecWindowLength, 512);
+    EXPECT_DOUBLE_EQ(doc.m_dPreEmphasis, 0.5);
+}
+
+TEST(optionAnalysis, PitchPanelWritesTheDisplayFieldsIntoTheCalculationRange)
+{
+    MyDocument doc;
+    doc.m_dPitchWindowLength = 35.7;
+    optionPitch panel;
+    QTimer::singleShot(0, &panel, [&] {
+        EXPECT_EQ(panel._WindowLength->text(), "35");
+        panel._CalculationLow->setText("60");
+        panel._CalculationHigh->setText("400");
+        panel._DisplayLow->setText("80");
+        panel._DisplayHigh->setText("300");
+        panel._StepSize->setText("5");
+        panel.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok)->click();
+    });
+    EXPECT_EQ(panel.showInWindow(nullptr, &doc), 1000);
+    EXPECT_EQ(doc.m_dCalculationLow, 80.0);
+    EXPECT_EQ(doc.m_dCalculationHigh, 300.0);
+    EXPECT_EQ(doc.m_nPitchDisplayLow, 50);
+    EXPECT_EQ(doc.m_nPitchDisplayHigh, 500);
+    EXPECT_EQ(doc.m_dPitchStepSize, 5.0);
+    EXPECT_EQ(doc.m_dPitchWindowLength, 35.0);
+    panel.actionDefault();
+    EXPECT_EQ(panel._StepSize->text(), "10");
+    EXPECT_EQ(panel._CalculationHigh->text(), "500");
 }

@@ -29,6 +29,7 @@ FFTLPCWindow::FFTLPCWindow(mainTable* table, double startSample, QWidget* parent
     file->addAction(tr("&Close"), QKeySequence::Close, this, &QWidget::close);
     // A new synthesis changes what the slice shows.
     connect(table, &mainTable::synthesized, this, &FFTLPCWindow::recompute);
+    connect(table, &mainTable::analysisSettingsChanged, this, &FFTLPCWindow::recompute);
     setWindowTitle(documentName());
     setFocusPolicy(Qt::StrongFocus);
     resize(680, 480);

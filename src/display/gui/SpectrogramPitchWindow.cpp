@@ -47,6 +47,7 @@ SpectrogramPitchWindow::SpectrogramPitchWindow(mainTable* table, int channel, QW
     connect(m_pSpectrogram, &spectrogramView::cursorMoved, this, &SpectrogramPitchWindow::cursorMoved);
     if (channel == 0)
         connect(table, &mainTable::synthesized, this, &SpectrogramPitchWindow::setupViews);
+    connect(table, &mainTable::analysisSettingsChanged, this, &SpectrogramPitchWindow::setupViews);
     setWindowTitle(documentName());
     setFocusPolicy(Qt::StrongFocus);
     resize(1000, 560);

@@ -1,0 +1,322 @@
+// The trace window driven with real mouse and button events under the offscreen platform;
+// the checks are on the document's cells, its undo list and the saved bytes.
+#include "analysis/TestSignals.h"
+// Qt's `signals` keyword would swallow the namespace's name below.
+namespace testsignals = signals;
+
+#include "app/ConfigurationFile.h"
+#include "dataentry/DataEntrySupport.h"
+#include "dataentry/core/TraceDataEntry.h"
+#include "dataentry/dataentryTraceContoller.h"
+#include "dataentry/viewAmplitudes.h"
+#include "dataentry/viewPitch.h"
+#include "dataentry/viewSpectrogram.h"
+#include "table/mainTable.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QElapsedTimer>
+#include <QMessageBox>
+#include <QMouseEvent>
+#include <QPushButton>
+#include <QTest>
+
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+
+namespace
+{
+
+constexpr double kRate = 11025.0;
+
+// `seconds` of a 120 Hz vowel as the bytes of a WAVE file, written by the document's writer.
+std::string vowelWave(double seconds)
+{
+    const int n = static_cast<int>(seconds * kRate);
+    const std::vector<float> samples = testsignals::toFloat(
+        testsignals::vowel(n, 120.0, kRate, {{700.0, 130.0}, {1220.0, 70.0}, {2600.0, 160.0}}), 0.05);
+    MyDocument writer;
+    Channels* c = writer.getChannel(0);
+    c->m_hData = MemoryBlock::newHandleClear(samples.size() * sizeof(float));
+    std::memcpy(c->m_hData->bytes(), samples.data(), samples.size() * sizeof(float));
+    c->m_dSampleRate = kRate;
+    c->m_dwFileLength = static_cast<double>(samples.size());
+    return writer.save_Wave_FileType();
+}
+
+template <typename Done> bool waitFor(Done done)
+{
+    QElapsedTimer timer;
+    timer.start();
+    while (!done() && timer.elapsed() < 20000)
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+    return done();
+}
+
+void send(QWidget& view, QEvent::Type type, QPointF at, Qt::MouseButton button, Qt::MouseButtons held)
+{
+    QMouseEvent event(type, at, view.mapToGlobal(at), button, held, Qt::NoModifier);
+    QApplication::sendEvent(&view, &event);
+}
+
+// A document opened from a recording as the workbench opens one, and its trace window.
+struct TraceWindow : ::testing::Test {
+    MyDocument doc;
+    std::unique_ptr<mainTable> table;
+    std::unique_ptr<dataentryTraceContoller> controller;
+
+    void open(double seconds)
+    {
+        int error = 0;
+        ASSERT_TRUE(doc.readFromData(vowelWave(seconds), "stk", &error));
+        doc.buildDataTableDictionary();
+        table = std::make_unique<mainTable>(&doc);
+        controller = std::make_unique<dataentryTraceContoller>(&doc, table.get());
+        controller->window()->show();
+        QApplication::processEvents();
+    }
+    bool spectrogramReady()
+    {
+        return waitFor([&] {
+            return !controller->_viewSpectrogram()->isComputing() &&
+                   controller->_viewSpectrogram()->getHandle();
+        });
+    }
+    int value(int column, int row) const
+    {
+        return doc._dataTableDictionary.cellAt(column * 10LL, row)->_nValue();
+    }
+    // A press, one move and a release at the same point.
+    void drag(QWidget& view, QPointF at)
+    {
+        send(view, QEvent::MouseButtonPress, at, Qt::LeftButton, Qt::LeftButton);
+        send(view, QEvent::MouseMove, at, Qt::NoButton, Qt::LeftButton);
+    }
+    void release(QWidget& view, QPointF at)
+    {
+        send(view, QEvent::MouseButtonRelease, at, Qt::LeftButton, Qt::NoButton);
+    }
+};
+
+} // namespace
+
+TEST_F(TraceWindow, OpensAtItsDefaultSizeAndTheF3ButtonChoosesF3AndA3F)
+{
+    doc.m_nA5F = 7;
+    open(1.0);
+    // The headless entry's default spectrogram is the window's own.
+    EXPECT_EQ(controller->_viewSpectrogram()->size(),
+              QSize(TraceDataEntry::kDefaultSpectrogramWidth, TraceDataEntry::kDefaultSpectrogramHeight));
+    EXPECT_TRUE(controller->button(dataentryTraceContoller::F0)->isChecked());
+    EXPECT_TRUE(controller->_viewPitch()->_bActiveF0());
+    EXPECT_TRUE(controller->_viewPitch()->m_bHavePitch());
+
+    doc.m_ColorTracing[3] = Color::rgb(0.0, 0.5, 1.0, 1.0);
+    QTest::mouseClick(controller->button(dataentryTraceContoller::F3), Qt::LeftButton);
+    for (int b = 0; b < dataentryTraceContoller::ButtonCount; ++b)
+        EXPECT_EQ(controller->button(static_cast<dataentryTraceContoller::Button>(b))->isChecked(),
+                  b == dataentryTraceContoller::F3 || b == dataentryTraceContoller::A3F)
+            << b;
+    EXPECT_FALSE(controller->_viewPitch()->_bActiveF0());
+    EXPECT_TRUE(controller->_viewSpectrogram()->isActive(2));
+    EXPECT_TRUE(controller->_viewAmplitudes()->isActive(2));
+    EXPECT_EQ(controller->_viewAmplitudes()->tracingColor(2), toQColor(doc.m_ColorTracing[3]));
+    EXPECT_EQ(doc.m_nF3, 1);
+    EXPECT_EQ(doc.m_nA3F, 1);
+
+    // A5F is never written back; the others follow the buttons.
+    QTest::mouseClick(controller->button(dataentryTraceContoller::A5F), Qt::LeftButton);
+    EXPECT_EQ(doc.m_nA5F, 7);
+    EXPECT_EQ(doc.m_nF3, 0);
+    EXPECT_TRUE(controller->_viewAmplitudes()->isActive(4));
+    EXPECT_FALSE(controller->_viewSpectrogram()->isActive(2));
+}
+
+TEST_F(TraceWindow, DragsWriteTheirRowsAndColumnsAndUndoRestores)
+{
+    open(1.0);
+    ASSERT_TRUE(spectrogramReady());
+    viewPitch& pitch = *controller->_viewPitch();
+    viewSpectrogram& spectrogram = *controller->_viewSpectrogram();
+    viewAmplitudes& amplitudes = *controller->_viewAmplitudes();
+    const int columns = doc.getChannel(0)->m_nColumnNum;
+
+    // Pitch: the top edge is 3000 while dragging, then clamped to f0's limits; the table follows.
+    const double x = 10.5 * pitch.width() / columns; // list index 10, table column 11
+    const int f0Max = doc._dataTableDictionary.cellAt(110, Row::f0)->_nMaxValue();
+    drag(pitch, {x, 0.0});
+    EXPECT_EQ(value(11, Row::f0), 3000);
+    EXPECT_EQ(table->selectedColumnSpan(), std::make_pair(11, 11));
+    release(pitch, {x, 0.0});
+    EXPECT_EQ(value(11, Row::f0), std::min(3000, f0Max));
+    drag(pitch, {x, static_cast<double>(pitch.height())});
+    release(pitch, {x, static_cast<double>(pitch.height())});
+    EXPECT_EQ(value(11, Row::f0), std::max(0, doc._dataTableDictionary.cellAt(110, Row::f0)->_nMinValue()));
+
+    // Spectrogram, F1: 5000 at the top and 0 at the bottom; tracing f1 traces a1f from the
+    // spectrogram level under the pointer.
+    QTest::mouseClick(controller->button(dataentryTraceContoller::F1), Qt::LeftButton);
+    const double sx = 20.5 * spectrogram.width() / columns;
+    drag(spectrogram, {sx, 0.0});
+    EXPECT_EQ(value(21, Row::f1), 5000);
+    release(spectrogram, {sx, 0.0});
+    drag(spectrogram, {sx, static_cast<double>(spectrogram.height())});
+    EXPECT_EQ(value(21, Row::f1), 0);
+    release(spectrogram, {sx, static_cast<double>(spectrogram.height())});
+    const double y700 = spectrogram.height() * (1.0 - 700.0 / 5000.0);
+    drag(spectrogram, {sx, y700});
+    EXPECT_EQ(value(21, Row::f1), 700);
+    const SpectrogramComputation& s = *spectrogram.getHandle();
+    const double expected =
+        s.GetSpectrogramAmplitue(s.m_nDisplayVerticalRange, s.m_nDisplayRange, doc.m_nSpecDynamicRange, 90.0,
+                                 static_cast<int>(spectrogram.height() - y700), static_cast<int>(sx));
+    EXPECT_EQ(value(21, Row::a1f), static_cast<int>(expected));
+    EXPECT_GT(value(21, Row::a1f), 70); // the first formant is loud
+    release(spectrogram, {sx, y700});
+
+    // Amplitudes, A2F: 90 at the top edge.
+    QTest::mouseClick(controller->button(dataentryTraceContoller::A2F), Qt::LeftButton);
+    const double ax = 30.5 * amplitudes.width() / columns;
+    drag(amplitudes, {ax, 0.0});
+    EXPECT_EQ(value(31, Row::a2f), 90);
+    release(amplitudes, {ax, 0.0});
+    drag(amplitudes, {ax, static_cast<double>(amplitudes.height())});
+    EXPECT_EQ(value(31, Row::a2f), 0);
+    release(amplitudes, {ax, static_cast<double>(amplitudes.height())});
+    const int before = value(31, Row::a2f);
+    drag(amplitudes, {ax, amplitudes.height() / 2.0});
+    release(amplitudes, {ax, amplitudes.height() / 2.0});
+    EXPECT_EQ(value(31, Row::a2f), 45);
+    EXPECT_TRUE(table->_bSynthesize);
+
+    // Undo through the window restores the value the drag replaced, and the views take the
+    // restored cells.
+    controller->undo();
+    EXPECT_EQ(value(31, Row::a2f), before);
+    controller->setupViews();
+    drag(amplitudes, {ax, 0.0});
+    release(amplitudes, {ax, 0.0});
+    EXPECT_EQ(value(31, Row::a2f),
+              std::min(90, doc._dataTableDictionary.cellAt(310, Row::a2f)->_nMaxValue()));
+}
+
+TEST_F(TraceWindow, EnterAllDataEqualsTheCommandLineByteForByte)
+{
+    const auto folder =
+        std::filesystem::temp_directory_path() / ("tessaphon-trace-" + std::to_string(::getpid()));
+    std::filesystem::create_directories(folder);
+    const std::string wav = (folder / "vowel.wav").string();
+    std::ofstream(wav, std::ios::binary) << vowelWave(2.0);
+    open(2.0);
+    // Ctrl+E before the spectrogram is ready waits for it.
+    QTest::keyClick(controller->window(), Qt::Key_E, Qt::ControlModifier);
+    ASSERT_TRUE(spectrogramReady());
+    ASSERT_TRUE(waitFor([&] { return !controller->enterAllDataPending(); }));
+    EXPECT_TRUE(doc.canUndo());
+    EXPECT_NEAR(value(100, Row::f0), 1200, 40);
+    EXPECT_NEAR(value(100, Row::f1), 700, 40);
+    std::string error;
+    const std::string windowCopy = (folder / "window.stk").string();
+    ASSERT_TRUE(doc.writeSafelyToURL(windowCopy, "stk", &error)) << error;
+
+    const std::string cliCopy = (folder / "cli.stk").string();
+    const std::string command = std::string(TESSAPHON_CLI) + " trace " + wav + " -o " + cliCopy;
+    ASSERT_EQ(std::system(command.c_str()), 0);
+    const auto slurp = [](const std::string& path) {
+        std::ifstream in(path, std::ios::binary);
+        return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    };
+    const std::string a = slurp(windowCopy);
+    EXPECT_FALSE(a.empty());
+    EXPECT_TRUE(a == slurp(cliCopy));
+    std::filesystem::remove_all(folder);
+}
+
+TEST_F(TraceWindow, EntryErrorsShowTheirSheets)
+{
+    // A 2 s recording loaded into a 1 s grid: the pitch track is longer than the grid.
+    open(1.0);
+    int error = 0;
+    ASSERT_EQ(doc.Read_WAVE_FileType(vowelWave(2.0)), 0) << error;
+    controller->analysisSettingsChanged();
+    ASSERT_TRUE(spectrogramReady());
+    ASSERT_FALSE(doc.canUndo());
+    controller->actionEnterAllData();
+    ASSERT_NE(controller->sheet(), nullptr);
+    EXPECT_EQ(controller->sheet()->text(), "Error in entering data values");
+    EXPECT_TRUE(doc.canUndo()); // the undo step was saved before the entry
+    EXPECT_GT(value(50, Row::f0), 0);
+    controller->sheet()->done(0);
+
+    // Formant tracking off: its own sheet, nothing entered, no undo step.
+    MyDocument other;
+    other.m_bSpecDrawFormantTracking = 0;
+    int e = 0;
+    ASSERT_TRUE(other.readFromData(vowelWave(0.5), "stk", &e));
+    other.buildDataTableDictionary();
+    dataentryTraceContoller off(&other, nullptr);
+    off.actionEnterAllData();
+    ASSERT_NE(off.sheet(), nullptr);
+    EXPECT_EQ(off.sheet()->text(), "Formant tracking is not on. Automatic formants are not available");
+    EXPECT_EQ(off.sheet()->informativeText(),
+              "Close this window. Use Options->Spectrogram and turn on formant tracking.");
+    EXPECT_FALSE(other.canUndo());
+}
+
+TEST_F(TraceWindow, ClosingWhileTheSpectrogramIsComputingIsSafe)
+{
+    // A long recording keeps the worker busy; the window and then the document go away.
+    auto longDoc = std::make_unique<MyDocument>();
+    int error = 0;
+    ASSERT_TRUE(longDoc->readFromData(vowelWave(30.0), "stk", &error));
+    longDoc->buildDataTableDictionary();
+    auto window = std::make_unique<dataentryTraceContoller>(longDoc.get(), nullptr);
+    window->window()->show();
+    window->window()->resize(1600, 900); // a resize restarts the computation later
+    QApplication::processEvents();
+    EXPECT_TRUE(window->_viewSpectrogram()->isComputing());
+    window.reset();
+    longDoc.reset();
+    QTest::qWait(300);
+
+    // A trace window opened by its table, computing when the table (the document's window) goes.
+    int e = 0;
+    ASSERT_TRUE(doc.readFromData(vowelWave(30.0), "stk", &e));
+    doc.buildDataTableDictionary();
+    auto owner = std::make_unique<mainTable>(&doc);
+    mainTable::setTraceDataEntryFactory(
+        [](mainTable* t) -> DataEntryController* { return new dataentryTraceContoller(t->document(), t); });
+    owner->_dataentryTrace();
+    mainTable::setTraceDataEntryFactory({});
+    auto* opened = dynamic_cast<dataentryTraceContoller*>(owner->traceDataEntry());
+    ASSERT_NE(opened, nullptr);
+    EXPECT_TRUE(opened->window()->windowTitle().startsWith("data entry by tracing over a model:: "));
+    EXPECT_TRUE(opened->_viewSpectrogram()->isComputing());
+    owner.reset();
+    QTest::qWait(300);
+}
+
+TEST_F(TraceWindow, ViewOldDataShowsPlaceholdersAndIsRemembered)
+{
+    open(0.5);
+    const std::string config = ConfigurationFile::defaultPath();
+    ASSERT_TRUE(ConfigurationFile::write(config, doc));
+    QTest::mouseClick(controller->_ViewOldData(), Qt::LeftButton);
+    EXPECT_FALSE(controller->_ViewOldData()->isChecked());
+    EXPECT_EQ(doc._bShowGridData, 0);
+    TraceTrackLists& lists = controller->_viewAmplitudes()->lists();
+    ASSERT_GT(lists.columnCount(0), 2);
+    EXPECT_EQ(lists._arrayGridValues[0][1]->_nValue(), -1);
+    // The flag went into the configuration file, which still reads as a whole.
+    MyDocument reader;
+    ASSERT_TRUE(ConfigurationFile::read(config, reader, ConfigurationFile::Scope::NewDocument));
+    EXPECT_EQ(reader._bShowGridData, 0);
+    QTest::mouseClick(controller->_ViewOldData(), Qt::LeftButton);
+    ASSERT_TRUE(ConfigurationFile::read(config, reader, ConfigurationFile::Scope::NewDocument));
+    EXPECT_EQ(reader._bShowGridData, 1);
+    EXPECT_EQ(lists._arrayGridValues[0][1], lists._arrayTracedValues[0][1]);
+}
