@@ -78,6 +78,8 @@ public slots:
     // File > Save Model Audio...: the model channel as a WAVE file.
     void saveModelAudio();
     bool saveModelAudioTo(const QString& path);
+    // File > Make Continuum...: this document as the first step; opens the folder when done.
+    void makeContinuum();
 
 protected:
     void closeEvent(QCloseEvent* event) override;

@@ -5,15 +5,18 @@
 #include "app/ConfigurationFile.h"
 #include "app/WorkbenchApplication.h"
 #include "audio/RecordModelDialog.h"
+#include "continuum/gui/ContinuumDialog.h"
 #include "document/MyDocument.h"
 #include "table/mainTable.h"
 
+#include <QDesktopServices>
 #include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QSaveFile>
 #include <QStandardPaths>
 #include <QStatusBar>
+#include <QUrl>
 
 namespace
 {
@@ -249,4 +252,12 @@ void DocumentWindow::saveModelAudio()
     if (QFileInfo(path).suffix().isEmpty())
         path += QStringLiteral(".wav");
     saveModelAudioTo(path);
+}
+
+void DocumentWindow::makeContinuum()
+{
+    ContinuumDialog dialog(*m_pDoc, filePath(), this);
+    connect(&dialog, &ContinuumDialog::continuumWritten, this,
+            [](const QString& folder) { QDesktopServices::openUrl(QUrl::fromLocalFile(folder)); });
+    dialog.exec();
 }

@@ -36,6 +36,7 @@ void DocumentWindow::createMenus()
     file->addAction(tr("Load &Model Recording..."), this, &DocumentWindow::loadModelRecording);
     file->addAction(tr("Rec&ord Model..."), this, &DocumentWindow::recordModel);
     m_pSaveModel = file->addAction(tr("Save Mo&del Audio..."), this, &DocumentWindow::saveModelAudio);
+    file->addAction(tr("Make Co&ntinuum..."), this, &DocumentWindow::makeContinuum);
     file->addSeparator();
     file->addAction(tr("&Load Configuration..."), this, &DocumentWindow::loadConfiguration);
     file->addAction(tr("Save Con&figuration..."), this, &DocumentWindow::saveConfiguration);

@@ -116,7 +116,7 @@ void AudioPlayer::startPlay()
     _dPeriodMS = 0;
     startHostTime = std::chrono::steady_clock::now();
     // Set before the stream starts: the first request may come at once.
-    m_bIsPlaying = 1;
+    beginPlayback();
     status = Pa_StartStream(gOutputUnit->stream);
     if (status != paNoError) {
         m_bIsPlaying = 0;
@@ -170,16 +170,42 @@ void* AudioPlayer::getOutputUnit() const
     return gOutputUnit ? gOutputUnit->stream : nullptr;
 }
 
-void AudioPlayer::requestStopClean()
+void AudioPlayer::setPlaying(bool playing)
 {
-    QMetaObject::invokeMethod(this, &AudioPlayer::stopClean, Qt::QueuedConnection);
+    if (playing)
+        beginPlayback();
+    else
+        m_bIsPlaying = 0;
+}
+
+void AudioPlayer::beginPlayback()
+{
+    // The number changes before the flag is set: a render request that sees the new flag
+    // also names the new playback.
+    ++m_nPlayback;
+    m_bIsPlaying = 1;
+}
+
+void AudioPlayer::requestStopClean(std::uint32_t playback)
+{
+    QMetaObject::invokeMethod(
+        this, [this, playback] { stopCleanFor(playback); }, Qt::QueuedConnection);
+}
+
+void AudioPlayer::stopCleanFor(std::uint32_t playback)
+{
+    if (playback != m_nPlayback.load())
+        return; // queued for a playback that has since been replaced
+    stopClean();
 }
 
 int AudioPlayer::render(void** buffers, int bufferCount, std::uint32_t byteSize)
 {
+    // Read before the flag: a playback started after this point has a higher number.
+    const std::uint32_t playback = m_nPlayback.load();
     if (!m_bIsPlaying) {
         Log::line("deleting playing");
-        requestStopClean();
+        requestStopClean(playback);
         for (int i = 0; i < bufferCount; ++i)
             std::memset(buffers[i], 0, byteSize); // silence until the main thread stops us
         return 0;
@@ -193,7 +219,7 @@ int AudioPlayer::render(void** buffers, int bufferCount, std::uint32_t byteSize)
     // dropped, so up to one request of samples at the end is never heard. An end exactly at
     // the data's size is still played.
     if (static_cast<double>(end) > _dDataSize * 4.0) {
-        requestStopClean();
+        requestStopClean(playback);
         Log::line("stop in proc");
         for (int i = 0; i < bufferCount; ++i)
             std::memset(buffers[i], 0, byteSize);

@@ -8,7 +8,9 @@
 // PortAudio calls on its audio thread. The render routine only reads the buffer and the
 // settings made before start, advances the read position, and hands every stop it decides
 // to the main thread by a queued call on this object (the stream must not be torn down from
-// its own callback). Failures of the output are only logged ("AudioOutputUnitStart=%ld\n",
+// its own callback). Each stop so queued names its playback: one that arrives after a new
+// playback has started is dropped, so it never silences the new one. Failures of the output are only logged
+// ("AudioOutputUnitStart=%ld\n",
 // ...); the player then stays stopped and says nothing to the user.
 //
 // Calling order used by the table: isPlaying() and stopPlay() while a previous playback
@@ -61,8 +63,14 @@ public:
     static int CreateArgListFromString(char* text, char** argv, int maxArgs);
 
     // Marks the player playing or not without touching the output: for a render routine
-    // driven by another source than the output (an offline render, the tests).
-    void setPlaying(bool playing) { m_bIsPlaying = playing ? 1 : 0; }
+    // driven by another source than the output (an offline render, the tests). Playing
+    // starts a new playback, as startPlay does.
+    void setPlaying(bool playing);
+
+    // The number of the current playback: startPlay (and setPlaying(true)) begin a new one.
+    // A stop the render routine requests carries the number of the playback it was rendering
+    // and is dropped when a newer playback has started meanwhile.
+    std::uint32_t playbackNumber() const { return m_nPlayback.load(); }
 
     // The render routine (public for the tests, which drive it with their own buffers):
     // fills every buffer of `buffers` (count `bufferCount`, each `byteSize` bytes) with the
@@ -90,7 +98,9 @@ public:
     std::uint32_t sampleNextPrinted = 0;
 
 private:
-    void requestStopClean();
+    void requestStopClean(std::uint32_t playback);
+    void stopCleanFor(std::uint32_t playback);
+    void beginPlayback();
     struct OutputUnit;
     OutputUnit* gOutputUnit = nullptr;
     const std::uint8_t* pAudioData = nullptr;
@@ -99,6 +109,7 @@ private:
     double _dStart = 0;
     QObject* delegate = nullptr;
     std::atomic<std::uint8_t> m_bIsPlaying{0};
+    std::atomic<std::uint32_t> m_nPlayback{0};
     std::atomic<double> currSeconds{0}; // nanoseconds since start, despite the name
     std::chrono::steady_clock::time_point startHostTime;
     std::uint32_t _nFrameCount = 0;

@@ -50,9 +50,7 @@ void checkOutput(const SliceOptions& o)
     const std::string extension = lowerExtension(o.output);
     if (extension != ".png" && extension != ".svg")
         throw CLI::ValidationError("--output", "the picture must be a .png or .svg file: " + o.output);
-    std::error_code ignored;
-    if (std::filesystem::equivalent(o.input, o.output, ignored))
-        throw CLI::ValidationError("--output", o.output + " is the input file");
+    chooseOutput(o.output, std::string(), false, {o.input}); // never over the input
 }
 
 std::string csvOf(const SliceComputation& slice, bool lpc)

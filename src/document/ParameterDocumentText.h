@@ -2,9 +2,10 @@
 // The text of a parameter document, shared by the file writer and reader (StkFile.cpp) and by
 // the undo snapshots (UndoRedo.cpp). Internal to the document library.
 //
-// A snapshot uses the file layout with its own version marker and differs in two ways: its
-// anchor section holds the anchors of hidden rows too, and reading it keeps the document's file
-// type and audio state (it restores the grid, not the file's identity).
+// A snapshot uses the file layout with its own version marker and differs in three ways: its
+// first line carries the exact length in ms after the three settings (files hold it truncated),
+// its anchor section holds the anchors of hidden rows too, and reading it keeps the document's
+// file type and audio state (it restores the grid, not the file's identity).
 #include <string>
 
 class MyDocument;

@@ -11,6 +11,8 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
+#include <cmath>
 #include <string_view>
 #include <unordered_map>
 
@@ -82,6 +84,7 @@ std::vector<std::string_view> splitLines(std::string_view text)
 // Everything read from the text before it is applied to the document.
 struct ParsedDocument {
     long long lengthMS = 0;
+    double exactLengthMS = -1.0; // from a snapshot: the length before truncation, else -1
     long long sampleRate = 0;
     int interval = 10;
     int frames = 0;
@@ -119,7 +122,17 @@ private:
     std::unordered_map<std::string_view, int> m_rows;
 };
 
-bool readSettingsLine(std::string_view line, ParsedDocument& doc, std::string& reason)
+// A snapshot's fourth field: the exact length, taken only when it truncates to the first.
+void readExactLength(std::string_view field, ParsedDocument& doc)
+{
+    double length = 0.0;
+    const auto [end, error] = std::from_chars(field.data(), field.data() + field.size(), length);
+    if (error == std::errc() && end == field.data() + field.size() && std::isfinite(length) &&
+        length >= 0.0 && std::floor(length) == static_cast<double>(doc.lengthMS))
+        doc.exactLengthMS = length;
+}
+
+bool readSettingsLine(std::string_view line, ParameterTextUse use, ParsedDocument& doc, std::string& reason)
 {
     Fields fields(line);
     std::string_view f;
@@ -129,6 +142,8 @@ bool readSettingsLine(std::string_view line, ParsedDocument& doc, std::string& r
         reason = "the first line does not hold the length, sample rate and update interval";
         return false;
     }
+    if (use == ParameterTextUse::Snapshot && fields.next(f))
+        readExactLength(f, doc);
     if (doc.lengthMS < 0 || doc.lengthMS > MyDocument::kMaxLengthMS) {
         reason = "the length of " + std::to_string(doc.lengthMS) + " ms is out of range (0 to one hour)";
         return false;
@@ -232,14 +247,15 @@ void readNamesLine(std::string_view line, const NameIndex& names, ParsedDocument
     }
 }
 
-bool parseDocument(const Channels& channel, std::string_view text, ParsedDocument& doc, std::string& reason)
+bool parseDocument(const Channels& channel, std::string_view text, ParameterTextUse use, ParsedDocument& doc,
+                   std::string& reason)
 {
     const std::vector<std::string_view> lines = splitLines(text);
     if (lines.size() < 2) {
         reason = "the document is empty or ends after its first line";
         return false;
     }
-    if (!readSettingsLine(lines[0], doc, reason) || !readConfigurationLine(lines[1], doc, reason))
+    if (!readSettingsLine(lines[0], use, doc, reason) || !readConfigurationLine(lines[1], doc, reason))
         return false;
     if (lines.size() > 2)
         readColourLine(lines[2], doc);
@@ -306,7 +322,7 @@ int readParameterText(MyDocument& document, const std::string& text, ParameterTe
     Channels& c = *document.getChannel(0);
     ParsedDocument doc;
     reason.clear();
-    if (!parseDocument(c, text, doc, reason))
+    if (!parseDocument(c, text, use, doc, reason))
         return -1;
 
     // Build the grid first: when memory runs out the settings stay as they were.
@@ -319,7 +335,7 @@ int readParameterText(MyDocument& document, const std::string& text, ParameterTe
         reason = e.reason();
         return -1;
     }
-    c.m_dLengthMS = static_cast<double>(doc.lengthMS);
+    c.m_dLengthMS = doc.exactLengthMS >= 0.0 ? doc.exactLengthMS : static_cast<double>(doc.lengthMS);
     c.m_dSampleRate = static_cast<double>(doc.sampleRate);
     c.m_nUpdateIntervalMS = doc.interval;
     c.m_bCascade_Parallel = doc.cascade ? 1 : 0;

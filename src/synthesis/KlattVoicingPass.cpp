@@ -53,7 +53,6 @@ struct Voicing {
     std::int32_t pos, len, open, mod;
     double pulse_a, pulse_b, gain_voice, gain_breath, keep, decay;
     resonator_t glottal;
-    double sampleStep; // sampled source: waveform points per quarter-rate sample
 
     void load(const klatt_global_t& g)
     {
@@ -68,7 +67,6 @@ struct Voicing {
         keep = g.tilt_keep;
         decay = g.tilt_decay;
         glottal = g.resonators[R_GLOTTAL];
-        sampleStep = len != 0 ? static_cast<double>(g.source_sample_count) / len : 0.0;
     }
     void store(klatt_global_t& g) const
     {
@@ -84,7 +82,8 @@ inline double sampledSource(const klatt_global_t& g, const Voicing& v)
     const int n = g.source_sample_count;
     if (v.len == 0 || n <= 0 || !g.source_samples)
         return 0.0;
-    const double t = v.pos * v.sampleStep;
+    // The position as a fraction of the period, then in waveform points, rounded in that order.
+    const double t = static_cast<double>(v.pos) / v.len * n;
     // The waveform is one period: points past its end (reached at the period's last positions)
     // wrap to its start, so that every read stays inside it.
     std::int64_t i = static_cast<std::int64_t>(t);

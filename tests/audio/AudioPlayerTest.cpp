@@ -124,6 +124,42 @@ TEST(AudioPlayer, RenderDeliversWholeRequestsAndStopsBeforeOverrun)
     EXPECT_FALSE(player.isPlaying());
 }
 
+TEST(AudioPlayer, AStopQueuedForAnEarlierPlaybackLeavesTheNewOneRunning)
+{
+    const std::vector<float> first = ramp(600);
+    const std::vector<float> second = ramp(3000);
+    AudioPlayer player;
+
+    // The first playback runs out: its stop is queued for the main thread...
+    player.setData(bytesOf(first), 600, 0);
+    player.setPlaying(true);
+    EXPECT_EQ(request(player, 512), slice(first, 0, 512));
+    EXPECT_EQ(request(player, 512), std::vector<float>(512, 0.0f));
+    // ...which starts the next playback before it gets to that stop.
+    player.setData(bytesOf(second), 3000, 0);
+    player.setPlaying(true);
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(player.isPlaying()) << "the first playback's stop ended the second";
+    EXPECT_EQ(request(player, 512), slice(second, 0, 512));
+
+    // A playback stopped by the user: the render request that finds it stopped queues a stop,
+    // and a playback started before that stop is handled keeps running too.
+    player.setPlaying(false);
+    EXPECT_EQ(request(player, 512), std::vector<float>(512, 0.0f));
+    player.setData(bytesOf(second), 3000, 0);
+    player.setPlaying(true);
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(player.isPlaying());
+    EXPECT_EQ(request(player, 512), slice(second, 0, 512));
+
+    // The current playback's own stop still ends it.
+    for (int i = 1; i < 5; ++i)
+        EXPECT_EQ(request(player, 512), slice(second, 512 * i, 512));
+    EXPECT_EQ(request(player, 512), std::vector<float>(512, 0.0f));
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(player.isPlaying());
+}
+
 TEST(AudioPlayer, DefaultOutputReceivesWholeRequestsExactly)
 {
     // 2048 samples: four whole requests, all heard, after nothing but silence.
@@ -142,11 +178,13 @@ TEST(AudioPlayer, StopsAndRestartsCleanly)
     for (int round = 0; round < 3; ++round) {
         if (player.isPlaying())
             player.stopPlay();
+        const std::uint32_t before = player.playbackNumber();
         player.CreateDefaultAU();
         player.setData(bytesOf(samples), static_cast<double>(samples.size()), 0);
         player.setSampleRate(11025);
         player.startPlay();
         EXPECT_TRUE(player.isPlaying());
+        EXPECT_EQ(player.playbackNumber(), before + 1) << "each start is a new playback";
     }
     player.stopClean();
     EXPECT_FALSE(player.isPlaying());

@@ -114,6 +114,56 @@ TEST(UndoRedo, SnapshotsRestoreFramesSelectionAndEveryAnchor)
     EXPECT_EQ(document->m_bver50, 1);
 }
 
+TEST(UndoRedo, AFractionalLengthComesBackExactly)
+{
+    // 4567 samples at 11025 Hz last 414.2403... ms: not a whole number of milliseconds.
+    MyDocument document;
+    int code = 0;
+    const std::string recording = waveImage(1, 1, 11025, 2, 16, pcm16(std::vector<std::int16_t>(4567, 100)));
+    ASSERT_TRUE(document.readFromData(recording, "wav", &code)) << document.lastReadError();
+    document.buildDataTableDictionary();
+    Channels* c = document.getChannel(0);
+    const double length = c->m_dLengthMS;
+    ASSERT_EQ(length, 4567 * 1000.0 / 11025);
+
+    edit(document, 3, Row::f1, 600);
+    edit(document, 4, Row::f1, 650);
+    document.doUndo();
+    EXPECT_EQ(c->m_dLengthMS, length);
+    EXPECT_EQ(c->m_nColumnNum, 41);
+    EXPECT_EQ(shownValue(document, 4, Row::f1), 500);
+    document.doRedo();
+    EXPECT_EQ(c->m_dLengthMS, length);
+    EXPECT_EQ(shownValue(document, 4, Row::f1), 650);
+
+    // A length changed by an edit comes back as it was on both sides of the edit.
+    document.saveUndo();
+    c->m_dLengthMS = 123.456789012345;
+    c->m_nColumnNum = 12;
+    document.SetUpDataGridMemory();
+    document.buildDataTableDictionary();
+    document.saveRedo();
+    document.doUndo();
+    EXPECT_EQ(c->m_dLengthMS, length);
+    document.doRedo();
+    EXPECT_EQ(c->m_dLengthMS, 123.456789012345);
+
+    // The exact length is taken only when it agrees with the whole milliseconds before it.
+    std::string snapshot = document.Save_STK_FileType(true);
+    const std::size_t exact = snapshot.find("123.456789012345\t");
+    ASSERT_NE(exact, std::string::npos) << snapshot.substr(0, 40);
+    ASSERT_TRUE(document.Read_STK_FileTypeDoUndo(snapshot));
+    EXPECT_EQ(c->m_dLengthMS, 123.456789012345);
+    for (const char* bad : {"129.5", "nan", "-0.5", "12x", "1e308"}) {
+        std::string damaged = snapshot;
+        damaged.replace(exact, 16, bad);
+        ASSERT_TRUE(document.Read_STK_FileTypeDoUndo(damaged)) << bad;
+        EXPECT_EQ(c->m_dLengthMS, 123.0) << bad;
+    }
+    // A parameter document keeps whole milliseconds, as its readers expect.
+    EXPECT_EQ(document.Save_STK_FileType50(true).substr(0, 15), "123\t11025\t10\t\r\n");
+}
+
 TEST(UndoRedo, DamagedSnapshotsAndUnevenListsFailCleanly)
 {
     auto document = makeDocument(30.0);

@@ -97,30 +97,42 @@ TEST(optionFile, RefusesSizesBeyondTheOneHourDocument)
     EXPECT_EQ(doc.m_nNewUpdateIntervalMS, 10);
 }
 
-TEST(optionsParameters, SavesShownRowsColoursAndMethod)
+TEST(optionsParameters, SavesShownRowsColoursAndMethodOnlyOnOK)
 {
     MyDocument doc;
     Channels& c = *doc.getChannel(0);
-    const MyDocument factory;
     optionsParameters panel;
     panel.setup(&doc);
     for (int row = 0; row < kParameterCount; ++row)
         EXPECT_EQ(panel.m_pShown[row]->isChecked(), c.m_Parameters[row].bSelected != 0) << row;
     EXPECT_EQ(panel._methodGroup->checkedId(), 1);
-
-    panel.m_pShown[Row::f6]->setChecked(true);
-    panel.m_pShown[Row::f1]->setChecked(false);
-    panel._colorSet[1]->setColor(Color::rgb(1, 0, 0));
-    panel._colorSet[8]->setColor(Color::rgb(0, 0, 1));
-    panel._methodGroup->button(0)->setChecked(true);
     const Color f0Colour = c.m_Parameters[Row::f0].nsSetColor;
+    const Color avColour = c.m_Parameters[Row::av].nsSetColor;
+
+    // The user's changes, made while the panel runs, then the button that ends it.
+    auto changeAndPress = [&panel](QDialogButtonBox::StandardButton which) {
+        QTimer::singleShot(0, &panel, [&panel, which] {
+            panel.m_pShown[Row::f6]->setChecked(true);
+            panel.m_pShown[Row::f1]->setChecked(false);
+            panel._colorSet[1]->setColor(Color::rgb(1, 0, 0));
+            panel._colorSet[8]->setColor(Color::rgb(0, 0, 1));
+            panel._methodGroup->button(0)->setChecked(true);
+            panel.findChild<QDialogButtonBox*>()->button(which)->click();
+        });
+    };
 
     // Cancel writes nothing.
-    pressLater(&panel, QDialogButtonBox::Cancel);
-    EXPECT_EQ(panel.exec(), 1001);
+    changeAndPress(QDialogButtonBox::Cancel);
+    EXPECT_EQ(panel.showInWindow(nullptr, &doc), 1001);
     EXPECT_EQ(c.m_Parameters[Row::f6].bSelected, 0);
+    EXPECT_EQ(c.m_Parameters[Row::f1].bSelected, 1);
+    EXPECT_EQ(c.m_Parameters[Row::av].nsSetColor, avColour);
+    EXPECT_EQ(doc.m_bgColor[1], Color::white());
+    EXPECT_EQ(c.m_bCascade_Parallel, 1);
 
-    panel.save(&doc);
+    // OK writes everything.
+    changeAndPress(QDialogButtonBox::Ok);
+    EXPECT_EQ(panel.showInWindow(nullptr, &doc), 1000);
     EXPECT_EQ(c.m_Parameters[Row::f6].bSelected, 1);
     EXPECT_EQ(c.m_Parameters[Row::f1].bSelected, 0);
     for (int row : {Row::av, Row::ah, Row::af, Row::tl})

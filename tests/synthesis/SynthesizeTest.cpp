@@ -1,6 +1,7 @@
 #include "SynthesisTestSupport.h"
 
 #include "document/DocumentException.h"
+#include "document/DocumentTestSupport.h"
 #include "document/Log.h"
 #include "document/MyDocument.h"
 
@@ -182,4 +183,27 @@ TEST_F(SynthesizeTest, FlagsLogLinesAndSizesThatCannotBeMade)
     ch0().m_dLengthMS = 200.0;
     ch0().m_nUpdateIntervalMS = 2147483647;
     EXPECT_THROW(doc.Synthesize(), DocumentException);
+}
+
+TEST_F(SynthesizeTest, UndoKeepsTheLengthOfADocumentMadeFromARecording)
+{
+    // 2 s 57 samples at 22050 Hz: 2002.58... ms, synthesized at 11025 Hz into 22078 samples.
+    const std::string recording = waveImage(1, 1, 22050, 2, 16, pcm16(std::vector<std::int16_t>(44157, 7)));
+    ASSERT_TRUE(doc.readFromData(recording, "wav", nullptr)) << doc.lastReadError();
+    rebuild();
+    doc.Synthesize();
+    const std::size_t samples = audio(0).size();
+    EXPECT_EQ(samples, 22078u);
+
+    doc.saveUndo();
+    column(5)[Row::f1]->set_nValue(700);
+    doc.saveRedo();
+    doc.doUndo();
+    setRow(Row::atu, 0);
+    doc.Synthesize();
+    EXPECT_EQ(audio(0).size(), samples);
+    doc.doRedo();
+    setRow(Row::atu, 0);
+    doc.Synthesize();
+    EXPECT_EQ(audio(0).size(), samples);
 }
