@@ -3,6 +3,8 @@
 // and one smoothed 256-point spectrum.
 #include "analysis/CMathFunc.h"
 #include "display/PitchTrackComputation.h"
+#include "display/SliceComputation.h"
+#include "display/SpectralComparison.h"
 #include "display/SpectrogramComputation.h"
 #include "document/Log.h"
 #include "document/MyDocument.h"
@@ -71,6 +73,32 @@ void BM_PitchTrack(benchmark::State& state)
     }
 }
 BENCHMARK(BM_PitchTrack)->Unit(benchmark::kMillisecond);
+
+// The comparison behind `tessaphon-cli compare`: the recording against itself, frame by frame.
+void BM_CompareTenSeconds(benchmark::State& state)
+{
+    const Channels& channel = recording();
+    const SpectrogramSettings settings = SpectrogramSettings::fromDocument(document());
+    for (auto _ : state) {
+        RecordingComparison comparison(settings);
+        benchmark::DoNotOptimize(comparison.compare(channel, channel));
+        benchmark::DoNotOptimize(comparison.m_frames.data());
+    }
+}
+BENCHMARK(BM_CompareTenSeconds)->Unit(benchmark::kMillisecond);
+
+// One FFT/LPC slice at the panel's defaults (ten windows averaged).
+void BM_Slice(benchmark::State& state)
+{
+    const Channels& channel = recording();
+    SliceComputation slice(SliceSettings::fromDocument(document()));
+    double start = 0.0;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(slice.compute(channel, start));
+        start = start > 100000.0 ? 0.0 : start + 110.0;
+    }
+}
+BENCHMARK(BM_Slice)->Unit(benchmark::kMicrosecond);
 
 void BM_DoLPCFormants(benchmark::State& state)
 {

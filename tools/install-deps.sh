@@ -5,7 +5,7 @@ set -euo pipefail
 packages=(
     cmake ninja-build g++ clang make pkg-config
     libgtest-dev libgmock-dev googletest libbenchmark-dev libclang-rt-14-dev
-    qt6-base-dev qt6-base-dev-tools libgl-dev
+    qt6-base-dev qt6-base-dev-tools qt6-svg-dev libgl-dev
     portaudio19-dev libasound2-dev libasound2-plugins
     libcli11-dev libpng-dev
     xvfb xauth imagemagick

@@ -84,6 +84,10 @@ public:
                             unsigned char smooth, int nOut, int frequencyRange, double sampleRate,
                             unsigned char formants, unsigned char coefficientsOnly);
 
+    // The calling thread's lpcout: the result of its last autolpc or DoLPC (the residual
+    // energy with it).
+    const lpcout* lastLpc() const;
+
     // Factors poly[0 .. degree] (highest power first, poly[0] = 1) into quadratic factors and
     // returns the calling thread's root record, or nullptr when factoring fails. Pole pairs of
     // at most maxBandwidth Hz become formants. degree < 2 gives an empty record; a degree above

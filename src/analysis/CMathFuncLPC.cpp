@@ -91,6 +91,11 @@ lpcout* CMathFunc::autolpc(const double* x, int n, int order)
     return &out;
 }
 
+const lpcout* CMathFunc::lastLpc() const
+{
+    return &lpcWork().result;
+}
+
 const RootRecord* CMathFunc::DoLPC(double* data, int order, int n, double preEmphasis, int window,
                                    unsigned char smooth, int nOut, int frequencyRange, double sampleRate,
                                    unsigned char formants, unsigned char coefficientsOnly)

@@ -9,6 +9,7 @@
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QFileInfo>
+#include <QItemSelectionModel>
 #include <QLabel>
 #include <QMessageBox>
 #include <QMimeData>
@@ -38,6 +39,9 @@ DocumentWindow::DocumentWindow(WorkbenchApplication* app, std::unique_ptr<MyDocu
     connect(m_pTable, &mainTable::playbackStarted, this, &DocumentWindow::updateStatus);
     connect(m_pTable, &mainTable::synthesized, this, &DocumentWindow::updateStatus);
     createMenus();
+    // Commands that work on the selection are enabled as it changes (their shortcuts too).
+    connect(m_pTable->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            &DocumentWindow::updateActions);
     createStatusBar();
     setUpAutosave();
     resize(1100, 720);

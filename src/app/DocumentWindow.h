@@ -73,6 +73,11 @@ public slots:
     void loadConfiguration();
     void saveConfiguration();
     void loadModelRecording();
+    // File > Record Model...: records from the default input; the recording becomes the model.
+    void recordModel();
+    // File > Save Model Audio...: the model channel as a WAVE file.
+    void saveModelAudio();
+    bool saveModelAudioTo(const QString& path);
     // File > Make Continuum...: this document as the first step; opens the folder when done.
     void makeContinuum();
 
@@ -108,7 +113,10 @@ private:
     QAction* m_pUndo = nullptr;
     QAction* m_pRedo = nullptr;
     QAction* m_pPlayModel = nullptr;
+    QAction* m_pSaveModel = nullptr;
     QAction* m_pTrace = nullptr;
+    QAction* m_pSpectrogramModel = nullptr;
+    QAction* m_pFFTLPC = nullptr;
     QAction* m_pInterpolateSelection = nullptr;
     QAction* m_pAnchorRemoveSelection = nullptr;
     QMenu* m_pRecent = nullptr;

@@ -4,6 +4,7 @@
 
 #include "app/ConfigurationFile.h"
 #include "app/WorkbenchApplication.h"
+#include "audio/RecordModelDialog.h"
 #include "continuum/gui/ContinuumDialog.h"
 #include "document/MyDocument.h"
 #include "table/mainTable.h"
@@ -12,6 +13,7 @@
 #include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QSaveFile>
 #include <QStandardPaths>
 #include <QStatusBar>
 #include <QUrl>
@@ -191,6 +193,65 @@ bool DocumentWindow::loadModelRecordingFrom(const QString& path)
         message += tr("; the grid is %1 ms long and keeps its time axis").arg(gridMS);
     statusBar()->showMessage(message, 15000);
     return true;
+}
+
+void DocumentWindow::recordModel()
+{
+    // The model is recorded at the document's rate, so that it lines up with the synthesis.
+    const double rate = m_pDoc->getChannel(0)->m_dSampleRate;
+    RecordModelDialog dialog(rate, this);
+    QString error;
+    if (!dialog.startRecording(&error)) {
+        alert(tr("Nothing can be recorded."), error);
+        return;
+    }
+    if (dialog.exec() != QDialog::Accepted)
+        return;
+    // The model's samples are about to be replaced: a playback of them stops first.
+    m_pTable->stopPlayback();
+    try {
+        if (!m_pDoc->setModelSamples(dialog.recording(), rate)) {
+            alert(tr("The recording could not become the model."), tr("It is empty or too long."));
+            return;
+        }
+    } catch (const std::exception& e) {
+        alert(tr("The recording could not become the model."), QString::fromUtf8(e.what()));
+        return;
+    }
+    if (DataEntryController* trace = m_pTable->traceDataEntry())
+        trace->analysisSettingsChanged();
+    updateStatus();
+    updateTitle();
+    updateActions();
+    statusBar()->showMessage(
+        tr("Recorded %1 s as the model").arg(m_pDoc->getChannel(2)->m_dLengthMS / 1000.0, 0, 'f', 1), 5000);
+}
+
+bool DocumentWindow::saveModelAudioTo(const QString& path)
+{
+    const std::string bytes = m_pDoc->save_Wave_FileType(2);
+    QSaveFile file(path);
+    if (file.open(QIODevice::WriteOnly) &&
+        file.write(bytes.data(), static_cast<qint64>(bytes.size())) == static_cast<qint64>(bytes.size()) &&
+        file.commit())
+        return true;
+    alert(tr("The model audio could not be saved."),
+          QFileInfo(path).fileName() + QStringLiteral(": ") + file.errorString());
+    return false;
+}
+
+void DocumentWindow::saveModelAudio()
+{
+    if (!m_pDoc->getChannel(2)->hasAudio())
+        return;
+    QString path = QFileDialog::getSaveFileName(this, tr("Save Model Audio"),
+                                                documentsFolder() + QStringLiteral("/model.wav"),
+                                                tr("WAVE audio (*.wav)"));
+    if (path.isEmpty())
+        return;
+    if (QFileInfo(path).suffix().isEmpty())
+        path += QStringLiteral(".wav");
+    saveModelAudioTo(path);
 }
 
 void DocumentWindow::makeContinuum()

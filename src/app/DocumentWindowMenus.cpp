@@ -34,6 +34,8 @@ void DocumentWindow::createMenus()
     file->addSeparator();
     file->addAction(tr("Save A&udio..."), m_pTable, &mainTable::_fileSaveAudio);
     file->addAction(tr("Load &Model Recording..."), this, &DocumentWindow::loadModelRecording);
+    file->addAction(tr("Rec&ord Model..."), this, &DocumentWindow::recordModel);
+    m_pSaveModel = file->addAction(tr("Save Mo&del Audio..."), this, &DocumentWindow::saveModelAudio);
     file->addAction(tr("Make Co&ntinuum..."), this, &DocumentWindow::makeContinuum);
     file->addSeparator();
     file->addAction(tr("&Load Configuration..."), this, &DocumentWindow::loadConfiguration);
@@ -83,6 +85,17 @@ void DocumentWindow::createMenus()
                                         &mainTable::_dataentryTrace);
     }
 
+    QMenu* analysis = menuBar()->addMenu(tr("&Analysis"));
+    if (mainTable::hasAnalysisWindows()) {
+        analysis->addAction(tr("&Spectrogram and Pitch"), QKeySequence(tr("Ctrl+Shift+P")), m_pTable,
+                            &mainTable::_analysisSpectrogramPitch);
+        m_pSpectrogramModel =
+            analysis->addAction(tr("Spectrogram and Pitch of &Model"), QKeySequence(tr("Ctrl+Shift+M")),
+                                m_pTable, &mainTable::_analysisSpectrogramPitchModel);
+        m_pFFTLPC = analysis->addAction(tr("&FFT/LPC Slice"), QKeySequence(tr("Ctrl+Shift+F")), m_pTable,
+                                        &mainTable::_analysisFFTLPC);
+    }
+
     QMenu* options = menuBar()->addMenu(tr("&Options"));
     options->addAction(tr("&Parameters..."), m_pTable, &mainTable::_optionsParameters);
     options->addAction(tr("&File..."), m_pTable, &mainTable::_optionsFile);
@@ -91,7 +104,7 @@ void DocumentWindow::createMenus()
     options->addAction(tr("&Spectrogram..."), m_pTable, &mainTable::_optionsSpectrogram);
     options->addAction(tr("P&itch..."), m_pTable, &mainTable::_optionsPitch);
 
-    for (QMenu* menu : {file, edit, frames, play, options})
+    for (QMenu* menu : {file, edit, frames, play, analysis, options})
         connect(menu, &QMenu::aboutToShow, this, &DocumentWindow::updateActions);
 }
 
@@ -104,8 +117,14 @@ void DocumentWindow::updateActions()
     m_pRevert->setEnabled(m_pDoc->canRevert());
     const bool model = m_pDoc->getChannel(2)->hasAudio();
     m_pPlayModel->setEnabled(model);
+    m_pSaveModel->setEnabled(model);
     if (m_pTrace)
         m_pTrace->setEnabled(model);
+    if (m_pSpectrogramModel)
+        m_pSpectrogramModel->setEnabled(model);
+    // The first frame cannot be analysed from the table: column 1 is not enough.
+    if (m_pFFTLPC)
+        m_pFFTLPC->setEnabled(m_pTable->selectedColumnSpan().first > 1);
     // The selection commands work on the span of the selected rows.
     const bool rowSelected = m_pTable->selectedRowSpan().first >= 0;
     m_pInterpolateSelection->setEnabled(rowSelected);

@@ -4,6 +4,8 @@
 #include "app/DocumentWindow.h"
 #include "dataentry/dataentryGraphicalController.h"
 #include "dataentry/dataentryTraceContoller.h"
+#include "display/gui/FFTLPCWindow.h"
+#include "display/gui/SpectrogramPitchWindow.h"
 #include "document/MyDocument.h"
 #include "table/mainTable.h"
 
@@ -44,6 +46,13 @@ WorkbenchApplication::WorkbenchApplication(QObject* parent)
         });
         return controller;
     });
+    mainTable::setAnalysisWindowFactories(
+        [](mainTable* table, double startSample) -> QWidget* {
+            return new FFTLPCWindow(table, startSample, table->window());
+        },
+        [](mainTable* table, int channel) -> QWidget* {
+            return new SpectrogramPitchWindow(table, channel, table->window());
+        });
 }
 
 WorkbenchApplication::~WorkbenchApplication()

@@ -1,11 +1,15 @@
 #include "cli/CliSupport.h"
 
+#include "display/AnalysisReports.h"
 #include "document/AtomicFile.h"
 #include "document/DocumentException.h"
 #include "document/Log.h"
 #include "document/MyDocument.h"
 
+#include <png.h>
+
 #include <cerrno>
+#include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
@@ -112,6 +116,48 @@ std::unique_ptr<MyDocument> openDocumentBytes(const std::string& path, const std
     if (table == TableData::Build)
         document->buildDataTableDictionary();
     return document;
+}
+
+const Channels& modelChannel(const MyDocument& document, const std::string& path)
+{
+    const Channels& model = *document.getChannel(2);
+    if (!model.hasAudio())
+        throw CliInputError{path, "a parameter document without a model utterance: nothing to analyse"};
+    if (model.sampleCount() == 0)
+        throw CliInputError{path, "the recording holds no samples"};
+    if (!(model.m_dSampleRate >= 1.0) || !std::isfinite(model.m_dSampleRate))
+        throw CliInputError{path, "the recording has no usable sample rate"};
+    return model;
+}
+
+bool encodePng(const RgbImage& image, std::string& out)
+{
+    png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
+    png_infop info = png ? png_create_info_struct(png) : nullptr;
+    if (!info) {
+        png_destroy_write_struct(&png, nullptr);
+        return false;
+    }
+    // libpng reports failures by a long jump back here; nothing with a destructor lives in this
+    // function, and the output string belongs to the caller.
+    if (setjmp(png_jmpbuf(png))) {
+        png_destroy_write_struct(&png, &info);
+        return false;
+    }
+    png_set_write_fn(
+        png, &out,
+        [](png_structp p, png_bytep data, png_size_t length) {
+            static_cast<std::string*>(png_get_io_ptr(p))->append(reinterpret_cast<const char*>(data), length);
+        },
+        nullptr);
+    png_set_IHDR(png, info, image.width, image.height, 8, PNG_COLOR_TYPE_RGB, PNG_INTERLACE_NONE,
+                 PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
+    png_write_info(png, info);
+    for (int y = 0; y < image.height; ++y)
+        png_write_row(png, &image.rgb[static_cast<std::size_t>(y) * image.width * 3]);
+    png_write_end(png, nullptr);
+    png_destroy_write_struct(&png, &info);
+    return true;
 }
 
 bool sameFile(const std::string& a, const std::string& b)

@@ -17,7 +17,9 @@
 #include <string>
 #include <vector>
 
+class Channels;
 class MyDocument;
+struct RgbImage;
 
 enum CliExit { ExitOk = 0, ExitUsage = 1, ExitBadInput = 2 };
 
@@ -53,6 +55,12 @@ std::unique_ptr<MyDocument> openDocument(const std::string& path, TableData tabl
 // The same from bytes already read from `path`.
 std::unique_ptr<MyDocument> openDocumentBytes(const std::string& path, const std::string& bytes,
                                               TableData table);
+
+// The channel every analysis reads: the model utterance of an opened file; throws
+// CliInputError naming `path` when it holds no usable recording.
+const Channels& modelChannel(const MyDocument& document, const std::string& path);
+// Appends the PNG image of an RGB image to `out`; false when libpng fails.
+bool encodePng(const RgbImage& image, std::string& out);
 
 // True when both paths name the same file (an existing file reached two ways counts).
 bool sameFile(const std::string& a, const std::string& b);
@@ -117,4 +125,5 @@ std::size_t runTasks(std::size_t count, unsigned jobs, const std::string& label,
 // Command groups, each registering its subcommands on the application.
 void addDocumentCommands(CLI::App& app);
 void addAnalysisCommands(CLI::App& app);
+void addSliceCommands(CLI::App& app);
 void addContinuumCommand(CLI::App& app);

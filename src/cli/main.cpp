@@ -33,6 +33,7 @@ int main(int argc, char** argv)
         "Show the synthesizer's and the analysis's diagnostic lines");
     addDocumentCommands(app);
     addAnalysisCommands(app);
+    addSliceCommands(app);
     addContinuumCommand(app);
 
     try {

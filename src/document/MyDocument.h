@@ -101,7 +101,13 @@ public:
     bool writeSafelyToURL(const std::string& path, const std::string& typeName, std::string* error);
 
     // --- WAVE files ---
-    std::string save_Wave_FileType();
+    // The WAVE image of a channel (16-bit mono PCM): channel 0, the synthesis, unless another
+    // is named (2 writes the model).
+    std::string save_Wave_FileType(int channel = 0);
+    // Makes `samples` at `sampleRate` the model channel, as an opened WAVE file does, without
+    // touching the grid or the file name; marks the document changed. false (nothing changed)
+    // for no samples, an unusable rate or more than an hour. Throws "Memory Error".
+    bool setModelSamples(const std::vector<float>& samples, double sampleRate);
     int Read_WAVE_FileType(const std::string& bytes);
     // Open entry point: WAVE first, then parameter document. On failure sets *errorCode = -4.
     bool readFromData(const std::string& bytes, const std::string& typeName, int* errorCode);

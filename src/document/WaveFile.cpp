@@ -124,9 +124,9 @@ void setUpModelChannel(Channels& model, const Channels& synthesis)
 
 } // namespace
 
-std::string MyDocument::save_Wave_FileType()
+std::string MyDocument::save_Wave_FileType(int channel)
 {
-    Channels& c = *m_Channel[0];
+    Channels& c = *m_Channel[channel >= 0 && channel < 4 ? channel : 0];
     const double length =
         c.m_dwFileLength > 0.0 && c.m_dwFileLength < kMaxChannelSamples ? c.m_dwFileLength : 0.0;
     const auto headerCount = static_cast<std::uint32_t>(length);
@@ -191,6 +191,25 @@ bool Channels::readData(const std::uint8_t* bytes, std::size_t byteCount, double
     // 8 bits and every other size are not decoded: the block stays zero.
     m_hData->unlock();
     return decoded;
+}
+
+bool MyDocument::setModelSamples(const std::vector<float>& samples, double sampleRate)
+{
+    if (samples.empty() || !(sampleRate >= 1.0) || static_cast<double>(samples.size()) > kMaxChannelSamples ||
+        samples.size() / sampleRate * 1000.0 > kMaxLengthMS)
+        return false;
+    auto block = MemoryBlock::newHandleClear(samples.size() * sizeof(float) + 100);
+    if (!block)
+        throw DocumentException("Memory Error", "Unable to allocate memory");
+    std::memcpy(block->bytes(), samples.data(), samples.size() * sizeof(float));
+    Channels& model = *m_Channel[2];
+    model.m_hData = std::move(block);
+    model.m_dSampleRate = sampleRate;
+    model.m_dwFileLength = static_cast<double>(samples.size());
+    model.m_dLengthMS = samples.size() * 1000.0 / sampleRate;
+    setUpModelChannel(model, *m_Channel[0]);
+    updateChangeCount(ChangeDone);
+    return true;
 }
 
 int MyDocument::Read_WAVE_FileType(const std::string& bytes)

@@ -47,6 +47,22 @@ public:
     static bool hasGraphicalDataEntry();
     static bool hasTraceDataEntry();
 
+    // The analysis windows live above the table too: the application installs their factories
+    // (the FFT/LPC window at a start sample of channel 0, the spectrogram and pitch window of
+    // a channel); their commands exist only while the factories are installed.
+    using FFTLPCFactory = std::function<QWidget*(mainTable*, double startSample)>;
+    using SpectrogramPitchFactory = std::function<QWidget*(mainTable*, int channel)>;
+    static void setAnalysisWindowFactories(FFTLPCFactory fftlpc, SpectrogramPitchFactory spectrogram);
+    static bool hasAnalysisWindows();
+    // The open FFT/LPC window of this table's document, or nullptr.
+    QWidget* fftlpcWindow() const { return m_pFFTLPC; }
+    // Start sample of the FFT/LPC command at the selected frame column: trunc((column - 1) x
+    // channel 0's samples / frames); -1 when the column index is not greater than 1.
+    double FFTLPCStartSample() const;
+    // Runs the synthesis when _bSynthesize is set or channel 0 holds no samples yet (stopping a
+    // playback of its samples first), then emits synthesized().
+    void synthesizeIfNeeded();
+
     // The application's one player (made on first use), and the table whose samples it plays
     // (nullptr when none).
     static AudioPlayer* sharedPlayer();
@@ -126,6 +142,10 @@ public slots:
     void _optionsPitch();
     void _dataentryGraphical();
     void _dataentryTrace();
+    // The analysis windows (mainTableAnalysis.cpp).
+    void _analysisFFTLPC();
+    void _analysisSpectrogramPitch();
+    void _analysisSpectrogramPitchModel();
     // Writes channel 0 as a WAVE file, asking where (save panel "Save Audio as").
     void _fileSaveAudio();
     // The same without the panel; the outcome is only logged ("yes" / "no").
@@ -175,8 +195,11 @@ signals:
     // A playback of this table's document started (sample rate, length in samples, and the
     // sample of the synthesis it starts at).
     void playbackStarted(double sampleRate, double samples, double startSample);
-    // The table synthesized channel 0 (clipping, sample rate and length may have changed).
+    // Channel 0 was synthesized again (clipping, sample rate and length may have changed):
+    // views of it recompute.
     void synthesized();
+    // An analysis option panel closed with OK: the analysis windows recompute.
+    void analysisSettingsChanged();
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -204,9 +227,6 @@ private:
     QRect columnStrip(int tableColumn) const;
     void setAnchorFlag(int row, int column, bool anchor);
     void schedulePlay(int channel);
-    // Runs the synthesis when _bSynthesize is set or channel 0 holds no samples yet (stopping
-    // a playback of this document first), and says so with synthesized().
-    void synthesizeIfNeeded();
     void afterSnapshotRestored();
     // The cells Copy and Paste work on, as table columns (x) and rows (y); empty for none.
     QRect selectedCellBlock() const;
@@ -229,6 +249,7 @@ private:
     // playback or the table goes).
     std::vector<float> m_selectionSamples;
     QString m_strDocumentTitle; // empty until the window names the document
+    QPointer<QWidget> m_pFFTLPC; // the document's FFT/LPC window
     bool m_bSetUp = false;
 
     // One of the two selections: the indices and where the last plain or Ctrl press was.

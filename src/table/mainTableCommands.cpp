@@ -171,29 +171,38 @@ template <class Panel> bool runAnalysisPanel(QWidget* parent, MyDocument* doc)
 
 void mainTable::_optionsFFTLPC()
 {
-    guarded(QStringLiteral("OK"), [&] { runAnalysisPanel<optionFFTLPC>(window(), m_pDoc); });
+    guarded(QStringLiteral("OK"), [&] {
+        if (runAnalysisPanel<optionFFTLPC>(window(), m_pDoc))
+            emit analysisSettingsChanged();
+    });
 }
 
 void mainTable::_optionsSpectrogram()
 {
     guarded(QStringLiteral("OK"), [&] {
-        if (runAnalysisPanel<optionSpectrogram>(window(), m_pDoc) && m_pDataentryTrace)
+        if (!runAnalysisPanel<optionSpectrogram>(window(), m_pDoc))
+            return;
+        if (m_pDataentryTrace)
             m_pDataentryTrace->analysisSettingsChanged();
+        emit analysisSettingsChanged();
     });
 }
 
 void mainTable::_optionsPitch()
 {
     guarded(QStringLiteral("OK"), [&] {
-        if (runAnalysisPanel<optionPitch>(window(), m_pDoc) && m_pDataentryTrace)
+        if (!runAnalysisPanel<optionPitch>(window(), m_pDoc))
+            return;
+        if (m_pDataentryTrace)
             m_pDataentryTrace->analysisSettingsChanged();
+        emit analysisSettingsChanged();
     });
 }
 
 void mainTable::saveParameters()
 {
-    stopPlayback(); // the synthesis that follows replaces the samples
-    ::saveParameters(*m_pDoc);
+    stopPlayback();            // the synthesis that follows replaces the samples
+    ::saveParameters(*m_pDoc); // synthesizes again for the rate the shown rows ask for
     reloadData();
     emit synthesized();
     emit documentChanged();

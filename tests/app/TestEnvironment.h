@@ -1,8 +1,9 @@
 #pragma once
 // The environment the GUI tests and the workbench benchmarks run in: the offscreen platform
-// unless one is set, private configuration and state folders (the real home is never touched), and an
-// ALSA set-up whose default output writes what it plays into a file (AUDIO_CAPTURE_FILE), so
-// that playback runs the real path without a sound card.
+// unless one is set, private configuration and state folders (the real home is never touched),
+// and an ALSA set-up whose default output writes what it plays into a file (AUDIO_CAPTURE_FILE)
+// and whose default input reads what it records from a file (AUDIO_INPUT_FILE, raw samples in
+// the stream's format), so that playback and recording run the real path without a sound card.
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -23,6 +24,7 @@ inline std::string prepareTestEnvironment()
     type file
     slave.pcm { type null }
     file { @func getenv vars [ AUDIO_CAPTURE_FILE ] default "/tmp/tessaphon-capture.raw" }
+    infile { @func getenv vars [ AUDIO_INPUT_FILE ] default "/dev/zero" }
     format "raw"
 }
 )";

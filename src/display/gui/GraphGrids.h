@@ -5,6 +5,8 @@
 // A step of 0 or less, or one so fine that lines would crowd closer than a few pixels,
 // is replaced by a round step (1, 2 or 5 times a power of ten) that keeps them apart.
 // Main thread only (painting).
+#include "display/GridStep.h"
+
 #include <QRect>
 #include <QString>
 
@@ -21,7 +23,3 @@ void TimeGrids(QPainter& painter, const QRect& area, double startMS, double endM
 // in the left margin of the area, and the topmost label carries the unit (`label`).
 void DrawAnyGrid(QPainter& painter, const QRect& area, double low, double high, double step, double fullScale,
                  const QString& label);
-
-// The step actually drawn for a range spread over `pixels`: `step` when it leaves at least
-// `minimumGap` pixels between lines, else the smallest round step that does.
-double gridStep(double range, double pixels, double step, double minimumGap);

@@ -1,0 +1,216 @@
+// tessaphon-cli's slice and compare commands. `slice` writes the FFT/LPC slice of a recording at
+// a time as CSV, or its picture; `compare` measures frame by frame how far two recordings of one
+// rate are apart in spectral shape. Both analyse the model channel of what they open, with the
+// option panels' default settings for its sample rate, changed by the options given.
+#include "cli/CliSupport.h"
+
+#include "display/RasterCanvas.h"
+#include "display/SliceComputation.h"
+#include "display/SlicePlot.h"
+#include "display/SpectralComparison.h"
+#include "display/SvgCanvas.h"
+#include "document/MyDocument.h"
+
+#include <cmath>
+#include <cstdio>
+#include <filesystem>
+#include <iostream>
+
+namespace
+{
+
+// ----- slice -----
+
+struct SliceOptions {
+    std::string input;
+    std::string output;
+    double atMS = 0.0;
+    int window = 0;
+    int applied = 0;
+    int order = 0;
+    int range = 0;
+    bool lpc = false;
+    CLI::App* command = nullptr;
+};
+
+// Pictures are 72 units an inch; a PNG has 100 pixels an inch.
+constexpr double kPointsPerInch = 72.0;
+constexpr double kPixelsPerInch = 100.0;
+
+std::string lowerExtension(const std::string& path)
+{
+    std::string extension = std::filesystem::path(path).extension().string();
+    for (char& c : extension)
+        c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    return extension;
+}
+
+void checkOutput(const SliceOptions& o)
+{
+    const std::string extension = lowerExtension(o.output);
+    if (extension != ".png" && extension != ".svg")
+        throw CLI::ValidationError("--output", "the picture must be a .png or .svg file: " + o.output);
+    chooseOutput(o.output, std::string(), false, {o.input}); // never over the input
+}
+
+std::string csvOf(const SliceComputation& slice, bool lpc)
+{
+    std::string out = lpc ? "freq_hz,fft_db,lpc_db\n" : "freq_hz,fft_db\n";
+    char line[96];
+    for (std::size_t k = 0; k < slice.m_dFFT.size(); ++k) {
+        std::snprintf(line, sizeof line, "%.2f,%.2f", slice.m_dFrequency[k], slice.m_dFFT[k]);
+        out += line;
+        if (lpc) {
+            out += ',';
+            // A silent frame has no envelope: the field stays empty.
+            if (k < slice.m_dLPC.size()) {
+                std::snprintf(line, sizeof line, "%.2f", slice.m_dLPC[k]);
+                out += line;
+            }
+        }
+        out += '\n';
+    }
+    return out;
+}
+
+std::string pictureOf(const SliceOptions& o, const MyDocument& document, const SliceComputation& slice)
+{
+    SlicePlotStyle style = SlicePlotStyle::fromDocument(document, false);
+    style.m_bFFTDrawLPC = o.lpc;
+    const double inch = document.m_bFFTInches ? 1.0 : 1.0 / 2.54;
+    const double width = document.m_dFFTWidth * inch, height = document.m_dFFTHeight * inch;
+    char title[64];
+    std::snprintf(title, sizeof title, "FFT/LPC at %.1f ms", o.atMS);
+    const std::string name = std::filesystem::path(o.input).filename().string();
+    if (lowerExtension(o.output) == ".svg") {
+        SvgCanvas canvas(width * kPointsPerInch, height * kPointsPerInch);
+        SlicePlot::draw(canvas, width * kPointsPerInch, height * kPointsPerInch, style, slice, nullptr,
+                        std::string(title) + "  " + name, "", "");
+        return canvas.document();
+    }
+    const int w = static_cast<int>(std::lround(width * kPixelsPerInch));
+    const int h = static_cast<int>(std::lround(height * kPixelsPerInch));
+    RasterCanvas canvas(w, h);
+    SlicePlot::draw(canvas, w, h, style, slice, nullptr, std::string(title) + "  " + name, "", "");
+    std::string png;
+    if (!encodePng(canvas.image(), png))
+        throw CliInputError{o.output, "the PNG image could not be made"};
+    return png;
+}
+
+void commandSlice(const SliceOptions& o)
+{
+    if (!o.output.empty())
+        checkOutput(o);
+    auto document = openDocument(o.input, TableData::Skip);
+    const Channels& model = modelChannel(*document, o.input);
+    document->setAnalysisDefaults(model.m_dSampleRate);
+    auto given = [&](const char* name) { return o.command->count(name) > 0; };
+    if (given("--window")) {
+        // As the panel does on choosing a length: the whole transform is windowed.
+        document->m_nFFTWindowLength = o.window;
+        document->m_nFFTAppliedWindowLength = static_cast<int>(o.window * 1000.0 / model.m_dSampleRate);
+    }
+    if (given("--applied"))
+        document->m_nFFTAppliedWindowLength = o.applied;
+    if (given("--order"))
+        document->m_nLPCNumberofCoefficients = o.order;
+    if (given("--range"))
+        document->m_nFFTfrequencyRange = o.range;
+    const double start = std::trunc(o.atMS * model.m_dSampleRate / 1000.0);
+    if (start >= static_cast<double>(model.sampleCount())) {
+        char why[128];
+        std::snprintf(why, sizeof why, "--at %.1f ms lies past the end of the recording (%.1f ms)", o.atMS,
+                      model.sampleCount() * 1000.0 / model.m_dSampleRate);
+        throw CLI::ValidationError("--at", why);
+    }
+    SliceComputation slice(SliceSettings::fromDocument(*document));
+    slice.compute(model, start);
+    if (o.output.empty())
+        std::cout << csvOf(slice, o.lpc);
+    else
+        writeWholeFile(o.output, pictureOf(o, *document, slice));
+}
+
+void addSliceCommand(CLI::App& app)
+{
+    auto o = std::make_shared<SliceOptions>();
+    CLI::App* slice = app.add_subcommand(
+        "slice", "FFT/LPC slice of a recording at a time: CSV (freq_hz,fft_db[,lpc_db]) or a picture");
+    o->command = slice;
+    slice->footer("Levels are dB re full scale. The slice averages the spectra of 10 windows spread over\n"
+                  "the 10 ms from --at on (the FFT/LPC window's defaults).");
+    slice->add_option("input", o->input, "WAVE file (or parameter document with a model)")->required();
+    slice->add_option("--at", o->atMS, "Start of the frame in ms")->required()->check(CLI::Range(0.0, 1.0e9));
+    slice->add_option("--window", o->window, "Transform length in points (default 256)")
+        ->check(CLI::IsMember({32, 64, 128, 256, 512, 1024, 2048, 4096, 8192}));
+    slice->add_option("--applied", o->applied, "Samples windowed, in ms (default: the transform's length)")
+        ->check(CLI::Range(1, 10000));
+    slice->add_option("--order", o->order, "LPC order (default: by sample rate)")->check(CLI::Range(1, 400));
+    slice->add_flag("--lpc", o->lpc, "Add the LPC envelope (a third column, or a curve in the picture)");
+    slice->add_option("--range", o->range, "Highest frequency in Hz (default: by sample rate)")
+        ->check(CLI::Range(1, 1000000));
+    slice->add_option("-o,--output", o->output,
+                      "Write the picture instead (.png or .svg; replaced if it exists)");
+    slice->callback([o] { commandSlice(*o); });
+}
+
+// ----- compare -----
+
+struct CompareOptions {
+    std::string first;
+    std::string second;
+    bool summary = false;
+};
+
+void commandCompare(const CompareOptions& o)
+{
+    const auto a = openDocument(o.first, TableData::Skip);
+    const auto b = openDocument(o.second, TableData::Skip);
+    const Channels& ca = modelChannel(*a, o.first);
+    const Channels& cb = modelChannel(*b, o.second);
+    if (ca.m_dSampleRate != cb.m_dSampleRate) {
+        char why[160];
+        std::snprintf(why, sizeof why, "sample rate %g Hz differs from %s (%g Hz)", ca.m_dSampleRate,
+                      o.second.c_str(), cb.m_dSampleRate);
+        throw CliInputError{o.first, why};
+    }
+    a->setAnalysisDefaults(ca.m_dSampleRate);
+    RecordingComparison comparison(SpectrogramSettings::fromDocument(*a));
+    comparison.compare(ca, cb);
+    char line[96];
+    if (o.summary) {
+        std::snprintf(line, sizeof line, "frames: %zu\nmean_distance_db: %.3f\n", comparison.m_frames.size(),
+                      comparison.meanDistance());
+        std::cout << line;
+        return;
+    }
+    std::string out = "time_ms,distance_db\n";
+    for (const FrameDistance& f : comparison.m_frames) {
+        std::snprintf(line, sizeof line, "%.0f,%.3f\n", f.timeMS, f.distanceDB);
+        out += line;
+    }
+    std::cout << out;
+}
+
+void addCompareCommand(CLI::App& app)
+{
+    auto o = std::make_shared<CompareOptions>();
+    CLI::App* compare = app.add_subcommand(
+        "compare", "Spectral distance of two recordings of one rate, frame by frame (time_ms,distance_db)");
+    compare->footer("Every 10 ms: the RMS difference in dB of the two frames' zero-mean LPC envelopes from\n"
+                    "0 Hz to the frequency range (spectrogram defaults). Frames more than the dynamic range\n"
+                    "below their recording's loudest frame are skipped; the longer recording is cut.");
+    compare->add_option("first", o->first, "WAVE file (or parameter document with a model)")->required();
+    compare->add_option("second", o->second, "WAVE file of the same sample rate")->required();
+    compare->add_flag("--summary", o->summary, "Only the lines frames: N and mean_distance_db: X");
+    compare->callback([o] { commandCompare(*o); });
+}
+
+} // namespace
+
+void addSliceCommands(CLI::App& app)
+{
+    addSliceCommand(app);
+    addCompareCommand(app);
+}

@@ -1,0 +1,52 @@
+#pragma once
+// SpectrogramPitchWindow: the spectrogram and pitch window of one channel of a document (0 the
+// table data, 2 the model): the spectrogram with its formant tracks above, the pitch track
+// below, one time axis. The window of the table data follows later syntheses. Clicking sets a
+// time cursor in both views, shows time, frequency and level in the status line and moves the
+// document's FFT/LPC window to that time; Space plays the channel shown. File > Export
+// Picture... and Print... write both views at the settings' size.
+//
+// A new window is made for every command; it belongs to the document window and closes with
+// it. Main thread only.
+#include <QMainWindow>
+#include <QPointer>
+
+class MyDocument;
+class mainTable;
+class pitchView;
+class spectrogramView;
+class QLabel;
+
+class SpectrogramPitchWindow : public QMainWindow
+{
+    Q_OBJECT
+public:
+    SpectrogramPitchWindow(mainTable* table, int channel, QWidget* parent);
+
+    spectrogramView* spectrogram() const { return m_pSpectrogram; }
+    pitchView* pitch() const { return m_pPitch; }
+    int channel() const { return m_nChannel; }
+
+    // The picture of both views over `size` units (points for files and paper).
+    void drawPicture(QPainter& painter, const QSizeF& size, bool forScreen) const;
+
+public slots:
+    // Recomputes both views (after a synthesis of the channel shown).
+    void setupViews();
+    void exportPicture();
+    void printPicture();
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    void cursorMoved(double ms, double hz, double levelDB);
+    QString documentName() const;
+
+    QPointer<mainTable> m_pTable;
+    MyDocument* m_pDoc;
+    int m_nChannel;
+    spectrogramView* m_pSpectrogram;
+    pitchView* m_pPitch;
+    QLabel* m_pStatus;
+};
