@@ -73,6 +73,11 @@ dataentryTraceContoller::dataentryTraceContoller(MyDocument* doc, mainTable* tab
         view->setTimeAxis(m_timeAxis);
         m_timeAxis->watch(view);
     }
+    // The readout named the time under the pointer before the axis moved.
+    connect(m_timeAxis, &TimeAxisZoom::changed, this, [this] {
+        if (!m_viewSpectrogram->isComputing())
+            m_status->clear();
+    });
     makeControls();
     makeShortcuts();
     for (TraceView* view : views())
