@@ -5,7 +5,9 @@ ASAN_BUILD ?= build-asan
 FUZZ_SECONDS ?= 60
 JOBS       ?= $(shell nproc)
 
-.PHONY: all deps configure build run test test-asan bench fuzz clean
+PREFIX     ?= $(HOME)/.local
+
+.PHONY: all deps configure build run test test-asan bench fuzz install clean
 
 all: build
 
@@ -51,6 +53,15 @@ fuzz: deps
 		echo "== $$name ($(FUZZ_SECONDS) s)"; \
 		$$f -max_total_time=$(FUZZ_SECONDS) -print_final_stats=1 -artifact_prefix=$(FUZZ_BUILD)/$$name- $$corpus || exit 1; \
 	done
+
+# Installs the programs, man pages, desktop entry, MIME type and icon under PREFIX (default
+# ~/.local), then refreshes the desktop's caches there so the menu and file manager see them.
+install: build
+	cmake --install $(BUILD) --prefix $(PREFIX)
+	-@command -v update-mime-database >/dev/null && update-mime-database $(PREFIX)/share/mime
+	-@command -v update-desktop-database >/dev/null && update-desktop-database $(PREFIX)/share/applications
+	-@command -v gtk-update-icon-cache >/dev/null && gtk-update-icon-cache -q -t $(PREFIX)/share/icons/hicolor
+	@echo "Installed under $(PREFIX); make sure $(PREFIX)/bin is on your PATH."
 
 clean:
 	rm -rf $(BUILD) $(FUZZ_BUILD) $(ASAN_BUILD)

@@ -9,6 +9,7 @@ packages=(
     portaudio19-dev libasound2-dev libasound2-plugins
     libcli11-dev libpng-dev
     xvfb xauth imagemagick
+    librsvg2-bin desktop-file-utils shared-mime-info libxml2-utils
 )
 missing=()
 for p in "${packages[@]}"; do

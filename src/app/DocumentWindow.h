@@ -73,6 +73,8 @@ public slots:
     void loadConfiguration();
     void saveConfiguration();
     void loadModelRecording();
+    // File > Make Continuum...: this document as the first step; opens the folder when done.
+    void makeContinuum();
 
 protected:
     void closeEvent(QCloseEvent* event) override;

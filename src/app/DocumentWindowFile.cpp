@@ -4,14 +4,17 @@
 
 #include "app/ConfigurationFile.h"
 #include "app/WorkbenchApplication.h"
+#include "continuum/gui/ContinuumDialog.h"
 #include "document/MyDocument.h"
 #include "table/mainTable.h"
 
+#include <QDesktopServices>
 #include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QStandardPaths>
 #include <QStatusBar>
+#include <QUrl>
 
 namespace
 {
@@ -188,4 +191,12 @@ bool DocumentWindow::loadModelRecordingFrom(const QString& path)
         message += tr("; the grid is %1 ms long and keeps its time axis").arg(gridMS);
     statusBar()->showMessage(message, 15000);
     return true;
+}
+
+void DocumentWindow::makeContinuum()
+{
+    ContinuumDialog dialog(*m_pDoc, filePath(), this);
+    connect(&dialog, &ContinuumDialog::continuumWritten, this,
+            [](const QString& folder) { QDesktopServices::openUrl(QUrl::fromLocalFile(folder)); });
+    dialog.exec();
 }

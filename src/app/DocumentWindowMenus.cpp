@@ -34,6 +34,7 @@ void DocumentWindow::createMenus()
     file->addSeparator();
     file->addAction(tr("Save A&udio..."), m_pTable, &mainTable::_fileSaveAudio);
     file->addAction(tr("Load &Model Recording..."), this, &DocumentWindow::loadModelRecording);
+    file->addAction(tr("Make Co&ntinuum..."), this, &DocumentWindow::makeContinuum);
     file->addSeparator();
     file->addAction(tr("&Load Configuration..."), this, &DocumentWindow::loadConfiguration);
     file->addAction(tr("Save Con&figuration..."), this, &DocumentWindow::saveConfiguration);

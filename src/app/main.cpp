@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QIcon>
 
 int main(int argc, char** argv)
 {
@@ -12,6 +13,9 @@ int main(int argc, char** argv)
     QApplication::setOrganizationName(QStringLiteral("Tessaphon"));
     QApplication::setApplicationVersion(QStringLiteral(TESSAPHON_VERSION));
     QApplication::setApplicationDisplayName(QStringLiteral("Tessaphon"));
+    QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/tessaphon.png")));
+    // Lets the desktop match the windows with the installed desktop entry and its icon.
+    QGuiApplication::setDesktopFileName(QStringLiteral("tessaphon"));
 
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("Klatt formant synthesis workbench"));

@@ -43,6 +43,8 @@ struct PitchOptions {
 
 void commandPitch(const PitchOptions& options)
 {
+    requireOrderedRange("--low", options.settings.m_dCalculationLow, "--high",
+                        options.settings.m_dCalculationHigh);
     const auto document = openDocument(options.input);
     const Channels& model = modelChannel(*document, options.input);
     PitchTrackComputation track;
@@ -175,6 +177,7 @@ void commandFormants(const SpectrogramOptions& o)
 
 void commandSpectrogram(const SpectrogramOptions& o)
 {
+    chooseOutput(o.output, o.output, true, {o.input});
     const SpectrogramComputation spectrogram = computeSpectrogram(o, o.formants);
     std::string png;
     if (!encodePng(spectrogramImage(spectrogram, o.formants), png))
@@ -251,31 +254,25 @@ void applyTraceSettings(const TraceOptions& o, MyDocument& document, double samp
 
 void commandTrace(const TraceOptions& o)
 {
-    namespace fs = std::filesystem;
     const std::string& input = o.spectrogram.input;
-    const bool explicitOutput = !o.output.empty();
-    const std::string output = explicitOutput ? o.output : fs::path(input).replace_extension(".stk").string();
-    std::error_code ec;
-    if (fs::exists(output, ec) && fs::equivalent(output, input, ec))
-        throw CLI::ValidationError("-o", "the output would replace the recording " + input);
-    if (!explicitOutput && !o.force && fs::exists(output, ec))
-        throw CliInputError{output, "exists; give --force to replace it or -o to write elsewhere"};
-
-    const auto document = openDocument(input);
-    if (document->getChannel(0)->m_nColumnNum <= 0)
-        throw CliInputError{input, "the recording is shorter than one frame"};
-    const Channels& model = modelChannel(*document, input);
-    applyTraceSettings(o, *document, model.m_dSampleRate);
-    try {
-        TraceDataEntry::traceDocument(*document, o.spectrogram.columns, o.spectrogram.rows);
-    } catch (const std::bad_alloc&) {
-        throw CliInputError{input, "not enough memory for the analysis"};
-    } catch (const std::exception& e) {
-        throw CliInputError{input, std::string("Error in entering data values: ") + e.what()};
-    }
-    std::string error;
-    if (!document->writeSafelyToURL(output, "stk", &error))
-        throw CliInputError{output, error};
+    const std::string output = chooseOutput(o.output, withExtension(input, ".stk"), o.force, {input});
+    guardFile(input, [&] {
+        const auto document = openDocument(input);
+        if (document->getChannel(0)->m_nColumnNum <= 0)
+            throw CliInputError{input, "the recording is shorter than one frame"};
+        const Channels& model = modelChannel(*document, input);
+        applyTraceSettings(o, *document, model.m_dSampleRate);
+        try {
+            TraceDataEntry::traceDocument(*document, o.spectrogram.columns, o.spectrogram.rows);
+        } catch (const std::bad_alloc&) {
+            throw CliInputError{input, "not enough memory for the analysis"};
+        } catch (const std::exception& e) {
+            throw CliInputError{input, std::string("Error in entering data values: ") + e.what()};
+        }
+        std::string error;
+        if (!document->writeSafelyToURL(output, "stk", &error))
+            throw CliInputError{output, error};
+    });
 }
 
 void addTraceCommand(CLI::App& app)

@@ -1,16 +1,61 @@
 #include "cli/CliSupport.h"
 
+#include "document/AtomicFile.h"
+#include "document/DocumentException.h"
+#include "document/Log.h"
 #include "document/MyDocument.h"
 
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <malloc.h>
+#include <map>
+#include <new>
 #include <sstream>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+namespace
+{
+
+std::atomic<bool> g_verbose{false};
+thread_local std::string t_fileInHand;
+
+void takeInHand(const std::string& path)
+{
+    t_fileInHand = path;
+}
+
+} // namespace
+
+std::string cliErrorLine(const CliInputError& error)
+{
+    return "tessaphon-cli: " + error.file + ": " + error.what;
+}
+
+void cliWarning(const std::string& file, const std::string& what)
+{
+    const std::string line = "tessaphon-cli: " + file + ": warning: " + what + "\n";
+    std::fwrite(line.data(), 1, line.size(), stderr);
+}
+
+void setCliVerbose(bool verbose)
+{
+    g_verbose = verbose;
+    // The sink decides at each line, so that the flag may be parsed after the sink is set.
+    Log::setSink([](const std::string& text) {
+        if (g_verbose)
+            std::fwrite(text.data(), 1, text.size(), stderr);
+    });
+}
 
 std::string readWholeFile(const std::string& path)
 {
+    takeInHand(path);
     std::ifstream in(path, std::ios::binary);
     if (!in)
         throw CliInputError{path, std::strerror(errno)};
@@ -23,21 +68,9 @@ std::string readWholeFile(const std::string& path)
 
 void writeWholeFile(const std::string& path, const std::string& bytes)
 {
-    const std::string temporary = path + ".tmp-tessaphon";
-    std::FILE* out = std::fopen(temporary.c_str(), "wb");
-    if (!out)
-        throw CliInputError{path, std::strerror(errno)};
-    const bool written = std::fwrite(bytes.data(), 1, bytes.size(), out) == bytes.size();
-    const int savedErrno = errno;
-    if (std::fclose(out) != 0 || !written) {
-        std::remove(temporary.c_str());
-        throw CliInputError{path, std::strerror(written ? errno : savedErrno)};
-    }
-    if (std::rename(temporary.c_str(), path.c_str()) != 0) {
-        const int renameErrno = errno;
-        std::remove(temporary.c_str());
-        throw CliInputError{path, std::strerror(renameErrno)};
-    }
+    takeInHand(path);
+    if (const int error = writeFileAtomically(path, bytes); error != 0)
+        throw CliInputError{path, std::string("cannot write: ") + std::strerror(error)};
 }
 
 std::unique_ptr<MyDocument> openDocument(const std::string& path)
@@ -51,9 +84,248 @@ std::unique_ptr<MyDocument> openDocument(const std::string& path)
         throw CliInputError{path, why.empty() ? "not a WAVE file or a parameter document" : why};
     }
     if (document->isTruncated())
-        std::cerr << "tessaphon-cli: " << path << ": warning: only " << document->framesInFile() << " of "
-                  << document->framesDeclared()
-                  << " declared frames are present; the others hold default values\n";
+        cliWarning(path, "only " + std::to_string(document->framesInFile()) + " of " +
+                             std::to_string(document->framesDeclared()) +
+                             " declared frames are present; the others hold default values");
     document->buildDataTableDictionary();
     return document;
+}
+
+bool sameFile(const std::string& a, const std::string& b)
+{
+    namespace fs = std::filesystem;
+    std::error_code error;
+    if (fs::exists(a, error) && fs::exists(b, error))
+        return fs::equivalent(a, b, error);
+    return fs::weakly_canonical(a, error) == fs::weakly_canonical(b, error);
+}
+
+std::string chooseOutput(const std::string& explicitPath, const std::string& defaultPath, bool force,
+                         const std::vector<std::string>& inputs)
+{
+    const std::string& path = explicitPath.empty() ? defaultPath : explicitPath;
+    for (const std::string& input : inputs)
+        if (sameFile(path, input))
+            throw CliInputError{path, "is an input of this command and is never written over; choose "
+                                      "another output with -o"};
+    std::error_code error;
+    if (explicitPath.empty() && !force && std::filesystem::exists(path, error))
+        throw CliInputError{path,
+                            "exists and is kept; use --force to replace it, or -o to choose the output"};
+    return path;
+}
+
+std::string withExtension(const std::string& path, const char* extension)
+{
+    return std::filesystem::path(path).replace_extension(extension).string();
+}
+
+void requireOrderedRange(const std::string& lowName, double low, const std::string& highName, double high)
+{
+    if (low < high)
+        return;
+    std::ostringstream message;
+    message << lowName << " " << low << " is not below " << highName << " " << high
+            << ": give the lower value to " << lowName;
+    throw CLI::ValidationError(lowName + "/" + highName, message.str());
+}
+
+void guardFile(const std::string& path, const std::function<void()>& body)
+{
+    try {
+        body();
+    } catch (const std::bad_alloc&) {
+        throw CliInputError{path, "not enough memory"};
+    } catch (const DocumentException& e) {
+        throw CliInputError{path, e.name() + ": " + e.reason()};
+    } catch (const CLI::Error&) {
+        throw; // a usage error stays one
+    } catch (const std::exception& e) {
+        throw CliInputError{path, e.what()};
+    }
+}
+
+const std::string& fileInHand()
+{
+    return t_fileInHand;
+}
+
+namespace
+{
+
+// One task in a child process of its own: the synthesizer keeps process-wide state from one
+// synthesis to the next, so a document synthesized in a fresh process is synthesized exactly as
+// a single command does it. The child reports its failure line through `reportFd`.
+[[noreturn]] void runChild(int reportFd, const std::string& file, const std::function<void()>& work)
+{
+    int status = ExitOk;
+    try {
+        guardFile(file, work);
+    } catch (const CliInputError& error) {
+        const std::string line = cliErrorLine(error) + "\n";
+        [[maybe_unused]] const ssize_t n = ::write(reportFd, line.data(), line.size());
+        status = ExitBadInput;
+    }
+    std::fflush(stdout);
+    std::fflush(stderr);
+    ::_exit(status);
+}
+
+struct RunningTask {
+    std::size_t index;
+    int reportFd;
+};
+
+// Waits for one child; answers whether its task failed, after reporting the failure.
+bool reapChild(std::map<pid_t, RunningTask>& running, ProgressBar& bar,
+               const std::function<std::string(std::size_t)>& file)
+{
+    int status = 0;
+    pid_t pid;
+    while ((pid = ::waitpid(-1, &status, 0)) < 0 && errno == EINTR) {
+    }
+    const auto it = running.find(pid);
+    if (it == running.end())
+        return false;
+    const RunningTask task = it->second;
+    running.erase(it);
+    std::string report;
+    char buffer[512];
+    for (ssize_t n; (n = ::read(task.reportFd, buffer, sizeof buffer)) > 0;)
+        report.append(buffer, static_cast<std::size_t>(n));
+    ::close(task.reportFd);
+    const bool failed = !WIFEXITED(status) || WEXITSTATUS(status) != ExitOk;
+    if (failed && report.empty())
+        report = cliErrorLine({file(task.index), WIFSIGNALED(status)
+                                                     ? "stopped by signal " + std::to_string(WTERMSIG(status))
+                                                     : "failed"}) +
+                 "\n";
+    if (failed)
+        bar.print(report);
+    bar.advance();
+    return failed;
+}
+
+} // namespace
+
+std::size_t runTasks(std::size_t count, unsigned jobs, const std::string& label,
+                     const std::function<std::string(std::size_t)>& file,
+                     const std::function<void(std::size_t)>& work)
+{
+    if (jobs == 0)
+        jobs = std::max(1u, std::thread::hardware_concurrency());
+    // Tidy the heap once here rather than in every child: a child's first allocations would
+    // otherwise consolidate the parent's freed chunks, copying each page they touch.
+    ::malloc_trim(0);
+    ProgressBar bar(label, count);
+    std::map<pid_t, RunningTask> running;
+    std::size_t failed = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        if (running.size() >= jobs)
+            failed += reapChild(running, bar, file) ? 1 : 0;
+        int report[2];
+        if (::pipe(report) != 0) {
+            bar.print(cliErrorLine({file(i), std::string("cannot start: ") + std::strerror(errno)}) + "\n");
+            ++failed;
+            continue;
+        }
+        std::fflush(stdout);
+        std::fflush(stderr);
+        const pid_t pid = ::fork();
+        if (pid == 0) {
+            ::close(report[0]);
+            runChild(report[1], file(i), [&work, i] { work(i); });
+        }
+        ::close(report[1]);
+        if (pid < 0) {
+            ::close(report[0]);
+            bar.print(cliErrorLine({file(i), std::string("cannot start: ") + std::strerror(errno)}) + "\n");
+            ++failed;
+            continue;
+        }
+        running[pid] = {i, report[0]};
+    }
+    while (!running.empty())
+        failed += reapChild(running, bar, file) ? 1 : 0;
+    return failed;
+}
+
+// ----- progress bar -----
+
+namespace
+{
+constexpr int kBarCells = 30;
+constexpr auto kRedrawPeriod = std::chrono::milliseconds(100);
+} // namespace
+
+ProgressBar::ProgressBar(std::string label, std::size_t total)
+    : m_strLabel(std::move(label)), m_nTotal(total), m_bEnabled(total > 0 && ::isatty(STDERR_FILENO) != 0)
+{
+    if (m_bEnabled) {
+        std::lock_guard lock(m_mutex);
+        draw(0);
+    }
+}
+
+ProgressBar::~ProgressBar()
+{
+    finish();
+}
+
+void ProgressBar::advance(std::size_t steps)
+{
+    const std::size_t done = m_nDone += steps;
+    if (!m_bEnabled)
+        return;
+    std::lock_guard lock(m_mutex);
+    if (m_bFinished)
+        return;
+    const int cells = static_cast<int>(std::min(done, m_nTotal) * kBarCells / m_nTotal);
+    const auto now = std::chrono::steady_clock::now();
+    if (cells != m_nDrawnCells || now - m_lastDraw >= kRedrawPeriod || done >= m_nTotal)
+        draw(done);
+}
+
+void ProgressBar::finish()
+{
+    if (!m_bEnabled)
+        return;
+    std::lock_guard lock(m_mutex);
+    if (m_bFinished)
+        return;
+    m_bFinished = true;
+    // Clear the line so that what follows (an error line, the shell prompt) starts clean.
+    clearLine();
+    std::fflush(stderr);
+}
+
+void ProgressBar::print(const std::string& line)
+{
+    std::lock_guard lock(m_mutex);
+    const bool barShown = m_bEnabled && !m_bFinished;
+    if (barShown)
+        clearLine();
+    std::fwrite(line.data(), 1, line.size(), stderr);
+    if (barShown)
+        draw(m_nDone);
+    std::fflush(stderr);
+}
+
+void ProgressBar::clearLine()
+{
+    const std::string blank = "\r" + std::string(m_strLabel.size() + kBarCells + 32, ' ') + "\r";
+    std::fwrite(blank.data(), 1, blank.size(), stderr);
+}
+
+void ProgressBar::draw(std::size_t done)
+{
+    done = std::min(done, m_nTotal);
+    const int cells = static_cast<int>(done * kBarCells / m_nTotal);
+    std::string line = "\r" + m_strLabel + " [" + std::string(cells, '#') +
+                       std::string(kBarCells - cells, ' ') + "] " + std::to_string(done) + "/" +
+                       std::to_string(m_nTotal);
+    std::fwrite(line.data(), 1, line.size(), stderr);
+    std::fflush(stderr);
+    m_nDrawnCells = cells;
+    m_lastDraw = std::chrono::steady_clock::now();
 }

@@ -1,4 +1,4 @@
-// tessaphon-cli's document commands: new, synth, info.
+// tessaphon-cli's document commands: new, synth (one document or a batch), info.
 #include "cli/CliSupport.h"
 
 #include "document/MyDocument.h"
@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <iostream>
+#include <vector>
 
 namespace
 {
@@ -25,23 +26,61 @@ void commandNew(double lengthMS, int intervalMS, const std::string& output)
     }
     document.SetUpDataGridMemory();
     document.buildDataTableDictionary();
-    std::string error;
-    if (!document.writeSafelyToURL(output, "stk", &error))
-        throw CliInputError{output, error};
+    writeWholeFile(output, document.Save_STK_FileType50(document.m_bSaveAll != 0));
 }
 
-std::string withExtension(const std::string& path, const char* extension)
-{
-    return std::filesystem::path(path).replace_extension(extension).string();
-}
-
-void commandSynth(const std::string& input, std::string output)
+void synthesizeDocument(const std::string& input, const std::string& output)
 {
     auto document = openDocument(input);
-    if (output.empty())
-        output = withExtension(input, ".wav");
     document->Synthesize();
     writeWholeFile(output, document->save_Wave_FileType());
+}
+
+struct SynthOptions {
+    std::vector<std::string> inputs;
+    std::string output;
+    std::string outDir;
+    bool force = false;
+    unsigned jobs = 0;
+};
+
+// The WAVE file of each input: beside it, or in --out-dir under the input's name.
+std::vector<std::string> batchOutputs(const SynthOptions& o)
+{
+    std::vector<std::string> outputs;
+    for (const std::string& input : o.inputs) {
+        std::string wave = withExtension(input, ".wav");
+        if (!o.outDir.empty())
+            wave = (std::filesystem::path(o.outDir) / std::filesystem::path(wave).filename()).string();
+        outputs.push_back(wave);
+    }
+    return outputs;
+}
+
+void commandSynth(const SynthOptions& o)
+{
+    if (o.inputs.size() == 1 && o.outDir.empty()) {
+        const std::string& input = o.inputs.front();
+        const std::string output = chooseOutput(o.output, withExtension(input, ".wav"), o.force, o.inputs);
+        guardFile(input, [&] { synthesizeDocument(input, output); });
+        return;
+    }
+    if (!o.output.empty())
+        throw CLI::ValidationError("-o", "one output file for several documents; use --out-dir");
+    if (!o.outDir.empty() && !std::filesystem::is_directory(o.outDir))
+        throw CliInputError{o.outDir, "no such folder"};
+    const std::vector<std::string> outputs = batchOutputs(o);
+    const std::size_t failed = runTasks(
+        o.inputs.size(), o.jobs, "synth", [&](std::size_t i) { return o.inputs[i]; },
+        [&](std::size_t i) {
+            for (std::size_t k = 0; k < i; ++k)
+                if (sameFile(outputs[k], outputs[i]))
+                    throw CliInputError{outputs[i],
+                                        "is also the output of " + o.inputs[k] + "; not written twice"};
+            synthesizeDocument(o.inputs[i], chooseOutput("", outputs[i], o.force, o.inputs));
+        });
+    if (failed > 0)
+        throw CliFailuresReported{};
 }
 
 void printDocumentInfo(MyDocument& document)
@@ -95,14 +134,17 @@ void addDocumentCommands(CLI::App& app)
     make->add_option("--interval", *interval, "Update interval (frame length) in ms")
         ->check(CLI::Range(1, 1000));
     make->add_option("-o,--output", *output, "Parameter document to write (.stk)")->required();
-    make->callback([=] { commandNew(*length, *interval, *output); });
+    make->callback([=] { guardFile(*output, [=] { commandNew(*length, *interval, *output); }); });
 
-    auto* synth = app.add_subcommand("synth", "Synthesize a parameter document into a 16-bit WAVE file");
-    auto input = std::make_shared<std::string>();
-    auto wave = std::make_shared<std::string>();
-    synth->add_option("input", *input, "Parameter document (.stk)")->required();
-    synth->add_option("-o,--output", *wave, "WAVE file to write (default: the input with .wav)");
-    synth->callback([=] { commandSynth(*input, *wave); });
+    auto* synth = app.add_subcommand("synth", "Synthesize parameter documents into 16-bit WAVE files");
+    auto so = std::make_shared<SynthOptions>();
+    synth->add_option("input", so->inputs, "Parameter documents (.stk)")->required();
+    synth->add_option("-o,--output", so->output, "WAVE file to write, replacing it (one document only)");
+    synth->add_option("--out-dir", so->outDir, "Folder for the WAVE files (default: beside each document)");
+    synth->add_flag("--force", so->force, "Replace WAVE files that already exist");
+    synth->add_option("-j,--jobs", so->jobs, "Documents synthesized at once (default: one per core)")
+        ->check(CLI::Range(1, 256));
+    synth->callback([so] { commandSynth(*so); });
 
     auto* info = app.add_subcommand("info", "Describe a parameter document or a WAVE file");
     auto file = std::make_shared<std::string>();

@@ -5,19 +5,15 @@
 // count, seven zeros, version marker | thirty colour components (x 255) | the 48 selection
 // flags, ten per line | anchors "name,column", ten per line (only when there are any) |
 // parameter names | one line of values per frame. Every number and name is followed by a tab.
+#include "document/AtomicFile.h"
 #include "document/MyDocument.h"
 #include "document/ParameterDocumentText.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <charconv>
 #include <climits>
 #include <cmath>
 #include <cstring>
-#include <fcntl.h>
-#include <filesystem>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace
 {
@@ -231,73 +227,16 @@ int MyDocument::Read_STK_FileType(const std::string& bytes)
     return readParameterText(*this, bytes, ParameterTextUse::File, m_strReadError);
 }
 
-namespace
-{
-
-bool failWrite(const std::string& path, int error, std::string& why)
-{
-    why = "cannot save \"" + path + "\": " + std::strerror(error);
-    return false;
-}
-
-bool writeAll(int fd, const std::string& bytes)
-{
-    std::size_t done = 0;
-    while (done < bytes.size()) {
-        const ssize_t n = ::write(fd, bytes.data() + done, bytes.size() - done);
-        if (n < 0 && errno == EINTR)
-            continue;
-        if (n <= 0)
-            return false;
-        done += static_cast<std::size_t>(n);
-    }
-    return true;
-}
-
-// Writes the bytes to a temporary file in the target's folder, flushes it to the disk and
-// renames it over the target, so that the target holds either the old or the new text.
-bool writeFileAtomically(const std::string& path, const std::string& bytes, std::string& why)
-{
-    namespace fs = std::filesystem;
-    const fs::path target(path);
-    const fs::path folder = target.has_parent_path() ? target.parent_path() : fs::path(".");
-    std::string temporary = (folder / ("." + target.filename().string() + ".XXXXXX")).string();
-    const int fd = ::mkstemp(temporary.data());
-    if (fd < 0)
-        return failWrite(path, errno, why);
-    // The new file keeps the old one's permissions.
-    struct stat old {
-    };
-    ::fchmod(fd, ::stat(path.c_str(), &old) == 0 ? (old.st_mode & 07777) : 0644);
-    const bool written = writeAll(fd, bytes) && ::fsync(fd) == 0;
-    const int writeError = errno;
-    const bool closed = ::close(fd) == 0;
-    if (!written || !closed || ::rename(temporary.c_str(), path.c_str()) != 0) {
-        const int error = !written ? writeError : errno;
-        ::unlink(temporary.c_str());
-        return failWrite(path, error, why);
-    }
-    // Make the rename itself durable; a folder that cannot be synced does not undo the save.
-    const int folderFd = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY);
-    if (folderFd >= 0) {
-        ::fsync(folderFd);
-        ::close(folderFd);
-    }
-    return true;
-}
-
-} // namespace
-
 bool MyDocument::writeSafelyToURL(const std::string& path, const std::string& typeName, std::string* error)
 {
     const std::string text = Save_STK_FileType50(m_bSaveAll != 0);
-    std::string why;
-    const bool saved = writeFileAtomically(path, text, why);
+    const int errorNumber = writeFileAtomically(path, text);
+    const bool saved = errorNumber == 0;
     // Revert reloads _fileData, so it keeps the text of the last save that reached the disk.
     _bDoRevert = saved ? 1 : 0;
     if (!saved) {
         if (error)
-            *error = why;
+            *error = "cannot save \"" + path + "\": " + std::strerror(errorNumber);
         return false;
     }
     _fileTypeName = typeName;

@@ -25,11 +25,13 @@ inline std::string slurp(const std::filesystem::path& path)
     return text;
 }
 
-inline CliResult runCli(const std::string& arguments)
+// `shellPrefix` runs before the program in the same shell (e.g. "ulimit -v 40000;").
+inline CliResult runCliAfter(const std::string& shellPrefix, const std::string& arguments)
 {
     const auto dir = std::filesystem::temp_directory_path();
     const auto errFile = dir / ("tessaphon-cli-stderr-" + std::to_string(::getpid()));
-    const std::string command = std::string(TESSAPHON_CLI) + " " + arguments + " 2>" + errFile.string();
+    const std::string command =
+        shellPrefix + " " + std::string(TESSAPHON_CLI) + " " + arguments + " 2>" + errFile.string();
     CliResult result;
     if (std::FILE* pipe = ::popen(command.c_str(), "r")) {
         std::array<char, 4096> buffer;
@@ -42,6 +44,11 @@ inline CliResult runCli(const std::string& arguments)
     result.err = slurp(errFile);
     std::filesystem::remove(errFile);
     return result;
+}
+
+inline CliResult runCli(const std::string& arguments)
+{
+    return runCliAfter("", arguments);
 }
 
 // A fresh temporary folder for one test, removed with it.

@@ -1,0 +1,121 @@
+// Whole-process timings of the stimulus commands, as a user runs them: an 11-step continuum of
+// 1 s documents with WAVE files, and a batch synthesis of 200 documents of 2 s with one job and
+// with two. Each iteration starts tessaphon-cli and waits for it; the counters give the CPU time
+// of the processes per iteration (user + system), which the machine's load does not inflate.
+#include "document/MyDocument.h"
+
+#include <benchmark/benchmark.h>
+
+#include <filesystem>
+#include <spawn.h>
+#include <string>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <vector>
+
+extern char** environ;
+
+namespace
+{
+
+namespace fs = std::filesystem;
+
+const fs::path& workFolder()
+{
+    static const fs::path folder = [] {
+        const fs::path f =
+            fs::temp_directory_path() / ("tessaphon-bench-stimuli-" + std::to_string(::getpid()));
+        fs::create_directories(f / "batch");
+        fs::create_directories(f / "wav");
+        return f;
+    }();
+    return folder;
+}
+
+// A document of `ms` milliseconds in 10 ms frames with f0 and f2 set in every frame.
+void writeDocument(const fs::path& path, int ms, int f0, int f2)
+{
+    MyDocument document;
+    for (int ch = 0; ch < 3; ++ch) {
+        document.getChannel(ch)->m_dLengthMS = ms;
+        document.getChannel(ch)->m_nColumnNum = ms / 10;
+    }
+    document.SetUpDataGridMemory();
+    document.buildDataTableDictionary();
+    for (int frame = 1; frame <= ms / 10; ++frame) {
+        document._dataTableDictionary.cellAt(frame * 10LL, Row::f0)->set_nValue(f0 + frame);
+        document._dataTableDictionary.cellAt(frame * 10LL, Row::f2)->set_nValue(f2);
+    }
+    std::string error;
+    if (!document.writeSafelyToURL(path.string(), "stk", &error))
+        throw std::runtime_error(error);
+}
+
+double childCpuSeconds()
+{
+    rusage usage{};
+    ::getrusage(RUSAGE_CHILDREN, &usage);
+    return usage.ru_utime.tv_sec + usage.ru_stime.tv_sec +
+           (usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
+}
+
+// Runs tessaphon-cli with the arguments; false when it did not succeed.
+bool run(const std::vector<std::string>& arguments)
+{
+    std::vector<char*> argv{const_cast<char*>(TESSAPHON_CLI)};
+    for (const std::string& a : arguments)
+        argv.push_back(const_cast<char*>(a.c_str()));
+    argv.push_back(nullptr);
+    pid_t pid = 0;
+    if (::posix_spawn(&pid, TESSAPHON_CLI, nullptr, nullptr, argv.data(), environ) != 0)
+        return false;
+    int status = 0;
+    ::waitpid(pid, &status, 0);
+    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+void timeCommand(benchmark::State& state, const std::vector<std::string>& arguments)
+{
+    const double cpuBefore = childCpuSeconds();
+    for (auto _ : state)
+        if (!run(arguments))
+            state.SkipWithError("tessaphon-cli failed");
+    state.counters["cpu_s"] =
+        benchmark::Counter((childCpuSeconds() - cpuBefore), benchmark::Counter::kAvgIterations);
+}
+
+void BM_Continuum11Steps(benchmark::State& state)
+{
+    const fs::path a = workFolder() / "ba.stk", b = workFolder() / "da.stk";
+    writeDocument(a, 1000, 1000, 1200);
+    writeDocument(b, 1000, 1200, 2200);
+    timeCommand(state, {"continuum", a.string(), b.string(), "--steps", "11", "--scale", "bark", "-o",
+                        (workFolder() / "continuum").string()});
+}
+BENCHMARK(BM_Continuum11Steps)->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(5);
+
+void BM_BatchSynth200(benchmark::State& state)
+{
+    std::vector<std::string> arguments{"synth",     "--force",
+                                       "--out-dir", (workFolder() / "wav").string(),
+                                       "-j",        std::to_string(state.range(0))};
+    for (int i = 0; i < 200; ++i) {
+        const fs::path path = workFolder() / "batch" / ("s" + std::to_string(i) + ".stk");
+        if (!fs::exists(path))
+            writeDocument(path, 2000, 900 + i, 1000 + 5 * i);
+        arguments.push_back(path.string());
+    }
+    timeCommand(state, arguments);
+}
+BENCHMARK(BM_BatchSynth200)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(1);
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    fs::remove_all(workFolder());
+    return 0;
+}

@@ -1,0 +1,164 @@
+// The conventions every command shares: what may be written over, quiet success, usage errors
+// for contradictory options, failures under a memory limit, the progress bar on a terminal.
+#include "CliRunner.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <fstream>
+#include <pty.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace
+{
+
+int lineCount(const std::string& text)
+{
+    return static_cast<int>(std::count(text.begin(), text.end(), '\n'));
+}
+
+// Files in the folder other than the ones named: temporary files left behind show up here.
+std::vector<std::string> strayFiles(const TempDir& dir, const std::vector<std::string>& expected)
+{
+    std::vector<std::string> stray;
+    for (const auto& entry : std::filesystem::directory_iterator(dir.path)) {
+        const std::string name = entry.path().filename().string();
+        if (std::find(expected.begin(), expected.end(), name) == expected.end())
+            stray.push_back(name);
+    }
+    return stray;
+}
+
+// Runs the program with a pseudo-terminal as its standard streams; answers what it wrote.
+std::string runOnTerminal(const std::vector<std::string>& arguments, int& exitCode)
+{
+    int master = -1;
+    const pid_t pid = ::forkpty(&master, nullptr, nullptr, nullptr);
+    if (pid == 0) {
+        std::vector<char*> argv{const_cast<char*>(TESSAPHON_CLI)};
+        for (const std::string& a : arguments)
+            argv.push_back(const_cast<char*>(a.c_str()));
+        argv.push_back(nullptr);
+        ::execv(TESSAPHON_CLI, argv.data());
+        ::_exit(127);
+    }
+    std::string text;
+    char buffer[4096];
+    for (ssize_t n; (n = ::read(master, buffer, sizeof buffer)) > 0;)
+        text.append(buffer, static_cast<std::size_t>(n));
+    int status = 0;
+    ::waitpid(pid, &status, 0);
+    ::close(master);
+    exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return text;
+}
+
+} // namespace
+
+TEST(CliConventions, OutputsAreNeverWrittenOverBySurprise)
+{
+    TempDir dir;
+    ASSERT_EQ(runCli("new --length 300 -o " + dir / "a.stk").exitCode, 0);
+    const std::string document = slurp(dir / "a.stk");
+
+    // A default output that exists is kept, named, and --force suggested.
+    std::ofstream(dir / "a.wav") << "yesterday's synthesis";
+    CliResult kept = runCli("synth " + dir / "a.stk");
+    EXPECT_EQ(kept.exitCode, 2);
+    EXPECT_NE(kept.err.find(dir / "a.wav"), std::string::npos) << kept.err;
+    EXPECT_NE(kept.err.find("--force"), std::string::npos) << kept.err;
+    EXPECT_EQ(lineCount(kept.err), 1);
+    EXPECT_EQ(slurp(dir / "a.wav"), "yesterday's synthesis");
+
+    // --force and an explicit -o replace it.
+    ASSERT_EQ(runCli("synth --force " + dir / "a.stk").exitCode, 0);
+    const std::string wave = slurp(dir / "a.wav");
+    EXPECT_EQ(wave.substr(0, 4), "RIFF");
+    std::ofstream(dir / "a.wav") << "stale";
+    ASSERT_EQ(runCli("synth " + dir / "a.stk" + " -o " + dir / "a.wav").exitCode, 0);
+    EXPECT_TRUE(slurp(dir / "a.wav") == wave);
+
+    // No command writes to a file it reads, however the path is spelled, with or without --force:
+    // a recording whose default output is itself, and -o naming the input.
+    std::filesystem::create_directories(dir.path / "sub");
+    for (const std::string& args :
+         {"synth --force " + dir / "a.wav", "synth " + dir / "a.stk" + " -o " + dir / "a.stk",
+          "synth " + dir / "a.stk" + " --force -o " + dir / "sub/../a.stk",
+          "spectrogram " + dir / "a.wav" + " -o " + dir / "a.wav"}) {
+        CliResult r = runCli(args);
+        EXPECT_EQ(r.exitCode, 2) << args;
+        EXPECT_EQ(lineCount(r.err), 1) << r.err;
+    }
+    EXPECT_TRUE(slurp(dir / "a.wav") == wave);
+    EXPECT_TRUE(slurp(dir / "a.stk") == document);
+
+    // A write that fails leaves nothing behind, and the successful ones left no temporary files.
+    CliResult unwritable = runCli("synth " + dir / "a.stk" + " -o " + dir / "missing/a.wav");
+    EXPECT_EQ(unwritable.exitCode, 2);
+    EXPECT_NE(unwritable.err.find("missing/a.wav"), std::string::npos) << unwritable.err;
+    EXPECT_EQ(strayFiles(dir, {"a.stk", "a.wav", "sub"}), std::vector<std::string>{});
+}
+
+TEST(CliConventions, QuietOnSuccessDiagnosticsWithVerbose)
+{
+    TempDir dir;
+    ASSERT_EQ(runCli("new -o " + dir / "a.stk").exitCode, 0);
+    CliResult quiet = runCli("synth " + dir / "a.stk");
+    ASSERT_EQ(quiet.exitCode, 0);
+    EXPECT_EQ(quiet.err, "");
+    EXPECT_EQ(quiet.out, "");
+    // The flag may stand after the command's own arguments.
+    CliResult verbose = runCli("synth " + dir / "a.stk" + " --force --verbose");
+    ASSERT_EQ(verbose.exitCode, 0) << verbose.err;
+    EXPECT_NE(verbose.err.find("synthesize"), std::string::npos) << verbose.err;
+    EXPECT_EQ(verbose.out, "");
+}
+
+TEST(CliConventions, UpsideDownRangeIsAUsageError)
+{
+    TempDir dir;
+    ASSERT_EQ(runCli("new -o " + dir / "a.stk").exitCode, 0);
+    ASSERT_EQ(runCli("synth " + dir / "a.stk").exitCode, 0);
+    CliResult r = runCli("pitch " + dir / "a.wav" + " --low 500 --high 50");
+    EXPECT_EQ(r.exitCode, 1);
+    EXPECT_NE(r.err.find("--low"), std::string::npos) << r.err;
+    EXPECT_EQ(r.out, "");
+    EXPECT_EQ(runCli("pitch " + dir / "a.wav" + " --low 50 --high 500").exitCode, 0);
+}
+
+TEST(CliConventions, AllocationFailureIsOneLineNamingTheFile)
+{
+#if defined(__SANITIZE_ADDRESS__)
+    GTEST_SKIP() << "the sanitizer's shadow memory does not fit under an address-space limit";
+#endif
+    TempDir dir;
+    ASSERT_EQ(runCli("new --length 60000 -o " + dir / "long.stk").exitCode, 0);
+    // 40 MB of address space: the program starts, the synthesis of a minute does not fit.
+    CliResult r = runCliAfter("ulimit -v 40000;", "synth " + dir / "long.stk");
+    EXPECT_EQ(r.exitCode, 2) << r.err;
+    EXPECT_NE(r.err.find("long.stk"), std::string::npos) << r.err;
+    EXPECT_NE(r.err.find("memory"), std::string::npos) << r.err;
+    EXPECT_EQ(lineCount(r.err), 1) << r.err;
+    EXPECT_FALSE(std::filesystem::exists(dir / "long.wav"));
+}
+
+TEST(CliConventions, ProgressBarOnlyOnATerminal)
+{
+    TempDir dir;
+    std::vector<std::string> args{"synth", "-j", "2"};
+    for (const char* name : {"a", "b", "c"}) {
+        ASSERT_EQ(runCli(std::string("new -o ") + dir / (std::string(name) + ".stk")).exitCode, 0);
+        args.push_back(dir / (std::string(name) + ".stk"));
+    }
+    int exitCode = -1;
+    const std::string screen = runOnTerminal(args, exitCode);
+    EXPECT_EQ(exitCode, 0) << screen;
+    EXPECT_NE(screen.find("] 3/3"), std::string::npos) << screen;
+    EXPECT_NE(screen.find('#'), std::string::npos) << screen;
+
+    // Redirected: the same run says nothing.
+    CliResult redirected = runCli("synth --force -j 2 " + dir / "a.stk " + dir / "b.stk " + dir / "c.stk");
+    EXPECT_EQ(redirected.exitCode, 0);
+    EXPECT_EQ(redirected.err, "");
+}
