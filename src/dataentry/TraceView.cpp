@@ -71,12 +71,23 @@ double TraceView::gridLengthMS() const
     return static_cast<double>(frameCount()) * interval;
 }
 
+void TraceView::setTimeAxis(TimeAxisZoom* axis)
+{
+    if (m_axis != &m_ownAxis)
+        disconnect(m_axis, nullptr, this, nullptr);
+    m_axis = axis ? axis : &m_ownAxis;
+    connect(m_axis, &TimeAxisZoom::changed, this, qOverload<>(&QWidget::update));
+    update();
+}
+
+QRect TraceView::contentRect() const
+{
+    return QRect(-m_axis->offset(), 0, static_cast<int>(m_axis->contentWidth(width())), height());
+}
+
 int TraceView::columnAt(double x) const
 {
-    const int frames = frameCount();
-    if (frames <= 0 || width() <= 0)
-        return -1;
-    return static_cast<int>(std::trunc(x * frames / width()));
+    return m_axis->frameAt(x, frameCount(), width());
 }
 
 int TraceView::valueAt(double y) const
@@ -97,8 +108,8 @@ void TraceView::updateColumn(int column)
     if (frames <= 0 || column < 0)
         return;
     // The lines to both neighbours change with the point.
-    const int x0 = static_cast<int>(static_cast<long long>(column - 1) * width() / frames);
-    const int x1 = static_cast<int>(static_cast<long long>(column + 2) * width() / frames);
+    const int x0 = m_axis->pixelOf(column - 1, frames, width());
+    const int x1 = m_axis->pixelOf(column + 2, frames, width());
     update(QRect(x0 - kPoint, 0, x1 - x0 + 2 * kPoint, height()));
 }
 
@@ -207,18 +218,18 @@ void TraceView::paintEvent(QPaintEvent* event)
     painter.fillRect(rect(), Qt::white);
     drawAnalysis(painter, clip);
     if (_pDoc) {
-        TimeGrids(painter, rect(), 0.0, gridLengthMS(), _pDoc->m_nSpecTimeGrid, timeLabels());
+        const auto [startMS, endMS] = m_axis->visibleMS(gridLengthMS(), width());
+        TimeGrids(painter, rect(), startMS, endMS,
+                  m_axis->timeGridStep(_pDoc->m_nSpecTimeGrid, gridLengthMS(), width()), timeLabels());
         const ValueGrid grid = valueGrid();
         DrawAnyGrid(painter, rect(), grid.low, grid.high, grid.step, grid.fullScale, grid.label);
     }
     drawOverlay(painter, clip);
     const int frames = frameCount();
     if (frames > 0 && width() > 0) {
-        const int first = std::max(
-            0, static_cast<int>(static_cast<long long>(clip.left() - kPoint) * frames / width()) - 1);
+        const int first = std::max(0, m_axis->firstFrameAt(clip.left() - kPoint, frames, width()) - 1);
         const int last =
-            std::min(frames - 1,
-                     static_cast<int>(static_cast<long long>(clip.right() + kPoint) * frames / width()) + 1);
+            std::min(frames - 1, m_axis->firstFrameAt(clip.right() + kPoint, frames, width()) + 1);
         for (int slot = 0; slot < m_lists.slotCount(); ++slot)
             if (drawsSlot(slot))
                 drawSlot(painter, slot, first, last);
@@ -257,7 +268,7 @@ void TraceView::drawSlot(QPainter& painter, int slot, int first, int last) const
             continue;
         }
         // The point sits in the middle of its column.
-        const double x = (k + 0.5) * w / frames;
+        const double x = m_axis->xOf(k + 0.5, frames, w);
         const double y = h - cell->_nValue() * h / m_nScale;
         painter.fillRect(QRectF(x - side / 2.0, y - side / 2.0, side, side), color);
         if (cell->_nValue() == 0) {

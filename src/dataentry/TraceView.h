@@ -7,10 +7,13 @@
 // step, the release writes the traced cells back clamped to their limits, refreshes the table
 // and records the redo step. One drag is one undo step.
 //
-// Mapping (W x H = the view's size, N = channel 0's m_nColumnNum):
+// Mapping (W x H = the view's size, N = channel 0's m_nColumnNum), at the window's default zoom
+// (fit all; zoomed, W is the zoomed content width and x counts from its left end, see
+// TimeAxisZoom):
 //   column under the pointer = trunc(x x N / W) (table column + 1);
 //   value under the pointer  = trunc((H - y) x full scale / H).
 // Subclasses: viewPitch, viewSpectrogram, viewAmplitudes. Main thread only.
+#include "dataentry/TimeAxisZoom.h"
 #include "dataentry/core/TraceTrackLists.h"
 
 #include <QColor>
@@ -48,6 +51,10 @@ public:
     void setColor(const QColor& color, int slot);
     QColor tracingColor(int slot) const { return m_colors[static_cast<std::size_t>(slot)]; }
     void setPosition(const QRect& frame) { setGeometry(frame); }
+    // The time axis shared with the other views of the window (zoom and scroll position); the
+    // view repaints when it changes. Without one the view shows all frame columns.
+    void setTimeAxis(TimeAxisZoom* axis);
+    const TimeAxisZoom& timeAxis() const { return *m_axis; }
 
     TraceTrackLists& lists() { return m_lists; }
     const std::vector<QPointF>& _arraytrace() const { return m_arraytrace; }
@@ -99,9 +106,14 @@ protected:
     // Repaints the strip of the view where column index `column` is drawn.
     void updateColumn(int column);
     double gridLengthMS() const;
+    // The area over which the whole time axis is drawn: the view's rectangle at fit all, wider
+    // and shifted left by the scroll offset when zoomed.
+    QRect contentRect() const;
 
     MyDocument* _pDoc = nullptr;
     TraceTrackLists m_lists;
+    TimeAxisZoom m_ownAxis; // fit all, used until the window gives its shared axis
+    TimeAxisZoom* m_axis = &m_ownAxis;
 
 private:
     bool inside(const QPointF& p) const;

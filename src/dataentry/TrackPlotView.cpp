@@ -84,12 +84,18 @@ void TrackPlotView::setTrackColor(int slot, const QColor& color)
     update();
 }
 
+void TrackPlotView::setTimeAxis(TimeAxisZoom* axis)
+{
+    if (m_axis != &m_ownAxis)
+        disconnect(m_axis, nullptr, this, nullptr);
+    m_axis = axis ? axis : &m_ownAxis;
+    connect(m_axis, &TimeAxisZoom::changed, this, qOverload<>(&QWidget::update));
+    update();
+}
+
 int TrackPlotView::frameAt(double x) const
 {
-    const int frames = frameCount();
-    if (frames <= 0 || width() <= 0)
-        return -1;
-    return static_cast<int>(std::trunc(x * frames / width()));
+    return m_axis->frameAt(x, frameCount(), width());
 }
 
 int TrackPlotView::valueAt(double y) const
@@ -110,7 +116,7 @@ void TrackPlotView::updateFrame(int frame)
     const int frames = frameCount();
     if (frames <= 0 || frame < 0)
         return;
-    const int x = static_cast<int>(static_cast<long long>(frame) * width() / frames);
+    const int x = m_axis->pixelOf(frame, frames, width());
     update(QRect(x - 1, 0, kPointSize + 3, height()));
 }
 
@@ -229,7 +235,9 @@ void TrackPlotView::paintEvent(QPaintEvent* event)
 
     const double lengthMS = _pDoc->getChannel(0)->m_dLengthMS;
     const double endMS = std::isfinite(lengthMS) && lengthMS > 0.0 ? std::trunc(lengthMS) : 0.0;
-    TimeGrids(painter, bounds, 0.0, endMS, _pDoc->m_nSpecTimeGrid, timeLabels());
+    const auto [startMS, stopMS] = m_axis->visibleMS(endMS, width());
+    TimeGrids(painter, bounds, startMS, stopMS, m_axis->timeGridStep(_pDoc->m_nSpecTimeGrid, endMS, width()),
+              timeLabels());
     const ValueGrid grid = valueGrid();
     DrawAnyGrid(painter, bounds, grid.low, grid.high, grid.step, grid.fullScale, grid.label);
 
@@ -239,13 +247,11 @@ void TrackPlotView::paintEvent(QPaintEvent* event)
     const int frames = frameCount();
     if (frames > 0 && width() > 0) {
         const QRect clip = event->rect();
-        const long long first =
-            std::max(0LL, static_cast<long long>(clip.left() - kPointSize) * frames / width());
-        const long long last = static_cast<long long>(clip.right() + 1) * frames / width() + 1;
+        const int first = m_axis->firstFrameAt(clip.left() - kPointSize, frames, width());
+        const int last = m_axis->firstFrameAt(clip.right() + 1, frames, width()) + 1;
         for (const Track& track : m_tracks)
             if (drawsTrack(track))
-                drawTrack(painter, track, static_cast<int>(first),
-                          static_cast<int>(std::min<long long>(last, frames - 1)));
+                drawTrack(painter, track, first, std::min(last, frames - 1));
     }
     drawCaption(painter);
 }
@@ -279,7 +285,7 @@ void TrackPlotView::drawTrack(QPainter& painter, const Track& track, int first, 
             if (!voiced)
                 continue;
         }
-        const int x = static_cast<int>(static_cast<long long>(k) * w / frames);
+        const int x = m_axis->pixelOf(k, frames, w);
         const int y = h - static_cast<int>(static_cast<long long>(cell->_nValue()) * h / m_nScale);
         painter.fillRect(x, y, kPointSize, kPointSize, track.color);
         path.addEllipse(x, y, kPointSize, kPointSize);

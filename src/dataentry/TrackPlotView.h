@@ -7,7 +7,9 @@
 // texts, cells stored back, table refreshed, redo step recorded. Mouse down records the undo
 // step, so one drag is one undo step.
 //
-// Mapping (W x Hv = the view's size, N = channel 0's m_nColumnNum):
+// Mapping (W x Hv = the view's size, N = channel 0's m_nColumnNum), at the window's default
+// zoom (fit all; zoomed, W is the zoomed content width and x counts from its left end, see
+// TimeAxisZoom):
 //   frame under the pointer i = trunc(x * N / W), table column i + 1;
 //   value under the pointer v = trunc((Hv - y) * _nScale / Hv), not clamped to the limits.
 //
@@ -15,6 +17,7 @@
 // of the other plots, whose point visibility may depend on the edited amplitude), so drawing
 // over a long document stays quick. Subclasses (viewF0, viewFormants, viewOthers) give the
 // rows, the scale, the value grid and which tracks are drawn. Main thread only.
+#include "dataentry/TimeAxisZoom.h"
 #include "document/MyDocument.h"
 
 #include <QColor>
@@ -55,6 +58,10 @@ public:
     // Makes the track of that parameter name the active one; any other name leaves the view
     // with no active track. Redraws.
     void activeParameter(const std::string& name);
+    // The time axis shared with the other plots of the window (zoom and scroll position); the
+    // view repaints when it changes. Without one the view shows all frames.
+    void setTimeAxis(TimeAxisZoom* axis);
+    const TimeAxisZoom& timeAxis() const { return *m_axis; }
     // Places the view in its window (window content coordinates).
     void setPosition(const QRect& frame) { setGeometry(frame); }
 
@@ -110,6 +117,8 @@ private:
 
     MyDocument* _pDoc = nullptr;
     mainTable* m_mainTableID = nullptr;
+    TimeAxisZoom m_ownAxis; // fit all, used until the window gives its shared axis
+    TimeAxisZoom* m_axis = &m_ownAxis;
     int m_nScale;
     std::vector<Track> m_tracks;
     std::vector<QPointF> m_arraytrace;

@@ -1,6 +1,7 @@
 #include "dataentry/dataentryGraphicalController.h"
 
 #include "dataentry/DataEntrySupport.h"
+#include "dataentry/TimeAxisZoom.h"
 #include "dataentry/viewF0.h"
 #include "dataentry/viewFormants.h"
 #include "dataentry/viewOthers.h"
@@ -15,6 +16,7 @@
 #include <QMenuBar>
 #include <QPushButton>
 #include <QResizeEvent>
+#include <QScrollBar>
 #include <QToolButton>
 
 #include <algorithm>
@@ -56,6 +58,14 @@ dataentryGraphicalController::dataentryGraphicalController(MyDocument* doc, main
     m_viewF0 = new viewF0(m_content);
     m_viewFormants = new viewFormants(m_content);
     m_viewOthers = new viewOthers(m_content);
+    m_timeAxis = new TimeAxisZoom(this);
+    m_timeAxis->setFrameSource([this] { return m_pDoc ? m_pDoc->getChannel(0)->m_nColumnNum : 0; });
+    m_scrollBar = new QScrollBar(Qt::Horizontal, m_content);
+    m_timeAxis->attach(m_scrollBar);
+    for (TrackPlotView* view : views()) {
+        view->setTimeAxis(m_timeAxis);
+        m_timeAxis->watch(view);
+    }
     // An edited amplitude decides which F0 and formant points show: every plot repaints the
     // strip of an edited frame.
     for (TrackPlotView* source : views())
@@ -129,6 +139,8 @@ void dataentryGraphicalController::makeMenus()
     play->addAction(QStringLiteral("Play Previous"), this, &dataentryGraphicalController::_PlayPrevious);
     m_playAudio =
         play->addAction(QStringLiteral("Play Model"), this, &dataentryGraphicalController::_PlayAudio);
+    QMenu* view = m_window->menuBar()->addMenu(QStringLiteral("&View"));
+    view->addActions(m_timeAxis->makeActions(m_window.get()));
     connect(edit, &QMenu::aboutToShow, this, &dataentryGraphicalController::validateMenus);
     connect(play, &QMenu::aboutToShow, this, &dataentryGraphicalController::validateMenus);
 }
@@ -263,6 +275,10 @@ void dataentryGraphicalController::specialWindowDidResize(int w, int h)
     m_viewF0->setPosition(f0);
     m_viewFormants->setPosition(formants);
     m_viewOthers->setPosition(others);
+    m_timeAxis->setViewWidth(width);
+    // The scroll bar under the plots, in the strip the plots leave free.
+    const int barTop = others.bottom() + 1 + kControlGap;
+    m_scrollBar->setGeometry(kMargin, barTop, width, std::clamp(h - barTop - kControlGap, 0, 18));
 
     // Beside each plot the buttons that act on it; the colour wells right of their buttons.
     placeButtons(f0.top(), f0.height(), F0, 1, 1);

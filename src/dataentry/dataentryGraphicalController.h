@@ -1,10 +1,11 @@
 #pragma once
 // The graphical data-entry window: three stacked plots of the same frames (F0, the five lower
 // formants, the amplitudes), thirteen toggle buttons that pick the one parameter mouse drags
-// edit, and six colour wells for the F0 and formant colours. It edits the document's own table
-// cells through the plots; undo, redo and play are forwarded to the table that opened it.
-// The controller owns its window; the table owns the controller (one at a time).
-// Main thread only. Sizes are in pixels of the window's content.
+// edit, and six colour wells for the F0 and formant colours. The plots share one time axis that
+// the View menu, Ctrl+wheel and the scroll bar below the plots zoom and scroll. It edits the document's own
+// table cells through the plots; undo, redo and play are forwarded to the table that opened it. The
+// controller owns its window; the table owns the controller (one at a time). Main thread only. Sizes are in
+// pixels of the window's content.
 #include "table/DataEntryController.h"
 
 #include <QColor>
@@ -23,6 +24,8 @@ class QMainWindow;
 class QPushButton;
 class QToolButton;
 class QAction;
+class QScrollBar;
+class TimeAxisZoom;
 
 class dataentryGraphicalController : public QObject, public DataEntryController
 {
@@ -61,6 +64,9 @@ public:
     viewOthers* _viewOthers() const { return m_viewOthers; }
     QPushButton* button(Button b) const { return m_buttons[b]; }
     QColor wellColor(int well) const { return m_wellColors[well]; }
+    // The zoom and scroll position the three plots share, and its scroll bar below them.
+    TimeAxisZoom* timeAxis() const { return m_timeAxis; }
+    QScrollBar* scrollBar() const { return m_scrollBar; }
 
     // Lays the plots and the controls out for a content area of w x h.
     void specialWindowDidResize(int w, int h);
@@ -86,6 +92,8 @@ private:
     viewF0* m_viewF0 = nullptr;
     viewFormants* m_viewFormants = nullptr;
     viewOthers* m_viewOthers = nullptr;
+    TimeAxisZoom* m_timeAxis = nullptr;
+    QScrollBar* m_scrollBar = nullptr;
     std::array<QPushButton*, ButtonCount> m_buttons{};
     std::array<QToolButton*, 6> m_wells{};
     std::array<QColor, 6> m_wellColors{};

@@ -2,6 +2,7 @@
 
 #include "app/ConfigurationFile.h"
 #include "dataentry/DataEntrySupport.h"
+#include "dataentry/TimeAxisZoom.h"
 #include "dataentry/core/TraceDataEntry.h"
 #include "dataentry/viewAmplitudes.h"
 #include "dataentry/viewPitch.h"
@@ -16,8 +17,10 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QResizeEvent>
+#include <QScrollBar>
 #include <QToolButton>
 
+#include <algorithm>
 #include <cstdint>
 #include <exception>
 
@@ -48,6 +51,8 @@ constexpr int kMargin = 100; // the left margin that holds the track buttons
 constexpr int kStrip = 26;   // the strip along the bottom: Enter All Data, View Old Data, status
 constexpr int kGap = 2;
 constexpr int kWellWidth = 26;
+constexpr int kViewOldWidth = 115; // the View Old Data check box
+constexpr int kStatusWidth = 170;  // the pointer's readout
 
 } // namespace
 
@@ -59,6 +64,20 @@ dataentryTraceContoller::dataentryTraceContoller(MyDocument* doc, mainTable* tab
     m_viewPitch = new viewPitch(m_window.get());
     m_viewSpectrogram = new viewSpectrogram(m_window.get());
     m_viewAmplitudes = new viewAmplitudes(m_window.get());
+    m_timeAxis = new TimeAxisZoom(this);
+    m_timeAxis->setFrameSource([this] { return m_pDoc ? m_pDoc->getChannel(0)->m_nColumnNum : 0; });
+    m_scrollBar = new QScrollBar(Qt::Horizontal, m_window.get());
+    m_scrollBar->setFocusPolicy(Qt::NoFocus);
+    m_timeAxis->attach(m_scrollBar);
+    for (TraceView* view : views()) {
+        view->setTimeAxis(m_timeAxis);
+        m_timeAxis->watch(view);
+    }
+    // The readout named the time under the pointer before the axis moved.
+    connect(m_timeAxis, &TimeAxisZoom::changed, this, [this] {
+        if (!m_viewSpectrogram->isComputing())
+            m_status->clear();
+    });
     makeControls();
     makeShortcuts();
     for (TraceView* view : views())
@@ -141,6 +160,7 @@ void dataentryTraceContoller::makeShortcuts()
     add(QKeySequence(Qt::Key_Space), &dataentryTraceContoller::_PlayCurrent);
     add(QKeySequence(QStringLiteral("Ctrl+Shift+Space")), &dataentryTraceContoller::_PlayPrevious);
     add(QKeySequence(QStringLiteral("Ctrl+M")), &dataentryTraceContoller::_PlayAudio);
+    m_window->addActions(m_timeAxis->makeActions(m_window.get()));
     add(QKeySequence::Save, [this] {
         if (m_save)
             m_save();
@@ -378,8 +398,14 @@ void dataentryTraceContoller::specialWindowDidResize(int w, int h)
     }
     const int stripTop = h - kStrip + 2;
     m_enterAllData->setGeometry(kGap, stripTop, kMargin - 2 * kGap, kStrip - 4);
-    m_viewOldData->setGeometry(kMargin, stripTop, 120, kStrip - 4);
-    m_status->setGeometry(kMargin + 125, stripTop, std::max(w - kMargin - 130, 0), kStrip - 4);
+    m_timeAxis->setViewWidth(width);
+    // Under the views: the scroll bar, then View Old Data and the pointer's readout at the right.
+    const int right = kMargin + width;
+    const int statusLeft = right - std::min(kStatusWidth, std::max(width - kViewOldWidth, 0));
+    const int viewOldLeft = std::max(statusLeft - kViewOldWidth, kMargin);
+    m_scrollBar->setGeometry(kMargin, stripTop + 3, std::max(viewOldLeft - kGap - kMargin, 0), kStrip - 10);
+    m_viewOldData->setGeometry(viewOldLeft + kGap, stripTop, kViewOldWidth - kGap, kStrip - 4);
+    m_status->setGeometry(statusLeft, stripTop, right - statusLeft, kStrip - 4);
 }
 
 void dataentryTraceContoller::placeButtons(int top, int height, int firstButton, int count, int columns)

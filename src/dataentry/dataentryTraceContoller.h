@@ -4,7 +4,9 @@
 // tracks and f1 .. f5; viewAmplitudes: a1f .. a5f, av, apv in dB), thirteen track buttons that
 // act as one radio group (choosing a formant also chooses its amplitude), six colour wells,
 // Enter All Data (the whole automatic analysis into the grid at once) and View Old Data.
-// Undo, redo and play go to the table that opened it; Ctrl+S saves the document.
+// Undo, redo and play go to the table that opened it; Ctrl+S saves the document. The views share
+// one time axis: Ctrl++, Ctrl+-, Ctrl+0 (fit all) and Ctrl+wheel zoom it, the scroll bar in the
+// bottom strip scrolls it.
 //
 // The window has no menu bar: its content is its whole frame, so the views' sizes in the
 // default 800 x 400 frame are fixed (the spectrogram view is 695 x 187, which the headless
@@ -29,6 +31,8 @@ class viewAmplitudes;
 class TraceView;
 class QCheckBox;
 class QLabel;
+class QScrollBar;
+class TimeAxisZoom;
 
 class QPushButton;
 class QToolButton;
@@ -71,6 +75,9 @@ public:
     QPushButton* _EnterAllData() const { return m_enterAllData; }
     QCheckBox* _ViewOldData() const { return m_viewOldData; }
     QLabel* statusLabel() const { return m_status; }
+    // The zoom and scroll position the three views share, and its scroll bar.
+    TimeAxisZoom* timeAxis() const { return m_timeAxis; }
+    QScrollBar* scrollBar() const { return m_scrollBar; }
     // The last sheet shown (nullptr when none is open).
     QMessageBox* sheet() const { return m_sheet; }
     // Enter All Data was asked for while the spectrogram was computing: it runs on arrival.
@@ -105,6 +112,8 @@ private:
     QPushButton* m_enterAllData = nullptr;
     QCheckBox* m_viewOldData = nullptr;
     QLabel* m_status = nullptr;
+    TimeAxisZoom* m_timeAxis = nullptr;
+    QScrollBar* m_scrollBar = nullptr;
     QPointer<QMessageBox> m_sheet;
     std::function<void()> m_save;
     bool m_bEnterPending = false;

@@ -63,8 +63,8 @@ void viewPitch::drawAnalysis(QPainter& painter, const QRect&)
         return;
     // Frame i of the track belongs to column i + 1: the grid's time axis, no rescaling.
     const int interval = std::max(_pDoc->getChannel(0)->m_nUpdateIntervalMS, 1);
-    const QRectF area(rect());
-    const double columnWidth = frameCount() > 0 ? area.width() / frameCount() : 0.0;
-    DrawPitchTrack(painter, rect().translated(static_cast<int>(columnWidth / 2), 0), m_pitch.m_hdPitchFile,
+    const QRect area = contentRect();
+    const double columnWidth = frameCount() > 0 ? static_cast<double>(area.width()) / frameCount() : 0.0;
+    DrawPitchTrack(painter, area.translated(static_cast<int>(columnWidth / 2), 0), m_pitch.m_hdPitchFile,
                    interval, gridLengthMS(), 0.0, fullScale() / 10.0, kAnalysisColor);
 }

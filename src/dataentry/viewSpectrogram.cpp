@@ -93,7 +93,8 @@ void viewSpectrogram::afterDragValue(int column, const QPointF& p)
             continue;
         const double amplitude = s.GetSpectrogramAmplitue(
             vertical, horizontal, _pDoc->m_nSpecDynamicRange, TraceDataEntry::kAmplitudeCeiling,
-            static_cast<int>(std::trunc(vertical - p.y())), static_cast<int>(std::trunc(p.x())));
+            static_cast<int>(std::trunc(vertical - p.y())),
+            static_cast<int>(std::trunc(m_axis->fitAllX(p.x(), width()))));
         amplitudes->remoteTraceValue(amplitude, column, slot);
     }
 }
@@ -121,13 +122,22 @@ void viewSpectrogram::drawAnalysis(QPainter& painter, const QRect&)
     // Until the spectrogram for a new size arrives, the old picture is stretched over the view.
     painter.setRenderHint(QPainter::SmoothPixmapTransform,
                           m_result->width != width() || m_result->height != height());
-    painter.drawImage(rect(), m_result->image);
+    if (m_axis->isFitAll()) {
+        painter.drawImage(rect(), m_result->image);
+        return;
+    }
+    // Zoomed, the visible part of the picture is stretched over the view; the picture is not
+    // computed again.
+    const double scale = m_result->image.width() / static_cast<double>(m_axis->contentWidth(width()));
+    const QRectF source(m_axis->offset() * scale, 0.0, width() * scale, m_result->image.height());
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, true);
+    painter.drawImage(QRectF(rect()), m_result->image, source);
 }
 
 void viewSpectrogram::drawOverlay(QPainter& painter, const QRect&)
 {
     if (m_result && _pDoc && _pDoc->m_bSpecDrawFormantTracking) {
-        DrawFormantTracks(painter, rect(), m_result->computation,
+        DrawFormantTracks(painter, contentRect(), m_result->computation,
                           m_result->computation.m_settings.m_nSpecfrequencyRange, kFormantColors);
     }
     if (m_worker.isRunning()) {

@@ -10,13 +10,28 @@
 #include <QRect>
 #include <QString>
 
+#include <vector>
+
+class QFontMetrics;
 class QPainter;
 
-// Vertical lines at startMS, startMS + step, ... up to endMS, mapped linearly so that
-// startMS is the left and endMS the right edge. With `labels` each line is labelled with
-// its time in ms at the top of the area.
+// One label of a grid: its text and the rectangle its text takes.
+struct GridLabel {
+    QRect box;
+    QString text;
+};
+
+// Vertical lines at the multiples of the step between startMS and endMS, mapped linearly so that
+// startMS is the left and endMS the right edge (a zoomed plot passes the part of its time range
+// that it shows). With `labels`, lines are labelled with their time and unit ("120 ms") at the
+// top of the area: every line, or every second, fifth, ... line as the widest label needs, so
+// that labels never overlap; the line at the left edge is left to the value labels.
 void TimeGrids(QPainter& painter, const QRect& area, double startMS, double endMS, double stepMS,
                bool labels);
+
+// The labels TimeGrids draws for that range, left to right, in the font of `metrics`.
+std::vector<GridLabel> timeGridLabels(const QFontMetrics& metrics, const QRect& area, double startMS,
+                                      double endMS, double stepMS);
 
 // Horizontal lines at low, low + step, ... up to high, at y = bottom - value x height /
 // fullScale; lines above the top edge are left out. Each line is labelled with its value
