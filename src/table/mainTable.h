@@ -248,7 +248,7 @@ private:
     // The samples of a selection being played (the player reads them; kept until the next
     // playback or the table goes).
     std::vector<float> m_selectionSamples;
-    QString m_strDocumentTitle; // empty until the window names the document
+    QString m_strDocumentTitle;  // empty until the window names the document
     QPointer<QWidget> m_pFFTLPC; // the document's FFT/LPC window
     bool m_bSetUp = false;
 

@@ -5,10 +5,10 @@
 
 #include "document/MyDocument.h"
 #include "table/Alert.h"
+#include "table/addColumns.h"
 #include "table/edit/FrameEditing.h"
 #include "table/edit/TableClipboard.h"
 #include "table/edit/TableEditing.h"
-#include "table/addColumns.h"
 
 #include <QClipboard>
 #include <QGuiApplication>

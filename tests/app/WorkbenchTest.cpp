@@ -15,12 +15,12 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMessageBox>
+#include <QPointer>
 #include <QPushButton>
 #include <QStatusBar>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
-#include <QPointer>
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -91,8 +91,7 @@ template <typename T> void whenModal(std::function<void(T*)> answer)
         if (auto* wanted = qobject_cast<T*>(modal)) {
             rejectStrayModals(wanted);
             answer(wanted);
-        }
-        else if (auto* dialog = qobject_cast<QDialog*>(modal)) {
+        } else if (auto* dialog = qobject_cast<QDialog*>(modal)) {
             ADD_FAILURE() << "unexpected dialog " << modal->windowTitle().toStdString();
             dialog->reject();
         } else

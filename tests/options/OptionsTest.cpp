@@ -2,9 +2,9 @@
 #include "options/ColorWell.h"
 #include "options/optionFFTLPC.h"
 #include "options/optionFile.h"
+#include "options/optionParameterSettings.h"
 #include "options/optionPitch.h"
 #include "options/optionSpectrogram.h"
-#include "options/optionParameterSettings.h"
 #include "options/optionsParameters.h"
 #include "options/parametersTableView.h"
 
