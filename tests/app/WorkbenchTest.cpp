@@ -53,7 +53,7 @@ void typeInto(DocumentWindow* w, int row, int column, int number)
 // rejected, so that a test never hangs on it.
 void rejectStrayModals(QWidget* answered)
 {
-    auto* poll = new QTimer;
+    auto* poll = new QTimer(qApp); // owned by the application, so a poll still running at exit goes with it
     auto tries = std::make_shared<int>(0);
     QPointer<QWidget> expected(answered);
     QObject::connect(poll, &QTimer::timeout, [poll, tries, expected] {
@@ -80,7 +80,7 @@ void rejectStrayModals(QWidget* answered)
 // anything else that comes up modally is rejected so that a test never hangs on it.
 template <typename T> void whenModal(std::function<void(T*)> answer)
 {
-    auto* poll = new QTimer;
+    auto* poll = new QTimer(qApp); // owned by the application, so a poll still running at exit goes with it
     auto tries = std::make_shared<int>(0);
     QObject::connect(poll, &QTimer::timeout, [poll, tries, answer] {
         QWidget* modal = QApplication::activeModalWidget();
