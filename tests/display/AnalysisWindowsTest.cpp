@@ -1,4 +1,8 @@
 // The analysis windows under the offscreen platform: what they computed, not their pixels.
+#include "analysis/TestSignals.h"
+namespace testsignals = signals; // before Qt's `signals` keyword
+
+#include "display/TestChannels.h"
 #include "display/gui/FFTLPCWindow.h"
 #include "display/gui/PictureExport.h"
 #include "display/gui/SpectrogramPitchWindow.h"
@@ -53,13 +57,9 @@ struct AnalysisWindows : ::testing::Test {
     // Replaces a channel's samples by a sine of amplitude 0.5.
     void setSine(int channel, double hz, int samples)
     {
-        Channels& c = *doc.getChannel(channel);
-        c.m_hData = MemoryBlock::newHandleClear(samples * sizeof(float));
-        for (int i = 0; i < samples; ++i)
-            c.m_hData->floats()[i] = static_cast<float>(0.5 * std::sin(2.0 * M_PI * hz * i / kRate));
-        c.m_dwFileLength = samples;
-        c.m_dSampleRate = kRate;
-        c.m_dLengthMS = samples * 1000.0 / kRate;
+        setSamples(*doc.getChannel(channel), testsignals::toFloat(testsignals::sine(samples, hz, kRate, 0.5)),
+                   kRate);
+        doc.getChannel(channel)->m_dLengthMS = samples * 1000.0 / kRate;
     }
 };
 
