@@ -88,6 +88,30 @@ TEST(KlattEngine, EveryGlottalSourceRepeatsAtThePitchPeriod)
     }
 }
 
+TEST(KlattEngine, OpenPhaseLimits)
+{
+    struct Case {
+        int source, f0, oq, open;
+    };
+    const Case cases[] = {
+        {2, 1000, 5, 40},    // too short: raised to 40
+        {2, 1000, 200, 439}, // longer than the period (441): cut to period - 2
+        {2, 500, 100, 400},  // longer than the shape table: last shape used
+        {1, 500, 100, 263},  // impulsive source: capped at 263
+    };
+    for (const Case& c : cases) {
+        klatt_frame_t f = quietFactoryFrame();
+        f.f0 = c.f0;
+        f.oq = c.oq;
+        klatt_global_t run = preparedRun(11025, 5, 110, c.source);
+        EXPECT_FALSE(allZero(runFrames(run, f, 20)));
+        EXPECT_EQ(run.open_len, c.open) << "oq " << c.oq;
+        if (c.source == 2) {
+            EXPECT_EQ(run.pulse_b, CKlattEngine::B0[std::min(c.open - 40, 223)]);
+        }
+    }
+}
+
 TEST(KlattEngine, VoicingIsWrittenBackAndPoleZeroPairCancels)
 {
     // The voicing the engine used (av - 7 dB) is written back into the caller's frame.
