@@ -1,6 +1,7 @@
 #pragma once
 // Helpers shared by the data-entry window tests and benchmarks: long documents and their cells
 // (and, from the headers below, widget events and recordings as the bytes of WAVE files).
+#include "app/TestFiles.h"
 #include "app/WidgetEvents.h"
 #include "display/TestChannels.h"
 #include "document/MyDocument.h"

@@ -196,10 +196,6 @@ TEST_F(TraceWindow, EnterAllDataEqualsTheCommandLineByteForByte)
     const std::string cliCopy = (folder / "cli.stk").string();
     const std::string command = std::string(TESSAPHON_CLI) + " trace " + wav + " -o " + cliCopy;
     ASSERT_EQ(std::system(command.c_str()), 0);
-    const auto slurp = [](const std::string& path) {
-        std::ifstream in(path, std::ios::binary);
-        return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    };
     const std::string a = slurp(windowCopy);
     EXPECT_FALSE(a.empty());
     EXPECT_TRUE(a == slurp(cliCopy));

@@ -2,6 +2,7 @@
 #include "analysis/TestSignals.h"
 namespace testsignals = signals; // before Qt's `signals` keyword
 
+#include "app/TestFiles.h"
 #include "display/TestChannels.h"
 #include "display/gui/FFTLPCWindow.h"
 #include "display/gui/PictureExport.h"
@@ -37,11 +38,8 @@ struct AnalysisWindows : ::testing::Test {
 
     void SetUp() override
     {
-        std::ifstream in(TESSAPHON_SOURCE_DIR "/examples/vowel-a.stk", std::ios::binary);
-        std::ostringstream bytes;
-        bytes << in.rdbuf();
         int error = 0;
-        ASSERT_TRUE(doc.readFromData(bytes.str(), "stk", &error));
+        ASSERT_TRUE(doc.readFromData(slurp(TESSAPHON_SOURCE_DIR "/examples/vowel-a.stk"), "stk", &error));
         doc.buildDataTableDictionary();
         Log::setSink([](const std::string&) {});
         doc.Synthesize();
