@@ -1,5 +1,6 @@
 #include "table/mainTable.h"
 
+#include "app/TestFiles.h"
 #include "audio/AudioPlayer.h"
 #include "document/Log.h"
 #include "document/MyDocument.h"
@@ -215,10 +216,7 @@ TEST(mainTable, TwoPlaysSynthesizeOnceAndTheOutputGetsTheSamples)
 
     // What the output received: after the priming silence, the synthesized samples (the
     // whole requests of them).
-    std::ifstream in(capture, std::ios::binary);
-    std::vector<char> bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    std::vector<float> heard(bytes.size() / 4);
-    std::memcpy(heard.data(), bytes.data(), heard.size() * 4);
+    const std::vector<float> heard = slurpFloats(capture);
     const float* synthesized = f.doc.getChannel(0)->samples();
     const std::size_t played = f.doc.getChannel(0)->sampleCount() / 512 * 512;
     ASSERT_GT(played, 0u);
@@ -282,8 +280,7 @@ TEST(mainTable, SaveAudioWritesTheSynthesis)
     const std::string path = std::string(std::getenv("AUDIO_CAPTURE_FILE")) + ".audio.wav";
     ASSERT_FALSE(f.table->_bSynthesize);
     ASSERT_TRUE(f.table->saveAudioTo(QString::fromStdString(path)));
-    std::ifstream in(path, std::ios::binary);
-    std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    const std::string bytes = slurp(path);
     ASSERT_GE(bytes.size(), 48u);
     EXPECT_EQ(bytes.substr(0, 4), "RIFF");
     EXPECT_EQ(bytes.size(), 48u + 2 * 2205);
@@ -318,10 +315,7 @@ TEST(mainTable, PlaySelectionPlaysExactlyTheSelectedFrames)
     EXPECT_EQ(f.logged("strat synthesize"), 1);
     ASSERT_EQ(f.doc.getChannel(0)->sampleCount(), 2205u);
 
-    std::ifstream in(capture, std::ios::binary);
-    std::vector<char> bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    std::vector<float> heard(bytes.size() / 4);
-    std::memcpy(heard.data(), bytes.data(), heard.size() * 4);
+    const std::vector<float> heard = slurpFloats(capture);
     const float* selected = f.doc.getChannel(0)->samples() + 4 * 110;
     const auto at = std::search(heard.begin(), heard.end(), selected, selected + 4 * 110);
     ASSERT_NE(at, heard.end()) << "the selected frames were not heard as they are";
