@@ -1,5 +1,6 @@
 #include "app/DocumentWindow.h"
 #include "app/RecoveryDialog.h"
+#include "app/TestFiles.h"
 #include "app/WorkbenchApplication.h"
 #include "display/TestChannels.h"
 #include "document/MyDocument.h"
@@ -103,10 +104,7 @@ template <typename T> void whenModal(std::function<void(T*)> answer)
 
 std::string fileText(const QString& path)
 {
-    std::ifstream in(path.toStdString(), std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
+    return slurp(path.toStdString());
 }
 
 // A 0.4 s recording written by the document's own wave writer.
