@@ -33,8 +33,28 @@ void TimeGrids(QPainter& painter, const QRect& area, double startMS, double endM
 std::vector<GridLabel> timeGridLabels(const QFontMetrics& metrics, const QRect& area, double startMS,
                                       double endMS, double stepMS);
 
+// Where the value labels of a grid go: none; inside the area at its left edge, just above their
+// lines; or outside it, right-aligned in the margin left of the area and centred on their lines.
+enum class ValueLabels { None, Inside, Outside };
+
 // Horizontal lines at low, low + step, ... up to high, at y = bottom - value x height /
-// fullScale; lines above the top edge are left out. Each line is labelled with its value
-// in the left margin of the area, and the topmost label carries the unit (`label`).
+// fullScale; lines above the top edge are left out. Lines are labelled with their value as
+// `where` says (every line, or every second, ... line so that labels never overlap), and the
+// topmost label carries the unit (`label`).
 void DrawAnyGrid(QPainter& painter, const QRect& area, double low, double high, double step, double fullScale,
-                 const QString& label);
+                 const QString& label, ValueLabels where = ValueLabels::Inside);
+
+// The labels DrawAnyGrid draws for that grid, bottom to top, in the font of `metrics`.
+std::vector<GridLabel> valueGridLabels(const QFontMetrics& metrics, const QRect& area, double low,
+                                       double high, double step, double fullScale, const QString& unit,
+                                       ValueLabels where);
+
+// Appends to `kept` the labels of `labels`, in order, whose box lies inside `bounds` and meets
+// neither a box of `taken` nor a label kept before it; the kept boxes join `taken`. Called
+// with the labels that matter most first, so that those win where two would collide.
+void keepClearLabels(const std::vector<GridLabel>& labels, const QRect& bounds, std::vector<QRect>& taken,
+                     std::vector<GridLabel>& kept);
+
+// Draws labels in the grid's label colour; with `backed` each on a light box, so that it
+// stays readable over a picture or a track.
+void DrawGridLabels(QPainter& painter, const std::vector<GridLabel>& labels, bool backed);
