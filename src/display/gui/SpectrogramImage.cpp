@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 void SpectrogramImage::SetColors()
 {
@@ -31,6 +32,8 @@ void SpectrogramImage::DrawSpectrogramBMP(QImage& image, const SpectrogramComput
 {
     if (image.isNull())
         return;
+    if (image.depth() != 32)
+        image = image.convertToFormat(QImage::Format_RGB32);
     image.fill(m_ramp[0]);
     {
         QPainter frame(&image);
@@ -46,17 +49,23 @@ void SpectrogramImage::DrawSpectrogramBMP(QImage& image, const SpectrogramComput
     const double sx = static_cast<double>(width) / columns;
     const double sy = static_cast<double>(height) / rows;
     const int p = std::max(static_cast<int>(sx), 1);
+    // The image row of every value row, worked out once for all columns: -1 for a row that
+    // falls outside the image. Pixels are written straight into the image's lines, which are
+    // 32-bit words in this format.
+    std::vector<QRgb*> line(static_cast<std::size_t>(rows), nullptr);
+    for (int y = 0; y < rows; ++y) {
+        const int py = height - (static_cast<int>(sy * y) + p);
+        if (py >= 0 && py < height)
+            line[static_cast<std::size_t>(y)] = reinterpret_cast<QRgb*>(image.scanLine(py));
+    }
     for (int x = 0; x < columns; ++x) {
         const int px = static_cast<int>(sx * x) + p;
         if (px < 0 || px >= width)
             continue;
         const double* frame = levels.frame(x);
-        for (int y = 0; y < rows; ++y) {
-            const int py = height - (static_cast<int>(sy * y) + p);
-            if (py < 0 || py >= height)
-                continue;
-            image.setPixel(px, py, m_ramp[static_cast<std::size_t>(rampPosition(frame[y], dynamicRange))]);
-        }
+        for (int y = 0; y < rows; ++y)
+            if (QRgb* pixels = line[static_cast<std::size_t>(y)])
+                pixels[px] = m_ramp[static_cast<std::size_t>(rampPosition(frame[y], dynamicRange))];
     }
 }
 

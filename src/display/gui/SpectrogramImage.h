@@ -31,7 +31,8 @@ public:
     // display rectangle): the image is filled with the silence colour and framed, then value
     // (x, y) goes to the pixel at left + trunc(sx x) + p, bottom - (trunc(sy y) + p), with
     // sx = width / columns, sy = height / rows and p = trunc(sx) or 1 when that is 0. Pixels
-    // that fall outside the image are left out.
+    // that fall outside the image are left out. An image of another depth than 32 bits per pixel
+    // is made Format_RGB32 first.
     void DrawSpectrogramBMP(QImage& image, const SpectrogramComputation& levels, int columns, int rows,
                             int dynamicRange) const;
 
