@@ -19,14 +19,6 @@ void SpectrogramImage::SetColors()
     }
 }
 
-int SpectrogramImage::rampPosition(double level, int dynamicRange)
-{
-    if (dynamicRange <= 0 || !std::isfinite(level))
-        return level > 0.0 ? kRampSize - 1 : 0;
-    const double position = std::trunc(level * 256.0 / dynamicRange);
-    return static_cast<int>(std::clamp(position, 0.0, static_cast<double>(kRampSize - 1)));
-}
-
 void SpectrogramImage::DrawSpectrogramBMP(QImage& image, const SpectrogramComputation& levels, int columns,
                                           int rows, int dynamicRange) const
 {
@@ -58,14 +50,26 @@ void SpectrogramImage::DrawSpectrogramBMP(QImage& image, const SpectrogramComput
         if (py >= 0 && py < height)
             line[static_cast<std::size_t>(y)] = reinterpret_cast<QRgb*>(image.scanLine(py));
     }
+    std::vector<int> column(static_cast<std::size_t>(columns), -1);
     for (int x = 0; x < columns; ++x) {
         const int px = static_cast<int>(sx * x) + p;
-        if (px < 0 || px >= width)
-            continue;
-        const double* frame = levels.frame(x);
-        for (int y = 0; y < rows; ++y)
-            if (QRgb* pixels = line[static_cast<std::size_t>(y)])
-                pixels[px] = m_ramp[static_cast<std::size_t>(rampPosition(frame[y], dynamicRange))];
+        if (px >= 0 && px < width)
+            column[static_cast<std::size_t>(x)] = px;
+    }
+    // Columns are taken a band at a time and the band is written row by row: the pixels of a
+    // band's row share a cache line, where writing whole columns would touch one line per pixel.
+    constexpr int kBand = 16;
+    for (int x0 = 0; x0 < columns; x0 += kBand) {
+        const int x1 = std::min(columns, x0 + kBand);
+        for (int y = 0; y < rows; ++y) {
+            QRgb* pixels = line[static_cast<std::size_t>(y)];
+            if (!pixels)
+                continue;
+            for (int x = x0; x < x1; ++x)
+                if (const int px = column[static_cast<std::size_t>(x)]; px >= 0)
+                    pixels[px] =
+                        m_ramp[static_cast<std::size_t>(rampPosition(levels.frame(x)[y], dynamicRange))];
+        }
     }
 }
 

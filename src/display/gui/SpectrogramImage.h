@@ -7,7 +7,10 @@
 // Plain object: a worker thread may draw into a QImage it owns (QImage is not a widget), so
 // the picture is made together with the computation and the GUI thread only paints it.
 #include <QImage>
+
 #include <QRgb>
+#include <algorithm>
+#include <cmath>
 
 #include <array>
 
@@ -25,7 +28,15 @@ public:
     void SetColors();
     QRgb rampColor(int position) const { return m_ramp[static_cast<std::size_t>(position)]; }
     // Ramp position of a level: trunc(level x 256 / dynamicRange), kept within the ramp.
-    static int rampPosition(double level, int dynamicRange);
+    // Inline and without branches on the level's value: it runs once for every pixel of a
+    // picture. Infinite levels land on the ends of the ramp, an undefined one at its start.
+    static int rampPosition(double level, int dynamicRange)
+    {
+        if (dynamicRange <= 0 || std::isnan(level))
+            return level > 0.0 ? kRampSize - 1 : 0;
+        const double position = std::trunc(level * 256.0 / dynamicRange);
+        return static_cast<int>(std::min(std::max(position, 0.0), static_cast<double>(kRampSize - 1)));
+    }
 
     // Draws `columns` x `rows` values of the computation into `image` (its whole area is the
     // display rectangle): the image is filled with the silence colour and framed, then value
