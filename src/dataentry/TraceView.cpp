@@ -300,26 +300,15 @@ void TraceView::drawTrace(QPainter& painter) const
 
 std::vector<GridLabel> TraceView::gridLabels(const QFontMetrics& metrics) const
 {
-    std::vector<GridLabel> kept;
     if (!_pDoc)
-        return kept;
-    // The caption stands where it is; the value labels come before the time labels, which
-    // give way where the two would meet in the top left corner.
-    std::vector<QRect> taken;
-    const QRect caption = captionBox();
-    if (!caption.isEmpty())
-        taken.push_back(caption);
-    const ValueGrid grid = valueGrid();
-    keepClearLabels(valueGridLabels(metrics, rect(), grid.low, grid.high, grid.step, grid.fullScale,
-                                    grid.label, ValueLabels::Inside),
-                    rect(), taken, kept);
+        return {};
+    std::optional<TimeSpan> times;
     if (timeLabels()) {
         const auto [startMS, endMS] = m_axis->visibleMS(gridLengthMS(), width());
-        keepClearLabels(timeGridLabels(metrics, rect(), startMS, endMS,
-                                       m_axis->timeGridStep(_pDoc->m_nSpecTimeGrid, gridLengthMS(), width())),
-                        rect(), taken, kept);
+        times =
+            TimeSpan{startMS, endMS, m_axis->timeGridStep(_pDoc->m_nSpecTimeGrid, gridLengthMS(), width())};
     }
-    return kept;
+    return plotLabels(metrics, rect(), valueGrid(), times, captionBox());
 }
 
 QFont TraceView::captionFont() const

@@ -75,10 +75,7 @@ signals:
     void committed();
 
 protected:
-    struct ValueGrid {
-        double low = 0.0, high = 0.0, step = 0.0, fullScale = 1.0;
-        QString label;
-    };
+    using ValueGrid = ::ValueGrid;
 
     TraceView(double fullScale, std::vector<std::string> keys, std::vector<int> rows, QWidget* parent);
 

@@ -191,6 +191,22 @@ void keepClearLabels(const std::vector<GridLabel>& labels, const QRect& bounds, 
     }
 }
 
+std::vector<GridLabel> plotLabels(const QFontMetrics& metrics, const QRect& area, const ValueGrid& grid,
+                                  const std::optional<TimeSpan>& times, const QRect& caption)
+{
+    std::vector<GridLabel> kept;
+    std::vector<QRect> taken;
+    if (!caption.isEmpty())
+        taken.push_back(caption);
+    keepClearLabels(valueGridLabels(metrics, area, grid.low, grid.high, grid.step, grid.fullScale, grid.label,
+                                    ValueLabels::Inside),
+                    area, taken, kept);
+    if (times)
+        keepClearLabels(timeGridLabels(metrics, area, times->startMS, times->endMS, times->stepMS), area,
+                        taken, kept);
+    return kept;
+}
+
 void DrawGridLabels(QPainter& painter, const std::vector<GridLabel>& labels, bool backed)
 {
     if (labels.empty())

@@ -10,6 +10,7 @@
 #include <QRect>
 #include <QString>
 
+#include <optional>
 #include <vector>
 
 class QFontMetrics;
@@ -54,6 +55,23 @@ std::vector<GridLabel> valueGridLabels(const QFontMetrics& metrics, const QRect&
 // with the labels that matter most first, so that those win where two would collide.
 void keepClearLabels(const std::vector<GridLabel>& labels, const QRect& bounds, std::vector<QRect>& taken,
                      std::vector<GridLabel>& kept);
+
+// A value grid as a plot describes it: lines from low to high at step, the value fullScale at the
+// top edge, the unit on the topmost label.
+struct ValueGrid {
+    double low = 0.0, high = 0.0, step = 0.0, fullScale = 1.0;
+    QString label;
+};
+
+// The visible part of a time axis and its grid step, in ms.
+struct TimeSpan {
+    double startMS = 0.0, endMS = 0.0, stepMS = 0.0;
+};
+
+// The labels of a plot that carries them inside `area`: the value labels of `grid` first, then,
+// with `times`, the time labels along the top where they find room; none over `caption`.
+std::vector<GridLabel> plotLabels(const QFontMetrics& metrics, const QRect& area, const ValueGrid& grid,
+                                  const std::optional<TimeSpan>& times, const QRect& caption);
 
 // Draws labels in the grid's label colour; with `backed` each on a light box, so that it
 // stays readable over a picture or a track.
