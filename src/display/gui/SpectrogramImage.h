@@ -29,13 +29,14 @@ public:
     QRgb rampColor(int position) const { return m_ramp[static_cast<std::size_t>(position)]; }
     // Ramp position of a level: trunc(level x 256 / dynamicRange), kept within the ramp.
     // Inline and without branches on the level's value: it runs once for every pixel of a
-    // picture. Infinite levels land on the ends of the ramp, an undefined one at its start.
+    // picture. Clamping before the conversion makes it truncate exactly as trunc() would;
+    // max(0, NaN) is 0, so an undefined level lands at the ramp's start.
     static int rampPosition(double level, int dynamicRange)
     {
-        if (dynamicRange <= 0 || std::isnan(level))
+        if (dynamicRange <= 0)
             return level > 0.0 ? kRampSize - 1 : 0;
-        const double position = std::trunc(level * 256.0 / dynamicRange);
-        return static_cast<int>(std::min(std::max(position, 0.0), static_cast<double>(kRampSize - 1)));
+        const double position = level * 256.0 / dynamicRange;
+        return static_cast<int>(std::min(static_cast<double>(kRampSize - 1), std::max(0.0, position)));
     }
 
     // Draws `columns` x `rows` values of the computation into `image` (its whole area is the
