@@ -89,6 +89,7 @@ void MyDocument::fillDataTableDictionary(int columns, int interval, bool fromGri
         frameModel[row].setDefinition(frameCellDefinition(p, name.background));
     }
 
+    const DataGrid& grid = c.m_snppDataImage_Col_Row; // read only: unwritten columns stay unstored
     _dataTableDictionary.removeAllObjects();
     _dataTableDictionary.reserve(static_cast<std::size_t>(columns) + 1);
     for (int col = 0; col <= columns; ++col) {
@@ -104,7 +105,7 @@ void MyDocument::fillDataTableDictionary(int columns, int interval, bool fromGri
                 cell.adoptDefinition(nameModel[row]);
                 continue;
             }
-            const int value = gridColumn ? c.m_snppDataImage_Col_Row[frame][row] : p.nValue;
+            const int value = gridColumn ? grid[frame][row] : p.nValue;
             cell.adoptDefinition(frameModel[row]);
             cell.set_nValue(value);
             cell.set_bAnchor(fromGrid && anchors[static_cast<std::size_t>(frame) * kParameterCount + row]);

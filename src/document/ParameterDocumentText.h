@@ -7,6 +7,7 @@
 // its anchor section holds the anchors of hidden rows too, and reading it keeps the document's
 // file type and audio state (it restores the grid, not the file's identity).
 #include <string>
+#include <string_view>
 
 class MyDocument;
 
@@ -19,5 +20,4 @@ void writeParameterText(MyDocument& document, bool allRows, ParameterTextUse use
 
 // Reads the text into channel 0 (settings, selection flags, anchors, grid) and the display
 // colours. Answers 0, or -1 with `reason` set and the document unchanged.
-int readParameterText(MyDocument& document, const std::string& text, ParameterTextUse use,
-                      std::string& reason);
+int readParameterText(MyDocument& document, std::string_view text, ParameterTextUse use, std::string& reason);

@@ -236,7 +236,7 @@ std::string MyDocument::Save_STK_FileType(bool allRows)
     return text;
 }
 
-int MyDocument::Read_STK_FileType(const std::string& bytes)
+int MyDocument::Read_STK_FileType(std::string_view bytes)
 {
     return readParameterText(*this, bytes, ParameterTextUse::File, m_strReadError);
 }
