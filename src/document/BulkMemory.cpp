@@ -24,31 +24,24 @@ constexpr bool kMapLargeBuffers = true;
 #endif
 
 constexpr std::size_t kHugePage = std::size_t{2} << 20;
-constexpr std::size_t kPage = 4096;
 
 std::size_t roundUp(std::size_t bytes, std::size_t unit)
 {
     return (bytes + unit - 1) / unit * unit;
 }
 
-// The length mapped for a buffer: whole pages, and whole large pages from 2 MB on, so that the
-// large pages back it to its last byte (a partly covered large page would fall back to small
-// pages, one fault each).
+// The length mapped for a buffer: whole large pages, so that they back it to its last byte (a
+// partly covered large page would fall back to small pages, one fault each).
 std::size_t mappedLength(std::size_t bytes)
 {
-    const std::size_t length = roundUp(bytes, kPage);
-    return length < kHugePage ? length : roundUp(length, kHugePage);
+    return roundUp(bytes, kHugePage);
 }
 
-// Whole pages from the system, zero-filled by it. Mappings of 2 MB and more start on a 2 MB
-// boundary so that the large pages can back them from the first byte on.
+// Whole pages from the system, zero-filled by it, starting on a 2 MB boundary so that the large
+// pages can back them from the first byte on.
 void* mapPages(std::size_t bytes)
 {
     const std::size_t length = mappedLength(bytes);
-    if (length < kHugePage) {
-        void* p = ::mmap(nullptr, length, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-        return p == MAP_FAILED ? nullptr : p;
-    }
     // Map a large page more than needed and give back the ends outside the aligned range.
     void* raw =
         ::mmap(nullptr, length + kHugePage, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);

@@ -10,8 +10,9 @@
 namespace bulk
 {
 
-// Buffers of at least this many bytes are mapped pages; smaller ones come from the heap.
-constexpr std::size_t kMappedBytes = std::size_t{1} << 20;
+// Buffers of at least this many bytes are mapped in whole large pages (2 MB each, so a buffer
+// may hold up to 2 MB more than it asked for); smaller ones come from the heap.
+constexpr std::size_t kMappedBytes = std::size_t{512} << 10;
 
 enum class Fill { Zeroed, Uninitialised };
 

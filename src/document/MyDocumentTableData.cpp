@@ -3,6 +3,7 @@
 
 #include "document/DocumentException.h"
 
+#include <algorithm>
 #include <array>
 #include <memory>
 #include <new>
@@ -92,8 +93,16 @@ void MyDocument::fillDataTableDictionary(int columns, int interval, bool fromGri
     const DataGrid& grid = c.m_snppDataImage_Col_Row; // read only: unwritten columns stay unstored
     _dataTableDictionary.removeAllObjects();
     _dataTableDictionary.reserve(static_cast<std::size_t>(columns) + 1);
+    // Cells are made for kColumnsPerBlock columns at a time.
+    constexpr int kColumnsPerBlock = 64;
+    std::shared_ptr<ImageAndTextCell[]> block;
     for (int col = 0; col <= columns; ++col) {
-        CellArray cells = ImageAndTextCell::newColumn(kParameterCount);
+        const int inBlock = col % kColumnsPerBlock;
+        if (inBlock == 0)
+            block = ImageAndTextCell::newCells(
+                static_cast<std::size_t>(std::min(kColumnsPerBlock, columns + 1 - col)) * kParameterCount);
+        CellArray cells = ImageAndTextCell::columnOf(
+            block, static_cast<std::size_t>(inBlock) * kParameterCount, kParameterCount);
         const int frame = col - 1;
         const bool gridColumn =
             fromGrid && col > 0 && static_cast<std::size_t>(frame) < c.m_snppDataImage_Col_Row.size();
