@@ -23,6 +23,7 @@ constexpr bool kMapLargeBuffers = true;
 constexpr bool kMapLargeBuffers = true;
 #endif
 
+constexpr std::size_t kLargestBytes = (std::size_t{1} << 40) - (std::size_t{4} << 20);
 constexpr std::size_t kHugePage = std::size_t{2} << 20;
 
 std::size_t roundUp(std::size_t bytes, std::size_t unit)
@@ -67,6 +68,10 @@ void* allocate(std::size_t bytes, Fill fill)
 {
     if (bytes == 0)
         bytes = 1;
+    // Nothing here needs a terabyte: a request that large is refused before any rounding could
+    // wrap (and before the address sanitizer's allocator would stop the program over it).
+    if (bytes > kLargestBytes)
+        return nullptr;
     if (kMapLargeBuffers && bytes >= kMappedBytes)
         return mapPages(bytes);
     const std::size_t rounded = roundUp(bytes, 16);

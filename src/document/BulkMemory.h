@@ -16,7 +16,8 @@ constexpr std::size_t kMappedBytes = std::size_t{512} << 10;
 
 enum class Fill { Zeroed, Uninitialised };
 
-// `bytes` bytes (at least one), 16-byte aligned; nullptr when the memory cannot be had.
+// `bytes` bytes (at least one), 16-byte aligned; nullptr when the memory cannot be had (always
+// for a terabyte or more).
 // Uninitialised memory holds unspecified bytes: the caller writes every byte it reads.
 void* allocate(std::size_t bytes, Fill fill);
 void release(void* pointer, std::size_t bytes) noexcept;

@@ -48,7 +48,9 @@ TEST(LargeBuffers, ClearedBlocksAreZeroAtEverySizeAndUnclearedOnesKeepTheirPaddi
         EXPECT_TRUE(allZero(block->bytes() + size, padded - size)) << size;
     }
     EXPECT_FALSE(MemoryBlock::newHandle(SIZE_MAX - 2));
-    EXPECT_FALSE(MemoryBlock::newHandleClear(std::size_t{1} << 62));
+    EXPECT_FALSE(MemoryBlock::newHandleClear(std::size_t{1} << 41));
+    EXPECT_EQ(bulk::allocate(SIZE_MAX - 4096, bulk::Fill::Uninitialised), nullptr);
+    EXPECT_THROW(bulk::Allocator<double>().allocate(SIZE_MAX / 8), std::bad_alloc);
 }
 
 TEST(LargeBuffers, ADuplicateHoldsTheSourcesSamplesAndZerosWhereTheSourceHasNone)
