@@ -12,8 +12,11 @@
 #include "document/BulkMemory.h"
 
 #include <array>
+#include <compare>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
+#include <utility>
 #include <vector>
 
 constexpr int kGridRows = 50; // 16-bit cells per grid column
@@ -23,6 +26,55 @@ using GridColumn = std::array<std::int16_t, kGridRows>;
 class DataGrid
 {
 public:
+    // Reads the columns in order, stored or made, without storing any (random access).
+    class const_iterator
+    {
+    public:
+        using iterator_category = std::random_access_iterator_tag;
+        using value_type = GridColumn;
+        using difference_type = std::ptrdiff_t;
+        using pointer = const GridColumn*;
+        using reference = const GridColumn&;
+
+        const_iterator() = default;
+        const_iterator(const DataGrid* grid, std::size_t index) : m_pGrid(grid), m_nIndex(index) {}
+        reference operator*() const { return (*m_pGrid)[m_nIndex]; }
+        pointer operator->() const { return &**this; }
+        reference operator[](difference_type n) const { return *(*this + n); }
+        const_iterator& operator++() { return *this += 1; }
+        const_iterator operator++(int) { return std::exchange(*this, *this + 1); }
+        const_iterator& operator--() { return *this -= 1; }
+        const_iterator operator--(int) { return std::exchange(*this, *this - 1); }
+        const_iterator& operator+=(difference_type n)
+        {
+            m_nIndex = static_cast<std::size_t>(static_cast<difference_type>(m_nIndex) + n);
+            return *this;
+        }
+        const_iterator& operator-=(difference_type n) { return *this += -n; }
+        friend const_iterator operator+(const_iterator i, difference_type n) { return i += n; }
+        friend const_iterator operator+(difference_type n, const_iterator i) { return i += n; }
+        friend const_iterator operator-(const_iterator i, difference_type n) { return i -= n; }
+        friend difference_type operator-(const const_iterator& a, const const_iterator& b)
+        {
+            return static_cast<difference_type>(a.m_nIndex) - static_cast<difference_type>(b.m_nIndex);
+        }
+        friend bool operator==(const const_iterator& a, const const_iterator& b)
+        {
+            return a.m_nIndex == b.m_nIndex;
+        }
+        friend auto operator<=>(const const_iterator& a, const const_iterator& b)
+        {
+            return a.m_nIndex <=> b.m_nIndex;
+        }
+
+    private:
+        const DataGrid* m_pGrid = nullptr;
+        std::size_t m_nIndex = 0;
+    };
+
+    const_iterator begin() const { return {this, 0}; }
+    const_iterator end() const { return {this, m_nColumns}; }
+
     std::size_t size() const { return m_nColumns; }
     bool empty() const { return m_nColumns == 0; }
     void clear();

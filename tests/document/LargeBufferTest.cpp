@@ -108,6 +108,13 @@ TEST(LargeBuffers, ALengthDeclaredFarBeyondTheTextCostsOnlyTheFramesItHolds)
     EXPECT_EQ(grid[360000][Row::f0], 0);
     EXPECT_EQ(grid[360001][Row::f0], 0);
     EXPECT_EQ(grid.storedColumns(), 3u) << "reading stores nothing";
+    // Copying the columns as a vector reads them the same way.
+    const std::vector<GridColumn> firstFive(grid.begin(), grid.begin() + 5);
+    ASSERT_EQ(firstFive.size(), 5u);
+    EXPECT_EQ(firstFive[1][Row::f1], 777);
+    EXPECT_EQ(firstFive[4][Row::f0], c->m_Parameters[Row::f0].nDefaultValue);
+    EXPECT_EQ(grid.end() - grid.begin(), 360002);
+    EXPECT_EQ(grid.storedColumns(), 3u);
 
     // A write stores the columns up to it, which keep what they read as.
     c->m_snppDataImage_Col_Row[10][Row::f2] = 1999;
