@@ -103,10 +103,10 @@ bool MyDocument::doRevertDocumentToSaved()
         m_strReadError = "there is no saved document to go back to";
         return false;
     }
-    std::string saved = _fileData;
+    const std::string saved = _fileData;
     const std::string typeName = _fileTypeName;
     int errorCode = 0;
-    if (!readFromData(std::move(saved), typeName, &errorCode))
+    if (!readFromData(saved, typeName, &errorCode))
         return false;
     buildDataTableDictionary();
     _arrayUndo.clear();
