@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Whole-process timings of tessaphon-cli on generated documents: wall time and peak resident
-# memory (medians of RUNS runs, from /usr/bin/time). Usage: bench/cli_bench.sh [build-dir]
+# Whole-process timings of tessaphon-cli on generated documents: wall time, CPU time (user +
+# system: on a machine busy with other work the wall time grows, the CPU time much less) and peak
+# resident memory, medians of RUNS runs, from /usr/bin/time. Usage: bench/cli_bench.sh [build-dir]
 #   RUNS=7 bench/cli_bench.sh build      QUICK=1 leaves out the one-hour cases
 set -euo pipefail
 BUILD=${1:-build}
@@ -59,20 +60,22 @@ median() { sort -g | awk '{ a[NR] = $1 } END { print (NR % 2) ? a[(NR + 1) / 2] 
 
 run_case() { # label command...
     local label=$1; shift
-    local times=() mems=()
+    local times=() cpus=() mems=()
     for _ in $(seq "$RUNS"); do
-        /usr/bin/time -f "%e %M" -o "$WORK/time.txt" "$@" >/dev/null 2>"$WORK/stderr.txt" || true
-        read -r t m <"$WORK/time.txt"
-        times+=("$t"); mems+=("$m")
+        /usr/bin/time -f "%e %U %S %M" -o "$WORK/time.txt" "$@" >/dev/null 2>"$WORK/stderr.txt" || true
+        read -r t u s m <"$WORK/time.txt"
+        times+=("$t"); cpus+=("$(echo "$u + $s" | bc -l)"); mems+=("$m")
     done
-    local tm mm
+    local tm cm mm
     tm=$(printf '%s\n' "${times[@]}" | median)
+    cm=$(printf '%s\n' "${cpus[@]}" | median)
     mm=$(printf '%s\n' "${mems[@]}" | median)
-    printf '%-44s %8.0f ms %8.0f MB\n' "$label" "$(echo "$tm * 1000" | bc -l)" "$(echo "$mm / 1024" | bc -l)"
+    printf '%-44s %8.0f ms %8.0f ms %8.0f MB\n' "$label" "$(echo "$tm * 1000" | bc -l)" "$(echo "$cm * 1000" | bc -l)" \
+        "$(echo "$mm / 1024" | bc -l)"
 }
 
 echo "load: $(uptime)"
-echo "case (median of $RUNS)                        wall       peak RSS"
+echo "case (median of $RUNS)                        wall          CPU       peak RSS"
 run_case "synth 60 s varying frames (22050 Hz)" "$CLI" synth "$WORK/60s.stk" -o "$WORK/out.wav"
 run_case "info 10-minute document" "$CLI" info "$WORK/10min.stk"
 run_case "awk splitting the 10-minute document" awk -F'\t' '{ n += NF } END { print n }' "$WORK/10min.stk"
@@ -83,3 +86,16 @@ if [ -z "${QUICK:-}" ]; then # QUICK=1 leaves out the one-hour cases
     run_case "synth 8 KB document declaring one hour" "$CLI" synth "$WORK/truncated-1h.stk" -o "$WORK/out.wav"
 fi
 run_case "formants 10 s, 1000 x 400" "$CLI" formants "$WORK/10s.wav" --columns 1000 --rows 400
+
+# Inputs per second of the document fuzz targets, when they are built (make fuzz): libFuzzer
+# with the address and undefined-behaviour sanitizers, FUZZ_SECONDS each on the kept corpus.
+FUZZ_BUILD=${FUZZ_BUILD:-build-fuzz}
+for target in fuzz_stk fuzz_undo; do
+    [ -x "$FUZZ_BUILD/bin/$target" ] || continue
+    corpus="$WORK/corpus-$target"
+    mkdir -p "$corpus"
+    "$FUZZ_BUILD/bin/$target" --make-seeds "$corpus" >/dev/null 2>&1 || true
+    rate=$("$FUZZ_BUILD/bin/$target" -max_total_time="${FUZZ_SECONDS:-10}" -print_final_stats=1 "$corpus" \
+        fuzz/corpus/$target 2>&1 | awk '/average_exec_per_sec/ { print $2 }')
+    printf '%-44s %8s inputs/s\n' "$target (libFuzzer, sanitizers)" "${rate:-?}"
+done

@@ -251,6 +251,24 @@ int CMathFunc::splint(const double* xa, const double* ya, const double* y2a, int
     return 0;
 }
 
+namespace
+{
+// The interval splint's bisection finds for x on the knots xa[k] = k - 1 (k = 1 .. n): the
+// largest klo in 1 .. n-1 with xa[klo] <= x, or 1 when there is none. Knots a unit apart let it
+// be computed instead of searched; a NaN, which every comparison fails, ends at n - 1 as the
+// bisection does.
+int unitKnotInterval(double x, int n)
+{
+    if (std::isnan(x))
+        return n - 1;
+    if (!(x >= 0.0))
+        return 1;
+    if (x >= n - 2)
+        return n - 1;
+    return static_cast<int>(x) + 1;
+}
+} // namespace
+
 void CMathFunc::Smooth(double* data, int n, int nOut, int frequencyRange, double sampleRate)
 {
     SplineArrays& s = splineArrays();
@@ -265,6 +283,20 @@ void CMathFunc::Smooth(double* data, int n, int nOut, int frequencyRange, double
         return;
     // Output point k stands for k * frequencyRange / nOut Hz: the bin of frequencyRange / nOut Hz.
     const double step = (frequencyRange / (sampleRate * 0.5)) * (n * 0.5) / nOut;
-    for (int k = 0; k < nOut; ++k)
-        splint(s.x.data(), s.y.data(), s.y2.data(), points, k * step, &data[k]);
+    if (points < 2)
+        return; // splint leaves every output point as it was
+    // splint at each output point, with the interval computed rather than searched.
+    const double* xa = s.x.data();
+    const double* ya = s.y.data();
+    const double* y2a = s.y2.data();
+    for (int k = 0; k < nOut; ++k) {
+        const double x = k * step;
+        const int klo = unitKnotInterval(x, points);
+        const int khi = klo + 1;
+        const double h = xa[khi] - xa[klo];
+        const double a = (xa[khi] - x) / h;
+        const double b = (x - xa[klo]) / h;
+        data[k] = a * ya[klo] + b * ya[khi] +
+                  ((a * a * a - a) * y2a[klo] + (b * b * b - b) * y2a[khi]) * (h * h) / 6.0;
+    }
 }

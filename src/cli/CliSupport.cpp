@@ -57,30 +57,12 @@ void setCliVerbose(bool verbose)
     });
 }
 
-std::string readWholeFile(const std::string& path)
+FileBytes readWholeFile(const std::string& path)
 {
     takeInHand(path);
-    std::ifstream in(path, std::ios::binary | std::ios::ate);
-    if (!in)
-        throw CliInputError{path, std::strerror(errno)};
-    // One read of the size the file has now; a file that is not seekable (a pipe) is read to its end.
-    std::string bytes;
-    const std::streamoff size = in.tellg();
-    if (size > 0) {
-        bytes.resize(static_cast<std::size_t>(size));
-        in.seekg(0);
-        in.read(bytes.data(), size);
-        bytes.resize(static_cast<std::size_t>(in.gcount()));
-        in.clear();
-    } else {
-        in.clear();
-        in.seekg(0);
-    }
-    char chunk[65536];
-    while (in.read(chunk, sizeof chunk) || in.gcount() > 0)
-        bytes.append(chunk, static_cast<std::size_t>(in.gcount()));
-    if (in.bad())
-        throw CliInputError{path, "read error"};
+    FileBytes bytes;
+    if (const int error = bytes.read(path); error != 0)
+        throw CliInputError{path, error == EIO ? "read error" : std::strerror(error)};
     return bytes;
 }
 
@@ -91,18 +73,26 @@ void writeWholeFile(const std::string& path, const std::string& bytes)
         throw CliInputError{path, std::string("cannot write: ") + std::strerror(error)};
 }
 
-std::unique_ptr<MyDocument> openDocument(const std::string& path, TableData table)
+void writeWholeFile(const std::string& path, const std::function<bool(const PieceWriter&)>& produce)
 {
-    return openDocumentBytes(path, readWholeFile(path), table);
+    takeInHand(path);
+    if (const int error = writeFileAtomically(path, produce); error != 0)
+        throw CliInputError{path, std::string("cannot write: ") + std::strerror(error)};
 }
 
-std::unique_ptr<MyDocument> openDocumentBytes(const std::string& path, const std::string& bytes,
+std::unique_ptr<MyDocument> openDocument(const std::string& path, TableData table)
+{
+    const FileBytes bytes = readWholeFile(path);
+    return openDocumentBytes(path, bytes.view(), table);
+}
+
+std::unique_ptr<MyDocument> openDocumentBytes(const std::string& path, std::string_view bytes,
                                               TableData table)
 {
     auto document = std::make_unique<MyDocument>();
     document->setFileURL(path);
     int errorCode = 0;
-    if (!document->readFromData(bytes, "stk", &errorCode)) {
+    if (!document->readFromBytes(bytes, "stk", &errorCode)) {
         const std::string& why = document->lastReadError();
         throw CliInputError{path, why.empty() ? "not a WAVE file or a parameter document" : why};
     }

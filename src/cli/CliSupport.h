@@ -8,6 +8,9 @@
 //   --force; an explicit -o replaces; every write is atomic (temporary file + rename);
 // - long runs show a progress bar on standard error when it is a terminal.
 // Any thread may call these, except where a function says otherwise.
+#include "cli/FileBytes.h"
+#include "document/AtomicFile.h"
+
 #include <CLI/CLI.hpp>
 
 #include <atomic>
@@ -40,10 +43,12 @@ void cliWarning(const std::string& file, const std::string& what);
 void setCliVerbose(bool verbose);
 
 // Reads a whole file; throws CliInputError when it cannot be read.
-std::string readWholeFile(const std::string& path);
+FileBytes readWholeFile(const std::string& path);
 // Writes a whole file atomically (temporary file in the same folder, then rename); throws
 // CliInputError naming the file when it cannot be written.
 void writeWholeFile(const std::string& path, const std::string& bytes);
+// The same for a file made piece by piece: `produce` hands each piece to the writer it is given.
+void writeWholeFile(const std::string& path, const std::function<bool(const PieceWriter&)>& produce);
 // Opens a parameter document or a WAVE file as the workbench does; throws CliInputError. A
 // document whose value lines stop before its declared length is read as far as it goes, and
 // values too large for the grid are read as their rows' limits: one warning line each on
@@ -53,7 +58,8 @@ void writeWholeFile(const std::string& path, const std::string& bytes);
 enum class TableData { Build, Skip };
 std::unique_ptr<MyDocument> openDocument(const std::string& path, TableData table = TableData::Build);
 // The same from bytes already read from `path`.
-std::unique_ptr<MyDocument> openDocumentBytes(const std::string& path, const std::string& bytes,
+// The document does not keep the bytes (the tool never reverts).
+std::unique_ptr<MyDocument> openDocumentBytes(const std::string& path, std::string_view bytes,
                                               TableData table);
 
 // The channel every analysis reads: the model utterance of an opened file; throws

@@ -31,9 +31,11 @@ void commandNew(double lengthMS, int intervalMS, const std::string& output)
 
 void synthesizeDocument(const std::string& input, const std::string& output)
 {
-    auto document = openDocument(input);
+    // The table data is not built: synthesis reads the values it would hold from the grid.
+    auto document = openDocument(input, TableData::Skip);
     document->Synthesize();
-    writeWholeFile(output, document->save_Wave_FileType());
+    // The WAVE image goes to the file piece by piece, never held whole.
+    writeWholeFile(output, [&document](const PieceWriter& write) { return document->writeWave(0, write); });
     // The file is written all the same: the samples beyond full scale were limited.
     if (const std::string clipping = document->clippingReport(); !clipping.empty())
         cliWarning(output, clipping);
@@ -107,11 +109,11 @@ void printDocumentInfo(MyDocument& document)
 
 void commandInfo(const std::string& path)
 {
-    const std::string bytes = readWholeFile(path);
+    const FileBytes bytes = readWholeFile(path);
     WaveFormat format;
-    if (parseWaveFormat(bytes, format)) {
+    if (parseWaveFormat(bytes.view(), format)) {
         // Read it the way the workbench opens it, so that a file it refuses is refused here too.
-        auto document = openDocumentBytes(path, bytes, TableData::Skip);
+        auto document = openDocumentBytes(path, bytes.view(), TableData::Skip);
         const Channels* model = document->getChannel(2);
         std::cout << "type: wave\n"
                   << "format: " << format.formatCode << "\n"
@@ -122,7 +124,7 @@ void commandInfo(const std::string& path)
                   << "length_ms: " << model->m_dLengthMS << "\n";
         return;
     }
-    auto document = openDocumentBytes(path, bytes, TableData::Skip);
+    auto document = openDocumentBytes(path, bytes.view(), TableData::Skip);
     printDocumentInfo(*document);
 }
 

@@ -10,6 +10,7 @@
 // thread, so several computations may run at once. An object is used by one thread at a time.
 // The cancel flag is checked once per column: a cancelled run leaves m_bHaveSpectrogram clear.
 #include "analysis/AnalysisRecords.h"
+#include "document/BulkMemory.h"
 #include "document/Channels.h"
 
 #include <array>
@@ -71,7 +72,8 @@ public:
                                   double ceiling, int vertical, int horizontal) const;
 
     SpectrogramSettings m_settings;
-    std::vector<double> m_phdDataFile; // W frames of m_nDataStorageLength + 100 doubles each
+    // W frames of m_nDataStorageLength + 100 doubles each: megabytes, so in large pages.
+    std::vector<double, bulk::Allocator<double>> m_phdDataFile;
     std::vector<FormantRecord> m_phsnFormants;
     std::int32_t m_nAllocatedStorageAmount = 0;
     std::int32_t m_nDisplayRange = 0;

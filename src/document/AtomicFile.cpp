@@ -9,11 +9,11 @@
 namespace
 {
 
-bool writeAll(int fd, const std::string& bytes)
+bool writeAll(int fd, const char* bytes, std::size_t size)
 {
     std::size_t done = 0;
-    while (done < bytes.size()) {
-        const ssize_t n = ::write(fd, bytes.data() + done, bytes.size() - done);
+    while (done < size) {
+        const ssize_t n = ::write(fd, bytes + done, size - done);
         if (n < 0 && errno == EINTR)
             continue;
         if (n <= 0)
@@ -27,6 +27,12 @@ bool writeAll(int fd, const std::string& bytes)
 
 int writeFileAtomically(const std::string& path, const std::string& bytes)
 {
+    return writeFileAtomically(
+        path, [&bytes](const PieceWriter& write) { return write(bytes.data(), bytes.size()); });
+}
+
+int writeFileAtomically(const std::string& path, const std::function<bool(const PieceWriter&)>& produce)
+{
     namespace fs = std::filesystem;
     const fs::path target(path);
     const fs::path folder = target.has_parent_path() ? target.parent_path() : fs::path(".");
@@ -37,8 +43,17 @@ int writeFileAtomically(const std::string& path, const std::string& bytes)
     struct stat old {
     };
     ::fchmod(fd, ::stat(path.c_str(), &old) == 0 ? (old.st_mode & 07777) : 0644);
-    const bool written = writeAll(fd, bytes) && ::fsync(fd) == 0;
-    const int writeError = errno;
+    errno = 0;
+    bool produced = false;
+    try {
+        produced = produce([fd](const char* bytes, std::size_t size) { return writeAll(fd, bytes, size); });
+    } catch (...) {
+        ::close(fd);
+        ::unlink(temporary.c_str());
+        throw;
+    }
+    const bool written = produced && ::fsync(fd) == 0;
+    const int writeError = errno != 0 ? errno : EIO;
     const bool closed = ::close(fd) == 0;
     if (!written || !closed || ::rename(temporary.c_str(), path.c_str()) != 0) {
         const int error = !written ? writeError : errno;

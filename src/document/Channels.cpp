@@ -20,24 +20,58 @@ std::unique_ptr<MemoryBlock> copyBlock(const std::unique_ptr<MemoryBlock>& sourc
 {
     if (!source)
         return nullptr;
-    auto block = MemoryBlock::newHandleClear(source->size());
+    auto block = fill ? MemoryBlock::newHandle(source->size()) : MemoryBlock::newHandleClear(source->size());
     if (block && fill)
         std::memcpy(block->bytes(), source->bytes(), source->size());
     return block;
 }
 } // namespace
 
+namespace
+{
+// The samples a duplicate holds: truncate(m_dwFileLength) of them, as many as the source's block
+// has copied and the rest zero. A source without samples yields an empty block, not a missing one.
+std::size_t duplicateBytes(const Channels& s)
+{
+    const std::size_t count = s.m_dwFileLength > 0.0 ? static_cast<std::size_t>(s.m_dwFileLength) : 0;
+    return count * sizeof(float);
+}
+
+std::unique_ptr<MemoryBlock> copySamples(const Channels& s)
+{
+    const std::size_t bytes = duplicateBytes(s);
+    auto block = MemoryBlock::newHandle(bytes);
+    if (!block)
+        return block;
+    const std::size_t copied = s.m_hData ? std::min(bytes, s.m_hData->size()) : 0;
+    if (copied > 0)
+        std::memcpy(block->bytes(), s.m_hData->bytes(), copied);
+    std::memset(block->bytes() + copied, 0, bytes - copied);
+    return block;
+}
+} // namespace
+
 void Channels::Duplicate(const Channels& s)
+{
+    m_hData = copySamples(s);
+    copyStateFrom(s);
+}
+
+void Channels::DuplicateTakingSamples(Channels& s)
+{
+    // The source's block is exactly what a copy would hold when it has the duplicate's size;
+    // a block being played stays where the player took it from.
+    if (s.m_hData && s.m_hData->size() == duplicateBytes(s) && !s.m_hData->isLocked())
+        m_hData = std::move(s.m_hData);
+    else
+        m_hData = copySamples(s);
+    copyStateFrom(s);
+}
+
+void Channels::copyStateFrom(const Channels& s)
 {
     m_nChannelType = s.m_nChannelType;
     m_nChannelsinFile = s.m_nChannelsinFile;
-
-    // A source without samples yields an empty block, not a missing one.
-    const std::size_t count = s.m_dwFileLength > 0.0 ? static_cast<std::size_t>(s.m_dwFileLength) : 0;
-    m_hData = MemoryBlock::newHandleClear(count * sizeof(float));
-    if (m_hData && s.m_hData)
-        std::memcpy(m_hData->bytes(), s.m_hData->bytes(), std::min(count * sizeof(float), s.m_hData->size()));
-
     m_dLengthMS = s.m_dLengthMS;
     m_dSampleRate = s.m_dSampleRate;
     m_dwFileLength = s.m_dwFileLength;

@@ -6,6 +6,7 @@
 // Fields are public: the other subsystems read and write them directly. Main thread only,
 // except that the audio thread reads the samples of a locked block while it plays.
 #include "document/Color.h"
+#include "document/DataGrid.h"
 #include "document/MemoryBlock.h"
 #include "document/ParameterDefinition.h"
 
@@ -35,8 +36,6 @@ struct FloatPoint {
     float x = 0.0f, y = 0.0f;
 };
 
-using GridColumn = std::array<std::int16_t, kGridRows>;
-
 class Channels
 {
 public:
@@ -48,6 +47,10 @@ public:
     // parameter table, not its anchor dictionary or calibration switch). The title and unit
     // strings are shared with the source, not copied.
     void Duplicate(const Channels& source);
+    // The same, but the source's samples move into this channel instead of being copied when
+    // they are exactly what the copy would hold; the source is then left without a block. For a
+    // source whose samples are about to be replaced anyway.
+    void DuplicateTakingSamples(Channels& source);
 
     // Fills m_hData with `length` samples decoded from `bytes` starting at byte `location`,
     // for 12, 16 or 32 bits per sample (`datasize`); see WaveFile.cpp. Never reads outside
@@ -138,6 +141,10 @@ public:
 
     // The grid (channel 0 only): column-major, one column of 50 cells per frame; built by
     // MyDocument::SetUpDataGridMemory with m_nColumnNum + 2 columns, the first m_nColumnNum
-    // holding values. Empty until built.
-    std::vector<GridColumn> m_snppDataImage_Col_Row;
+    // holding values. Empty until built. Only the columns written are held in memory.
+    DataGrid m_snppDataImage_Col_Row;
+
+private:
+    // Everything Duplicate copies except the samples.
+    void copyStateFrom(const Channels& source);
 };

@@ -149,22 +149,14 @@ int MyDocument::updateInterval()
 bool MyDocument::SetUpDataGridMemory()
 {
     Channels& c = *m_Channel[0];
-    c.m_snppDataImage_Col_Row.clear();
     const long long columns = c.m_nColumnNum < 0 ? 0 : static_cast<long long>(c.m_nColumnNum);
-    try {
-        // Two spare columns beyond the frames, as the grid has always had.
-        c.m_snppDataImage_Col_Row.assign(static_cast<std::size_t>(columns + 2), GridColumn{});
-    } catch (const std::bad_alloc&) {
-        c.m_snppDataImage_Col_Row.clear();
-        throw DocumentException::memoryError("Unable to allocate memory, in setupdatagrid");
-    } catch (const std::length_error&) {
-        c.m_snppDataImage_Col_Row.clear();
-        throw DocumentException::memoryError("Unable to allocate memory, in setupdatagrid");
-    }
-    for (long long col = 0; col < columns; ++col)
-        for (int row = 0; row < kParameterCount; ++row)
-            c.m_snppDataImage_Col_Row[col][row] =
-                static_cast<std::int16_t>(c.m_Parameters[row].nDefaultValue);
+    // Every frame column starts with the defaults; two spare columns of zeros follow the frames,
+    // as the grid has always had. Columns take memory once they are written.
+    GridColumn defaults{};
+    for (int row = 0; row < kParameterCount; ++row)
+        defaults[row] = static_cast<std::int16_t>(c.m_Parameters[row].nDefaultValue);
+    c.m_snppDataImage_Col_Row.assign(static_cast<std::size_t>(columns + 2), static_cast<std::size_t>(columns),
+                                     defaults);
     return true;
 }
 

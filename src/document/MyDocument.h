@@ -8,6 +8,7 @@
 // Where things live: set-up and grid in MyDocument.cpp, table data in MyDocumentTableData.cpp,
 // parameter documents in StkFile.cpp, WAVE files in WaveFile.cpp, undo/redo/revert in
 // UndoRedo.cpp (all src/document/); Synthesize in src/synthesis/Synthesize.cpp.
+#include "document/AtomicFile.h"
 #include "document/Channels.h"
 #include "document/Color.h"
 #include "table/core/DataTableDictionary.h"
@@ -17,6 +18,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 class MyDocument
@@ -93,7 +95,7 @@ public:
     // document's own file (the crash-recovery autosaves).
     std::string parameterDocumentText(bool allRows);
     std::string Save_STK_FileType(bool allRows); // undo snapshots
-    int Read_STK_FileType(const std::string& bytes);
+    int Read_STK_FileType(std::string_view bytes);
     static void EnterNumber(std::string& text, int number, bool bCRLFOnly);
     static void EnterParameter(std::string& text, const char* name);
     // Writes the document atomically (temporary file in the same folder, then rename); on
@@ -104,13 +106,20 @@ public:
     // The WAVE image of a channel (16-bit mono PCM): channel 0, the synthesis, unless another
     // is named (2 writes the model).
     std::string save_Wave_FileType(int channel = 0);
+    // The same image handed to `write` in pieces (the header first), for a caller that writes it
+    // out without holding all of it; answers false when `write` did.
+    bool writeWave(int channel, const PieceWriter& write);
     // Makes `samples` at `sampleRate` the model channel, as an opened WAVE file does, without
     // touching the grid or the file name; marks the document changed. false (nothing changed)
     // for no samples, an unusable rate or more than an hour. Throws "Memory Error".
     bool setModelSamples(const std::vector<float>& samples, double sampleRate);
-    int Read_WAVE_FileType(const std::string& bytes);
+    int Read_WAVE_FileType(std::string_view bytes);
     // Open entry point: WAVE first, then parameter document. On failure sets *errorCode = -4.
-    bool readFromData(const std::string& bytes, const std::string& typeName, int* errorCode);
+    // The bytes are kept as _fileData (moved there when the caller gives them up).
+    bool readFromData(std::string bytes, const std::string& typeName, int* errorCode);
+    // The same without keeping the bytes, for a reader that never reverts (the command-line
+    // tool): _fileData stays empty, so revert has nothing to go back to.
+    bool readFromBytes(std::string_view bytes, const std::string& typeName, int* errorCode);
 
     // --- undo, redo, revert ---
     void saveUndo();
@@ -124,9 +133,16 @@ public:
     bool doRevertDocumentToSaved();
 
     // --- synthesis (src/synthesis/Synthesize.cpp) ---
+    // Reads the frames from the table data; a document whose table data has not been built
+    // (one read but never shown) is synthesized from the values the table data would be built
+    // with, as saving does, without building it.
     void Synthesize();
     void ReadGridData() {}
     void CopyCurrentToPrevious();
+    // The same, moving channel 0's samples into channel 1 instead of copying them when they are
+    // exactly what the copy would hold (channel 0 is then left without audio): for a synthesis
+    // about to replace them.
+    void MoveCurrentToPrevious();
     bool CheckParameterNew(const std::string& name, bool batvapv) const;
     bool CheckParameter(const char* name, bool batvapv) const;
     // The rate the next synthesis runs at: 22050 Hz when any parameter of the sixth to eighth

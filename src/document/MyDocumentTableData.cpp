@@ -3,6 +3,7 @@
 
 #include "document/DocumentException.h"
 
+#include <algorithm>
 #include <array>
 #include <memory>
 #include <new>
@@ -89,10 +90,19 @@ void MyDocument::fillDataTableDictionary(int columns, int interval, bool fromGri
         frameModel[row].setDefinition(frameCellDefinition(p, name.background));
     }
 
+    const DataGrid& grid = c.m_snppDataImage_Col_Row; // read only: unwritten columns stay unstored
     _dataTableDictionary.removeAllObjects();
     _dataTableDictionary.reserve(static_cast<std::size_t>(columns) + 1);
+    // Cells are made for kColumnsPerBlock columns at a time.
+    constexpr int kColumnsPerBlock = 64;
+    std::shared_ptr<ImageAndTextCell[]> block;
     for (int col = 0; col <= columns; ++col) {
-        CellArray cells = ImageAndTextCell::newColumn(kParameterCount);
+        const int inBlock = col % kColumnsPerBlock;
+        if (inBlock == 0)
+            block = ImageAndTextCell::newCells(
+                static_cast<std::size_t>(std::min(kColumnsPerBlock, columns + 1 - col)) * kParameterCount);
+        CellArray cells = ImageAndTextCell::columnOf(
+            block, static_cast<std::size_t>(inBlock) * kParameterCount, kParameterCount);
         const int frame = col - 1;
         const bool gridColumn =
             fromGrid && col > 0 && static_cast<std::size_t>(frame) < c.m_snppDataImage_Col_Row.size();
@@ -104,7 +114,7 @@ void MyDocument::fillDataTableDictionary(int columns, int interval, bool fromGri
                 cell.adoptDefinition(nameModel[row]);
                 continue;
             }
-            const int value = gridColumn ? c.m_snppDataImage_Col_Row[frame][row] : p.nValue;
+            const int value = gridColumn ? grid[frame][row] : p.nValue;
             cell.adoptDefinition(frameModel[row]);
             cell.set_nValue(value);
             cell.set_bAnchor(fromGrid && anchors[static_cast<std::size_t>(frame) * kParameterCount + row]);

@@ -14,7 +14,6 @@
 
 constexpr int kParameterRecords = 50; // entries of m_Parameters
 constexpr int kParameterCount = 48;   // rows that carry a parameter
-constexpr int kGridRows = 50;         // 16-bit cells per grid column
 
 struct ParameterDefinition {
     const char* strName = nullptr;       // points at a constant; not owned

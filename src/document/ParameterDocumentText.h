@@ -7,17 +7,17 @@
 // its anchor section holds the anchors of hidden rows too, and reading it keeps the document's
 // file type and audio state (it restores the grid, not the file's identity).
 #include <string>
+#include <string_view>
 
 class MyDocument;
 
 enum class ParameterTextUse { File, Snapshot };
 
-// Writes the document text from the table data (built from the grid first when it is empty)
-// into `text`, replacing what it held but reusing its storage. With allRows false only the
+// Writes the document text from the table data (when it has not been built, from the values it
+// would be built with: the grid and its anchors, or the parameter records) into `text`, replacing what it held but reusing its storage. With allRows false only the
 // selected rows' names and values are written.
 void writeParameterText(MyDocument& document, bool allRows, ParameterTextUse use, std::string& text);
 
 // Reads the text into channel 0 (settings, selection flags, anchors, grid) and the display
 // colours. Answers 0, or -1 with `reason` set and the document unchanged.
-int readParameterText(MyDocument& document, const std::string& text, ParameterTextUse use,
-                      std::string& reason);
+int readParameterText(MyDocument& document, std::string_view text, ParameterTextUse use, std::string& reason);

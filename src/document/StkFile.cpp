@@ -6,6 +6,7 @@
 // flags, ten per line | anchors "name,column", ten per line (only when there are any) |
 // parameter names | one line of values per frame. Every number and name is followed by a tab.
 #include "document/AtomicFile.h"
+#include "document/DocumentException.h"
 #include "document/MyDocument.h"
 #include "document/ParameterDocumentText.h"
 
@@ -62,6 +63,10 @@ struct FrameCell {
     bool anchor;
 };
 
+// The cells the writer reads, column by column (k = 0 the row headers, 1 .. frames() the
+// frames), rows in order. A document whose table data has not been built (read but never
+// shown) is written from what the table data would be built with: the grid's values and anchor
+// list when it has a grid, else the parameter records, without building it.
 class TableReader
 {
 public:
@@ -69,41 +74,77 @@ public:
     {
         const int interval = document.updateInterval();
         const int frames = std::max(m_channel.m_nColumnNum, 0);
+        m_nFrames = frames;
+        if (document._dataTableDictionary.empty()) {
+            // The same limit as building the table data, which would refuse it.
+            if (frames > MyDocument::kMaxFrames)
+                throw DocumentException::tooManyFrames(frames, MyDocument::kMaxFrames);
+            if (!m_channel.m_snppDataImage_Col_Row.empty())
+                collectAnchors();
+            return;
+        }
         m_columns.resize(static_cast<std::size_t>(frames) + 1);
         for (int k = 0; k <= frames; ++k)
             m_columns[k] = document._dataTableDictionary.objectForKey(static_cast<long long>(k) * interval);
     }
-    int frames() const { return static_cast<int>(m_columns.size()) - 1; }
+    int frames() const { return m_nFrames; }
 
-    FrameCell cell(int column, int row) const
+    // Cells must be asked for in order (column by column, rows in order) when the table data
+    // is not built.
+    FrameCell cell(int column, int row)
     {
+        const ParameterDefinition& p = m_channel.m_Parameters[row];
+        if (m_columns.empty())
+            return unbuiltCell(column, row);
         const CellArray* cells = m_columns[column];
         if (cells && static_cast<std::size_t>(row) < cells->size() && (*cells)[row]) {
             const ImageAndTextCell& c = *(*cells)[row];
             return {c._nValue(), c._bSelected(), c._bAnchor()};
         }
-        const ParameterDefinition& p = m_channel.m_Parameters[row];
         return {p.nValue, p.bSelected != 0, false};
     }
     // The row header's selection flag (column "0").
-    bool rowSelected(int row) const { return cell(0, row).selected; }
+    bool rowSelected(int row) const
+    {
+        if (m_columns.empty() || !m_columns[0] || static_cast<std::size_t>(row) >= m_columns[0]->size() ||
+            !(*m_columns[0])[row])
+            return m_channel.m_Parameters[row].bSelected != 0;
+        return (*m_columns[0])[row]->_bSelected();
+    }
 
 private:
-    const Channels& m_channel;
-    std::vector<const CellArray*> m_columns;
-};
+    // The anchor list as cell numbers (frame x rows + row) in writing order.
+    void collectAnchors()
+    {
+        const auto& list = m_channel.m_pAnchorPosition;
+        for (std::size_t i = 0; i + 1 < list.size(); i += 2) {
+            const long long row = list[i], frame = list[i + 1];
+            if (row >= 0 && row < kParameterCount && frame >= 0 && frame < m_nFrames)
+                m_anchors.push_back(frame * kParameterCount + row);
+        }
+        std::sort(m_anchors.begin(), m_anchors.end());
+    }
 
-// The table data is built from the grid when nobody has built it yet, so that a document read
-// but not shown is saved with its values and anchors.
-void ensureTableData(MyDocument& document)
-{
-    if (!document._dataTableDictionary.empty())
-        return;
-    const std::uint8_t readFile = document.m_bReadFile;
-    document.m_bReadFile = document.getChannel(0)->m_snppDataImage_Col_Row.empty() ? 0 : 1;
-    document.buildDataTableDictionary();
-    document.m_bReadFile = readFile;
-}
+    FrameCell unbuiltCell(int column, int row)
+    {
+        const ParameterDefinition& p = m_channel.m_Parameters[row];
+        const DataGrid& grid = m_channel.m_snppDataImage_Col_Row;
+        const std::size_t frame = static_cast<std::size_t>(column - 1);
+        const bool fromGrid = !grid.empty();
+        const long long number = static_cast<long long>(frame) * kParameterCount + row;
+        while (m_nNextAnchor < m_anchors.size() && m_anchors[m_nNextAnchor] < number)
+            ++m_nNextAnchor;
+        const bool anchor = m_nNextAnchor < m_anchors.size() && m_anchors[m_nNextAnchor] == number;
+        const int value = fromGrid && frame < grid.size() ? grid[frame][row] : p.nValue;
+        return {value, p.bSelected != 0, anchor};
+    }
+
+    const Channels& m_channel;
+    int m_nFrames = 0;
+    std::vector<const CellArray*> m_columns; // empty when the table data is not built
+    std::vector<long long> m_anchors;
+    std::size_t m_nNextAnchor = 0;
+};
 
 // The shortest decimal text that reads back as the same double, and a tab.
 void appendExactNumber(std::string& text, double value)
@@ -147,8 +188,7 @@ void writeSettings(MyDocument& document, std::string& text, int anchors, int mar
 
 void writeParameterText(MyDocument& document, bool allRows, ParameterTextUse use, std::string& text)
 {
-    ensureTableData(document);
-    const TableReader table(document);
+    TableReader table(document);
     const Channels& c = *document.getChannel(0);
     const bool snapshot = use == ParameterTextUse::Snapshot;
 
@@ -236,7 +276,7 @@ std::string MyDocument::Save_STK_FileType(bool allRows)
     return text;
 }
 
-int MyDocument::Read_STK_FileType(const std::string& bytes)
+int MyDocument::Read_STK_FileType(std::string_view bytes)
 {
     return readParameterText(*this, bytes, ParameterTextUse::File, m_strReadError);
 }

@@ -14,6 +14,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <new>
 #include <string_view>
 #include <unordered_map>
 
@@ -61,26 +62,35 @@ bool parseInteger(std::string_view field, long long& value)
     return i > first;
 }
 
-// The lines of the text, split at LF with a CR before it dropped; the empty piece after the
-// last line end is not a line.
-std::vector<std::string_view> splitLines(std::string_view text)
+// The lines of a text one after the other, split at LF with a CR before it dropped; the empty
+// piece after the last line end is not a line.
+class Lines
 {
-    std::vector<std::string_view> lines;
-    lines.reserve(static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n')) + 1);
-    std::size_t start = 0;
-    while (start < text.size()) {
-        std::size_t end = text.find('\n', start);
-        const std::size_t next = end == std::string_view::npos ? text.size() : end + 1;
-        if (end == std::string_view::npos)
-            end = text.size();
-        std::string_view line = text.substr(start, end - start);
+public:
+    explicit Lines(std::string_view text) : m_text(text) {}
+    bool next(std::string_view& line)
+    {
+        if (m_text.empty())
+            return false;
+        const std::size_t end = m_text.find('\n');
+        line = m_text.substr(0, end);
+        m_text.remove_prefix(end == std::string_view::npos ? m_text.size() : end + 1);
         if (!line.empty() && line.back() == '\r')
             line.remove_suffix(1);
-        lines.push_back(line);
-        start = next;
+        return true;
     }
-    return lines;
-}
+    // The text not read yet.
+    std::string_view rest() const { return m_text; }
+    // How many lines the rest holds.
+    std::size_t count() const
+    {
+        const auto ends = static_cast<std::size_t>(std::count(m_text.begin(), m_text.end(), '\n'));
+        return ends + (!m_text.empty() && m_text.back() != '\n' ? 1 : 0);
+    }
+
+private:
+    std::string_view m_text;
+};
 
 // Everything read from the text before it is applied to the document.
 struct ParsedDocument {
@@ -98,7 +108,8 @@ struct ParsedDocument {
     std::vector<std::int32_t> anchors; // (row, zero-based column) pairs
     std::vector<int> columnRows;       // the row of each field of the names line, -1 if unknown
     int knownRows = 0;
-    std::vector<std::string_view> valueLines;
+    std::string_view values;    // the text from the first value line on
+    std::size_t valueLines = 0; // value lines read: those present, no more than the frames
 };
 
 // Parameter name -> row, with "atv" taken for apv in documents marked "30".
@@ -251,20 +262,20 @@ void readNamesLine(std::string_view line, const NameIndex& names, ParsedDocument
 bool parseDocument(const Channels& channel, std::string_view text, ParameterTextUse use, ParsedDocument& doc,
                    std::string& reason)
 {
-    const std::vector<std::string_view> lines = splitLines(text);
-    if (lines.size() < 2) {
+    Lines lines(text);
+    std::string_view settings, configuration, line;
+    if (!lines.next(settings) || !lines.next(configuration)) {
         reason = "the document is empty or ends after its first line";
         return false;
     }
-    if (!readSettingsLine(lines[0], use, doc, reason) || !readConfigurationLine(lines[1], doc, reason))
+    if (!readSettingsLine(settings, use, doc, reason) || !readConfigurationLine(configuration, doc, reason))
         return false;
-    if (lines.size() > 2)
-        readColourLine(lines[2], doc);
+    if (lines.next(line))
+        readColourLine(line, doc);
 
     const NameIndex names(channel, doc.marker == "30");
-    std::size_t i = 3;
-    for (; i < lines.size(); ++i) {
-        const std::string_view line = lines[i];
+    bool haveNames = false;
+    while (!haveNames && lines.next(line)) {
         if (line.empty())
             continue;
         if (line.substr(0, line.find('\t')).find(',') != std::string_view::npos)
@@ -273,14 +284,11 @@ bool parseDocument(const Channels& channel, std::string_view text, ParameterText
             readSelectionLine(line, doc);
         else {
             readNamesLine(line, names, doc);
-            ++i;
-            break;
+            haveNames = true;
         }
     }
-    const std::size_t valueLines =
-        std::min<std::size_t>(lines.size() - std::min(i, lines.size()), doc.frames);
-    doc.valueLines.assign(lines.begin() + static_cast<std::ptrdiff_t>(i),
-                          lines.begin() + static_cast<std::ptrdiff_t>(i + valueLines));
+    doc.values = lines.rest();
+    doc.valueLines = std::min<std::size_t>(lines.count(), static_cast<std::size_t>(doc.frames));
     return true;
 }
 
@@ -316,9 +324,11 @@ long long fillGrid(Channels& channel, const ParsedDocument& doc)
 {
     long long value = 0;
     long long clamped = 0;
-    for (std::size_t k = 0; k < doc.valueLines.size(); ++k) {
+    Lines lines(doc.values);
+    std::string_view line;
+    for (std::size_t k = 0; k < doc.valueLines && lines.next(line); ++k) {
         GridColumn& column = channel.m_snppDataImage_Col_Row[k];
-        Fields fields(doc.valueLines[k]);
+        Fields fields(line);
         std::string_view f;
         for (std::size_t j = 0; j < doc.columnRows.size() && fields.next(f); ++j) {
             const int row = doc.columnRows[j];
@@ -331,8 +341,7 @@ long long fillGrid(Channels& channel, const ParsedDocument& doc)
 
 } // namespace
 
-int readParameterText(MyDocument& document, const std::string& text, ParameterTextUse use,
-                      std::string& reason)
+int readParameterText(MyDocument& document, std::string_view text, ParameterTextUse use, std::string& reason)
 {
     Channels& c = *document.getChannel(0);
     ParsedDocument doc;
@@ -345,9 +354,15 @@ int readParameterText(MyDocument& document, const std::string& text, ParameterTe
     c.m_nColumnNum = doc.frames;
     try {
         document.SetUpDataGridMemory();
+        // Only the frames the text holds are stored; the others keep reading as the defaults.
+        c.m_snppDataImage_Col_Row.store(doc.valueLines);
     } catch (const DocumentException& e) {
         c.m_nColumnNum = columns;
         reason = e.reason();
+        return -1;
+    } catch (const std::bad_alloc&) {
+        c.m_nColumnNum = columns;
+        reason = "Unable to allocate memory, in setupdatagrid";
         return -1;
     }
     c.m_dLengthMS = doc.exactLengthMS >= 0.0 ? doc.exactLengthMS : static_cast<double>(doc.lengthMS);
@@ -365,7 +380,7 @@ int readParameterText(MyDocument& document, const std::string& text, ParameterTe
     c.m_bHaveData = 1;
     c.m_bSynthesize = 1;
     if (use == ParameterTextUse::File) {
-        document.noteFramesRead(static_cast<int>(doc.valueLines.size()), doc.frames);
+        document.noteFramesRead(static_cast<int>(doc.valueLines), doc.frames);
         document.m_bver50 = doc.marker == "50" ? 1 : 0;
         document.m_bAudiofile = 0;
         document.m_nClampedValues = clamped;

@@ -62,13 +62,13 @@ std::string waveHeader(std::uint32_t samples, std::uint32_t sampleRate)
     return h;
 }
 
-bool hasRiffWaveTags(const std::string& bytes)
+bool hasRiffWaveTags(std::string_view bytes)
 {
-    return bytes.size() >= 12 && bytes.compare(0, 4, "RIFF") == 0 && bytes.compare(8, 4, "WAVE") == 0;
+    return bytes.size() >= 12 && bytes.substr(0, 4) == "RIFF" && bytes.substr(8, 4) == "WAVE";
 }
 
 // Why the chunk walk refused the bytes, in words.
-std::string waveRefusal(const std::string& bytes, const WaveFormat& f)
+std::string waveRefusal(std::string_view bytes, const WaveFormat& f)
 {
     if (!hasRiffWaveTags(bytes))
         return "not a RIFF/WAVE file";
@@ -124,34 +124,58 @@ void setUpModelChannel(Channels& model, const Channels& synthesis)
 
 } // namespace
 
-std::string MyDocument::save_Wave_FileType(int channel)
+namespace
+{
+// The sample count of a channel's WAVE image. The image's loop runs while i < the length as a
+// double, so a fractional length writes one sample more than the header counts.
+double waveLength(const Channels& c)
+{
+    return c.m_dwFileLength > 0.0 && c.m_dwFileLength < kMaxChannelSamples ? c.m_dwFileLength : 0.0;
+}
+} // namespace
+
+bool MyDocument::writeWave(int channel, const PieceWriter& write)
 {
     Channels& c = *m_Channel[channel >= 0 && channel < 4 ? channel : 0];
-    const double length =
-        c.m_dwFileLength > 0.0 && c.m_dwFileLength < kMaxChannelSamples ? c.m_dwFileLength : 0.0;
-    const auto headerCount = static_cast<std::uint32_t>(length);
-    const auto rate = static_cast<std::uint32_t>(truncate64(c.m_dSampleRate));
+    const double length = waveLength(c);
+    const std::string header = waveHeader(static_cast<std::uint32_t>(length),
+                                          static_cast<std::uint32_t>(truncate64(c.m_dSampleRate)));
+    if (!write(header.data(), header.size()))
+        return false;
 
-    std::string out = waveHeader(headerCount, rate);
-    // The loop runs while i < the length as a double, so a fractional length writes one sample
-    // more than the header counts; that sample is 0 when the block does not hold it.
     const auto written = static_cast<std::size_t>(std::ceil(length));
-    const std::size_t headerBytes = out.size();
-    out.resize(headerBytes + written * 2);
-    auto* bytes = reinterpret_cast<unsigned char*>(out.data() + headerBytes);
-    const float* samples = nullptr;
-    if (c.m_hData)
-        samples = static_cast<const float*>(c.m_hData->lock());
+    const float* samples = c.m_hData ? static_cast<const float*>(c.m_hData->lock()) : nullptr;
     const std::size_t held = c.m_hData ? std::min(c.m_hData->size() / sizeof(float), written) : 0;
-    for (std::size_t i = 0; i < held; ++i) {
-        // No clipping: +1.0 becomes 32768, whose low 16 bits are -32768. Kept so on purpose.
-        const auto v = static_cast<std::uint16_t>(truncate64(samples[i] * 32768.0) & 0xffff);
-        bytes[2 * i] = static_cast<unsigned char>(v & 0xff);
-        bytes[2 * i + 1] = static_cast<unsigned char>(v >> 8);
+    // The samples go out in pieces of a fixed buffer; samples the block does not hold are 0.
+    constexpr std::size_t kPieceSamples = 16384;
+    unsigned char piece[2 * kPieceSamples];
+    bool ok = true;
+    for (std::size_t first = 0; ok && first < written; first += kPieceSamples) {
+        const std::size_t count = std::min(kPieceSamples, written - first);
+        for (std::size_t k = 0; k < count; ++k) {
+            const std::size_t i = first + k;
+            // No clipping: +1.0 becomes 32768, whose low 16 bits are -32768. Kept so on purpose.
+            const auto v = i < held ? static_cast<std::uint16_t>(truncate64(samples[i] * 32768.0) & 0xffff)
+                                    : std::uint16_t{0};
+            piece[2 * k] = static_cast<unsigned char>(v & 0xff);
+            piece[2 * k + 1] = static_cast<unsigned char>(v >> 8);
+        }
+        ok = write(reinterpret_cast<const char*>(piece), 2 * count);
     }
-    // Samples the block does not hold were zeroed by the resize.
     if (c.m_hData)
         c.m_hData->unlock();
+    return ok;
+}
+
+std::string MyDocument::save_Wave_FileType(int channel)
+{
+    std::string out;
+    const Channels& c = *m_Channel[channel >= 0 && channel < 4 ? channel : 0];
+    out.reserve(48 + 2 * static_cast<std::size_t>(std::ceil(waveLength(c))));
+    writeWave(channel, [&out](const char* bytes, std::size_t size) {
+        out.append(bytes, size);
+        return true;
+    });
     return out;
 }
 
@@ -212,7 +236,7 @@ bool MyDocument::setModelSamples(const std::vector<float>& samples, double sampl
     return true;
 }
 
-int MyDocument::Read_WAVE_FileType(const std::string& bytes)
+int MyDocument::Read_WAVE_FileType(std::string_view bytes)
 {
     WaveFormat f;
     if (!parseWaveFormat(bytes, f)) {
@@ -252,7 +276,15 @@ int MyDocument::Read_WAVE_FileType(const std::string& bytes)
     return 0;
 }
 
-bool MyDocument::readFromData(const std::string& bytes, const std::string& typeName, int* errorCode)
+bool MyDocument::readFromData(std::string bytes, const std::string& typeName, int* errorCode)
+{
+    if (!readFromBytes(bytes, typeName, errorCode))
+        return false;
+    _fileData = std::move(bytes);
+    return true;
+}
+
+bool MyDocument::readFromBytes(std::string_view bytes, const std::string& typeName, int* errorCode)
 {
     _dataTableDictionary.removeAllObjects();
     try {
@@ -287,6 +319,6 @@ bool MyDocument::readFromData(const std::string& bytes, const std::string& typeN
         *errorCode = 0;
     m_bReadFile = 1;
     _fileTypeName = typeName;
-    _fileData = bytes;
+    std::string().swap(_fileData);
     return true;
 }

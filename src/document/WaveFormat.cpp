@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-std::uint32_t readLE32(const std::string& bytes, std::uint64_t p)
+std::uint32_t readLE32(std::string_view bytes, std::uint64_t p)
 {
     if (p + 4 > bytes.size())
         return 0;
@@ -11,7 +11,7 @@ std::uint32_t readLE32(const std::string& bytes, std::uint64_t p)
            std::uint32_t(b[3]) << 24;
 }
 
-std::uint16_t readLE16(const std::string& bytes, std::uint64_t p)
+std::uint16_t readLE16(std::string_view bytes, std::uint64_t p)
 {
     if (p + 2 > bytes.size())
         return 0;
@@ -21,17 +21,18 @@ std::uint16_t readLE16(const std::string& bytes, std::uint64_t p)
 
 namespace
 {
-bool tagAt(const std::string& bytes, std::uint64_t p, const char* tag)
+bool tagAt(std::string_view bytes, std::uint64_t p, const char* tag)
 {
     return p + 4 <= bytes.size() && std::memcmp(bytes.data() + p, tag, 4) == 0;
 }
 
 // The format block holds 16 bytes; a shorter chunk leaves the rest 0, a longer one is skipped.
-void readFormatBlock(const std::string& bytes, std::uint64_t p, std::uint32_t size, WaveFormat& f)
+void readFormatBlock(std::string_view bytes, std::uint64_t p, std::uint32_t size, WaveFormat& f)
 {
-    std::string block(16, '\0');
+    char buffer[16] = {};
     for (std::uint64_t i = 0; i < 16 && i < size && p + i < bytes.size(); ++i)
-        block[i] = bytes[p + i];
+        buffer[i] = bytes[p + i];
+    const std::string_view block(buffer, sizeof buffer);
     f.formatCode = static_cast<std::int16_t>(readLE16(block, 0));
     f.channels = readLE16(block, 2);
     f.sampleRate = readLE32(block, 4);
@@ -42,7 +43,7 @@ void readFormatBlock(const std::string& bytes, std::uint64_t p, std::uint32_t si
 }
 } // namespace
 
-bool parseWaveFormat(const std::string& bytes, WaveFormat& f)
+bool parseWaveFormat(std::string_view bytes, WaveFormat& f)
 {
     f = WaveFormat();
     if (!tagAt(bytes, 0, "RIFF") || !tagAt(bytes, 8, "WAVE"))

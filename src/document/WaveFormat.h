@@ -4,7 +4,7 @@
 // by Tessaphon and its predecessors rely on that), and a data size larger than the file is cut to
 // the file size.
 #include <cstdint>
-#include <string>
+#include <string_view>
 
 struct WaveFormat {
     std::int16_t formatCode = 0; // 1 PCM, 3 IEEE float, 7 mu-law
@@ -21,8 +21,8 @@ struct WaveFormat {
 
 // True when the bytes are RIFF/WAVE with an accepted format code and a data chunk that starts
 // inside the file; `format` holds what was found either way.
-bool parseWaveFormat(const std::string& bytes, WaveFormat& format);
+bool parseWaveFormat(std::string_view bytes, WaveFormat& format);
 
 // Little-endian readers that answer 0 for bytes beyond the end.
-std::uint32_t readLE32(const std::string& bytes, std::uint64_t position);
-std::uint16_t readLE16(const std::string& bytes, std::uint64_t position);
+std::uint32_t readLE32(std::string_view bytes, std::uint64_t position);
+std::uint16_t readLE16(std::string_view bytes, std::uint64_t position);

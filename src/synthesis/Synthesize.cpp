@@ -106,6 +106,59 @@ private:
     std::int32_t m_values[kBatch][klatt_frame_t::kFieldCount] = {};
 };
 
+// Reads the frames of a document whose table data has not been built: the values the table
+// data would be built with, which are the grid's for a document that has a grid and the
+// parameter records' for one that has none (saving reads such a document the same way).
+class GridReader
+{
+public:
+    explicit GridReader(const Channels& channel) : m_channel(channel) {}
+
+    void read(std::int64_t c, klatt_frame_t& frame) const
+    {
+        const auto& grid = m_channel.m_snppDataImage_Col_Row;
+        const std::size_t k = static_cast<std::size_t>(c - 1);
+        if (k < grid.size()) {
+            const GridColumn& column = grid[k];
+            for (int i = 0; i < klatt_frame_t::kFieldCount; ++i)
+                frame[i] = column[i];
+            return;
+        }
+        for (int i = 0; i < klatt_frame_t::kFieldCount; ++i)
+            frame[i] = m_channel.m_Parameters[i].nValue;
+    }
+
+private:
+    const Channels& m_channel;
+};
+
+// Runs the engine over columns 1 .. count-1 into `samples` (`capacity` of them, `perFrame` per
+// column); answers how many samples were written from the start.
+template <typename Reader>
+std::size_t synthesizeColumns(Reader& columns, std::int64_t count, CKlattEngine& engine, klatt_global_t& g,
+                              klatt_frame_t& frame, int* frameOutput, float* samples, std::size_t capacity)
+{
+    const std::size_t perFrame = static_cast<std::size_t>(g.samples_per_frame);
+    std::size_t written = 0;
+    // The column at time 0 is never synthesized: the first frame is the column at one update
+    // interval. Intended.
+    for (std::int64_t c = 1; c < count; ++c) {
+        // A grid longer than the document's length: the samples past the end of the block are
+        // dropped, and once it is full the remaining columns are not synthesized.
+        const std::size_t start = static_cast<std::size_t>(c - 1) * perFrame;
+        if (start >= capacity && perFrame > 0)
+            break;
+        columns.read(c, frame);
+        engine.parwave(&g, &frame, frameOutput);
+        const std::size_t end = std::min(start + perFrame, capacity);
+        for (std::size_t i = start; i < end; ++i)
+            samples[i] =
+                static_cast<float>(static_cast<std::int16_t>(frameOutput[i - start]) * 0.000030517578125);
+        written = end;
+    }
+    return written;
+}
+
 // Keeps a block locked for the life of the guard.
 class BlockLock
 {
@@ -126,6 +179,11 @@ private:
 void MyDocument::CopyCurrentToPrevious()
 {
     m_Channel[1]->Duplicate(*m_Channel[0]);
+}
+
+void MyDocument::MoveCurrentToPrevious()
+{
+    m_Channel[1]->DuplicateTakingSamples(*m_Channel[0]);
 }
 
 void MyDocument::Synthesize()
@@ -168,9 +226,11 @@ void MyDocument::Synthesize()
     g.sample_rate = sampleRate;
     g.samples_per_frame = static_cast<std::int32_t>(frameSamples);
 
+    // The audio about to be replaced becomes the previous synthesis: its block moves to channel 1
+    // rather than being copied there and then released.
     const bool hadPrevious = channel.m_hData && channel.m_hData->size() > kNoPreviousSynthesisBytes;
     if (hadPrevious)
-        CopyCurrentToPrevious();
+        MoveCurrentToPrevious();
 
     channel.m_dwFileLength = channel.m_dSampleRate * channel.m_dLengthMS / 1000.0;
     channel.m_hData.reset();
@@ -180,7 +240,9 @@ void MyDocument::Synthesize()
     if (length >= static_cast<double>(SIZE_MAX / sizeof(float)))
         throw DocumentException::memoryError();
     const std::size_t capacity = static_cast<std::size_t>(length);
-    channel.m_hData = MemoryBlock::newHandleClear(capacity * sizeof(float));
+    // Every sample is written below: the frames fill the block from its start and the rest is
+    // cleared after them, so the block is not cleared first.
+    channel.m_hData = MemoryBlock::newHandle(capacity * sizeof(float));
     if (!channel.m_hData)
         throw DocumentException::memoryError();
 
@@ -190,23 +252,18 @@ void MyDocument::Synthesize()
     {
         BlockLock lock(*channel.m_hData);
         float* samples = lock.floats();
-        const std::size_t perFrame = static_cast<std::size_t>(g.samples_per_frame);
-        // The column at time 0 is never synthesized: the first frame is the column at one
-        // update interval. Intended.
-        ColumnReader columns(_dataTableDictionary, channel.m_nColumnNum, channel.m_nUpdateIntervalMS);
-        for (std::int64_t c = 1; c < channel.m_nColumnNum; ++c) {
-            // A grid longer than the document's length: the samples past the end of the block
-            // are dropped, and once it is full the remaining columns are not synthesized.
-            const std::size_t start = static_cast<std::size_t>(c - 1) * perFrame;
-            if (start >= capacity && perFrame > 0)
-                break;
-            columns.read(c, *frame);
-            engine.parwave(&g, frame.get(), frameOutput.get());
-            const std::size_t end = std::min(start + perFrame, capacity);
-            for (std::size_t i = start; i < end; ++i)
-                samples[i] =
-                    static_cast<float>(static_cast<std::int16_t>(frameOutput[i - start]) * 0.000030517578125);
+        std::size_t written = 0;
+        if (_dataTableDictionary.empty()) {
+            GridReader columns(channel);
+            written = synthesizeColumns(columns, channel.m_nColumnNum, engine, g, *frame, frameOutput.get(),
+                                        samples, capacity);
+        } else {
+            ColumnReader columns(_dataTableDictionary, channel.m_nColumnNum, channel.m_nUpdateIntervalMS);
+            written = synthesizeColumns(columns, channel.m_nColumnNum, engine, g, *frame, frameOutput.get(),
+                                        samples, capacity);
         }
+        // A document longer than its frames: the samples after the last frame are silence.
+        std::fill(samples + written, samples + capacity, 0.0f);
     }
     Log::line("end synthesize");
     m_nClippedSamples = g.clipped_samples;

@@ -196,3 +196,37 @@ TEST(Spectrum, SplineInterpolatesAndRefusesEqualAbscissae)
         EXPECT_EQ(out, 99.0);
     }
 }
+
+TEST(Spectrum, SmoothingEqualsTheSplineAtEveryOutputPoint)
+{
+    // Smooth finds each output point's interval by computing it on the unit-spaced knots; it must
+    // give exactly what splint's search gives, at the ends and beyond the last knot too.
+    struct Case {
+        int n, nOut, range;
+        double rate;
+    };
+    for (const Case& c :
+         {Case{256, 400, 5000, 11025.0}, Case{256, 128, 2000, 8000.0}, Case{64, 333, 11000, 22050.0},
+          Case{4, 50, 8000, 8000.0}, Case{2, 7, 4000, 8000.0}, Case{512, 256, 4000, 4000.0}}) {
+        const std::vector<double> levels = signals::noise(c.n, 7 + c.n);
+        std::vector<double> smoothed = levels;
+        smoothed.resize(std::max(c.n, c.nOut) + 1, kSentinel);
+        CMathFunc math;
+        math.Smooth(smoothed.data(), c.n, c.nOut, c.range, c.rate);
+
+        const int points = c.n / 2;
+        std::vector<double> x(points + 1), y(points + 1), y2(points + 1);
+        for (int k = 1; k <= points; ++k) {
+            x[k] = k - 1;
+            y[k] = levels[k - 1];
+        }
+        math.spline(x.data(), y.data(), points, 1e30, 1e30, y2.data());
+        const double step = (c.range / (c.rate * 0.5)) * (c.n * 0.5) / c.nOut;
+        for (int k = 0; k < c.nOut; ++k) {
+            double want = levels.size() > static_cast<std::size_t>(k) ? levels[k] : kSentinel;
+            math.splint(x.data(), y.data(), y2.data(), points, k * step, &want);
+            ASSERT_EQ(smoothed[k], want) << c.n << " points, output " << k;
+        }
+        EXPECT_EQ(smoothed[std::max(c.n, c.nOut)], kSentinel);
+    }
+}

@@ -239,3 +239,60 @@ TEST_F(SynthesizeTest, UndoKeepsTheLengthOfADocumentMadeFromARecording)
     doc.Synthesize();
     EXPECT_EQ(audio(0).size(), samples);
 }
+
+TEST_F(SynthesizeTest, ADocumentWithoutTableDataIsSynthesizedFromItsGrid)
+{
+    // A read document whose table data was never built sounds as it does once it is built.
+    auto source = makeDocument(300.0, 10);
+    for (int k = 1; k <= 30; ++k) {
+        setValue(*source, k, Row::f0, 900 + 13 * k);
+        setValue(*source, k, Row::f2, 1200 + 31 * k);
+        setValue(*source, k, Row::atu, 0);
+    }
+    const std::string text = source->parameterDocumentText(true);
+    MyDocument unbuilt, built;
+    ASSERT_EQ(unbuilt.Read_STK_FileType(text), 0);
+    ASSERT_EQ(built.Read_STK_FileType(text), 0);
+    built.m_bReadFile = 1;
+    built.buildDataTableDictionary();
+    unbuilt.Synthesize();
+    built.Synthesize();
+    EXPECT_TRUE(unbuilt._dataTableDictionary.empty());
+    const Channels& a = *unbuilt.getChannel(0);
+    const Channels& b = *built.getChannel(0);
+    ASSERT_EQ(a.sampleCount(), 3307u);
+    ASSERT_EQ(b.sampleCount(), a.sampleCount());
+    EXPECT_TRUE(std::equal(a.samples(), a.samples() + a.sampleCount(), b.samples()));
+    EXPECT_NE(*std::max_element(a.samples(), a.samples() + a.sampleCount()), 0.0f);
+}
+
+TEST_F(SynthesizeTest, SamplesAfterTheLastFrameAreSilentWhateverTheMemoryHeldBefore)
+{
+    // Blocks are not cleared before the frames are written: the part after the last frame must
+    // be cleared all the same. Syntheses of the same size that fill their whole block are made
+    // and dropped first, so that their memory is handed out again.
+    const auto loud = [] {
+        MyDocument other;
+        other.getChannel(0)->m_nColumnNum = 22; // 21 frames: more than the 200 ms hold
+        other.buildDataTableDictionary();
+        other.Synthesize();
+        other.Synthesize();
+        return other.getChannel(0)->sampleCount();
+    };
+    ASSERT_EQ(loud(), 2205u);
+    ch0().m_nColumnNum = 20; // 19 frames of 110 samples: 2090, the last 115 silent
+    rebuild();
+    doc.Synthesize();
+    const std::vector<float> first = audio(0);
+    ASSERT_EQ(first.size(), 2205u);
+    EXPECT_TRUE(std::all_of(first.begin() + 2090, first.end(), [](float s) { return s == 0.0f; }));
+    EXPECT_NE(first[2089], 0.0f);
+
+    loud();
+    doc.Synthesize(); // the previous synthesis moves to channel 1, the new one gets a fresh block
+    EXPECT_EQ(audio(0), first);
+    EXPECT_EQ(audio(1), first);
+    loud();
+    doc.Synthesize();
+    EXPECT_EQ(audio(0), first);
+}

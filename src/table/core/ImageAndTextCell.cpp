@@ -86,13 +86,23 @@ ImageAndTextCell::~ImageAndTextCell()
 
 std::vector<CellRef> ImageAndTextCell::newColumn(std::size_t rows)
 {
+    if (rows == 0)
+        return {};
+    return columnOf(newCells(rows), 0, rows);
+}
+
+std::shared_ptr<ImageAndTextCell[]> ImageAndTextCell::newCells(std::size_t count)
+{
+    return std::make_shared<ImageAndTextCell[]>(count);
+}
+
+std::vector<CellRef> ImageAndTextCell::columnOf(const std::shared_ptr<ImageAndTextCell[]>& block,
+                                                std::size_t first, std::size_t rows)
+{
     std::vector<CellRef> cells;
     cells.reserve(rows);
-    if (rows == 0)
-        return cells;
-    const std::shared_ptr<ImageAndTextCell[]> block = std::make_shared<ImageAndTextCell[]>(rows);
     for (std::size_t row = 0; row < rows; ++row)
-        cells.emplace_back(block, &block[row]);
+        cells.emplace_back(block, &block[first + row]);
     return cells;
 }
 

@@ -31,6 +31,13 @@ public:
     // `rows` new cells in one allocation: each reference shares the block, which lives as long
     // as any of them.
     static std::vector<CellRef> newColumn(std::size_t rows);
+    // New cells for several columns in one allocation (a few dozen columns at a time keep a
+    // table's allocations few without one old cell holding a whole document's block), handed
+    // out with columnOf.
+    static std::shared_ptr<ImageAndTextCell[]> newCells(std::size_t count);
+    // References to cells first .. first + rows - 1 of a block, each sharing it.
+    static std::vector<CellRef> columnOf(const std::shared_ptr<ImageAndTextCell[]>& block, std::size_t first,
+                                         std::size_t rows);
 
     // Copies every field from another cell (name, definition, default, value, limits, shown
     // flag, colour, background, anchor) but not the displayed text: callers set the text
