@@ -3,6 +3,7 @@
 
 #include "document/DocumentException.h"
 
+#include <algorithm>
 #include <array>
 #include <memory>
 #include <new>
@@ -60,56 +61,83 @@ void MyDocument::buildDataTableDictionary()
     }
 }
 
+namespace
+{
+
+// What the columns of the table data are made from, taken when the table data is built: the
+// grid's values (a copy: the grid may be read into again while columns are still to be made),
+// the anchor flags and, per row, the shown flag and the shared definitions of the name and
+// frame cells. A column made from it later is the column an immediate build would have made.
+struct ColumnSource {
+    std::array<ImageAndTextCell, kParameterCount> nameModel, frameModel;
+    std::array<bool, kParameterCount> shown{};
+    std::array<int, kParameterCount> recordValue{};
+    std::vector<GridColumn> grid;          // empty for a new document
+    std::vector<std::uint64_t> anchorRows; // by frame: bit r set = an anchor on row r
+
+    CellArray column(long long col) const
+    {
+        CellArray cells = ImageAndTextCell::newColumn(kParameterCount);
+        const long long frame = col - 1;
+        const bool gridColumn = col > 0 && static_cast<std::size_t>(frame) < grid.size();
+        const std::uint64_t anchors =
+            col > 0 && static_cast<std::size_t>(frame) < anchorRows.size() ? anchorRows[frame] : 0;
+        for (int row = 0; row < kParameterCount; ++row) {
+            ImageAndTextCell& cell = *cells[row];
+            cell.set_bSelected(shown[row]);
+            if (col == 0) {
+                cell.adoptDefinition(nameModel[row]);
+                continue;
+            }
+            const int value = gridColumn ? grid[frame][row] : recordValue[row];
+            cell.adoptDefinition(frameModel[row]);
+            cell.set_nValue(value);
+            cell.set_bAnchor((anchors >> row) & 1u);
+            cell.setInttoStringValue(value);
+        }
+        return cells;
+    }
+};
+
+static_assert(kParameterCount <= 64, "a frame's anchor flags are one 64-bit word");
+
+} // namespace
+
 void MyDocument::fillDataTableDictionary(int columns, int interval, bool fromGrid)
 {
     Channels& c = *m_Channel[0];
+    auto source = std::make_shared<ColumnSource>();
 
-    // Anchor flags of a read document, by frame column and row, in one flat array.
-    std::vector<std::uint8_t> anchors;
     if (fromGrid) {
-        anchors.assign(static_cast<std::size_t>(columns) * kParameterCount, 0);
+        const std::size_t frames =
+            std::min<std::size_t>(static_cast<std::size_t>(columns), c.m_snppDataImage_Col_Row.size());
+        source->grid.assign(c.m_snppDataImage_Col_Row.begin(),
+                            c.m_snppDataImage_Col_Row.begin() + static_cast<std::ptrdiff_t>(frames));
+        source->anchorRows.assign(static_cast<std::size_t>(columns), 0);
         for (std::size_t i = 0; i + 1 < c.m_pAnchorPosition.size(); i += 2) {
             const int row = c.m_pAnchorPosition[i];
             const int frame = c.m_pAnchorPosition[i + 1];
             if (row >= 0 && row < kParameterCount && frame >= 0 && frame < columns)
-                anchors[static_cast<std::size_t>(frame) * kParameterCount + row] = 1;
+                source->anchorRows[frame] |= std::uint64_t{1} << row;
         }
     }
 
     // One shared definition per row for the name column and one for the frame columns: every
     // cell of a row takes it from these models instead of setting its fields one by one.
-    std::array<ImageAndTextCell, kParameterCount> nameModel, frameModel;
     for (int row = 0; row < kParameterCount; ++row) {
         const ParameterDefinition& p = c.m_Parameters[row];
         CellDefinition name;
         name.name = p.strName;
         name.definition = p.strDefinition;
         name.background = groupBackgroundColor(row);
-        nameModel[row].setDefinition(name);
-        frameModel[row].setDefinition(frameCellDefinition(p, name.background));
+        source->nameModel[row].setDefinition(name);
+        source->frameModel[row].setDefinition(frameCellDefinition(p, name.background));
+        source->shown[row] = p.bSelected != 0;
+        source->recordValue[row] = p.nValue;
     }
 
-    _dataTableDictionary.removeAllObjects();
-    _dataTableDictionary.reserve(static_cast<std::size_t>(columns) + 1);
-    for (int col = 0; col <= columns; ++col) {
-        CellArray cells = ImageAndTextCell::newColumn(kParameterCount);
-        const int frame = col - 1;
-        const bool gridColumn =
-            fromGrid && col > 0 && static_cast<std::size_t>(frame) < c.m_snppDataImage_Col_Row.size();
-        for (int row = 0; row < kParameterCount; ++row) {
-            const ParameterDefinition& p = c.m_Parameters[row];
-            ImageAndTextCell& cell = *cells[row];
-            cell.set_bSelected(p.bSelected != 0);
-            if (col == 0) {
-                cell.adoptDefinition(nameModel[row]);
-                continue;
-            }
-            const int value = gridColumn ? c.m_snppDataImage_Col_Row[frame][row] : p.nValue;
-            cell.adoptDefinition(frameModel[row]);
-            cell.set_nValue(value);
-            cell.set_bAnchor(fromGrid && anchors[static_cast<std::size_t>(frame) * kParameterCount + row]);
-            cell.setInttoStringValue(value);
-        }
-        _dataTableDictionary.setObject(static_cast<long long>(col) * interval, std::move(cells));
-    }
+    // The columns are made when first looked up: opening a long document makes only what its
+    // window shows.
+    _dataTableDictionary.setPendingColumns(static_cast<std::size_t>(columns) + 1, interval,
+                                           [source](long long col) { return source->column(col); });
 }

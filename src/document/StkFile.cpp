@@ -62,6 +62,11 @@ struct FrameCell {
     bool anchor;
 };
 
+FrameCell frameCell(const ImageAndTextCell& c)
+{
+    return {c._nValue(), c._bSelected(), c._bAnchor()};
+}
+
 class TableReader
 {
 public:
@@ -78,12 +83,21 @@ public:
     FrameCell cell(int column, int row) const
     {
         const CellArray* cells = m_columns[column];
-        if (cells && static_cast<std::size_t>(row) < cells->size() && (*cells)[row]) {
-            const ImageAndTextCell& c = *(*cells)[row];
-            return {c._nValue(), c._bSelected(), c._bAnchor()};
-        }
+        if (cells && static_cast<std::size_t>(row) < cells->size() && (*cells)[row])
+            return frameCell(*(*cells)[row]);
         const ParameterDefinition& p = m_channel.m_Parameters[row];
         return {p.nValue, p.bSelected != 0, false};
+    }
+    // The cells of a whole frame column when it has every row, or nullptr.
+    const CellArray* fullColumn(int column) const
+    {
+        const CellArray* cells = m_columns[column];
+        if (!cells || cells->size() < static_cast<std::size_t>(kParameterCount))
+            return nullptr;
+        for (int row = 0; row < kParameterCount; ++row)
+            if (!(*cells)[row])
+                return nullptr;
+        return cells;
     }
     // The row header's selection flag (column "0").
     bool rowSelected(int row) const { return cell(0, row).selected; }
@@ -153,15 +167,22 @@ void writeParameterText(MyDocument& document, bool allRows, ParameterTextUse use
     const bool snapshot = use == ParameterTextUse::Snapshot;
 
     // One pass over the cells writes the value lines and collects the anchor entries; the lines
-    // before the values (which need the anchor count) are put in front afterwards.
+    // before the values (which need the anchor count) are put in front afterwards. Each line is
+    // formatted in place at the end of the text, with room made for its longest form first.
     text.clear();
     text.reserve(static_cast<std::size_t>(table.frames()) * kParameterCount * 5 + 64);
     std::string anchorEntries;
     TenPerLine entries(anchorEntries);
     int anchors = 0;
+    constexpr std::size_t kLongestLine = kParameterCount * 12 + 2; // "-2147483648\t" a value
     for (int k = 1; k <= table.frames(); ++k) {
+        const CellArray* column = table.fullColumn(k);
+        const std::size_t start = text.size();
+        text.resize(start + kLongestLine);
+        char* const line = text.data() + start;
+        char* out = line;
         for (int row = 0; row < kParameterCount; ++row) {
-            const FrameCell cell = table.cell(k, row);
+            const FrameCell cell = column ? frameCell(*(*column)[row]) : table.cell(k, row);
             if (cell.anchor && (snapshot || cell.selected)) {
                 const char* name = c.m_Parameters[row].strName;
                 anchorEntries += name ? name : "";
@@ -170,10 +191,14 @@ void writeParameterText(MyDocument& document, bool allRows, ParameterTextUse use
                 entries.entryWritten();
                 ++anchors;
             }
-            if (allRows || cell.selected)
-                MyDocument::EnterNumber(text, cell.value, false);
+            if (allRows || cell.selected) {
+                out = std::to_chars(out, out + 11, cell.value).ptr;
+                *out++ = '\t';
+            }
         }
-        MyDocument::EnterNumber(text, 0, true);
+        *out++ = '\r';
+        *out++ = '\n';
+        text.resize(start + static_cast<std::size_t>(out - line));
     }
 
     std::string head;
