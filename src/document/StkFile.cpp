@@ -168,18 +168,16 @@ void writeParameterText(MyDocument& document, bool allRows, ParameterTextUse use
 
     // One pass over the cells writes the value lines and collects the anchor entries; the lines
     // before the values (which need the anchor count) are put in front afterwards. Each line is
-    // formatted in place at the end of the text, with room made for its longest form first.
+    // formatted on the stack and appended whole.
     text.clear();
     text.reserve(static_cast<std::size_t>(table.frames()) * kParameterCount * 5 + 64);
     std::string anchorEntries;
     TenPerLine entries(anchorEntries);
     int anchors = 0;
     constexpr std::size_t kLongestLine = kParameterCount * 12 + 2; // "-2147483648\t" a value
+    char line[kLongestLine];
     for (int k = 1; k <= table.frames(); ++k) {
         const CellArray* column = table.fullColumn(k);
-        const std::size_t start = text.size();
-        text.resize(start + kLongestLine);
-        char* const line = text.data() + start;
         char* out = line;
         for (int row = 0; row < kParameterCount; ++row) {
             const FrameCell cell = column ? frameCell(*(*column)[row]) : table.cell(k, row);
@@ -198,7 +196,7 @@ void writeParameterText(MyDocument& document, bool allRows, ParameterTextUse use
         }
         *out++ = '\r';
         *out++ = '\n';
-        text.resize(start + static_cast<std::size_t>(out - line));
+        text.append(line, out);
     }
 
     std::string head;

@@ -3,6 +3,27 @@
 #include <charconv>
 #include <utility>
 
+DataTableDictionary::DataTableDictionary(const DataTableDictionary& other)
+{
+    *this = other;
+}
+
+DataTableDictionary& DataTableDictionary::operator=(const DataTableDictionary& other)
+{
+    if (this == &other)
+        return *this;
+    m_map = other.m_map;
+    m_waiting = other.m_waiting;
+    m_nPending = other.m_nPending;
+    m_nInterval = other.m_nInterval;
+    m_maker = other.m_maker;
+    // The index points into this dictionary's own map.
+    m_byIndex.assign(other.m_byIndex.size(), nullptr);
+    for (auto& [key, column] : m_map)
+        setIndexed(key, &column);
+    return *this;
+}
+
 long long DataTableDictionary::pendingIndex(long long key) const
 {
     if (m_nPending == 0 || key < 0 || key % m_nInterval != 0)
@@ -11,11 +32,11 @@ long long DataTableDictionary::pendingIndex(long long key) const
     return static_cast<std::size_t>(index) < m_waiting.size() && m_waiting[index] ? index : -1;
 }
 
-long long DataTableDictionary::pendingIndex(const std::string& key) const
+namespace
 {
-    if (m_nPending == 0)
-        return -1;
-    // Only the exact decimal text of a number is a key ("010" or "+10" name no column).
+// The number whose exact decimal text the key is ("010" or "+10" name no number), or -1.
+long long keyNumber(const std::string& key)
+{
     long long number = 0;
     const char* end = key.data() + key.size();
     const auto parsed = std::from_chars(key.data(), end, number);
@@ -25,7 +46,31 @@ long long DataTableDictionary::pendingIndex(const std::string& key) const
     const auto written = std::to_chars(text, text + sizeof text, number);
     if (std::string_view(text, static_cast<std::size_t>(written.ptr - text)) != key)
         return -1;
-    return pendingIndex(number);
+    return number;
+}
+} // namespace
+
+long long DataTableDictionary::pendingIndex(const std::string& key) const
+{
+    return m_nPending == 0 ? -1 : pendingIndex(keyNumber(key));
+}
+
+CellArray* DataTableDictionary::indexed(long long key) const
+{
+    if (key < 0 || m_nInterval < 1 || key % m_nInterval != 0)
+        return nullptr;
+    const long long index = key / m_nInterval;
+    return static_cast<std::size_t>(index) < m_byIndex.size() ? m_byIndex[index] : nullptr;
+}
+
+void DataTableDictionary::setIndexed(const std::string& key, CellArray* column) const
+{
+    if (m_byIndex.empty())
+        return;
+    const long long number = keyNumber(key);
+    if (number >= 0 && number % m_nInterval == 0 &&
+        static_cast<std::size_t>(number / m_nInterval) < m_byIndex.size())
+        m_byIndex[number / m_nInterval] = column;
 }
 
 CellArray* DataTableDictionary::make(long long index, const std::string& key) const
@@ -33,6 +78,7 @@ CellArray* DataTableDictionary::make(long long index, const std::string& key) co
     CellArray cells = m_maker(index); // a failure leaves the column announced
     CellArray& stored = m_map[key] = std::move(cells);
     forget(index);
+    m_byIndex[static_cast<std::size_t>(index)] = &stored;
     return &stored;
 }
 
@@ -66,6 +112,8 @@ CellArray* DataTableDictionary::objectForKey(long long key)
 
 const CellArray* DataTableDictionary::objectForKey(long long key) const
 {
+    if (CellArray* column = indexed(key))
+        return column;
     const std::string text = keyFor(key);
     auto it = m_map.find(text);
     if (it != m_map.end())
@@ -77,9 +125,10 @@ const CellArray* DataTableDictionary::objectForKey(long long key) const
 void DataTableDictionary::setObject(const std::string& key, CellArray column)
 {
     const long long index = pendingIndex(key);
-    m_map[key] = std::move(column);
+    CellArray& stored = m_map[key] = std::move(column);
     if (index >= 0)
         forget(index);
+    setIndexed(key, &stored);
 }
 
 void DataTableDictionary::removeObjectForKey(const std::string& key)
@@ -87,6 +136,7 @@ void DataTableDictionary::removeObjectForKey(const std::string& key)
     const long long index = pendingIndex(key);
     if (index >= 0)
         forget(index);
+    setIndexed(key, nullptr);
     m_map.erase(key);
 }
 
@@ -94,6 +144,7 @@ void DataTableDictionary::removeAllObjects()
 {
     m_map.clear();
     m_waiting = {};
+    m_byIndex = {};
     m_nPending = 0;
     m_maker = nullptr;
 }
@@ -104,6 +155,7 @@ void DataTableDictionary::setPendingColumns(std::size_t columns, long long inter
     if (columns == 0 || interval < 1 || !maker)
         return;
     m_waiting.assign(columns, true);
+    m_byIndex.assign(columns, nullptr);
     m_nPending = columns;
     m_nInterval = interval;
     m_maker = std::move(maker);

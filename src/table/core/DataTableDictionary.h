@@ -25,6 +25,13 @@ public:
     // Makes the cells of column k (the column keyed k x interval). May throw std::bad_alloc.
     using ColumnMaker = std::function<CellArray(long long column)>;
 
+    DataTableDictionary() = default;
+    // A copy shares the cells (they are shared objects) and the announced columns' maker.
+    DataTableDictionary(const DataTableDictionary& other);
+    DataTableDictionary& operator=(const DataTableDictionary& other);
+    DataTableDictionary(DataTableDictionary&&) = default;
+    DataTableDictionary& operator=(DataTableDictionary&&) = default;
+
     std::size_t count() const { return m_map.size() + m_nPending; }
     bool empty() const { return count() == 0; }
 
@@ -62,8 +69,14 @@ private:
     void forget(long long index) const;
 
     mutable std::unordered_map<std::string, CellArray> m_map;
+    // The made columns of the announced keys by column index (nullptr when not made or
+    // removed): numeric lookups of those keys need no hashing.
+    CellArray* indexed(long long key) const;
+    void setIndexed(const std::string& key, CellArray* column) const;
+
     // Announced columns: one flag per column index, true while it is still to be made.
     mutable std::vector<bool> m_waiting;
+    mutable std::vector<CellArray*> m_byIndex;
     mutable std::size_t m_nPending = 0;
     long long m_nInterval = 0;
     mutable ColumnMaker m_maker;
