@@ -5,7 +5,7 @@
 //  - the same window's recomputation after a resize has settled (target: 60 ms; the short
 //    wait for the resize to settle is not counted);
 //  - the FFT/LPC window: one Right-arrow step, slices recomputed and repainted (target: 10 ms).
-#include "app/TestEnvironment.h"
+#include "GuiBenchMain.h"
 #include "display/gui/FFTLPCWindow.h"
 #include "display/gui/SpectrogramPitchWindow.h"
 #include "display/gui/spectrogramView.h"
@@ -131,14 +131,5 @@ BENCHMARK(BM_FFTLPCArrowStep)->Unit(benchmark::kMillisecond)->Iterations(200);
 
 int main(int argc, char** argv)
 {
-    const std::string folder = prepareTestEnvironment();
-    int result = 0;
-    {
-        QApplication app(argc, argv);
-        benchmark::Initialize(&argc, argv);
-        benchmark::RunSpecifiedBenchmarks();
-        benchmark::Shutdown();
-    }
-    removeTestEnvironment(folder);
-    return result;
+    return runGuiBenchmarks(argc, argv);
 }

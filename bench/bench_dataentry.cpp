@@ -5,7 +5,8 @@
 #include "dataentry/viewF0.h"
 #include "table/mainTable.h"
 
-#include "app/TestEnvironment.h"
+#include "GuiBenchMain.h"
+#include "dataentry/DataEntryTestSupport.h"
 
 #include <benchmark/benchmark.h>
 
@@ -41,8 +42,7 @@ struct LongDocumentWindow {
 
     void send(QEvent::Type type, QPointF at, Qt::MouseButton button, Qt::MouseButtons held)
     {
-        QMouseEvent event(type, at, plot().mapToGlobal(at), button, held, Qt::NoModifier);
-        QApplication::sendEvent(&plot(), &event);
+        sendMouse(plot(), type, at, button, held);
     }
 };
 
@@ -99,15 +99,8 @@ BENCHMARK(BM_FullRepaint)->Unit(benchmark::kMicrosecond);
 
 int main(int argc, char** argv)
 {
-    const std::string folder = prepareTestEnvironment();
-    {
-        QApplication app(argc, argv);
-        benchmark::Initialize(&argc, argv);
-        benchmark::RunSpecifiedBenchmarks();
-        benchmark::Shutdown();
+    return runGuiBenchmarks(argc, argv, [] {
         window().controller.reset(); // the window goes before the application
         window().table.reset();
-    }
-    removeTestEnvironment(folder);
-    return 0;
+    });
 }

@@ -5,7 +5,8 @@
 #include "analysis/TestSignals.h"
 namespace benchsignals = signals; // before Qt's `signals` keyword
 
-#include "app/TestEnvironment.h"
+#include "GuiBenchMain.h"
+#include "dataentry/DataEntryTestSupport.h"
 #include "dataentry/dataentryTraceContoller.h"
 #include "dataentry/viewSpectrogram.h"
 #include "document/MyDocument.h"
@@ -42,14 +43,7 @@ const std::string& tenSecondRecording()
         }
         for (const auto& [hz, bandwidth] : {std::pair{650.0, 90.0}, {1150.0, 100.0}, {2500.0, 150.0}})
             pulses = benchsignals::resonate(pulses, hz, bandwidth, kRate);
-        const std::vector<float> samples = benchsignals::toFloat(pulses, 0.02);
-        MyDocument writer;
-        Channels* c = writer.getChannel(0);
-        c->m_hData = MemoryBlock::newHandleClear(samples.size() * sizeof(float));
-        std::memcpy(c->m_hData->bytes(), samples.data(), samples.size() * sizeof(float));
-        c->m_dSampleRate = kRate;
-        c->m_dwFileLength = static_cast<double>(samples.size());
-        return writer.save_Wave_FileType();
+        return waveFileBytes(benchsignals::toFloat(pulses, 0.02), kRate);
     }();
     return bytes;
 }
@@ -122,8 +116,7 @@ void BM_TraceDragMove(benchmark::State& state)
     waitForSpectrogram(view);
     controller.button(dataentryTraceContoller::F1)->click();
     const auto send = [&](QEvent::Type type, QPointF at, Qt::MouseButton button, Qt::MouseButtons held) {
-        QMouseEvent event(type, at, view.mapToGlobal(at), button, held, Qt::NoModifier);
-        QApplication::sendEvent(&view, &event);
+        sendMouse(view, type, at, button, held);
     };
     send(QEvent::MouseButtonPress, {5.0, 100.0}, Qt::LeftButton, Qt::LeftButton);
     double x = 5.0;
@@ -143,13 +136,5 @@ BENCHMARK(BM_TraceDragMove)->Arg(0)->Arg(1)->Unit(benchmark::kMicrosecond);
 
 int main(int argc, char** argv)
 {
-    const std::string folder = prepareTestEnvironment();
-    {
-        QApplication app(argc, argv);
-        benchmark::Initialize(&argc, argv);
-        benchmark::RunSpecifiedBenchmarks();
-        benchmark::Shutdown();
-    }
-    removeTestEnvironment(folder);
-    return 0;
+    return runGuiBenchmarks(argc, argv);
 }

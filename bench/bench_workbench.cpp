@@ -6,7 +6,7 @@
 //    the synthesis, to the first render request of the output (target: 150 ms or less);
 //  - opening a document of varying frames from its file text to the table's first paint:
 //    60 s (target: 150 ms or less) and one hour (target: 1.5 s and 800 MB resident or less).
-#include "app/TestEnvironment.h"
+#include "GuiBenchMain.h"
 #include "audio/AudioPlayer.h"
 #include "document/Log.h"
 #include "document/MyDocument.h"
@@ -167,14 +167,6 @@ BENCHMARK(BM_EditThenPlayToFirstRender)->Unit(benchmark::kMillisecond)->UseManua
 
 int main(int argc, char** argv)
 {
-    const std::string folder = prepareTestEnvironment();
     Log::setSink([](const std::string&) {}); // the synthesizer's and player's lines
-    {
-        QApplication app(argc, argv);
-        benchmark::Initialize(&argc, argv);
-        benchmark::RunSpecifiedBenchmarks();
-        benchmark::Shutdown();
-    }
-    removeTestEnvironment(folder);
-    return 0;
+    return runGuiBenchmarks(argc, argv);
 }

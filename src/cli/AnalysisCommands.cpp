@@ -3,6 +3,7 @@
 // parameter document that carries a model utterance), analyses the model channel with the
 // option panels' default settings for its sample rate, changed by the options given, and writes
 // CSV on standard output or a PNG image.
+#include "cli/AnalysisOverrides.h"
 #include "cli/CliSupport.h"
 
 #include "dataentry/core/TraceDataEntry.h"
@@ -87,33 +88,15 @@ struct SpectrogramOptions {
     double preemphasis = 0.0;
     int dynamicRange = 0;
     bool formants = false;
-    CLI::App* command = nullptr;
+    AnalysisOverrides overrides; // the spectrogram panel's settings
 };
-
-// The spectrogram panel's Default values for the recording's rate, then the options given.
-SpectrogramSettings settingsFor(const SpectrogramOptions& o, MyDocument& document, double sampleRate)
-{
-    document.setAnalysisDefaults(sampleRate);
-    SpectrogramSettings s = SpectrogramSettings::fromDocument(document);
-    auto given = [&](const char* name) { return o.command->count(name) > 0; };
-    if (given("--window"))
-        s.m_nSpecWindowLength = o.window;
-    if (given("--range"))
-        s.m_nSpecfrequencyRange = o.range;
-    if (given("--order"))
-        s.m_nSpecLPCNumberofCoefficients = o.order;
-    if (given("--preemphasis"))
-        s.m_dPreEmphasis = o.preemphasis;
-    if (given("--dynamic-range"))
-        s.m_nSpecDynamicRange = o.dynamicRange;
-    return s;
-}
 
 SpectrogramComputation computeSpectrogram(const SpectrogramOptions& o, bool tracking)
 {
     const auto document = openDocument(o.input, TableData::Skip);
     const Channels& model = modelChannel(*document, o.input);
-    SpectrogramSettings settings = settingsFor(o, *document, model.m_dSampleRate);
+    o.overrides.applyTo(*document, model.m_dSampleRate);
+    SpectrogramSettings settings = SpectrogramSettings::fromDocument(*document);
     settings.m_bSpecDrawFormantTracking = tracking;
     SpectrogramComputation spectrogram(settings);
     try {
@@ -141,7 +124,6 @@ void commandSpectrogram(const SpectrogramOptions& o)
 
 void addSpectrogramOptions(CLI::App* command, SpectrogramOptions& o)
 {
-    o.command = command;
     command->add_option("input", o.input, "WAVE file (or parameter document with a model)")->required();
     command->add_option("--columns", o.columns, "Display width: analysis frames")
         ->capture_default_str()
@@ -149,14 +131,21 @@ void addSpectrogramOptions(CLI::App* command, SpectrogramOptions& o)
     command->add_option("--rows", o.rows, "Display height: levels per frame")
         ->capture_default_str()
         ->check(CLI::Range(1, 2000));
-    command->add_option("--window", o.window, "FFT frame in samples (default 128)")
+    AnalysisOverrides& a = o.overrides;
+    a.add(command, "--window", o.window, "FFT frame in samples (default 128)",
+          &MyDocument::m_nSpecWindowLength)
         ->check(CLI::Range(2, 8192));
-    command->add_option("--range", o.range, "Frequency at the top row in Hz (default: by sample rate)")
+    a.add(command, "--range", o.range, "Frequency at the top row in Hz (default: by sample rate)",
+          &MyDocument::m_nSpecfrequencyRange)
         ->check(CLI::Range(1, 1000000));
-    command->add_option("--order", o.order, "LPC order (default: by sample rate)")->check(CLI::Range(2, 400));
-    command->add_option("--preemphasis", o.preemphasis, "Pre-emphasis coefficient, 0 = off (default 0.98)")
+    a.add(command, "--order", o.order, "LPC order (default: by sample rate)",
+          &MyDocument::m_nSpecLPCNumberofCoefficients)
+        ->check(CLI::Range(2, 400));
+    a.add(command, "--preemphasis", o.preemphasis, "Pre-emphasis coefficient, 0 = off (default 0.98)",
+          &MyDocument::m_dPreEmphasis)
         ->check(CLI::Range(0.0, 1.0));
-    command->add_option("--dynamic-range", o.dynamicRange, "Levels shown, in dB (default 50)")
+    a.add(command, "--dynamic-range", o.dynamicRange, "Levels shown, in dB (default 50)",
+          &MyDocument::m_nSpecDynamicRange)
         ->check(CLI::Range(1, 200));
 }
 
@@ -192,12 +181,7 @@ struct TraceOptions {
 // the options given.
 void applyTraceSettings(const TraceOptions& o, MyDocument& document, double sampleRate)
 {
-    const SpectrogramSettings s = settingsFor(o.spectrogram, document, sampleRate);
-    document.m_nSpecWindowLength = s.m_nSpecWindowLength;
-    document.m_nSpecfrequencyRange = s.m_nSpecfrequencyRange;
-    document.m_nSpecLPCNumberofCoefficients = s.m_nSpecLPCNumberofCoefficients;
-    document.m_dPreEmphasis = s.m_dPreEmphasis;
-    document.m_nSpecDynamicRange = s.m_nSpecDynamicRange;
+    o.spectrogram.overrides.applyTo(document, sampleRate);
     document.m_dPitchWindowLength = o.pitch.m_dPitchWindowLength;
     document.m_dPitchStepSize = o.pitch.m_dPitchStepSize;
     document.m_dCalculationLow = o.pitch.m_dCalculationLow;

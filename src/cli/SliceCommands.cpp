@@ -2,6 +2,7 @@
 // a time as CSV, or its picture; `compare` measures frame by frame how far two recordings of one
 // rate are apart in spectral shape. Both analyse the model channel of what they open, with the
 // option panels' default settings for its sample rate, changed by the options given.
+#include "cli/AnalysisOverrides.h"
 #include "cli/CliSupport.h"
 
 #include "display/RasterCanvas.h"
@@ -30,7 +31,7 @@ struct SliceOptions {
     int order = 0;
     int range = 0;
     bool lpc = false;
-    CLI::App* command = nullptr;
+    AnalysisOverrides overrides; // the FFT/LPC panel's settings
 };
 
 // Pictures are 72 units an inch; a PNG has 100 pixels an inch.
@@ -104,19 +105,7 @@ void commandSlice(const SliceOptions& o)
         checkOutput(o);
     auto document = openDocument(o.input, TableData::Skip);
     const Channels& model = modelChannel(*document, o.input);
-    document->setAnalysisDefaults(model.m_dSampleRate);
-    auto given = [&](const char* name) { return o.command->count(name) > 0; };
-    if (given("--window")) {
-        // As the panel does on choosing a length: the whole transform is windowed.
-        document->m_nFFTWindowLength = o.window;
-        document->m_nFFTAppliedWindowLength = static_cast<int>(o.window * 1000.0 / model.m_dSampleRate);
-    }
-    if (given("--applied"))
-        document->m_nFFTAppliedWindowLength = o.applied;
-    if (given("--order"))
-        document->m_nLPCNumberofCoefficients = o.order;
-    if (given("--range"))
-        document->m_nFFTfrequencyRange = o.range;
+    o.overrides.applyTo(*document, model.m_dSampleRate);
     const double start = std::trunc(o.atMS * model.m_dSampleRate / 1000.0);
     if (start >= static_cast<double>(model.sampleCount())) {
         char why[128];
@@ -137,18 +126,28 @@ void addSliceCommand(CLI::App& app)
     auto o = std::make_shared<SliceOptions>();
     CLI::App* slice = app.add_subcommand(
         "slice", "FFT/LPC slice of a recording at a time: CSV (freq_hz,fft_db[,lpc_db]) or a picture");
-    o->command = slice;
     slice->footer("Levels are dB re full scale. The slice averages the spectra of 10 windows spread over\n"
                   "the 10 ms from --at on (the FFT/LPC window's defaults).");
     slice->add_option("input", o->input, "WAVE file (or parameter document with a model)")->required();
     slice->add_option("--at", o->atMS, "Start of the frame in ms")->required()->check(CLI::Range(0.0, 1.0e9));
-    slice->add_option("--window", o->window, "Transform length in points (default 256)")
+    AnalysisOverrides& a = o->overrides;
+    const int& window = o->window;
+    a.add(slice, "--window", o->window, "Transform length in points (default 256)",
+          [&window](MyDocument& d, double sampleRate) {
+              // As the panel does on choosing a length: the whole transform is windowed.
+              d.m_nFFTWindowLength = window;
+              d.m_nFFTAppliedWindowLength = static_cast<int>(window * 1000.0 / sampleRate);
+          })
         ->check(CLI::IsMember({32, 64, 128, 256, 512, 1024, 2048, 4096, 8192}));
-    slice->add_option("--applied", o->applied, "Samples windowed, in ms (default: the transform's length)")
+    a.add(slice, "--applied", o->applied, "Samples windowed, in ms (default: the transform's length)",
+          &MyDocument::m_nFFTAppliedWindowLength)
         ->check(CLI::Range(1, 10000));
-    slice->add_option("--order", o->order, "LPC order (default: by sample rate)")->check(CLI::Range(1, 400));
+    a.add(slice, "--order", o->order, "LPC order (default: by sample rate)",
+          &MyDocument::m_nLPCNumberofCoefficients)
+        ->check(CLI::Range(1, 400));
     slice->add_flag("--lpc", o->lpc, "Add the LPC envelope (a third column, or a curve in the picture)");
-    slice->add_option("--range", o->range, "Highest frequency in Hz (default: by sample rate)")
+    a.add(slice, "--range", o->range, "Highest frequency in Hz (default: by sample rate)",
+          &MyDocument::m_nFFTfrequencyRange)
         ->check(CLI::Range(1, 1000000));
     slice->add_option("-o,--output", o->output,
                       "Write the picture instead (.png or .svg; replaced if it exists)");

@@ -1,5 +1,7 @@
 #include "dataentry/TraceView.h"
 
+#include "dataentry/DataEntrySupport.h"
+
 #include "display/gui/GraphGrids.h"
 #include "document/MyDocument.h"
 #include "table/mainTable.h"
@@ -92,14 +94,12 @@ int TraceView::columnAt(double x) const
 
 int TraceView::valueAt(double y) const
 {
-    if (height() <= 0)
-        return 0;
-    return static_cast<int>(std::trunc((height() - y) * m_nScale / height()));
+    return valueAtHeight(y, height(), m_nScale);
 }
 
 bool TraceView::inside(const QPointF& p) const
 {
-    return p.x() >= 0.0 && p.y() >= 0.0 && p.x() <= width() && p.y() <= height();
+    return insideView(p, size());
 }
 
 void TraceView::updateColumn(int column)

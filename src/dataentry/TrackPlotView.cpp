@@ -1,5 +1,7 @@
 #include "dataentry/TrackPlotView.h"
 
+#include "dataentry/DataEntrySupport.h"
+
 #include "display/gui/GraphGrids.h"
 #include "table/mainTable.h"
 
@@ -100,15 +102,12 @@ int TrackPlotView::frameAt(double x) const
 
 int TrackPlotView::valueAt(double y) const
 {
-    if (height() <= 0)
-        return 0;
-    return static_cast<int>(std::trunc((height() - y) * m_nScale / height()));
+    return valueAtHeight(y, height(), m_nScale);
 }
 
 bool TrackPlotView::inside(const QPointF& p) const
 {
-    // Both edges belong to the plot: the top edge is _nScale and the bottom edge 0.
-    return p.x() >= 0.0 && p.y() >= 0.0 && p.x() <= width() && p.y() <= height();
+    return insideView(p, size());
 }
 
 void TrackPlotView::updateFrame(int frame)

@@ -8,7 +8,6 @@
 #include "table/mainTable.h"
 
 #include <QAction>
-#include <QColorDialog>
 #include <QEvent>
 #include <QFileInfo>
 #include <QMainWindow>
@@ -17,34 +16,23 @@
 #include <QPushButton>
 #include <QResizeEvent>
 #include <QScrollBar>
-#include <QToolButton>
 
 #include <algorithm>
-#include <cstdint>
 
 namespace
 {
 
+// The parameter each button makes active in the F0 and formant plots, and in the amplitude plot.
 struct ButtonRole {
-    const char* title;
-    const char* upperPlots; // parameter made active in the F0 and formant plots
-    const char* lowerPlot;  // parameter made active in the amplitude plot
-    std::int32_t MyDocument::*documentSwitch;
-    bool storedBack; // the A5F switch is read from the document but never written to it
+    const char* upperPlots;
+    const char* lowerPlot;
 };
 
 const ButtonRole kButtons[dataentryGraphicalController::ButtonCount] = {
-    {"F0", "f0", "f0", &MyDocument::m_nF0, true},   {"F1", "f1", "a1f", &MyDocument::m_nF1, true},
-    {"F2", "f2", "a2f", &MyDocument::m_nF2, true},  {"F3", "f3", "a3f", &MyDocument::m_nF3, true},
-    {"F4", "f4", "a4f", &MyDocument::m_nF4, true},  {"F5", "f5", "a5f", &MyDocument::m_nF5, true},
-    {"AV", "", "av", &MyDocument::m_nAV, true},     {"APV", "", "apv", &MyDocument::m_nAPV, true},
-    {"A1F", "", "a1f", &MyDocument::m_nA1F, true},  {"A2F", "", "a2f", &MyDocument::m_nA2F, true},
-    {"A3F", "", "a3f", &MyDocument::m_nA3F, true},  {"A4F", "", "a4f", &MyDocument::m_nA4F, true},
-    {"A5F", "", "a5f", &MyDocument::m_nA5F, false},
+    {"f0", "f0"}, {"f1", "a1f"}, {"f2", "a2f"}, {"f3", "a3f"}, {"f4", "a4f"}, {"f5", "a5f"}, {"", "av"},
+    {"", "apv"},  {"", "a1f"},   {"", "a2f"},   {"", "a3f"},   {"", "a4f"},   {"", "a5f"},
 };
 
-constexpr int kMargin = 100; // the left margin that holds the controls
-constexpr int kControlGap = 2;
 constexpr int kWellWidth = 30;
 
 } // namespace
@@ -104,25 +92,10 @@ void dataentryGraphicalController::setmaintableID(mainTable* table)
 
 void dataentryGraphicalController::makeControls()
 {
-    for (int b = 0; b < ButtonCount; ++b) {
-        auto* button = new QPushButton(QString::fromUtf8(kButtons[b].title), m_content);
-        button->setCheckable(true);
-        button->setObjectName(QString::fromUtf8(kButtons[b].title));
-        // Radio behaviour is ours: a click on the pressed button keeps it pressed.
-        connect(button, &QPushButton::clicked, this, [this, b] { actionParameter(static_cast<Button>(b)); });
-        m_buttons[b] = button;
-    }
-    for (int well = 0; well < 6; ++well) {
-        auto* button = new QToolButton(m_content);
-        button->setAutoRaise(false);
-        button->setToolTip(well == 0 ? QStringLiteral("F0 colour") : QStringLiteral("F%1 colour").arg(well));
-        connect(button, &QToolButton::clicked, this, [this, well] {
-            const QColor chosen = QColorDialog::getColor(m_wellColors[well], m_window.get());
-            if (chosen.isValid())
-                actionColor(well, chosen);
-        });
-        m_wells[well] = button;
-    }
+    // Radio behaviour is ours: a click on the pressed button keeps it pressed.
+    m_controls.emplace(
+        m_content, kWellWidth, true, this, [this](Button b) { actionParameter(b); },
+        [this](int well, const QColor& color) { actionColor(well, color); });
     m_content->installEventFilter(this);
     m_window->installEventFilter(this);
 }
@@ -156,19 +129,13 @@ void dataentryGraphicalController::windowDidLoad()
 {
     m_window->setWindowTitle(dataEntryWindowTitle(m_pDoc));
     m_window->setGeometry(10, 300, 800, 400);
-    for (int well = 0; well < 6; ++well) {
-        m_wellColors[well] = m_pDoc ? toQColor(m_pDoc->m_ColorTracing[well]) : QColor(Qt::black);
-        showWellColor(well);
-    }
-    for (int b = 0; b < ButtonCount; ++b)
-        m_buttons[b]->setChecked(m_pDoc && m_pDoc->*kButtons[b].documentSwitch != 0);
-    m_viewF0->setColor(m_wellColors[0]);
+    m_controls->load(m_pDoc);
+    m_viewF0->setColor(wellColor(0));
     for (int f = 0; f < 5; ++f)
-        m_viewFormants->setColor(m_wellColors[f + 1], f);
+        m_viewFormants->setColor(wellColor(f + 1), f);
     setupViews();
     // The window always opens drawing F0, whatever the document's switches say.
-    for (int b = 0; b < ButtonCount; ++b)
-        m_buttons[b]->setChecked(b == F0);
+    m_controls->checkOnly(F0);
     m_viewF0->activeParameter("f0");
     m_viewFormants->activeParameter("f0");
     m_viewOthers->activeParameter("f0");
@@ -187,41 +154,25 @@ void dataentryGraphicalController::setupViews()
 
 void dataentryGraphicalController::actionParameter(Button button)
 {
-    for (int b = 0; b < ButtonCount; ++b)
-        m_buttons[b]->setChecked(b == button);
-    storeSwitches();
+    m_controls->checkOnly(button);
+    if (m_pDoc)
+        m_controls->storeSwitches(*m_pDoc);
     m_viewF0->activeParameter(kButtons[button].upperPlots);
     m_viewFormants->activeParameter(kButtons[button].upperPlots);
     m_viewOthers->activeParameter(kButtons[button].lowerPlot);
-}
-
-void dataentryGraphicalController::storeSwitches()
-{
-    if (!m_pDoc)
-        return;
-    for (int b = 0; b < ButtonCount; ++b)
-        if (kButtons[b].storedBack)
-            m_pDoc->*kButtons[b].documentSwitch = m_buttons[b]->isChecked() ? 1 : 0;
 }
 
 void dataentryGraphicalController::actionColor(int well, const QColor& color)
 {
     if (well < 0 || well >= 6 || !color.isValid())
         return;
-    m_wellColors[well] = color;
-    showWellColor(well);
+    m_controls->setWellColor(well, color);
     if (m_pDoc)
         m_pDoc->m_ColorTracing[well] = toColor(color);
     if (well == 0)
         m_viewF0->setColor(color);
     else
         m_viewFormants->setColor(color, well - 1);
-}
-
-void dataentryGraphicalController::showWellColor(int well)
-{
-    m_wells[well]->setStyleSheet(QStringLiteral("background-color: %1; border: 1px solid gray;")
-                                     .arg(m_wellColors[well].name(QColor::HexArgb)));
 }
 
 void dataentryGraphicalController::forward(void (mainTable::*command)())
@@ -266,44 +217,15 @@ bool dataentryGraphicalController::eventFilter(QObject* watched, QEvent* event)
 
 void dataentryGraphicalController::specialWindowDidResize(int w, int h)
 {
-    // The plots share the height less 26 in the proportion 1 : 2 : 1.
-    const int H = h - 26;
-    const int width = w - (kMargin + 5);
-    const QRect f0(kMargin, 5, width, H / 4);
-    const QRect formants(kMargin, H / 4 + 5, width, (2 * H) / 4);
-    const QRect others(kMargin, (2 * H) / 4 + H / 4 + 5, width, H / 4 - 5);
-    m_viewF0->setPosition(f0);
-    m_viewFormants->setPosition(formants);
-    m_viewOthers->setPosition(others);
-    m_timeAxis->setViewWidth(width);
+    const DataEntryControls::Stack plots = DataEntryControls::stack(w, h);
+    m_viewF0->setPosition(plots.upper);
+    m_viewFormants->setPosition(plots.middle);
+    m_viewOthers->setPosition(plots.lower);
+    m_timeAxis->setViewWidth(plots.upper.width());
     // The scroll bar under the plots, in the strip the plots leave free.
-    const int barTop = others.bottom() + 1 + kControlGap;
-    m_scrollBar->setGeometry(kMargin, barTop, width, std::clamp(h - barTop - kControlGap, 0, 18));
-
-    // Beside each plot the buttons that act on it; the colour wells right of their buttons.
-    placeButtons(f0.top(), f0.height(), F0, 1, 1);
-    placeButtons(formants.top(), formants.height(), F1, 5, 1);
-    placeButtons(others.top(), others.height(), AV, 7, 2);
-    const int wellX = kMargin - kWellWidth - 2 * kControlGap;
-    for (int well = 0; well < 6; ++well) {
-        const QRect beside = m_buttons[well]->geometry();
-        m_wells[well]->setGeometry(wellX, beside.top(), kWellWidth, beside.height());
-    }
-}
-
-void dataentryGraphicalController::placeButtons(int top, int height, int firstButton, int count, int columns)
-{
-    // One column of buttons leaves room for the colour wells; two columns share the margin.
-    const int left = kControlGap;
-    const int usable = columns == 1 ? kMargin - kWellWidth - 4 * kControlGap : kMargin - 3 * kControlGap;
-    const int buttonWidth = (usable - (columns - 1) * kControlGap) / columns;
-    const int rows = (count + columns - 1) / columns;
-    const int rowHeight = std::max(height / std::max(rows, 1), 1);
-    const int buttonHeight = std::max(std::min(rowHeight - kControlGap, 24), 1);
-    for (int i = 0; i < count; ++i) {
-        const int row = i / columns;
-        const int column = i % columns;
-        m_buttons[firstButton + i]->setGeometry(left + column * (buttonWidth + kControlGap),
-                                                top + row * rowHeight, buttonWidth, buttonHeight);
-    }
+    const int gap = DataEntryControls::kGap;
+    const int barTop = plots.lower.bottom() + 1 + gap;
+    m_scrollBar->setGeometry(DataEntryControls::kMargin, barTop, plots.upper.width(),
+                             std::clamp(h - barTop - gap, 0, 18));
+    m_controls->place(plots);
 }

@@ -6,6 +6,7 @@
 // table cells through the plots; undo, redo and play are forwarded to the table that opened it. The
 // controller owns its window; the table owns the controller (one at a time). Main thread only. Sizes are in
 // pixels of the window's content.
+#include "dataentry/DataEntryControls.h"
 #include "table/DataEntryController.h"
 
 #include <QColor>
@@ -13,6 +14,7 @@
 
 #include <array>
 #include <memory>
+#include <optional>
 
 class MyDocument;
 class mainTable;
@@ -22,7 +24,6 @@ class viewOthers;
 class TrackPlotView;
 class QMainWindow;
 class QPushButton;
-class QToolButton;
 class QAction;
 class QScrollBar;
 class TimeAxisZoom;
@@ -32,7 +33,8 @@ class dataentryGraphicalController : public QObject, public DataEntryController
     Q_OBJECT
 public:
     // The thirteen parameter buttons, in the order of the window's left margin.
-    enum Button { F0, F1, F2, F3, F4, F5, AV, APV, A1F, A2F, A3F, A4F, A5F, ButtonCount };
+    using Button = DataEntryControls::Button;
+    using enum DataEntryControls::Button;
 
     // Opens the window on the document; the table (may be null) receives the forwarded
     // commands and follows the pointer.
@@ -62,8 +64,8 @@ public:
     viewF0* _viewF0() const { return m_viewF0; }
     viewFormants* _viewFormants() const { return m_viewFormants; }
     viewOthers* _viewOthers() const { return m_viewOthers; }
-    QPushButton* button(Button b) const { return m_buttons[b]; }
-    QColor wellColor(int well) const { return m_wellColors[well]; }
+    QPushButton* button(Button b) const { return m_controls->button(b); }
+    QColor wellColor(int well) const { return m_controls->wellColor(well); }
     // The zoom and scroll position the three plots share, and its scroll bar below them.
     TimeAxisZoom* timeAxis() const { return m_timeAxis; }
     QScrollBar* scrollBar() const { return m_scrollBar; }
@@ -79,11 +81,8 @@ private:
     void makeControls();
     void makeMenus();
     void validateMenus();
-    void storeSwitches();
     void forward(void (mainTable::*command)());
     std::array<TrackPlotView*, 3> views() const;
-    void showWellColor(int well);
-    void placeButtons(int top, int height, int firstButton, int count, int columns);
 
     mainTable* m_mainTableID = nullptr;
     MyDocument* m_pDoc = nullptr;
@@ -94,9 +93,7 @@ private:
     viewOthers* m_viewOthers = nullptr;
     TimeAxisZoom* m_timeAxis = nullptr;
     QScrollBar* m_scrollBar = nullptr;
-    std::array<QPushButton*, ButtonCount> m_buttons{};
-    std::array<QToolButton*, 6> m_wells{};
-    std::array<QColor, 6> m_wellColors{};
+    std::optional<DataEntryControls> m_controls;
     QAction* m_undo = nullptr;
     QAction* m_redo = nullptr;
     QAction* m_playAudio = nullptr;

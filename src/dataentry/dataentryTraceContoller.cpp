@@ -11,45 +11,39 @@
 
 #include <QAction>
 #include <QCheckBox>
-#include <QColorDialog>
 #include <QEvent>
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QResizeEvent>
 #include <QScrollBar>
-#include <QToolButton>
 
 #include <algorithm>
-#include <cstdint>
 #include <exception>
 
 namespace
 {
 
+// The keys each button makes active in the three views, and the button switched on with it.
 struct ButtonRole {
-    const char* title;
-    const char* pitch;       // key made active in the pitch view
-    const char* spectrogram; // ... in the spectrogram view
-    const char* amplitudes;  // ... in the amplitude view
-    int alsoOn;              // the button switched on with this one (-1 none)
-    std::int32_t MyDocument::*documentSwitch;
+    const char* pitch;
+    const char* spectrogram;
+    const char* amplitudes;
+    int alsoOn; // -1: none
 };
 
 using C = dataentryTraceContoller;
 const ButtonRole kButtons[C::ButtonCount] = {
-    {"F0", "f0", "", "", -1, &MyDocument::m_nF0},        {"F1", "", "f1", "a1f", C::A1F, &MyDocument::m_nF1},
-    {"F2", "", "f2", "a2f", C::A2F, &MyDocument::m_nF2}, {"F3", "", "f3", "a3f", C::A3F, &MyDocument::m_nF3},
-    {"F4", "", "f4", "a4f", C::A4F, &MyDocument::m_nF4}, {"F5", "", "f5", "a5f", C::A5F, &MyDocument::m_nF5},
-    {"AV", "", "", "av", -1, &MyDocument::m_nAV},        {"APV", "", "", "apv", -1, &MyDocument::m_nAPV},
-    {"A1F", "", "", "a1f", -1, &MyDocument::m_nA1F},     {"A2F", "", "", "a2f", -1, &MyDocument::m_nA2F},
-    {"A3F", "", "", "a3f", -1, &MyDocument::m_nA3F},     {"A4F", "", "", "a4f", -1, &MyDocument::m_nA4F},
-    {"A5F", "", "", "a5f", -1, &MyDocument::m_nA5F},
+    {"f0", "", "", -1},        {"", "f1", "a1f", C::A1F}, {"", "f2", "a2f", C::A2F},
+    {"", "f3", "a3f", C::A3F}, {"", "f4", "a4f", C::A4F}, {"", "f5", "a5f", C::A5F},
+    {"", "", "av", -1},        {"", "", "apv", -1},       {"", "", "a1f", -1},
+    {"", "", "a2f", -1},       {"", "", "a3f", -1},       {"", "", "a4f", -1},
+    {"", "", "a5f", -1},
 };
 
-constexpr int kMargin = 100; // the left margin that holds the track buttons
-constexpr int kStrip = 26;   // the strip along the bottom: Enter All Data, View Old Data, status
-constexpr int kGap = 2;
+constexpr int kMargin = DataEntryControls::kMargin;
+constexpr int kStrip = 26; // the strip along the bottom: Enter All Data, View Old Data, status
+constexpr int kGap = DataEntryControls::kGap;
 constexpr int kWellWidth = 26;
 constexpr int kViewOldWidth = 115; // the View Old Data check box
 constexpr int kStatusWidth = 170;  // the pointer's readout
@@ -112,26 +106,9 @@ void dataentryTraceContoller::setmaintableID(mainTable* table)
 
 void dataentryTraceContoller::makeControls()
 {
-    for (int b = 0; b < ButtonCount; ++b) {
-        auto* button = new QPushButton(QString::fromUtf8(kButtons[b].title), m_window.get());
-        button->setCheckable(true);
-        button->setFocusPolicy(Qt::NoFocus); // Space plays; it must not press a button
-        button->setObjectName(QString::fromUtf8(kButtons[b].title));
-        connect(button, &QPushButton::clicked, this, [this, b] { actionTrace(static_cast<Button>(b)); });
-        m_buttons[static_cast<std::size_t>(b)] = button;
-    }
-    for (int well = 0; well < 6; ++well) {
-        auto* button = new QToolButton(m_window.get());
-        button->setFocusPolicy(Qt::NoFocus);
-        button->setToolTip(well == 0 ? QStringLiteral("F0 colour") : QStringLiteral("F%1 colour").arg(well));
-        connect(button, &QToolButton::clicked, this, [this, well] {
-            const QColor chosen =
-                QColorDialog::getColor(m_wellColors[static_cast<std::size_t>(well)], m_window.get());
-            if (chosen.isValid())
-                actionColor(well, chosen);
-        });
-        m_wells[static_cast<std::size_t>(well)] = button;
-    }
+    m_controls.emplace(
+        m_window.get(), kWellWidth, false, this, [this](Button b) { actionTrace(b); },
+        [this](int well, const QColor& color) { actionColor(well, color); });
     m_enterAllData = new QPushButton(QStringLiteral("Enter All Data"), m_window.get());
     m_enterAllData->setFocusPolicy(Qt::NoFocus);
     m_enterAllData->setToolTip(
@@ -172,26 +149,18 @@ void dataentryTraceContoller::windowDidLoad()
     m_window->setWindowTitle(dataEntryWindowTitle(m_pDoc));
     m_window->setGeometry(10, 300, 800, 400);
     m_window->setMinimumSize(420, 300);
-    for (int well = 0; well < 6; ++well) {
-        m_wellColors[static_cast<std::size_t>(well)] =
-            m_pDoc ? toQColor(m_pDoc->m_ColorTracing[well]) : QColor(Qt::black);
-        showWellColor(well);
-    }
-    for (int b = 0; b < ButtonCount; ++b)
-        m_buttons[static_cast<std::size_t>(b)]->setChecked(m_pDoc &&
-                                                           m_pDoc->*kButtons[b].documentSwitch != 0);
+    m_controls->load(m_pDoc);
     for (TraceView* view : views()) {
         view->setDocument(m_pDoc);
         view->set_containerID(this);
     }
-    m_viewPitch->setColor(m_wellColors[0]);
+    m_viewPitch->setColor(m_controls->wellColor(0));
     for (int f = 0; f < 5; ++f) {
-        m_viewSpectrogram->setColor(m_wellColors[static_cast<std::size_t>(f + 1)], f);
-        m_viewAmplitudes->setColor(m_wellColors[static_cast<std::size_t>(f + 1)], f);
+        m_viewSpectrogram->setColor(m_controls->wellColor(f + 1), f);
+        m_viewAmplitudes->setColor(m_controls->wellColor(f + 1), f);
     }
     // The window always opens tracing F0, whatever the document's switches say.
-    for (int b = 0; b < ButtonCount; ++b)
-        m_buttons[static_cast<std::size_t>(b)]->setChecked(b == F0);
+    m_controls->checkOnly(F0);
     m_viewPitch->activeParameter("f0");
     const bool showOld = !m_pDoc || m_pDoc->_bShowGridData != 0;
     m_viewOldData->setChecked(showOld);
@@ -215,11 +184,8 @@ void dataentryTraceContoller::actionTrace(Button button)
     if (!m_pDoc)
         return;
     const ButtonRole& role = kButtons[button];
-    for (int b = 0; b < ButtonCount; ++b)
-        m_buttons[static_cast<std::size_t>(b)]->setChecked(b == button || b == role.alsoOn);
-    // The A5F switch is read from the document but never written back by the buttons.
-    for (int b = 0; b < A5F; ++b)
-        m_pDoc->*kButtons[b].documentSwitch = m_buttons[static_cast<std::size_t>(b)]->isChecked() ? 1 : 0;
+    m_controls->checkOnly(button, role.alsoOn);
+    m_controls->storeSwitches(*m_pDoc);
     m_viewPitch->activeParameter(role.pitch);
     m_viewSpectrogram->activeParameter(role.spectrogram);
     m_viewAmplitudes->activeParameter(role.amplitudes);
@@ -231,8 +197,7 @@ void dataentryTraceContoller::actionColor(int well, const QColor& color)
 {
     if (well < 0 || well >= 6 || !color.isValid())
         return;
-    m_wellColors[static_cast<std::size_t>(well)] = color;
-    showWellColor(well);
+    m_controls->setWellColor(well, color);
     if (m_pDoc)
         m_pDoc->m_ColorTracing[well] = toColor(color);
     if (well == 0) {
@@ -248,15 +213,8 @@ QColor dataentryTraceContoller::getControlColor(const std::string& key) const
     static const char* const keys[] = {"f0", "f1", "f2", "f3", "f4", "f5"};
     for (int well = 0; well < 6; ++well)
         if (key == keys[well])
-            return m_wellColors[static_cast<std::size_t>(well)];
+            return m_controls->wellColor(well);
     return Qt::black;
-}
-
-void dataentryTraceContoller::showWellColor(int well)
-{
-    m_wells[static_cast<std::size_t>(well)]->setStyleSheet(
-        QStringLiteral("background-color: %1; border: 1px solid gray;")
-            .arg(m_wellColors[static_cast<std::size_t>(well)].name(QColor::HexArgb)));
 }
 
 void dataentryTraceContoller::showSheet(const QString& title, const QString& message,
@@ -378,24 +336,12 @@ bool dataentryTraceContoller::eventFilter(QObject* watched, QEvent* event)
 void dataentryTraceContoller::specialWindowDidResize(int w, int h)
 {
     // The views share the height less the bottom strip in the proportion 1 : 2 : 1.
-    const int H = h - kStrip;
-    const int width = w - (kMargin + 5);
-    const QRect pitch(kMargin, 5, width, H / 4);
-    const QRect spectrogram(kMargin, H / 4 + 5, width, (2 * H) / 4);
-    const QRect amplitudes(kMargin, (2 * H) / 4 + H / 4 + 5, width, H / 4 - 5);
-    m_viewPitch->setPosition(pitch);
-    m_viewSpectrogram->setPosition(spectrogram);
-    m_viewAmplitudes->setPosition(amplitudes);
-
-    placeButtons(pitch.top(), pitch.height(), F0, 1, 1);
-    placeButtons(spectrogram.top(), spectrogram.height(), F1, 5, 1);
-    placeButtons(amplitudes.top(), amplitudes.height(), AV, 7, 2);
-    const int wellX = kMargin - kWellWidth - 2 * kGap;
-    for (int well = 0; well < 6; ++well) {
-        const QRect beside = m_buttons[static_cast<std::size_t>(well)]->geometry();
-        m_wells[static_cast<std::size_t>(well)]->setGeometry(wellX, beside.top(), kWellWidth,
-                                                             beside.height());
-    }
+    const DataEntryControls::Stack views = DataEntryControls::stack(w, h);
+    m_viewPitch->setPosition(views.upper);
+    m_viewSpectrogram->setPosition(views.middle);
+    m_viewAmplitudes->setPosition(views.lower);
+    m_controls->place(views);
+    const int width = views.upper.width();
     const int stripTop = h - kStrip + 2;
     m_enterAllData->setGeometry(kGap, stripTop, kMargin - 2 * kGap, kStrip - 4);
     m_timeAxis->setViewWidth(width);
@@ -406,19 +352,4 @@ void dataentryTraceContoller::specialWindowDidResize(int w, int h)
     m_scrollBar->setGeometry(kMargin, stripTop + 3, std::max(viewOldLeft - kGap - kMargin, 0), kStrip - 10);
     m_viewOldData->setGeometry(viewOldLeft + kGap, stripTop, kViewOldWidth - kGap, kStrip - 4);
     m_status->setGeometry(statusLeft, stripTop, right - statusLeft, kStrip - 4);
-}
-
-void dataentryTraceContoller::placeButtons(int top, int height, int firstButton, int count, int columns)
-{
-    const int usable = columns == 1 ? kMargin - kWellWidth - 4 * kGap : kMargin - 3 * kGap;
-    const int buttonWidth = (usable - (columns - 1) * kGap) / columns;
-    const int rows = (count + columns - 1) / columns;
-    const int rowHeight = std::max(height / std::max(rows, 1), 1);
-    const int buttonHeight = std::max(std::min(rowHeight - kGap, 24), 1);
-    for (int i = 0; i < count; ++i) {
-        const int row = i / columns;
-        const int column = i % columns;
-        m_buttons[static_cast<std::size_t>(firstButton + i)]->setGeometry(
-            kGap + column * (buttonWidth + kGap), top + row * rowHeight, buttonWidth, buttonHeight);
-    }
 }

@@ -12,6 +12,7 @@
 // default 800 x 400 frame are fixed (the spectrogram view is 695 x 187, which the headless
 // entry uses as its default). The controller owns its window; the table owns the controller.
 // Main thread only.
+#include "dataentry/DataEntryControls.h"
 #include "table/DataEntryController.h"
 
 #include <QColor>
@@ -22,6 +23,7 @@
 #include <array>
 #include <functional>
 #include <memory>
+#include <optional>
 
 class MyDocument;
 class mainTable;
@@ -35,14 +37,14 @@ class QScrollBar;
 class TimeAxisZoom;
 
 class QPushButton;
-class QToolButton;
 class QWidget;
 
 class dataentryTraceContoller : public QObject, public DataEntryController
 {
     Q_OBJECT
 public:
-    enum Button { F0, F1, F2, F3, F4, F5, AV, APV, A1F, A2F, A3F, A4F, A5F, ButtonCount };
+    using Button = DataEntryControls::Button;
+    using enum DataEntryControls::Button;
 
     dataentryTraceContoller(MyDocument* doc, mainTable* table, QObject* parent = nullptr);
     ~dataentryTraceContoller() override;
@@ -71,7 +73,7 @@ public:
     viewPitch* _viewPitch() const { return m_viewPitch; }
     viewSpectrogram* _viewSpectrogram() const { return m_viewSpectrogram; }
     viewAmplitudes* _viewAmplitudes() const { return m_viewAmplitudes; }
-    QPushButton* button(Button b) const { return m_buttons[static_cast<std::size_t>(b)]; }
+    QPushButton* button(Button b) const { return m_controls->button(b); }
     QPushButton* _EnterAllData() const { return m_enterAllData; }
     QCheckBox* _ViewOldData() const { return m_viewOldData; }
     QLabel* statusLabel() const { return m_status; }
@@ -92,8 +94,6 @@ private:
     void windowDidLoad();
     void makeControls();
     void makeShortcuts();
-    void placeButtons(int top, int height, int firstButton, int count, int columns);
-    void showWellColor(int well);
     void showSheet(const QString& title, const QString& message, const QString& buttonText);
     void spectrogramComputing(bool computing);
     void enterAllDataNow();
@@ -106,9 +106,7 @@ private:
     viewPitch* m_viewPitch = nullptr;
     viewSpectrogram* m_viewSpectrogram = nullptr;
     viewAmplitudes* m_viewAmplitudes = nullptr;
-    std::array<QPushButton*, ButtonCount> m_buttons{};
-    std::array<QToolButton*, 6> m_wells{};
-    std::array<QColor, 6> m_wellColors{};
+    std::optional<DataEntryControls> m_controls;
     QPushButton* m_enterAllData = nullptr;
     QCheckBox* m_viewOldData = nullptr;
     QLabel* m_status = nullptr;

@@ -32,4 +32,15 @@ public:
     virtual double textWidth(const std::string& text) const = 0;
     // Ascent of the canvas's font: the height of digits and capitals above the baseline.
     virtual double textAscent() const = 0;
+
+protected:
+    // Where a line of text anchored at x starts, for canvases that place text by its left end.
+    double textLeft(double x, const std::string& text, TextAnchor anchor) const
+    {
+        if (anchor == TextAnchor::Centre)
+            return x - textWidth(text) / 2.0;
+        if (anchor == TextAnchor::Right)
+            return x - textWidth(text);
+        return x;
+    }
 };

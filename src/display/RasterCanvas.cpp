@@ -115,11 +115,7 @@ void RasterCanvas::polyline(const std::vector<std::pair<double, double>>& points
 void RasterCanvas::text(double x, double baseline, const std::string& text, PlotColor color,
                         TextAnchor anchor)
 {
-    double left = x;
-    if (anchor == TextAnchor::Centre)
-        left -= textWidth(text) / 2.0;
-    else if (anchor == TextAnchor::Right)
-        left -= textWidth(text);
+    const double left = textLeft(x, text, anchor);
     const int top = static_cast<int>(std::lround(baseline)) - kGlyphHeight + 1;
     int column = static_cast<int>(std::lround(left));
     for (char c : text) {

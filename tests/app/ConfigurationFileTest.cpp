@@ -1,4 +1,5 @@
 #include "app/ConfigurationFile.h"
+#include "app/TestFiles.h"
 #include "document/MyDocument.h"
 
 #include <gtest/gtest.h>
@@ -29,12 +30,6 @@ void customize(MyDocument& doc)
     c.m_Parameters[Row::av].nsSetColor = Color::rgb(0, 1, 0);
     doc.m_nSpecDynamicRange = 70;
     doc.m_dPreEmphasis = 0.5;
-}
-
-std::string slurp(const std::string& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
 }
 
 struct TemporaryConfigHome {

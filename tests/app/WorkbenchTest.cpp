@@ -1,6 +1,8 @@
 #include "app/DocumentWindow.h"
 #include "app/RecoveryDialog.h"
+#include "app/TestFiles.h"
 #include "app/WorkbenchApplication.h"
+#include "display/TestChannels.h"
 #include "document/MyDocument.h"
 #include "table/DataEntryController.h"
 #include "table/mainTable.h"
@@ -102,23 +104,16 @@ template <typename T> void whenModal(std::function<void(T*)> answer)
 
 std::string fileText(const QString& path)
 {
-    std::ifstream in(path.toStdString(), std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
+    return slurp(path.toStdString());
 }
 
 // A 0.4 s recording written by the document's own wave writer.
-void writeRecording(const QString& path)
+void writeRecording(const QString& path, int period = 100)
 {
-    MyDocument recording;
-    Channels& c = *recording.getChannel(0);
-    c.m_hData = MemoryBlock::newHandleClear(4410 * sizeof(float));
+    std::vector<float> ramps(4410);
     for (int i = 0; i < 4410; ++i)
-        reinterpret_cast<float*>(c.m_hData->bytes())[i] = (i % 100) / 400.0f;
-    c.m_dSampleRate = 11025;
-    c.m_dwFileLength = 4410;
-    std::ofstream(path.toStdString(), std::ios::binary) << recording.save_Wave_FileType();
+        ramps[i] = static_cast<float>(i % period) / (4.0f * period);
+    std::ofstream(path.toStdString(), std::ios::binary) << waveFileBytes(ramps, 11025);
 }
 
 struct Workbench {
@@ -219,15 +214,8 @@ TEST(Workbench, WaveFilesOpenAsNewDocumentsWithAModel)
 TEST(Workbench, LoadModelRecordingKeepsTheTableAndItsHistory)
 {
     Workbench wb;
-    MyDocument recording;
-    Channels& c = *recording.getChannel(0);
-    c.m_hData = MemoryBlock::newHandleClear(4410 * sizeof(float));
-    for (int i = 0; i < 4410; ++i)
-        reinterpret_cast<float*>(c.m_hData->bytes())[i] = (i % 50) / 200.0f;
-    c.m_dSampleRate = 11025;
-    c.m_dwFileLength = 4410;
     const QString file = wb.path("voice.wav");
-    std::ofstream(file.toStdString(), std::ios::binary) << recording.save_Wave_FileType();
+    writeRecording(file, 50);
 
     DocumentWindow* w = wb.app.newDocument();
     const int columns = w->table()->model()->columnCount();

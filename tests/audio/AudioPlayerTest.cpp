@@ -1,4 +1,5 @@
 #include "audio/AudioPlayer.h"
+#include "app/TestFiles.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -58,15 +59,6 @@ long find(const std::vector<float>& haystack, const std::vector<float>& needle)
     return -1;
 }
 
-std::vector<float> readCapture(const std::string& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    std::vector<char> bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    std::vector<float> samples(bytes.size() / 4);
-    std::memcpy(samples.data(), bytes.data(), samples.size() * 4);
-    return samples;
-}
-
 // Plays `samples` through the default output into a fresh capture file and waits for the
 // player to stop by itself; answers what the output received.
 std::vector<float> playAndCapture(const std::vector<float>& samples)
@@ -83,7 +75,7 @@ std::vector<float> playAndCapture(const std::vector<float>& samples)
     EXPECT_TRUE(stopped.wait(10000)) << "playback did not end by itself";
     EXPECT_FALSE(player.isPlaying());
     EXPECT_EQ(player.getOutputUnit(), nullptr);
-    return readCapture(path);
+    return slurpFloats(path);
 }
 } // namespace
 

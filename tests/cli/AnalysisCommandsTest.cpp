@@ -1,6 +1,6 @@
 #include "analysis/TestSignals.h"
 #include "cli/CliRunner.h"
-#include "document/MyDocument.h"
+#include "display/TestChannels.h"
 
 #include <gtest/gtest.h>
 
@@ -22,14 +22,8 @@ std::string vowelWave(const TempDir& dir)
 {
     const std::vector<float> samples = signals::toFloat(
         signals::vowel(22050, 120.0, kRate, {{700.0, 130.0}, {1220.0, 70.0}, {2600.0, 160.0}}), 0.05);
-    MyDocument document;
-    Channels* c = document.getChannel(0);
-    c->m_hData = MemoryBlock::newHandleClear(samples.size() * sizeof(float));
-    std::memcpy(c->m_hData->bytes(), samples.data(), samples.size() * sizeof(float));
-    c->m_dSampleRate = kRate;
-    c->m_dwFileLength = static_cast<double>(samples.size());
     const std::string path = dir / "vowel.wav";
-    std::ofstream(path, std::ios::binary) << document.save_Wave_FileType();
+    std::ofstream(path, std::ios::binary) << waveFileBytes(samples, kRate);
     return path;
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 // Runs tessaphon-cli as a user would and collects its exit status and output.
+#include "app/TestFiles.h"
+
 #include <array>
 #include <cstdio>
 #include <filesystem>
@@ -11,19 +13,6 @@ struct CliResult {
     std::string out;
     std::string err;
 };
-
-inline std::string slurp(const std::filesystem::path& path)
-{
-    std::string text;
-    if (std::FILE* f = std::fopen(path.c_str(), "rb")) {
-        std::array<char, 4096> buffer;
-        std::size_t n;
-        while ((n = std::fread(buffer.data(), 1, buffer.size(), f)) > 0)
-            text.append(buffer.data(), n);
-        std::fclose(f);
-    }
-    return text;
-}
 
 // `shellPrefix` runs before the program in the same shell (e.g. "ulimit -v 40000;").
 inline CliResult runCliAfter(const std::string& shellPrefix, const std::string& arguments)

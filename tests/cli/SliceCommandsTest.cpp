@@ -1,4 +1,6 @@
+#include "analysis/TestSignals.h"
 #include "cli/CliRunner.h"
+#include "display/TestChannels.h"
 #include "document/MyDocument.h"
 
 #include <gtest/gtest.h>
@@ -14,15 +16,9 @@ namespace
 // A WAVE file of a sine written by the document's own writer.
 std::string sineWave(const TempDir& dir, const std::string& name, double hz, double rate, int samples)
 {
-    MyDocument document;
-    Channels* c = document.getChannel(0);
-    c->m_hData = MemoryBlock::newHandleClear(samples * sizeof(float));
-    for (int i = 0; i < samples; ++i)
-        c->m_hData->floats()[i] = static_cast<float>(0.5 * std::sin(2.0 * M_PI * hz * i / rate));
-    c->m_dSampleRate = rate;
-    c->m_dwFileLength = samples;
     const std::string path = dir / name;
-    std::ofstream(path, std::ios::binary) << document.save_Wave_FileType();
+    std::ofstream(path, std::ios::binary)
+        << waveFileBytes(signals::toFloat(signals::sine(samples, hz, rate, 0.5)), rate);
     return path;
 }
 

@@ -1,4 +1,5 @@
 #include "continuum/Continuum.h"
+#include "app/TestFiles.h"
 #include "continuum/ContinuumWriter.h"
 #include "continuum/TestDocument.h"
 #include "document/DocumentException.h"
@@ -136,8 +137,7 @@ TEST(ContinuumWriter, ManifestHoldsWhatTheDocumentsHold)
         EXPECT_NEAR(std::stod(weight), (step - 1) / 10.0, 1e-6);
         EXPECT_EQ(wave, "");
         // Read the step's document back from its file and average its rows.
-        std::ifstream in(folder / name, std::ios::binary);
-        const std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+        const std::string bytes = slurp(folder / name);
         MyDocument document;
         int error = 0;
         ASSERT_TRUE(document.readFromData(bytes, "stk", &error)) << name;

@@ -1,5 +1,6 @@
 // The graphical data-entry window driven with real mouse events under the offscreen platform;
 // the checks are on the document's cells and undo lists.
+#include "DataEntryTestSupport.h"
 #include "dataentry/dataentryGraphicalController.h"
 #include "dataentry/viewF0.h"
 #include "dataentry/viewFormants.h"
@@ -10,7 +11,6 @@
 
 #include <QApplication>
 #include <QImage>
-#include <QMouseEvent>
 #include <QPushButton>
 #include <QTest>
 
@@ -51,22 +51,7 @@ struct GraphicalEntry : ::testing::Test {
     {
         return doc._dataTableDictionary.cellAt(static_cast<long long>(frame + 1) * 10, row)->stringValue();
     }
-
-    static void send(QWidget& view, QEvent::Type type, QPointF at, Qt::MouseButton button,
-                     Qt::MouseButtons held)
-    {
-        QMouseEvent event(type, at, view.mapToGlobal(at), button, held, Qt::NoModifier);
-        QApplication::sendEvent(&view, &event);
-    }
-    // Press at the first point, drag through the others, release at the last.
-    static void drag(QWidget& view, std::initializer_list<QPointF> points)
-    {
-        auto p = points.begin();
-        send(view, QEvent::MouseButtonPress, *p, Qt::LeftButton, Qt::LeftButton);
-        for (++p; p != points.end(); ++p)
-            send(view, QEvent::MouseMove, *p, Qt::NoButton, Qt::LeftButton);
-        send(view, QEvent::MouseButtonRelease, *(points.end() - 1), Qt::LeftButton, Qt::NoButton);
-    }
+    static void drag(QWidget& view, std::initializer_list<QPointF> points) { dragThrough(view, points); }
 };
 
 } // namespace
@@ -100,8 +85,7 @@ TEST_F(GraphicalEntry, EdgesGiveFullScaleAndZeroAndPointsOutsideAreIgnored)
 {
     // A click without a drag changes no value but still records undo and redo.
     const CellRef before = doc._dataTableDictionary.cellAt(10, Row::f0);
-    send(f0View(), QEvent::MouseButtonPress, {10, 10}, Qt::LeftButton, Qt::LeftButton);
-    send(f0View(), QEvent::MouseButtonRelease, {10, 10}, Qt::LeftButton, Qt::NoButton);
+    dragThrough(f0View(), {{10, 10}});
     EXPECT_EQ(doc._arrayUndo.size(), 1u);
     EXPECT_EQ(doc._arrayRedo.size(), 1u);
     for (int frame = 0; frame < 20; ++frame)
@@ -118,6 +102,15 @@ TEST_F(GraphicalEntry, EdgesGiveFullScaleAndZeroAndPointsOutsideAreIgnored)
     controller->actionParameter(dataentryGraphicalController::F2);
     drag(*controller->_viewFormants(), {{390, 0}, {390, 0}, {390, 199}});
     EXPECT_EQ(value(19, Row::f2), 25); // trunc(1 x 5000 / 200)
+
+    // The amplitude plot (95 high, scale 90) edits the active formant's amplitude row only.
+    controller->actionParameter(dataentryGraphicalController::F1);
+    ASSERT_EQ(controller->_viewOthers()->height(), 95);
+    drag(*controller->_viewOthers(), {{50, 0}, {50, 0}, {110, 95}});
+    EXPECT_EQ(value(2, Row::a1f), 90);
+    EXPECT_EQ(value(5, Row::a1f), 0);
+    EXPECT_EQ(value(2, Row::a2f), 30);
+    EXPECT_EQ(value(2, Row::f1), 500);
 }
 
 TEST_F(GraphicalEntry, ButtonsChooseTheActiveTracksAndStoreTheSwitches)
@@ -152,18 +145,6 @@ TEST_F(GraphicalEntry, ButtonsChooseTheActiveTracksAndStoreTheSwitches)
     EXPECT_EQ(doc.m_nAV, 0);
 }
 
-TEST_F(GraphicalEntry, AmplitudeDragEditsTheActiveAmplitudeRow)
-{
-    controller->actionParameter(dataentryGraphicalController::F1);
-    viewOthers& others = *controller->_viewOthers();
-    ASSERT_EQ(others.height(), 95);
-    drag(others, {{50, 0}, {50, 0}, {110, 95}});
-    EXPECT_EQ(value(2, Row::a1f), 90);
-    EXPECT_EQ(value(5, Row::a1f), 0);
-    EXPECT_EQ(value(2, Row::a2f), 30);
-    EXPECT_EQ(value(2, Row::f1), 500);
-}
-
 TEST_F(GraphicalEntry, PlotsTileTheHeightOneTwoOneAndFollowResizes)
 {
     showAt(705, 626); // H = 600
@@ -194,7 +175,7 @@ TEST_F(GraphicalEntry, ColoursAndVoicingDecideWhatTheF0PlotShows)
     EXPECT_TRUE(isRed(101, 68));
 }
 
-TEST(GraphicalEntryFromTheTable, OpensWithThePrefixFollowsThePointerAndUndoesThroughTheTable)
+TEST(GraphicalEntryFromTheTable, FollowsThePointerEditsTheTablesOwnCellsAndUndoesThroughTheTable)
 {
     MyDocument doc;
     mainTable table(&doc);
@@ -211,55 +192,34 @@ TEST(GraphicalEntryFromTheTable, OpensWithThePrefixFollowsThePointerAndUndoesThr
     QApplication::processEvents();
     viewF0& plot = *controller->_viewF0();
     ASSERT_EQ(plot.width(), 400);
-
-    // Moving without a button selects the frame's column in the table.
-    GraphicalEntry::send(plot, QEvent::MouseMove, {130, 10}, Qt::NoButton, Qt::NoButton);
-    EXPECT_EQ(table.selectedColumnSpan(), std::make_pair(7, 7));
-
-    // A drag: the table follows, synthesis is due, and the table's undo restores the value.
-    const int before = doc._dataTableDictionary.cellAt(30, Row::f0)->_nValue();
-    GraphicalEntry::drag(plot, {{45, 10}, {45, 10}});
-    EXPECT_EQ(table.selectedColumnSpan(), std::make_pair(3, 3));
-    EXPECT_EQ(doc._dataTableDictionary.cellAt(30, Row::f0)->_nValue(), 2700);
-    EXPECT_TRUE(table._bSynthesize);
-    controller->undo();
-    EXPECT_EQ(doc._dataTableDictionary.cellAt(30, Row::f0)->_nValue(), before);
-    // The views took the cells the undo put in the table: a new drag edits those, not the
-    // replaced ones.
-    GraphicalEntry::drag(plot, {{45, 50}, {45, 50}});
-    EXPECT_EQ(doc._dataTableDictionary.cellAt(30, Row::f0)->_nValue(), 1500);
-}
-
-TEST(GraphicalEntryFromTheTable, OneCellIsSeenThroughTheTableDataTheTableAndThePlot)
-{
-    MyDocument doc;
-    mainTable table(&doc);
-    mainTable::setGraphicalDataEntryFactory([](mainTable* t) -> DataEntryController* {
-        return new dataentryGraphicalController(t->document(), t);
-    });
-    table._dataentryGraphical();
-    mainTable::setGraphicalDataEntryFactory({});
-    auto* controller = dynamic_cast<dataentryGraphicalController*>(table.graphicalDataEntry());
-    ASSERT_NE(controller, nullptr);
-    controller->window()->resize(505, 426 + controller->window()->height() -
-                                          controller->_viewF0()->parentWidget()->height());
-    QApplication::processEvents();
     ParameterTableModel& model = *table.tableModel();
     auto shown = [&](int column) {
         return model.data(model.index(Row::f0, column), Qt::DisplayRole).toString();
     };
 
-    // An edit through the table data is what the table shows.
+    // Moving without a button selects the frame's column in the table.
+    sendMouse(plot, QEvent::MouseMove, {130, 10}, Qt::NoButton, Qt::NoButton);
+    EXPECT_EQ(table.selectedColumnSpan(), std::make_pair(7, 7));
+
+    // An edit through the table data is what the table shows; an edit through the plot changes
+    // that same cell, and the table data and the table see it.
     const CellRef frame3 = doc._dataTableDictionary.cellAt(40, Row::f0);
     frame3->set_nValue(2000);
     frame3->setInttoStringValue(2000);
     EXPECT_EQ(model.cellAt(Row::f0, 4), frame3);
     EXPECT_EQ(shown(4), "2000");
-
-    // An edit through the plot changes that same cell: the table data and the table see it.
-    GraphicalEntry::drag(*controller->_viewF0(), {{70, 10}, {70, 10}});
+    dragThrough(plot, {{70, 10}, {70, 10}});
     EXPECT_EQ(doc._dataTableDictionary.cellAt(40, Row::f0), frame3);
     EXPECT_EQ(frame3->_nValue(), 2700);
     EXPECT_EQ(shown(4), "2700");
     EXPECT_EQ(shown(3), "1000");
+    EXPECT_EQ(table.selectedColumnSpan(), std::make_pair(4, 4));
+    EXPECT_TRUE(table._bSynthesize);
+
+    // The table's undo restores the value, and the views take the cells the undo put in the
+    // table: a new drag edits those, not the replaced ones.
+    controller->undo();
+    EXPECT_EQ(cellValue(doc, 4, Row::f0), 2000);
+    dragThrough(plot, {{70, 50}, {70, 50}});
+    EXPECT_EQ(cellValue(doc, 4, Row::f0), 1500);
 }

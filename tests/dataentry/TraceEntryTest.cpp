@@ -4,6 +4,7 @@
 // Qt's `signals` keyword would swallow the namespace's name below.
 namespace testsignals = signals;
 
+#include "DataEntryTestSupport.h"
 #include "app/ConfigurationFile.h"
 #include "dataentry/DataEntrySupport.h"
 #include "dataentry/core/TraceDataEntry.h"
@@ -17,14 +18,11 @@ namespace testsignals = signals;
 
 #include <QApplication>
 #include <QCheckBox>
-#include <QElapsedTimer>
 #include <QMessageBox>
-#include <QMouseEvent>
 #include <QPushButton>
 #include <QTest>
 
 #include <cstdio>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 
@@ -33,34 +31,14 @@ namespace
 
 constexpr double kRate = 11025.0;
 
-// `seconds` of a 120 Hz vowel as the bytes of a WAVE file, written by the document's writer.
+// `seconds` of a 120 Hz vowel as the bytes of a WAVE file.
 std::string vowelWave(double seconds)
 {
     const int n = static_cast<int>(seconds * kRate);
-    const std::vector<float> samples = testsignals::toFloat(
-        testsignals::vowel(n, 120.0, kRate, {{700.0, 130.0}, {1220.0, 70.0}, {2600.0, 160.0}}), 0.05);
-    MyDocument writer;
-    Channels* c = writer.getChannel(0);
-    c->m_hData = MemoryBlock::newHandleClear(samples.size() * sizeof(float));
-    std::memcpy(c->m_hData->bytes(), samples.data(), samples.size() * sizeof(float));
-    c->m_dSampleRate = kRate;
-    c->m_dwFileLength = static_cast<double>(samples.size());
-    return writer.save_Wave_FileType();
-}
-
-template <typename Done> bool waitFor(Done done)
-{
-    QElapsedTimer timer;
-    timer.start();
-    while (!done() && timer.elapsed() < 20000)
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
-    return done();
-}
-
-void send(QWidget& view, QEvent::Type type, QPointF at, Qt::MouseButton button, Qt::MouseButtons held)
-{
-    QMouseEvent event(type, at, view.mapToGlobal(at), button, held, Qt::NoModifier);
-    QApplication::sendEvent(&view, &event);
+    return waveFileBytes(
+        testsignals::toFloat(
+            testsignals::vowel(n, 120.0, kRate, {{700.0, 130.0}, {1220.0, 70.0}, {2600.0, 160.0}}), 0.05),
+        kRate);
 }
 
 // A document opened from a recording as the workbench opens one, and its trace window.
@@ -86,19 +64,16 @@ struct TraceWindow : ::testing::Test {
                    controller->_viewSpectrogram()->getHandle();
         });
     }
-    int value(int column, int row) const
+    int value(int column, int row) const { return cellValue(doc, column, row); }
+    // A press and one move at the same point; the release comes separately.
+    static void drag(QWidget& view, QPointF at)
     {
-        return doc._dataTableDictionary.cellAt(column * 10LL, row)->_nValue();
+        sendMouse(view, QEvent::MouseButtonPress, at, Qt::LeftButton, Qt::LeftButton);
+        sendMouse(view, QEvent::MouseMove, at, Qt::NoButton, Qt::LeftButton);
     }
-    // A press, one move and a release at the same point.
-    void drag(QWidget& view, QPointF at)
+    static void release(QWidget& view, QPointF at)
     {
-        send(view, QEvent::MouseButtonPress, at, Qt::LeftButton, Qt::LeftButton);
-        send(view, QEvent::MouseMove, at, Qt::NoButton, Qt::LeftButton);
-    }
-    void release(QWidget& view, QPointF at)
-    {
-        send(view, QEvent::MouseButtonRelease, at, Qt::LeftButton, Qt::NoButton);
+        sendMouse(view, QEvent::MouseButtonRelease, at, Qt::LeftButton, Qt::NoButton);
     }
 };
 
@@ -145,51 +120,48 @@ TEST_F(TraceWindow, DragsWriteTheirRowsAndColumnsAndUndoRestores)
     viewAmplitudes& amplitudes = *controller->_viewAmplitudes();
     const int columns = doc.getChannel(0)->m_nColumnNum;
 
-    // Pitch: the top edge is 3000 while dragging, then clamped to f0's limits; the table follows.
-    const double x = 10.5 * pitch.width() / columns; // list index 10, table column 11
-    const int f0Max = doc._dataTableDictionary.cellAt(110, Row::f0)->_nMaxValue();
-    drag(pitch, {x, 0.0});
-    EXPECT_EQ(value(11, Row::f0), 3000);
-    EXPECT_EQ(table->selectedColumnSpan(), std::make_pair(11, 11));
-    release(pitch, {x, 0.0});
-    EXPECT_EQ(value(11, Row::f0), std::min(3000, f0Max));
-    drag(pitch, {x, static_cast<double>(pitch.height())});
-    release(pitch, {x, static_cast<double>(pitch.height())});
-    EXPECT_EQ(value(11, Row::f0), std::max(0, doc._dataTableDictionary.cellAt(110, Row::f0)->_nMinValue()));
+    // A press and a release at one point in table column c of a view; the value of `row` while
+    // the button is down (the release clamps it to the row's limits).
+    const auto trace = [&](QWidget& view, int column, double y, int row) {
+        const QPointF at((column - 0.5) * view.width() / columns, y);
+        drag(view, at);
+        const int drawn = value(column, row);
+        EXPECT_EQ(table->selectedColumnSpan(), std::make_pair(column, column));
+        release(view, at);
+        return drawn;
+    };
+    const auto cell = [&](int column, int row) {
+        return doc._dataTableDictionary.cellAt(column * 10LL, row);
+    };
+
+    // Pitch: the top edge is 3000 while dragging, then clamped to f0's limits.
+    EXPECT_EQ(trace(pitch, 11, 0.0, Row::f0), 3000);
+    EXPECT_EQ(value(11, Row::f0), std::min(3000, cell(11, Row::f0)->_nMaxValue()));
+    trace(pitch, 11, pitch.height(), Row::f0);
+    EXPECT_EQ(value(11, Row::f0), std::max(0, cell(11, Row::f0)->_nMinValue()));
 
     // Spectrogram, F1: 5000 at the top and 0 at the bottom; tracing f1 traces a1f from the
     // spectrogram level under the pointer.
     QTest::mouseClick(controller->button(dataentryTraceContoller::F1), Qt::LeftButton);
-    const double sx = 20.5 * spectrogram.width() / columns;
-    drag(spectrogram, {sx, 0.0});
-    EXPECT_EQ(value(21, Row::f1), 5000);
-    release(spectrogram, {sx, 0.0});
-    drag(spectrogram, {sx, static_cast<double>(spectrogram.height())});
-    EXPECT_EQ(value(21, Row::f1), 0);
-    release(spectrogram, {sx, static_cast<double>(spectrogram.height())});
+    EXPECT_EQ(trace(spectrogram, 21, 0.0, Row::f1), 5000);
+    EXPECT_EQ(trace(spectrogram, 21, spectrogram.height(), Row::f1), 0);
     const double y700 = spectrogram.height() * (1.0 - 700.0 / 5000.0);
-    drag(spectrogram, {sx, y700});
+    const int a1f = trace(spectrogram, 21, y700, Row::a1f);
     EXPECT_EQ(value(21, Row::f1), 700);
     const SpectrogramComputation& s = *spectrogram.getHandle();
     const double expected =
         s.GetSpectrogramAmplitue(s.m_nDisplayVerticalRange, s.m_nDisplayRange, doc.m_nSpecDynamicRange, 90.0,
-                                 static_cast<int>(spectrogram.height() - y700), static_cast<int>(sx));
-    EXPECT_EQ(value(21, Row::a1f), static_cast<int>(expected));
-    EXPECT_GT(value(21, Row::a1f), 70); // the first formant is loud
-    release(spectrogram, {sx, y700});
+                                 static_cast<int>(spectrogram.height() - y700),
+                                 static_cast<int>(20.5 * spectrogram.width() / columns));
+    EXPECT_EQ(a1f, static_cast<int>(expected));
+    EXPECT_GT(a1f, 70); // the first formant is loud
 
-    // Amplitudes, A2F: 90 at the top edge.
+    // Amplitudes, A2F: 90 at the top edge, 0 at the bottom, 45 half way.
     QTest::mouseClick(controller->button(dataentryTraceContoller::A2F), Qt::LeftButton);
-    const double ax = 30.5 * amplitudes.width() / columns;
-    drag(amplitudes, {ax, 0.0});
-    EXPECT_EQ(value(31, Row::a2f), 90);
-    release(amplitudes, {ax, 0.0});
-    drag(amplitudes, {ax, static_cast<double>(amplitudes.height())});
-    EXPECT_EQ(value(31, Row::a2f), 0);
-    release(amplitudes, {ax, static_cast<double>(amplitudes.height())});
+    EXPECT_EQ(trace(amplitudes, 31, 0.0, Row::a2f), 90);
+    EXPECT_EQ(trace(amplitudes, 31, amplitudes.height(), Row::a2f), 0);
     const int before = value(31, Row::a2f);
-    drag(amplitudes, {ax, amplitudes.height() / 2.0});
-    release(amplitudes, {ax, amplitudes.height() / 2.0});
+    trace(amplitudes, 31, amplitudes.height() / 2.0, Row::a2f);
     EXPECT_EQ(value(31, Row::a2f), 45);
     EXPECT_TRUE(table->_bSynthesize);
 
@@ -198,10 +170,8 @@ TEST_F(TraceWindow, DragsWriteTheirRowsAndColumnsAndUndoRestores)
     controller->undo();
     EXPECT_EQ(value(31, Row::a2f), before);
     controller->setupViews();
-    drag(amplitudes, {ax, 0.0});
-    release(amplitudes, {ax, 0.0});
-    EXPECT_EQ(value(31, Row::a2f),
-              std::min(90, doc._dataTableDictionary.cellAt(310, Row::a2f)->_nMaxValue()));
+    trace(amplitudes, 31, 0.0, Row::a2f);
+    EXPECT_EQ(value(31, Row::a2f), std::min(90, cell(31, Row::a2f)->_nMaxValue()));
 }
 
 TEST_F(TraceWindow, EnterAllDataEqualsTheCommandLineByteForByte)
@@ -226,10 +196,6 @@ TEST_F(TraceWindow, EnterAllDataEqualsTheCommandLineByteForByte)
     const std::string cliCopy = (folder / "cli.stk").string();
     const std::string command = std::string(TESSAPHON_CLI) + " trace " + wav + " -o " + cliCopy;
     ASSERT_EQ(std::system(command.c_str()), 0);
-    const auto slurp = [](const std::string& path) {
-        std::ifstream in(path, std::ios::binary);
-        return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    };
     const std::string a = slurp(windowCopy);
     EXPECT_FALSE(a.empty());
     EXPECT_TRUE(a == slurp(cliCopy));

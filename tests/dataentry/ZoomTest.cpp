@@ -1,6 +1,7 @@
 // Horizontal zoom of the data-entry windows, driven with real key, wheel and mouse events under
 // the offscreen platform: a zoomed drag writes the frame under the pointer, fit all gives back
 // the unzoomed mapping, the scroll bar follows the zoom, and the time labels never overlap.
+#include "DataEntryTestSupport.h"
 #include "dataentry/TimeAxisZoom.h"
 #include "dataentry/dataentryGraphicalController.h"
 #include "dataentry/dataentryTraceContoller.h"
@@ -17,10 +18,8 @@
 
 #include <QApplication>
 #include <QFontMetrics>
-#include <QMouseEvent>
 #include <QScrollBar>
 #include <QTest>
-#include <QWheelEvent>
 
 #include <cmath>
 #include <memory>
@@ -28,37 +27,10 @@
 namespace
 {
 
-void send(QWidget& view, QEvent::Type type, QPointF at, Qt::MouseButton button, Qt::MouseButtons held)
-{
-    QMouseEvent event(type, at, view.mapToGlobal(at), button, held, Qt::NoModifier);
-    QApplication::sendEvent(&view, &event);
-}
-
 // Press, move and release at one point.
 void click(QWidget& view, QPointF at)
 {
-    send(view, QEvent::MouseButtonPress, at, Qt::LeftButton, Qt::LeftButton);
-    send(view, QEvent::MouseMove, at, Qt::NoButton, Qt::LeftButton);
-    send(view, QEvent::MouseButtonRelease, at, Qt::LeftButton, Qt::NoButton);
-}
-
-void wheel(QWidget& view, QPointF at, int delta, Qt::KeyboardModifiers modifiers)
-{
-    QWheelEvent event(at, view.mapToGlobal(at), QPoint(), QPoint(0, delta), Qt::NoButton, modifiers,
-                      Qt::NoScrollPhase, false);
-    QApplication::sendEvent(&view, &event);
-}
-
-// A document of `frames` 10 ms frames with factory values.
-void makeLong(MyDocument& doc, int frames)
-{
-    for (int channel = 0; channel < 3; ++channel) {
-        Channels* c = doc.getChannel(channel);
-        c->m_dLengthMS = frames * 10.0;
-        c->m_nColumnNum = frames;
-    }
-    doc.SetUpDataGridMemory();
-    doc.buildDataTableDictionary();
+    dragThrough(view, {at, at});
 }
 
 // A 6000-frame (60 s) document in the graphical window, plots 400 x 100 (F0) wide.
@@ -129,7 +101,7 @@ TEST_F(GraphicalZoom, KeysAndTheWheelZoomWithinTheirLimitsAndTheScrollBarFollows
 
     // Ctrl+wheel zooms around the pointer: the frame under it stays under it.
     const int before = view.frameAt(300.0);
-    wheel(view, {300.0, 40.0}, 120, Qt::ControlModifier);
+    sendWheel(view, {300.0, 40.0}, 120, Qt::ControlModifier);
     EXPECT_DOUBLE_EQ(axis().zoom(), TimeAxisZoom::kWheelFactor);
     EXPECT_NEAR(view.frameAt(300.0), before, 15); // one pixel is 12 frames now
     EXPECT_EQ(bar.maximum(), 500 - 400);
@@ -142,9 +114,9 @@ TEST_F(GraphicalZoom, KeysAndTheWheelZoomWithinTheirLimitsAndTheScrollBarFollows
 
     // A plain wheel is left to others; Shift+wheel scrolls.
     const int offset = axis().offset();
-    wheel(view, {10.0, 40.0}, -120, Qt::NoModifier);
+    sendWheel(view, {10.0, 40.0}, -120, Qt::NoModifier);
     EXPECT_EQ(axis().offset(), offset);
-    wheel(view, {10.0, 40.0}, -120, Qt::ShiftModifier);
+    sendWheel(view, {10.0, 40.0}, -120, Qt::ShiftModifier);
     EXPECT_EQ(axis().offset(), offset + 40);
     EXPECT_EQ(bar.value(), offset + 40);
 
@@ -158,7 +130,7 @@ TEST_F(GraphicalZoom, KeysAndTheWheelZoomWithinTheirLimitsAndTheScrollBarFollows
 
     // Wheel back out, past all: exactly fit all again.
     for (int i = 0; i < 40; ++i)
-        wheel(view, {200.0, 40.0}, -120, Qt::ControlModifier);
+        sendWheel(view, {200.0, 40.0}, -120, Qt::ControlModifier);
     EXPECT_TRUE(axis().isFitAll());
     EXPECT_EQ(axis().offset(), 0);
     EXPECT_EQ(bar.maximum(), 0);
@@ -239,10 +211,7 @@ struct TraceZoom : ::testing::Test {
         controller->window()->show();
         QApplication::processEvents();
     }
-    int value(int column, int row) const
-    {
-        return doc._dataTableDictionary.cellAt(column * 10LL, row)->_nValue();
-    }
+    int value(int column, int row) const { return cellValue(doc, column, row); }
 };
 
 TEST_F(TraceZoom, ZoomedDragsWriteTheColumnUnderThePointerInEveryView)
@@ -252,7 +221,7 @@ TEST_F(TraceZoom, ZoomedDragsWriteTheColumnUnderThePointerInEveryView)
     TimeAxisZoom& axis = *controller->timeAxis();
     ASSERT_EQ(pitch.width(), 695);
 
-    wheel(*controller->_viewSpectrogram(), {100.0, 50.0}, 3 * 120, Qt::ControlModifier);
+    sendWheel(*controller->_viewSpectrogram(), {100.0, 50.0}, 3 * 120, Qt::ControlModifier);
     ASSERT_FALSE(axis.isFitAll());
     QTest::keyClick(controller->window(), Qt::Key_Plus, Qt::ControlModifier);
     controller->scrollBar()->setValue(900);

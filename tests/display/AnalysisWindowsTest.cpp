@@ -1,4 +1,9 @@
 // The analysis windows under the offscreen platform: what they computed, not their pixels.
+#include "analysis/TestSignals.h"
+namespace testsignals = signals; // before Qt's `signals` keyword
+
+#include "app/TestFiles.h"
+#include "display/TestChannels.h"
 #include "display/gui/FFTLPCWindow.h"
 #include "display/gui/PictureExport.h"
 #include "display/gui/SpectrogramPitchWindow.h"
@@ -33,11 +38,8 @@ struct AnalysisWindows : ::testing::Test {
 
     void SetUp() override
     {
-        std::ifstream in(TESSAPHON_SOURCE_DIR "/examples/vowel-a.stk", std::ios::binary);
-        std::ostringstream bytes;
-        bytes << in.rdbuf();
         int error = 0;
-        ASSERT_TRUE(doc.readFromData(bytes.str(), "stk", &error));
+        ASSERT_TRUE(doc.readFromData(slurp(TESSAPHON_SOURCE_DIR "/examples/vowel-a.stk"), "stk", &error));
         doc.buildDataTableDictionary();
         Log::setSink([](const std::string&) {});
         doc.Synthesize();
@@ -53,13 +55,9 @@ struct AnalysisWindows : ::testing::Test {
     // Replaces a channel's samples by a sine of amplitude 0.5.
     void setSine(int channel, double hz, int samples)
     {
-        Channels& c = *doc.getChannel(channel);
-        c.m_hData = MemoryBlock::newHandleClear(samples * sizeof(float));
-        for (int i = 0; i < samples; ++i)
-            c.m_hData->floats()[i] = static_cast<float>(0.5 * std::sin(2.0 * M_PI * hz * i / kRate));
-        c.m_dwFileLength = samples;
-        c.m_dSampleRate = kRate;
-        c.m_dLengthMS = samples * 1000.0 / kRate;
+        setSamples(*doc.getChannel(channel), testsignals::toFloat(testsignals::sine(samples, hz, kRate, 0.5)),
+                   kRate);
+        doc.getChannel(channel)->m_dLengthMS = samples * 1000.0 / kRate;
     }
 };
 

@@ -5,6 +5,7 @@
 // Qt's `signals` keyword would swallow the namespace's name below.
 namespace testsignals = signals;
 
+#include "app/WidgetEvents.h"
 #include "display/TestChannels.h"
 #include "display/gui/AnalysisTracks.h"
 #include "display/gui/SpectrogramImage.h"
@@ -13,7 +14,6 @@ namespace testsignals = signals;
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
-#include <QElapsedTimer>
 #include <QPainter>
 #include <QTest>
 
@@ -41,16 +41,6 @@ std::unique_ptr<Channels> vowelChannel(double seconds)
     const int n = static_cast<int>(seconds * kRate);
     const auto x = testsignals::vowel(n, 120.0, kRate, {{700.0, 80.0}, {1200.0, 90.0}, {2600.0, 120.0}});
     return channelOf(testsignals::toFloat(x, 0.02), kRate);
-}
-
-// Lets queued calls arrive until `done` holds or five seconds pass.
-template <typename Done> bool waitFor(Done done)
-{
-    QElapsedTimer timer;
-    timer.start();
-    while (!done() && timer.elapsed() < 5000)
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
-    return done();
 }
 
 } // namespace

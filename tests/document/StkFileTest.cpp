@@ -1,3 +1,4 @@
+#include "app/TestFiles.h"
 #include "document/DocumentTestSupport.h"
 
 #include <gtest/gtest.h>
@@ -24,14 +25,6 @@ std::vector<std::string> linesOf(const std::string& text)
 int fieldCount(const std::string& line)
 {
     return static_cast<int>(std::count(line.begin(), line.end(), '\t'));
-}
-
-std::string readFile(const std::filesystem::path& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream bytes;
-    bytes << in.rdbuf();
-    return bytes.str();
 }
 
 // A document with edits in every kind of field the file carries.
@@ -285,7 +278,7 @@ TEST(StkFile, AtomicSaveAndItsFailures)
     document->updateChangeCount(MyDocument::ChangeDone);
     std::string error;
     ASSERT_TRUE(document->writeSafelyToURL(target.string(), "stk", &error)) << error;
-    const std::string saved = readFile(target);
+    const std::string saved = slurp(target);
     EXPECT_EQ(saved, document->Save_STK_FileType50(true));
     EXPECT_EQ(document->_fileData, saved);
     EXPECT_EQ(document->_fileTypeName, "stk");
@@ -314,7 +307,7 @@ TEST(StkFile, AtomicSaveAndItsFailures)
     setrlimit(RLIMIT_FSIZE, &old);
     EXPECT_FALSE(written);
     EXPECT_NE(error.find("File too large"), std::string::npos) << error;
-    EXPECT_EQ(readFile(target), saved);
+    EXPECT_EQ(slurp(target), saved);
     EXPECT_EQ(std::distance(fs::directory_iterator(folder), fs::directory_iterator()), 1);
     fs::remove_all(folder);
 }

@@ -1,3 +1,4 @@
+#include "display/TestChannels.h"
 #include "document/DocumentTestSupport.h"
 
 #include <gtest/gtest.h>
@@ -6,15 +7,6 @@
 
 namespace
 {
-
-void setSynthesis(MyDocument& document, const std::vector<float>& samples, double rate)
-{
-    Channels* c = document.getChannel(0);
-    c->m_hData = MemoryBlock::newHandleClear(samples.size() * sizeof(float));
-    std::memcpy(c->m_hData->bytes(), samples.data(), samples.size() * sizeof(float));
-    c->m_dwFileLength = static_cast<double>(samples.size());
-    c->m_dSampleRate = rate;
-}
 
 std::int16_t sampleAt(const std::string& image, std::size_t i)
 {
@@ -27,7 +19,7 @@ std::int16_t sampleAt(const std::string& image, std::size_t i)
 TEST(WaveFile, WrittenHeaderIsByteExactAndSamplesWrapWithoutClipping)
 {
     MyDocument document;
-    setSynthesis(document, {0.5f, -0.25f, 1.0f, -1.0f, 1.5f, 0.99999f, -0.0000305f}, 11025.0);
+    setSamples(*document.getChannel(0), {0.5f, -0.25f, 1.0f, -1.0f, 1.5f, 0.99999f, -0.0000305f}, 11025.0);
     const std::string image = document.save_Wave_FileType();
 
     const unsigned char golden[48] = {'R',  'I',  'F', 'F', 14,   0,    0,   0,   'W', 'A', 'V', 'E',
@@ -59,7 +51,7 @@ TEST(WaveFile, WrittenHeaderIsByteExactAndSamplesWrapWithoutClipping)
 TEST(WaveFile, WrittenFileReadsBackAsModelWithGridAndStkLocation)
 {
     MyDocument writer;
-    setSynthesis(writer, {0.25f, -0.5f, 0.125f, 0.0f}, 8000.0);
+    setSamples(*writer.getChannel(0), {0.25f, -0.5f, 0.125f, 0.0f}, 8000.0);
     const std::string image = writer.save_Wave_FileType();
 
     MyDocument document;

@@ -20,11 +20,14 @@
 
 namespace
 {
-// Presses a button of the panel once its modal loop runs.
-void pressLater(QDialog* panel, QDialogButtonBox::StandardButton which)
+// Once the panel's modal loop runs: what the user does in it, then a press of `which`.
+void pressLater(QDialog* panel, QDialogButtonBox::StandardButton which, std::function<void()> change = {})
 {
-    QTimer::singleShot(0, panel,
-                       [panel, which] { panel->findChild<QDialogButtonBox*>()->button(which)->click(); });
+    QTimer::singleShot(0, panel, [panel, which, change] {
+        if (change)
+            change();
+        panel->findChild<QDialogButtonBox*>()->button(which)->click();
+    });
 }
 } // namespace
 
@@ -48,12 +51,11 @@ TEST(optionFile, ShowsTheChannelAndProposesOnlyOnOK)
     EXPECT_EQ(c.m_bDoAnchor, 1);
 
     optionFile panel;
-    QTimer::singleShot(0, &panel, [&] {
+    pressLater(&panel, QDialogButtonBox::Ok, [&] {
         panel.m_nFileLength->setText("500");
         panel.m_nInterval->setText("5");
         panel._anchorGroup->button(0)->setChecked(true);
         panel._interpolationGroup->button(1)->setChecked(true);
-        panel.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok)->click();
     });
     EXPECT_EQ(panel.showInWindow(nullptr, &doc), 1000);
     EXPECT_EQ(doc.m_dNewSampleRate, 22050.0);
@@ -111,13 +113,12 @@ TEST(optionsParameters, SavesShownRowsColoursAndMethodOnlyOnOK)
 
     // The user's changes, made while the panel runs, then the button that ends it.
     auto changeAndPress = [&panel](QDialogButtonBox::StandardButton which) {
-        QTimer::singleShot(0, &panel, [&panel, which] {
+        pressLater(&panel, which, [&panel] {
             panel.m_pShown[Row::f6]->setChecked(true);
             panel.m_pShown[Row::f1]->setChecked(false);
             panel._colorSet[1]->setColor(Color::rgb(1, 0, 0));
             panel._colorSet[8]->setColor(Color::rgb(0, 0, 1));
             panel._methodGroup->button(0)->setChecked(true);
-            panel.findChild<QDialogButtonBox*>()->button(which)->click();
         });
     };
 
@@ -229,10 +230,9 @@ TEST(optionAnalysis, LengthMenusDefaultsAndSavingOnlyOnOK)
     pressLater(&spectrogram, QDialogButtonBox::Cancel);
     EXPECT_EQ(spectrogram.showInWindow(nullptr, &doc), 1001);
     EXPECT_EQ(doc.m_bSpecDrawFormantTracking, 1);
-    QTimer::singleShot(0, &spectrogram, [&] {
+    pressLater(&spectrogram, QDialogButtonBox::Ok, [&] {
         spectrogram._drawFormantTracking->setChecked(false);
         spectrogram._popupWindowLength->setCurrentIndex(4);
-        spectrogram.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok)->click();
     });
     EXPECT_EQ(spectrogram.showInWindow(nullptr, &doc), 1000);
     EXPECT_EQ(doc.m_bSpecDrawFormantTracking, 0);
@@ -245,14 +245,13 @@ TEST(optionAnalysis, PitchPanelWritesTheDisplayFieldsIntoTheCalculationRange)
     MyDocument doc;
     doc.m_dPitchWindowLength = 35.7;
     optionPitch panel;
-    QTimer::singleShot(0, &panel, [&] {
+    pressLater(&panel, QDialogButtonBox::Ok, [&] {
         EXPECT_EQ(panel._WindowLength->text(), "35");
         panel._CalculationLow->setText("60");
         panel._CalculationHigh->setText("400");
         panel._DisplayLow->setText("80");
         panel._DisplayHigh->setText("300");
         panel._StepSize->setText("5");
-        panel.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok)->click();
     });
     EXPECT_EQ(panel.showInWindow(nullptr, &doc), 1000);
     EXPECT_EQ(doc.m_dCalculationLow, 80.0);

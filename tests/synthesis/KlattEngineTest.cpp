@@ -88,18 +88,8 @@ TEST(KlattEngine, EveryGlottalSourceRepeatsAtThePitchPeriod)
     }
 }
 
-TEST(KlattEngine, PeriodOpenPhaseAndLowpassArithmetic)
+TEST(KlattEngine, OpenPhaseLimits)
 {
-    klatt_global_t g = preparedRun(11025, 5, 110);
-    EXPECT_EQ(g.lowpass_freq, 1047); // 950 * 11025 / 10000, truncated
-    EXPECT_EQ(g.lowpass_bw, 694);
-    EXPECT_EQ(preparedRun(22050, 8, 220).lowpass_freq, 2094);
-    runFrames(g, quietFactoryFrame(), 1); // f0 1000 = 100 Hz
-    EXPECT_EQ(g.period_len, 441);         // quarter-rate samples: 110.25 output samples
-    EXPECT_EQ(g.open_len, 80);            // oq 20
-    EXPECT_EQ(g.mod_point, 220);
-    EXPECT_EQ(g.sample_index, 110);
-
     struct Case {
         int source, f0, oq, open;
     };
@@ -122,99 +112,15 @@ TEST(KlattEngine, PeriodOpenPhaseAndLowpassArithmetic)
     }
 }
 
-TEST(KlattEngine, DecibelRulesForVoicingAndGain)
+TEST(KlattEngine, VoicingIsWrittenBackAndPoleZeroPairCancels)
 {
+    // The voicing the engine used (av - 7 dB) is written back into the caller's frame.
     klatt_frame_t f = quietFactoryFrame();
-    f.av = 19; // 19 - 7 = 12: below the first non-zero table entry
-    EXPECT_TRUE(allZero(steadyRun(f, 10)));
     f.av = 20;
     klatt_global_t g = preparedRun(11025, 5, 110);
-    klatt_frame_t scratch = f;
     std::vector<int> out(110);
-    CKlattEngine().parwave(&g, &scratch, out.data());
-    EXPECT_DOUBLE_EQ(g.gain_voice, 0.006);
-    EXPECT_EQ(scratch.av, 13); // written back
-    EXPECT_FALSE(allZero(steadyRun(f, 10)));
-
-    // A gain of 3 dB or less becomes 57 dB, the same as the factory 60 - 3.
-    f = quietFactoryFrame();
-    const std::vector<int> reference = steadyRun(f, 10);
-    for (int gain : {3, -20}) {
-        f.gain = gain;
-        EXPECT_EQ(steadyRun(f, 10), reference) << "gain " << gain;
-    }
-    f.gain = 4; // 1 dB: the table gives 0
-    EXPECT_TRUE(allZero(steadyRun(f, 10)));
-    f.gain = 200; // outside the table: 0, not a read past it
-    EXPECT_TRUE(allZero(steadyRun(f, 10)));
-    EXPECT_EQ(CKlattEngine::DBtoLIN(-1), 0.0);
-    EXPECT_EQ(CKlattEngine::DBtoLIN(88), 0.0);
-    EXPECT_DOUBLE_EQ(CKlattEngine::DBtoLIN(87), 32.767);
-}
-
-TEST(KlattEngine, OutputIsTruncatedTowardZero)
-{
-    // The same frame at 57 dB (x 1.024) and at 13 dB (x 0.006): wherever the loud run pins the
-    // quiet sample's magnitude inside [0.5, 1), truncation must give 0 where rounding gives 1.
-    klatt_frame_t f = quietFactoryFrame();
-    const std::vector<int> loud = steadyRun(f, 20);
-    f.gain = 16;
-    const std::vector<int> quiet = steadyRun(f, 20);
-    int positive = 0, negative = 0;
-    for (std::size_t i = 0; i < loud.size(); ++i) {
-        ASSERT_LT(std::abs(loud[i]), 32767);
-        const double lo = 0.006 * std::abs(loud[i]) / 1.024;
-        const double hi = 0.006 * (std::abs(loud[i]) + 1) / 1.024;
-        ASSERT_LE(std::abs(quiet[i]), std::floor(hi)) << i;
-        ASSERT_GE(std::abs(quiet[i]), std::floor(lo)) << i;
-        if (lo >= 0.5 && hi < 1.0) {
-            EXPECT_EQ(quiet[i], 0) << i;
-            (loud[i] > 0 ? positive : negative)++;
-        }
-    }
-    EXPECT_GT(positive, 10);
-    EXPECT_GT(negative, 10);
-}
-
-TEST(KlattEngine, CascadeLengthAndModelChooseTheBranches)
-{
-    klatt_frame_t f = quietFactoryFrame();
-    klatt_frame_t high = f;
-    high.f6 = 4200;
-    high.f7 = 5200;
-    high.f8 = 6000;
-    high.b7 = 100;
-    for (int cascade : {5, 8}) {
-        klatt_global_t a = preparedRun(22050, cascade, 220);
-        klatt_global_t b = preparedRun(22050, cascade, 220);
-        const bool same = runFrames(a, f, 10) == runFrames(b, high, 10);
-        EXPECT_EQ(same, cascade == 5) << "cascade " << cascade;
-        if (cascade == 5) {
-            EXPECT_EQ(a.resonators[R_CASC_F1 + 5].a, 0.0); // F6..F8 never set up
-        }
-    }
-
-    // All parallel: voicing reaches the output only through apv.
-    klatt_global_t g = preparedRun(11025, 5, 110);
-    g.model = 2;
-    EXPECT_TRUE(allZero(runFrames(g, f, 10)));
-    f.apv = 60;
-    EXPECT_FALSE(allZero(runFrames(g, f, 10)));
-}
-
-TEST(KlattEngine, NasalZeroAndPoleCancelAndZeroHzMeansOneHz)
-{
-    auto zeroCoefficients = [](int fnz) {
-        klatt_frame_t f = quietFactoryFrame();
-        f.fnz = fnz;
-        klatt_global_t g = preparedRun(11025, 5, 110);
-        runFrames(g, f, 1);
-        const resonator_t& r = g.resonators[R_NASAL_ZERO];
-        return std::vector<double>{r.a, r.b, r.c};
-    };
-    EXPECT_EQ(zeroCoefficients(0), zeroCoefficients(1));
-    EXPECT_EQ(zeroCoefficients(-40), zeroCoefficients(1));
-    EXPECT_NE(zeroCoefficients(2), zeroCoefficients(1));
+    CKlattEngine().parwave(&g, &f, out.data());
+    EXPECT_EQ(f.av, 13);
 
     // A nasal zero on the nasal pole cancels it wherever the pair sits.
     klatt_frame_t a = quietFactoryFrame(), b = quietFactoryFrame();
@@ -223,31 +129,6 @@ TEST(KlattEngine, NasalZeroAndPoleCancelAndZeroHzMeansOneHz)
     const std::vector<int> x = steadyRun(a, 20), y = steadyRun(b, 20);
     for (std::size_t i = 0; i < x.size(); ++i)
         ASSERT_LE(std::abs(x[i] - y[i]), 1) << i;
-}
-
-TEST(KlattEngine, SkewAlternatesPeriodsWithinTheClosedPhase)
-{
-    for (int skew : {20, 1000}) {
-        klatt_frame_t f = quietFactoryFrame();
-        f.skew = skew;
-        klatt_global_t g = preparedRun(11025, 5, 1);
-        CKlattEngine engine;
-        std::vector<int> lengths;
-        int out = 0;
-        for (int i = 0; i < 1200; ++i) {
-            klatt_frame_t scratch = f;
-            engine.parwave(&g, &scratch, &out);
-            if (lengths.empty() || lengths.back() != g.period_len)
-                lengths.push_back(g.period_len);
-            const bool periodStarted = g.period_pos <= 4;
-            if (periodStarted && skew == 1000) {
-                EXPECT_EQ(scratch.skew, 441 - 80); // limited to the closed phase
-            }
-        }
-        const int d = std::min(skew, 441 - 80);
-        ASSERT_GE(lengths.size(), 4u);
-        EXPECT_EQ(std::set<int>(lengths.begin(), lengths.end()), (std::set<int>{441 - d, 441 + d}));
-    }
 }
 
 TEST(KlattEngine, FlutterMovesF0OnlyWhenAsked)
@@ -322,50 +203,10 @@ TEST(KlattEngine, NoiseFollowsThePitchPeriod)
     EXPECT_LT(energyAtPhases(added, 100, 420), 0.01 * open);
 }
 
-TEST(KlattEngine, ParallelFormantsAlternateInSignAndScale)
-{
-    // All-parallel voicing through one formant at a time, all tuned alike: each output is the
-    // same signal times the formant's factor, with F2, F4, F6 negative and F3, F5 positive.
-    auto alone = [](int amplitudeRow) {
-        klatt_frame_t f = quietFactoryFrame();
-        f.apv = 60;
-        for (int row = Row::a8f; row <= Row::a1f; ++row)
-            f[row] = 0;
-        f.anv = 0;
-        for (int k = 0; k < 5; ++k) {
-            f[Row::f6 + k] = 1500; // f6..f2
-            f[Row::b6f + k] = 200; // b6f..b2f
-        }
-        f.f1 = f.fnp = 500;
-        f.b1f = f.bnp = 100;
-        f[amplitudeRow] = 60;
-        klatt_global_t g = preparedRun(11025, 5, 110);
-        g.model = 2;
-        return runFrames(g, f, 20);
-    };
-    auto ratio = [](const std::vector<int>& x, const std::vector<int>& y) { // least-squares x / y
-        double xy = 0.0, yy = 0.0;
-        for (std::size_t i = 0; i < x.size(); ++i) {
-            xy += double(x[i]) * y[i];
-            yy += double(y[i]) * y[i];
-        }
-        return xy / yy;
-    };
-    const std::vector<int> f3 = alone(Row::a3f);
-    const std::pair<int, double> scales[] = {
-        {Row::a2f, -0.15}, {Row::a4f, -0.04}, {Row::a5f, 0.022}, {Row::a6f, -0.03}};
-    for (const auto& [row, scale] : scales)
-        EXPECT_NEAR(ratio(alone(row), f3), scale / 0.06, 0.05) << row;
-    EXPECT_NEAR(ratio(alone(Row::anv), alone(Row::a1f)), 0.6 / 0.4, 0.05);
-}
-
 TEST(KlattEngine, FramesOfAnySizeWriteExactlyTheirSamples)
 {
-    // One 300-sample frame spans several internal blocks; with a steady noise-free frame the
-    // result equals three 100-sample frames.
+    // Sentinels after the frame: nothing is written past its samples.
     const klatt_frame_t f = quietFactoryFrame();
-    EXPECT_EQ(steadyRun(f, 2, 300), steadyRun(f, 6, 100));
-
     for (int n : {0, 1, 37, 129}) {
         klatt_global_t g = preparedRun(11025, 5, n);
         std::vector<int> out(n + 8, 0x5a5a5a5a);
@@ -397,11 +238,7 @@ TEST(KlattEngine, AbsurdParametersStayInRange)
 
 TEST(KlattTables, ShapesAreConsistent)
 {
-    const auto& s = CKlattEngine::natural_samples;
-    EXPECT_EQ(*std::min_element(std::begin(s), std::end(s)), -2449);
-    EXPECT_EQ(*std::max_element(std::begin(s), std::end(s)), 770);
-    EXPECT_EQ(std::vector<int>(s, s + 5), (std::vector<int>{-310, -400, 530, 356, 224}));
-
+    // The pulse shapes follow 1920000 / open^2, rounded up in places.
     int rounded = 0;
     for (int open = 40; open <= 263; ++open) {
         const int d = CKlattEngine::B0[open - 40] - 1920000 / (open * open);

@@ -1,10 +1,7 @@
 // The table's frame, anchor and interpolation commands and the add-frames dialog, run on a
 // real table under the offscreen platform; the checks are on the document.
-#include "TableClicks.h"
-#include "document/MyDocument.h"
-#include "table/Alert.h"
+#include "FramesInTable.h"
 #include "table/addColumns.h"
-#include "table/mainTable.h"
 
 #include <gtest/gtest.h>
 
@@ -19,51 +16,9 @@
 namespace
 {
 
-struct RecordedAlert {
-    QString title, message, button;
-};
-
-// A five-frame document (10 ms) in a table; frame k's f0 is 1000 + k.
-struct FrameCommands : ::testing::Test {
-    MyDocument doc;
-    std::unique_ptr<mainTable> table;
-    std::vector<RecordedAlert> alerts;
-
-    void SetUp() override
-    {
-        Channels& c = *doc.getChannel(0);
-        c.m_dLengthMS = 50.0;
-        c.m_nColumnNum = 5;
-        doc.buildDataTableDictionary();
-        for (int k = 1; k <= 5; ++k)
-            setValue(k - 1, Row::f0, 1000 + k);
-        table = std::make_unique<mainTable>(&doc);
-        table->resize(700, 900);
-        table->show();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(table.get()));
-        Alert::setHandler([this](const QString& t, const QString& m, const QString& b) {
-            alerts.push_back({t, m, b});
-        });
-    }
-    void TearDown() override { Alert::setHandler({}); }
-
-    CellRef cell(int frame, int row) const
-    {
-        return doc._dataTableDictionary.cellAt(static_cast<long long>(frame + 1) * 10, row);
-    }
-    int value(int frame, int row) const { return cell(frame, row)->_nValue(); }
-    void setValue(int frame, int row, int v) const
-    {
-        cell(frame, row)->set_nValue(v);
-        cell(frame, row)->setInttoStringValue(v);
-    }
-    std::vector<int> f0s() const
-    {
-        std::vector<int> values;
-        for (int k = 0; k < doc.getChannel(0)->m_nColumnNum; ++k)
-            values.push_back(value(k, Row::f0));
-        return values;
-    }
+// Five frames.
+struct FrameCommands : FramesInTable {
+    void SetUp() override { open(5, 700, 900); }
 };
 
 // Clicks a button of the modal dialog once it is up.
@@ -152,17 +107,17 @@ TEST_F(FrameCommands, InterpolatingTheSelectionFillsTheRowSpan)
     // Rows 3 (af) and 9 (f4) between anchors; the names of rows 2 and 8 clicked, so 2..8 are
     // interpolated.
     for (int row : {Row::af, Row::f4}) {
-        setValue(0, row, 10);
-        setValue(3, row, 0);
-        cell(0, row)->set_bAnchor(true);
-        cell(3, row)->set_bAnchor(true);
+        setValue(1, row, 10);
+        setValue(4, row, 0);
+        cell(1, row)->set_bAnchor(true);
+        cell(4, row)->set_bAnchor(true);
     }
     clickName(*table, Row::ah);
     clickName(*table, Row::f5, Qt::ControlModifier);
     table->_InterpolateSelection();
 
-    EXPECT_EQ(value(1, Row::af), 6);    // 10 - 3.33 truncated
-    EXPECT_EQ(value(1, Row::f4), 3250); // outside the span: untouched
+    EXPECT_EQ(value(2, Row::af), 6);    // 10 - 3.33 truncated
+    EXPECT_EQ(value(2, Row::f4), 3250); // outside the span: untouched
     EXPECT_EQ(doc._arrayUndo.size(), 1u);
     EXPECT_EQ(doc._arrayRedo.size(), 1u);
     EXPECT_TRUE(table->_bSynthesize);

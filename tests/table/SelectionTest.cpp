@@ -1,60 +1,21 @@
 // Rows and frames are two selections: driven with the mouse on a shown table (names, frame
 // headers, cells) under the offscreen platform, checked on what the frame and row commands
 // then do to the document.
-#include "TableClicks.h"
-#include "document/MyDocument.h"
-#include "table/Alert.h"
-#include "table/mainTable.h"
-
-#include <QTest>
-#include <gtest/gtest.h>
-
-#include <memory>
+#include "FramesInTable.h"
 
 namespace
 {
-// Ten frames of 10 ms; frame k's f0 is 1000 + k; f1 and f2 have anchors at frames 1 and 5.
-struct SelectionTable : ::testing::Test {
-    MyDocument doc;
-    std::unique_ptr<mainTable> table;
-    QStringList alerts;
-
+// Ten frames; f1 and f2 have anchors at frames 1 and 5.
+struct SelectionTable : FramesInTable {
     void SetUp() override
     {
-        Channels& c = *doc.getChannel(0);
-        c.m_dLengthMS = 100.0;
-        c.m_nColumnNum = 10;
-        doc.buildDataTableDictionary();
-        for (int k = 1; k <= 10; ++k)
-            cell(k, Row::f0)->set_nValue(1000 + k);
+        open(10, 900, 600);
         for (int row : {Row::f1, Row::f2}) {
             cell(1, row)->set_bAnchor(true);
             cell(1, row)->set_nValue(100);
             cell(5, row)->set_bAnchor(true);
             cell(5, row)->set_nValue(300);
         }
-        table = std::make_unique<mainTable>(&doc);
-        table->resize(900, 600);
-        table->show();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(table.get()));
-        Alert::setHandler([this](const QString& t, const QString&, const QString&) { alerts << t; });
-    }
-    void TearDown() override
-    {
-        table.reset();
-        Alert::setHandler({});
-    }
-
-    CellRef cell(int frame, int row) const
-    {
-        return doc._dataTableDictionary.cellAt(static_cast<long long>(frame) * 10, row);
-    }
-    std::vector<int> f0s() const
-    {
-        std::vector<int> values;
-        for (int k = 1; k <= doc.getChannel(0)->m_nColumnNum; ++k)
-            values.push_back(cell(k, Row::f0)->_nValue());
-        return values;
     }
     int anchors() const
     {
@@ -69,10 +30,10 @@ struct SelectionTable : ::testing::Test {
     void expectFrameCommandsSeeNoFrame()
     {
         const std::vector<int> before = f0s();
-        const int shownAlerts = alerts.size();
+        const std::size_t shownAlerts = alerts.size();
         table->_editRemoveColumns();
         ASSERT_EQ(alerts.size(), shownAlerts + 1);
-        EXPECT_EQ(alerts.back(), "No Column Selected");
+        EXPECT_EQ(alerts.back().title, "No Column Selected");
         doc._nindexModifyColumn = 1; // after the selected frame
         doc._nDurationModifyColumn = 20;
         table->modifyColumns();

@@ -46,11 +46,7 @@ void PainterCanvas::text(double x, double baseline, const std::string& text, Plo
                          TextAnchor anchor)
 {
     const QString string = QString::fromStdString(text);
-    double left = x;
-    if (anchor == TextAnchor::Centre)
-        left -= textWidth(text) / 2.0;
-    else if (anchor == TextAnchor::Right)
-        left -= textWidth(text);
+    const double left = textLeft(x, text, anchor);
     m_painter.setPen(qColor(color));
     m_painter.drawText(QPointF(left, baseline), string);
 }

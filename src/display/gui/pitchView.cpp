@@ -10,10 +10,8 @@
 #include <QPainter>
 
 pitchView::pitchView(MyDocument* document, int channel, QWidget* parent)
-    : QWidget(parent), _nChannel(channel), m_pDoc(document)
+    : ChannelPlotView(document, channel, 60, parent)
 {
-    setAttribute(Qt::WA_OpaquePaintEvent);
-    setMinimumSize(200, 60);
 }
 
 QRect pitchView::plotArea() const
@@ -45,12 +43,6 @@ void pitchView::drawTimeAxis(QPainter& painter, const QRectF& area) const
     }
 }
 
-double pitchView::lengthMS() const
-{
-    const Channels& c = *m_pDoc->getChannel(_nChannel);
-    return c.m_dSampleRate > 0 ? c.m_dwFileLength * 1000.0 / c.m_dSampleRate : 0.0;
-}
-
 void pitchView::setup()
 {
     const PitchSettings settings = PitchSettings::fromDocument(*m_pDoc);
@@ -59,12 +51,6 @@ void pitchView::setup()
     const Channels& channel = *m_pDoc->getChannel(_nChannel);
     if (channel.hasAudio())
         m_track.DoPitchCepstral(channel, settings);
-    update();
-}
-
-void pitchView::setCursorMS(double ms)
-{
-    m_dCursorMS = ms;
     update();
 }
 
@@ -90,12 +76,5 @@ void pitchView::drawPicture(QPainter& painter, const QRectF& areaF, bool forScre
 void pitchView::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
-    painter.fillRect(rect(), palette().window());
-    const QRect area = plotArea();
-    drawPicture(painter, area, true);
-    if (m_dCursorMS >= 0.0 && lengthMS() > 0.0) {
-        const int x = area.left() + static_cast<int>(m_dCursorMS / lengthMS() * area.width());
-        painter.setPen(QPen(QColor(230, 120, 0), 1));
-        painter.drawLine(x, area.top(), x, area.bottom());
-    }
+    paintPicture(painter);
 }

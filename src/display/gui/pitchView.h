@@ -4,12 +4,9 @@
 // the same time cursor. The track is computed on the main thread when the view is set up: a
 // few tens of milliseconds for ten seconds of audio. Main thread only.
 #include "display/PitchTrackComputation.h"
+#include "display/gui/ChannelPlotView.h"
 
-#include <QWidget>
-
-class MyDocument;
-
-class pitchView : public QWidget
+class pitchView : public ChannelPlotView
 {
     Q_OBJECT
 public:
@@ -18,26 +15,20 @@ public:
 
     pitchView(MyDocument* document, int channel, QWidget* parent = nullptr);
 
-    int _nChannel;
-
     // Computes the track from the channel's samples and the document's pitch settings.
     void setup();
     const PitchTrackComputation& track() const { return m_track; }
 
-    void setCursorMS(double ms);
-    QRect plotArea() const;
-    void drawPicture(QPainter& painter, const QRectF& area, bool forScreen) const;
+    QRect plotArea() const override;
+    void drawPicture(QPainter& painter, const QRectF& area, bool forScreen) const override;
 
 protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    double lengthMS() const;
     // Ticks and labels (ms) of the time axis under the plot area.
     void drawTimeAxis(QPainter& painter, const QRectF& area) const;
 
-    MyDocument* m_pDoc;
     PitchTrackComputation m_track;
     double m_dStepMS = 10.0;
-    double m_dCursorMS = -1.0;
 };

@@ -13,14 +13,11 @@ namespace
 {
 const std::array<QColor, 5> kFormantColors{QColor(220, 30, 30), QColor(30, 150, 30), QColor(30, 70, 220),
                                            QColor(200, 120, 0), QColor(150, 30, 170)};
-const QColor kCursorColor(230, 120, 0);
 } // namespace
 
 spectrogramView::spectrogramView(MyDocument* document, int channel, QWidget* parent)
-    : QWidget(parent), _nChannel(channel), m_pDoc(document), m_pWorker(new SpectrogramWorker(this))
+    : ChannelPlotView(document, channel, 120, parent), m_pWorker(new SpectrogramWorker(this))
 {
-    setAttribute(Qt::WA_OpaquePaintEvent);
-    setMinimumSize(200, 120);
     connect(m_pWorker, &SpectrogramWorker::finished, this, &spectrogramView::finished);
     m_resizeTimer.setSingleShot(true);
     m_resizeTimer.setInterval(kResizeSettleMS);
@@ -30,12 +27,6 @@ spectrogramView::spectrogramView(MyDocument* document, int channel, QWidget* par
 QRect spectrogramView::plotArea() const
 {
     return rect().adjusted(kLeftMargin, kTopMargin, -kRightMargin, -kBottomMargin);
-}
-
-double spectrogramView::lengthMS() const
-{
-    const Channels& c = *m_pDoc->getChannel(_nChannel);
-    return c.m_dSampleRate > 0 ? c.m_dwFileLength * 1000.0 / c.m_dSampleRate : 0.0;
 }
 
 void spectrogramView::setup()
@@ -52,12 +43,6 @@ void spectrogramView::finished(std::shared_ptr<const SpectrogramWorker::Result> 
     m_pResult = std::move(result);
     update();
     emit pictureReady();
-}
-
-void spectrogramView::setCursorMS(double ms)
-{
-    m_dCursorMS = ms;
-    update();
 }
 
 void spectrogramView::drawPicture(QPainter& painter, const QRectF& areaF, bool forScreen) const
@@ -82,14 +67,7 @@ void spectrogramView::drawPicture(QPainter& painter, const QRectF& areaF, bool f
 void spectrogramView::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
-    painter.fillRect(rect(), palette().window());
-    const QRect area = plotArea();
-    drawPicture(painter, area, true);
-    if (m_dCursorMS >= 0.0 && lengthMS() > 0.0) {
-        const int x = area.left() + static_cast<int>(m_dCursorMS / lengthMS() * area.width());
-        painter.setPen(QPen(kCursorColor, 1));
-        painter.drawLine(x, area.top(), x, area.bottom());
-    }
+    const QRect area = paintPicture(painter);
     if (!m_pResult) {
         painter.setPen(Qt::darkGray);
         painter.drawText(area, Qt::AlignCenter,

@@ -5,16 +5,14 @@
 // resize goes on) the last picture is shown stretched. A resize recomputes once it has ended
 // (no new size for a moment). Clicking sets the time cursor and reports time, frequency and
 // level under the pointer. Main thread only.
+#include "display/gui/ChannelPlotView.h"
 #include "display/gui/SpectrogramWorker.h"
 
 #include <QTimer>
-#include <QWidget>
 
 #include <memory>
 
-class MyDocument;
-
-class spectrogramView : public QWidget
+class spectrogramView : public ChannelPlotView
 {
     Q_OBJECT
 public:
@@ -28,23 +26,13 @@ public:
 
     spectrogramView(MyDocument* document, int channel, QWidget* parent = nullptr);
 
-    int _nChannel;
-
     // Starts computing for the current size and settings.
     void setup();
     // The finished computation shown, or nullptr before the first one.
     const SpectrogramWorker::Result* result() const { return m_pResult.get(); }
     SpectrogramWorker* worker() const { return m_pWorker; }
-    // The plot area inside the widget.
-    QRect plotArea() const;
-
-    // The time cursor in ms (negative: none).
-    double cursorMS() const { return m_dCursorMS; }
-    void setCursorMS(double ms);
-
-    // Draws the picture into `area` of any painter; grids always on screen, else as the
-    // document's switches say.
-    void drawPicture(QPainter& painter, const QRectF& area, bool forScreen) const;
+    QRect plotArea() const override;
+    void drawPicture(QPainter& painter, const QRectF& area, bool forScreen) const override;
 
 signals:
     // A complete picture is shown (after the first computation and after each recomputation).
@@ -58,12 +46,9 @@ protected:
     void mousePressEvent(QMouseEvent* event) override;
 
 private:
-    double lengthMS() const;
     void finished(std::shared_ptr<const SpectrogramWorker::Result> result);
 
-    MyDocument* m_pDoc;
     SpectrogramWorker* m_pWorker;
     std::shared_ptr<const SpectrogramWorker::Result> m_pResult;
     QTimer m_resizeTimer;
-    double m_dCursorMS = -1.0;
 };
