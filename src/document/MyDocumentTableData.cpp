@@ -106,6 +106,7 @@ static_assert(kParameterCount <= 64, "a frame's anchor flags are one 64-bit word
 void MyDocument::fillDataTableDictionary(int columns, int interval, bool fromGrid)
 {
     Channels& c = *m_Channel[0];
+    _dataTableDictionary.removeAllObjects(); // the old cells go before the new columns' data comes
     auto source = std::make_shared<ColumnSource>();
 
     if (fromGrid) {

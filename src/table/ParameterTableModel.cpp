@@ -6,6 +6,8 @@
 #include <QApplication>
 #include <QColor>
 
+#include <new>
+
 namespace
 {
 QColor toQColor(const Color& c)
@@ -40,8 +42,14 @@ const CellArray* ParameterTableModel::column(int tableColumn) const
     if (tableColumn < 0 || static_cast<std::size_t>(tableColumn) >= m_columns.size())
         return nullptr;
     if (!m_lookedUp[tableColumn]) {
-        m_columns[tableColumn] =
-            m_pDoc->_dataTableDictionary.objectForKey(static_cast<long long>(tableColumn) * m_nInterval);
+        try {
+            m_columns[tableColumn] =
+                m_pDoc->_dataTableDictionary.objectForKey(static_cast<long long>(tableColumn) * m_nInterval);
+        } catch (const std::bad_alloc&) {
+            // The column could not be made (out of memory): it shows empty now and is asked
+            // for again at the next paint. Painting must not throw.
+            return nullptr;
+        }
         m_lookedUp[tableColumn] = true;
     }
     return m_columns[tableColumn];
