@@ -4,10 +4,15 @@
 //    first complete picture with the spectrogram at 1000 x 400 pixels (target: 120 ms);
 //  - the same window's recomputation after a resize has settled (target: 60 ms; the short
 //    wait for the resize to settle is not counted);
-//  - the FFT/LPC window: one Right-arrow step, slices recomputed and repainted (target: 10 ms).
+//  - the FFT/LPC window: one Right-arrow step, slices recomputed and repainted (target: 10 ms);
+//  - the pieces of a picture on their own (CPU time): the spectrogram image of a finished
+//    computation, and the pitch track of the recording drawn into a 1000 x 120 plot.
 #include "GuiBenchMain.h"
+#include "display/gui/AnalysisTracks.h"
 #include "display/gui/FFTLPCWindow.h"
+#include "display/gui/SpectrogramImage.h"
 #include "display/gui/SpectrogramPitchWindow.h"
+#include "display/gui/pitchView.h"
 #include "display/gui/spectrogramView.h"
 #include "document/Log.h"
 #include "document/MyDocument.h"
@@ -16,6 +21,7 @@
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QKeyEvent>
+#include <QPainter>
 #include <QSignalSpy>
 #include <benchmark/benchmark.h>
 
@@ -127,6 +133,32 @@ void BM_FFTLPCArrowStep(benchmark::State& state)
         state.SkipWithError("the arrow did not step");
 }
 BENCHMARK(BM_FFTLPCArrowStep)->Unit(benchmark::kMillisecond)->Iterations(200);
+void BM_SpectrogramImage(benchmark::State& state)
+{
+    auto doc = recording();
+    SpectrogramComputation computation;
+    computation.m_settings = SpectrogramSettings::fromDocument(*doc);
+    computation.compute(*doc->getChannel(2), 1000, 400, nullptr);
+    for (auto _ : state)
+        benchmark::DoNotOptimize(SpectrogramImage().DrawImage(computation));
+}
+BENCHMARK(BM_SpectrogramImage)->Unit(benchmark::kMillisecond);
+
+void BM_PitchTrackDrawing(benchmark::State& state)
+{
+    auto doc = recording();
+    PitchTrackComputation track;
+    const PitchSettings settings = PitchSettings::fromDocument(*doc);
+    track.DoPitchCepstral(*doc->getChannel(2), settings);
+    QImage plot(1000, 120, QImage::Format_ARGB32_Premultiplied);
+    const double lengthMS = doc->getChannel(2)->m_dwFileLength * 1000.0 / doc->getChannel(2)->m_dSampleRate;
+    for (auto _ : state) {
+        QPainter painter(&plot);
+        DrawPitchTrack(painter, plot.rect(), track.m_hdPitchFile, settings.m_dPitchStepSize, lengthMS, 0.0,
+                       450.0, QColor(0, 90, 200));
+    }
+}
+BENCHMARK(BM_PitchTrackDrawing)->Unit(benchmark::kMillisecond);
 } // namespace
 
 int main(int argc, char** argv)

@@ -220,9 +220,10 @@ void TraceView::paintEvent(QPaintEvent* event)
     if (_pDoc) {
         const auto [startMS, endMS] = m_axis->visibleMS(gridLengthMS(), width());
         TimeGrids(painter, rect(), startMS, endMS,
-                  m_axis->timeGridStep(_pDoc->m_nSpecTimeGrid, gridLengthMS(), width()), timeLabels());
+                  m_axis->timeGridStep(_pDoc->m_nSpecTimeGrid, gridLengthMS(), width()), false);
         const ValueGrid grid = valueGrid();
-        DrawAnyGrid(painter, rect(), grid.low, grid.high, grid.step, grid.fullScale, grid.label);
+        DrawAnyGrid(painter, rect(), grid.low, grid.high, grid.step, grid.fullScale, grid.label,
+                    ValueLabels::None);
     }
     drawOverlay(painter, clip);
     const int frames = frameCount();
@@ -235,6 +236,8 @@ void TraceView::paintEvent(QPaintEvent* event)
                 drawSlot(painter, slot, first, last);
     }
     drawTrace(painter);
+    // The labels go over the tracks, each on a light box, so that neither hides the other.
+    DrawGridLabels(painter, gridLabels(painter.fontMetrics()), true);
     drawCaption(painter);
     painter.setClipping(false);
     painter.setPen(QColor(90, 90, 90));
@@ -295,17 +298,42 @@ void TraceView::drawTrace(QPainter& painter) const
     painter.strokePath(path, QPen(Qt::black));
 }
 
-void TraceView::drawCaption(QPainter& painter) const
+std::vector<GridLabel> TraceView::gridLabels(const QFontMetrics& metrics) const
+{
+    if (!_pDoc)
+        return {};
+    std::optional<TimeSpan> times;
+    if (timeLabels()) {
+        const auto [startMS, endMS] = m_axis->visibleMS(gridLengthMS(), width());
+        times =
+            TimeSpan{startMS, endMS, m_axis->timeGridStep(_pDoc->m_nSpecTimeGrid, gridLengthMS(), width())};
+    }
+    return plotLabels(metrics, rect(), valueGrid(), times, captionBox());
+}
+
+QFont TraceView::captionFont() const
+{
+    QFont bold = font();
+    bold.setBold(true);
+    return bold;
+}
+
+QRect TraceView::captionBox() const
 {
     const QString text = caption();
     if (text.isEmpty())
+        return {};
+    const QRect box = QFontMetrics(captionFont()).boundingRect(text).adjusted(-4, -1, 4, 1);
+    return QRect(width() - box.width() - 6, 4, box.width(), box.height());
+}
+
+void TraceView::drawCaption(QPainter& painter) const
+{
+    const QRect at = captionBox();
+    if (at.isEmpty())
         return;
-    QFont font = painter.font();
-    font.setBold(true);
-    painter.setFont(font);
-    const QRect box = painter.fontMetrics().boundingRect(text).adjusted(-4, -1, 4, 1);
-    const QRect at(width() - box.width() - 6, 4, box.width(), box.height());
+    painter.setFont(captionFont());
     painter.fillRect(at, QColor(255, 255, 255, 200));
     painter.setPen(Qt::black);
-    painter.drawText(at, Qt::AlignCenter, text);
+    painter.drawText(at, Qt::AlignCenter, caption());
 }

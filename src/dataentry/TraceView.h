@@ -15,8 +15,10 @@
 // Subclasses: viewPitch, viewSpectrogram, viewAmplitudes. Main thread only.
 #include "dataentry/TimeAxisZoom.h"
 #include "dataentry/core/TraceTrackLists.h"
+#include "display/gui/GraphGrids.h"
 
 #include <QColor>
+#include <QFont>
 #include <QPointF>
 #include <QTimer>
 #include <QWidget>
@@ -60,6 +62,10 @@ public:
     const std::vector<QPointF>& _arraytrace() const { return m_arraytrace; }
     double fullScale() const { return m_nScale; }
     int columnAt(double x) const;
+    // The grid labels the view draws (over its tracks), none colliding with another or with
+    // the caption, all inside the view; and the caption's box at the top right.
+    std::vector<GridLabel> gridLabels(const QFontMetrics& metrics) const;
+    QRect captionBox() const;
     int valueAt(double y) const;
 
 signals:
@@ -69,10 +75,7 @@ signals:
     void committed();
 
 protected:
-    struct ValueGrid {
-        double low = 0.0, high = 0.0, step = 0.0, fullScale = 1.0;
-        QString label;
-    };
+    using ValueGrid = ::ValueGrid;
 
     TraceView(double fullScale, std::vector<std::string> keys, std::vector<int> rows, QWidget* parent);
 
@@ -121,6 +124,7 @@ private:
     void drawSlot(QPainter& painter, int slot, int first, int last) const;
     void drawTrace(QPainter& painter) const;
     void drawCaption(QPainter& painter) const;
+    QFont captionFont() const;
     void followInTable(int tableColumn);
     void followNow();
 

@@ -232,13 +232,12 @@ void TrackPlotView::paintEvent(QPaintEvent* event)
     if (!_pDoc)
         return;
 
-    const double lengthMS = _pDoc->getChannel(0)->m_dLengthMS;
-    const double endMS = std::isfinite(lengthMS) && lengthMS > 0.0 ? std::trunc(lengthMS) : 0.0;
-    const auto [startMS, stopMS] = m_axis->visibleMS(endMS, width());
-    TimeGrids(painter, bounds, startMS, stopMS, m_axis->timeGridStep(_pDoc->m_nSpecTimeGrid, endMS, width()),
-              timeLabels());
+    const auto [startMS, stopMS] = m_axis->visibleMS(lengthMS(), width());
+    TimeGrids(painter, bounds, startMS, stopMS,
+              m_axis->timeGridStep(_pDoc->m_nSpecTimeGrid, lengthMS(), width()), false);
     const ValueGrid grid = valueGrid();
-    DrawAnyGrid(painter, bounds, grid.low, grid.high, grid.step, grid.fullScale, grid.label);
+    DrawAnyGrid(painter, bounds, grid.low, grid.high, grid.step, grid.fullScale, grid.label,
+                ValueLabels::None);
 
     drawTrace(painter, event->rect());
 
@@ -252,7 +251,27 @@ void TrackPlotView::paintEvent(QPaintEvent* event)
             if (drawsTrack(track))
                 drawTrack(painter, track, first, std::min(last, frames - 1));
     }
+    // The labels go over the tracks, each on a light box, so that neither hides the other.
+    DrawGridLabels(painter, gridLabels(painter.fontMetrics()), true);
     drawCaption(painter);
+}
+
+double TrackPlotView::lengthMS() const
+{
+    const double length = _pDoc->getChannel(0)->m_dLengthMS;
+    return std::isfinite(length) && length > 0.0 ? std::trunc(length) : 0.0;
+}
+
+std::vector<GridLabel> TrackPlotView::gridLabels(const QFontMetrics& metrics) const
+{
+    if (!_pDoc)
+        return {};
+    std::optional<TimeSpan> times;
+    if (timeLabels()) {
+        const auto [startMS, stopMS] = m_axis->visibleMS(lengthMS(), width());
+        times = TimeSpan{startMS, stopMS, m_axis->timeGridStep(_pDoc->m_nSpecTimeGrid, lengthMS(), width())};
+    }
+    return plotLabels(metrics, rect(), valueGrid(), times, captionBox());
 }
 
 void TrackPlotView::drawTrace(QPainter& painter, const QRect& clip) const

@@ -18,6 +18,7 @@
 // over a long document stays quick. Subclasses (viewF0, viewFormants, viewOthers) give the
 // rows, the scale, the value grid and which tracks are drawn. Main thread only.
 #include "dataentry/TimeAxisZoom.h"
+#include "display/gui/GraphGrids.h"
 #include "document/MyDocument.h"
 
 #include <QColor>
@@ -75,6 +76,11 @@ public:
     int frameAt(double x) const;
     int valueAt(double y) const;
 
+    // The grid labels the view draws (over its tracks), none colliding with another or with
+    // the caption, all inside the view; and the caption's box (empty without one).
+    std::vector<GridLabel> gridLabels(const QFontMetrics& metrics) const;
+    virtual QRect captionBox() const { return {}; }
+
     // Repaints the strip of the view where frame k's points are drawn.
     void updateFrame(int frame);
 
@@ -85,11 +91,7 @@ signals:
     void committed();
 
 protected:
-    struct ValueGrid {
-        double low = 0.0, high = 0.0, step = 0.0;
-        double fullScale = 1.0; // the grid's value at the top edge, in the grid's unit
-        QString label;
-    };
+    using ValueGrid = ::ValueGrid;
 
     TrackPlotView(int scale, std::initializer_list<TrackDefinition> tracks, QWidget* parent);
 
@@ -97,6 +99,8 @@ protected:
     virtual bool timeLabels() const { return false; }
     virtual bool drawsTrack(const Track& track) const { return !track.cells.empty(); }
     virtual void drawCaption(QPainter&) {}
+    // The length of the time axis in whole ms (0 without a length).
+    double lengthMS() const;
     void setTrackColor(int slot, const QColor& color);
 
     void mousePressEvent(QMouseEvent* event) override;

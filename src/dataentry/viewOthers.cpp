@@ -29,11 +29,21 @@ QString viewOthers::caption() const
     return {};
 }
 
-void viewOthers::drawCaption(QPainter& painter)
+QRect viewOthers::captionBox() const
 {
     const QString text = caption();
     if (text.isEmpty())
+        return {};
+    const QRect box = fontMetrics().boundingRect(text).adjusted(-4, -1, 4, 1);
+    return QRect(width() - box.width() - 6, 4, box.width(), box.height());
+}
+
+void viewOthers::drawCaption(QPainter& painter)
+{
+    const QRect at = captionBox();
+    if (at.isEmpty())
         return;
+    painter.fillRect(at, QColor(255, 255, 255, 200));
     painter.setPen(Qt::black);
-    painter.drawText(QRect(40, 10, width() - 40, height() - 10), Qt::AlignLeft | Qt::AlignTop, text);
+    painter.drawText(at, Qt::AlignCenter, caption());
 }

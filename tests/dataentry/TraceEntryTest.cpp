@@ -12,6 +12,7 @@ namespace testsignals = signals;
 #include "dataentry/viewAmplitudes.h"
 #include "dataentry/viewPitch.h"
 #include "dataentry/viewSpectrogram.h"
+#include "display/LabelChecks.h"
 #include "table/mainTable.h"
 
 #include <gtest/gtest.h>
@@ -285,4 +286,27 @@ TEST_F(TraceWindow, ViewOldDataShowsPlaceholdersAndIsRemembered)
     ASSERT_TRUE(ConfigurationFile::read(config, reader, ConfigurationFile::Scope::NewDocument));
     EXPECT_EQ(reader._bShowGridData, 1);
     EXPECT_EQ(lists._arrayGridValues[0][1], lists._arrayTracedValues[0][1]);
+}
+
+TEST_F(TraceWindow, GridLabelsStayClearOfEachOtherAndOfTheCaptions)
+{
+    open(10.0);
+    const auto check = [&](const char* when) {
+        for (const TraceView* view : std::initializer_list<const TraceView*>{
+                 controller->_viewPitch(), controller->_viewSpectrogram(), controller->_viewAmplitudes()}) {
+            const std::vector<GridLabel> labels = view->gridLabels(QFontMetrics(view->font()));
+            EXPECT_GE(labels.size(), 3u) << when;
+            expectLabelsClear(labels, view->rect(), {view->captionBox()}, when);
+        }
+    };
+    // Ten seconds fill the pitch view's top edge with time labels up to its caption.
+    check("default size");
+    QTest::mouseClick(controller->button(dataentryTraceContoller::F3), Qt::LeftButton);
+    check("F3 active");
+    controller->window()->resize(560, 300);
+    QApplication::processEvents();
+    check("narrow");
+    controller->timeAxis()->zoomIn();
+    QApplication::processEvents();
+    check("zoomed in");
 }

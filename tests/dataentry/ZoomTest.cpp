@@ -11,6 +11,7 @@
 #include "dataentry/viewOthers.h"
 #include "dataentry/viewPitch.h"
 #include "dataentry/viewSpectrogram.h"
+#include "display/LabelChecks.h"
 #include "display/gui/GraphGrids.h"
 #include "table/mainTable.h"
 
@@ -195,6 +196,29 @@ TEST_F(GraphicalZoom, TimeLabelsAtEveryZoomAreApartAndCarryTheirUnit)
     const std::vector<GridLabel> fine = timeGridLabels(metrics, wide, 10.0, 30.0, 0.5);
     EXPECT_TRUE(
         std::any_of(fine.begin(), fine.end(), [](const GridLabel& l) { return l.text.contains('.'); }));
+}
+
+TEST_F(GraphicalZoom, GridLabelsStayClearOfEachOtherAndOfTheCaption)
+{
+    for (const char* active : {"a1f", "av", "apv"}) {
+        controller->_viewOthers()->activeParameter(active);
+        for (const int zoomIns : {0, 3}) {
+            axis().fitAll();
+            for (int z = 0; z < zoomIns; ++z)
+                axis().zoomIn();
+            for (const TrackPlotView* view : std::initializer_list<const TrackPlotView*>{
+                     controller->_viewF0(), controller->_viewFormants(), controller->_viewOthers()}) {
+                const std::vector<GridLabel> labels = view->gridLabels(QFontMetrics(view->font()));
+                EXPECT_GE(labels.size(), 3u) << active;
+                const QRect caption = view->captionBox();
+                expectLabelsClear(labels, view->rect(),
+                                  caption.isEmpty() ? std::vector<QRect>{} : std::vector<QRect>{caption},
+                                  active);
+            }
+        }
+    }
+    // The amplitude view names its active track in a caption.
+    EXPECT_FALSE(controller->_viewOthers()->captionBox().isEmpty());
 }
 
 // The trace window on a 2 s model recording: 200 columns, views 695 wide.

@@ -3,6 +3,7 @@
 namespace testsignals = signals; // before Qt's `signals` keyword
 
 #include "app/TestFiles.h"
+#include "display/LabelChecks.h"
 #include "display/TestChannels.h"
 #include "display/gui/FFTLPCWindow.h"
 #include "display/gui/PictureExport.h"
@@ -178,6 +179,38 @@ TEST_F(AnalysisWindows, SpectrogramWindowFindsTheVowelAndItsPitch)
     EXPECT_NEAR(slice->startSample() / kRate * 1000.0, window->spectrogram()->cursorMS(), 0.2);
     delete slice;
     delete window;
+}
+
+TEST_F(AnalysisWindows, AxisLabelsStayInTheWindowAndClearOfEachOther)
+{
+    // Ten seconds: the pitch axis ends on a five-digit label at the right edge.
+    setSine(2, 200.0, static_cast<int>(10.0 * kRate));
+    SpectrogramPitchWindow window(table.get(), 2, nullptr);
+    window.show();
+    for (const int width : {1000, 733, 420}) {
+        window.resize(width, 560);
+        QApplication::processEvents();
+        const spectrogramView& spectrogram = *window.spectrogram();
+        const pitchView& pitch = *window.pitch();
+        const QFontMetrics metrics(pitch.font());
+        const QRect pitchArea = pitch.plotArea();
+        const std::vector<GridLabel> times = pitch.timeAxisLabels(metrics, pitchArea);
+        ASSERT_GE(times.size(), 2u) << width;
+        expectLabelsClear(times, pitch.rect(), {}, "pitch time axis");
+        EXPECT_EQ(times.front().box.left(), pitchArea.left()) << width;
+        EXPECT_LE(times.back().box.right(), pitchArea.right()) << width;
+
+        // The frequency labels stand in the strip left of the plot, not over the picture.
+        const QRect area = spectrogram.plotArea();
+        const double range = doc.m_nSpecfrequencyRange;
+        const std::vector<GridLabel> hz = valueGridLabels(metrics, area, 0.0, range, doc.m_nSpecFrequencyGrid,
+                                                          range, QStringLiteral("Hz"), ValueLabels::Outside);
+        ASSERT_GE(hz.size(), 3u) << width;
+        expectLabelsClear(hz, spectrogram.rect(), {area}, "frequency axis");
+        EXPECT_TRUE(hz.back().text.endsWith(QStringLiteral(" Hz")));
+        expectLabelsClear(timeGridLabels(metrics, area, 0.0, 10000.0, doc.m_nSpecTimeGrid), area, {},
+                          "spectrogram time grid");
+    }
 }
 
 TEST_F(AnalysisWindows, PicturesAreWrittenAtTheSetSize)

@@ -13,6 +13,8 @@ namespace testsignals = signals;
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include <QCoreApplication>
 #include <QPainter>
 #include <QTest>
@@ -52,6 +54,10 @@ TEST(SpectrogramImage, RampAndPixelPlacement)
     EXPECT_EQ(SpectrogramImage::rampPosition(50.0, 50), 256);
     EXPECT_EQ(SpectrogramImage::rampPosition(80.0, 50), 256);
     EXPECT_EQ(SpectrogramImage::rampPosition(-3.0, 50), 0);
+    EXPECT_EQ(SpectrogramImage::rampPosition(HUGE_VAL, 50), 256);
+    EXPECT_EQ(SpectrogramImage::rampPosition(-HUGE_VAL, 50), 0);
+    EXPECT_EQ(SpectrogramImage::rampPosition(std::nan(""), 50), 0);
+    EXPECT_EQ(SpectrogramImage::rampPosition(5.0, 0), 256);
 
     const SpectrogramImage ramp;
     EXPECT_EQ(qGray(ramp.rampColor(0)), 255); // silence is white
@@ -70,6 +76,30 @@ TEST(SpectrogramImage, RampAndPixelPlacement)
         EXPECT_EQ(image.pixel(3, 2 - y), ramp.rampColor(SpectrogramImage::rampPosition(25.0, 50))) << y;
         // The left edge keeps the frame.
         EXPECT_EQ(qGray(image.pixel(0, y)), 0) << y;
+    }
+    // Every value of a picture wider than one band of columns, drawn into images of its own
+    // size and of other sizes, is the pixel the placement rule gives.
+    SpectrogramComputation wide = withColumnLevels(std::vector<double>(37, 0.0), 23, 50);
+    for (int x = 0; x < 37; ++x)
+        for (int y = 0; y < 23; ++y)
+            wide.frame(x)[y] = (x * 7 + y * 3) % 53;
+    for (const QSize size : {QSize(37, 23), QSize(80, 50), QSize(20, 11)}) {
+        QImage picture(size, QImage::Format_RGB32);
+        ramp.DrawSpectrogramBMP(picture, wide, 37, 23, 50);
+        const double sx = size.width() / 37.0, sy = size.height() / 23.0;
+        const int p = std::max(static_cast<int>(sx), 1);
+        for (int x = 0; x < 37; ++x)
+            for (int y = 0; y < 23; ++y) {
+                const int px = static_cast<int>(sx * x) + p,
+                          py = size.height() - (static_cast<int>(sy * y) + p);
+                // Where two values share a pixel, the later one stands.
+                const bool last = static_cast<int>(sx * (x + 1)) + p != px || x == 36;
+                const bool top = y == 22 || size.height() - (static_cast<int>(sy * (y + 1)) + p) != py;
+                if (px < size.width() && py >= 0 && last && top)
+                    ASSERT_EQ(picture.pixel(px, py),
+                              ramp.rampColor(SpectrogramImage::rampPosition(wide.frame(x)[y], 50)))
+                        << size.width() << " " << x << " " << y;
+            }
     }
     // A computation without a spectrogram gives no picture.
     EXPECT_TRUE(ramp.DrawImage(SpectrogramComputation()).isNull());

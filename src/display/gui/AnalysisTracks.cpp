@@ -54,7 +54,7 @@ void DrawPitchTrack(QPainter& painter, const QRect& area, const std::vector<doub
                i * stepMS <= lengthMS;
     };
     QPainterPath line;
-    QPainterPath dots;
+    std::vector<QPointF> centres;
     bool joined = false;
     for (std::size_t i = 0; i < track.size(); ++i) {
         if (!visible(i)) {
@@ -67,11 +67,19 @@ void DrawPitchTrack(QPainter& painter, const QRect& area, const std::vector<doub
         else
             line.moveTo(p);
         joined = true;
-        dots.addEllipse(p, kPitchDot / 2, kPitchDot / 2);
+        centres.push_back(p);
     }
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing, true);
     painter.strokePath(line, QPen(color, 1.2));
-    painter.fillPath(dots, color);
+    // Each dot is filled on its own: one path of a thousand small ellipses makes the rasterizer
+    // sweep the whole plot, and its even-odd rule would punch holes where neighbours overlap.
+    // Dots outside a partial repaint's strip are skipped.
+    const QRectF clip = painter.hasClipping() ? painter.clipBoundingRect() : QRectF();
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(color);
+    for (const QPointF& c : centres)
+        if (clip.isNull() || clip.adjusted(-kPitchDot, -kPitchDot, kPitchDot, kPitchDot).contains(c))
+            painter.drawEllipse(c, kPitchDot / 2, kPitchDot / 2);
     painter.restore();
 }

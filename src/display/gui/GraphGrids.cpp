@@ -101,7 +101,7 @@ void TimeGrids(QPainter& painter, const QRect& area, double startMS, double endM
             painter.drawLine(x, area.top(), x, area.bottom());
     }
     if (labels) {
-        const QFontMetrics metrics(painter.font());
+        const QFontMetrics metrics(painter.font(), painter.device());
         painter.setPen(kLabelColor);
         for (const GridLabel& label : timeGridLabels(metrics, area, startMS, endMS, stepMS))
             if (label.box.intersects(painted))
@@ -110,41 +110,136 @@ void TimeGrids(QPainter& painter, const QRect& area, double startMS, double endM
     painter.restore();
 }
 
-void DrawAnyGrid(QPainter& painter, const QRect& area, double low, double high, double step, double fullScale,
-                 const QString& label)
+namespace
 {
-    if (!(fullScale > 0.0) || high < low)
-        return;
-    const double drawnStep = gridStep(fullScale, area.height(), step, kMinimumGap);
-    if (drawnStep <= 0.0)
+// The horizontal lines of a value grid: low + j x step for j = 0 .. count, those within the area.
+struct ValueLines {
+    double step = 0.0;
+    long long count = -1;
+
+    ValueLines(const QRect& area, double low, double high, double stepValue, double fullScale)
+    {
+        if (!(fullScale > 0.0) || high < low)
+            return;
+        step = gridStep(fullScale, area.height(), stepValue, kMinimumGap);
+        if (step <= 0.0)
+            return;
+        count = static_cast<long long>(std::floor(std::min(high - low, fullScale) / step + 1e-9));
+    }
+    static int y(const QRect& area, double value, double fullScale)
+    {
+        return area.bottom() - static_cast<int>(value * area.height() / fullScale);
+    }
+};
+
+constexpr int kOutsideGap = 4; // between an outside label and the area's edge
+} // namespace
+
+std::vector<GridLabel> valueGridLabels(const QFontMetrics& metrics, const QRect& area, double low,
+                                       double high, double step, double fullScale, const QString& unit,
+                                       ValueLabels where)
+{
+    std::vector<GridLabel> labels;
+    const ValueLines lines(area, low, high, step, fullScale);
+    if (where == ValueLabels::None || lines.count < 0)
+        return labels;
+    const double pixelsPerStep = lines.step * area.height() / fullScale;
+    const int labelEvery = std::max(1, static_cast<int>(std::ceil(metrics.height() / pixelsPerStep)));
+    for (long long j = 0; j <= lines.count; j += labelEvery) {
+        const double v = low + j * lines.step;
+        const int y = ValueLines::y(area, v, fullScale);
+        if (v > fullScale || y < area.top())
+            break;
+        const QString text = numberText(v);
+        const int width = metrics.horizontalAdvance(text);
+        QRect box;
+        if (where == ValueLabels::Inside) {
+            box = QRect(area.left() + 2, y - 2 - metrics.ascent(), width, metrics.height());
+            if (box.top() < area.top())
+                break;
+        } else {
+            const int top =
+                std::clamp(y - metrics.height() / 2, area.top(), area.bottom() + 1 - metrics.height());
+            box = QRect(area.left() - kOutsideGap - width, top, width, metrics.height());
+        }
+        labels.push_back({box, text});
+    }
+    // The topmost label carries the unit; inside the area it grows to the right, outside it
+    // to the left.
+    if (!labels.empty() && !unit.isEmpty()) {
+        GridLabel& top = labels.back();
+        top.text += QLatin1Char(' ') + unit;
+        const int width = metrics.horizontalAdvance(top.text);
+        if (where == ValueLabels::Inside)
+            top.box.setWidth(width);
+        else
+            top.box.setLeft(top.box.right() + 1 - width);
+    }
+    return labels;
+}
+
+void keepClearLabels(const std::vector<GridLabel>& labels, const QRect& bounds, std::vector<QRect>& taken,
+                     std::vector<GridLabel>& kept)
+{
+    for (const GridLabel& label : labels) {
+        if (!bounds.contains(label.box))
+            continue;
+        if (std::any_of(taken.begin(), taken.end(), [&](const QRect& r) { return r.intersects(label.box); }))
+            continue;
+        taken.push_back(label.box);
+        kept.push_back(label);
+    }
+}
+
+std::vector<GridLabel> plotLabels(const QFontMetrics& metrics, const QRect& area, const ValueGrid& grid,
+                                  const std::optional<TimeSpan>& times, const QRect& caption)
+{
+    std::vector<GridLabel> kept;
+    std::vector<QRect> taken;
+    if (!caption.isEmpty())
+        taken.push_back(caption);
+    keepClearLabels(valueGridLabels(metrics, area, grid.low, grid.high, grid.step, grid.fullScale, grid.label,
+                                    ValueLabels::Inside),
+                    area, taken, kept);
+    if (times)
+        keepClearLabels(timeGridLabels(metrics, area, times->startMS, times->endMS, times->stepMS), area,
+                        taken, kept);
+    return kept;
+}
+
+void DrawGridLabels(QPainter& painter, const std::vector<GridLabel>& labels, bool backed)
+{
+    if (labels.empty())
         return;
     painter.save();
-    const QFontMetrics metrics(painter.font());
-    const double pixelsPerStep = drawnStep * area.height() / fullScale;
-    const int labelEvery = std::max(1, static_cast<int>(std::ceil(metrics.height() / pixelsPerStep)));
-    // The lines up to the top edge; the last labelled one also carries the unit.
-    const long long lines =
-        static_cast<long long>(std::floor(std::min(high - low, fullScale) / drawnStep + 1e-9));
-    long long lastLabelled = -1;
-    for (long long j = 0; j <= lines; ++j)
-        if (j % labelEvery == 0 && low + j * drawnStep <= fullScale &&
-            area.bottom() - (low + j * drawnStep) * area.height() / fullScale - metrics.ascent() >=
-                area.top())
-            lastLabelled = j;
-    for (long long j = 0; j <= lines; ++j) {
-        const double v = low + j * drawnStep;
-        const int y = area.bottom() - static_cast<int>(v * area.height() / fullScale);
-        if (y < area.top())
-            break;
-        painter.setPen(kGridColor);
-        painter.drawLine(area.left(), y, area.right(), y);
-        if (j % labelEvery != 0 || j > lastLabelled)
+    const QFontMetrics metrics(painter.font(), painter.device());
+    const QRectF clip = painter.hasClipping() ? painter.clipBoundingRect() : QRectF();
+    for (const GridLabel& label : labels) {
+        if (!clip.isNull() && !clip.intersects(label.box))
             continue;
-        QString text = numberText(v);
-        if (j == lastLabelled && !label.isEmpty())
-            text += QLatin1Char(' ') + label;
+        if (backed)
+            painter.fillRect(label.box.adjusted(-1, 0, 1, 0), QColor(255, 255, 255, 200));
         painter.setPen(kLabelColor);
-        painter.drawText(area.left() + 2, y - 2, text);
+        painter.drawText(label.box.left(), label.box.top() + metrics.ascent(), label.text);
     }
     painter.restore();
+}
+
+void DrawAnyGrid(QPainter& painter, const QRect& area, double low, double high, double step, double fullScale,
+                 const QString& label, ValueLabels where)
+{
+    const ValueLines lines(area, low, high, step, fullScale);
+    if (lines.count < 0)
+        return;
+    painter.save();
+    painter.setPen(kGridColor);
+    for (long long j = 0; j <= lines.count; ++j) {
+        const int y = ValueLines::y(area, low + j * lines.step, fullScale);
+        if (y < area.top())
+            break;
+        painter.drawLine(area.left(), y, area.right(), y);
+    }
+    painter.restore();
+    const QFontMetrics metrics(painter.font(), painter.device());
+    DrawGridLabels(painter, valueGridLabels(metrics, area, low, high, step, fullScale, label, where), false);
 }

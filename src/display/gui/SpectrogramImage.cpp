@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 void SpectrogramImage::SetColors()
 {
@@ -18,19 +19,13 @@ void SpectrogramImage::SetColors()
     }
 }
 
-int SpectrogramImage::rampPosition(double level, int dynamicRange)
-{
-    if (dynamicRange <= 0 || !std::isfinite(level))
-        return level > 0.0 ? kRampSize - 1 : 0;
-    const double position = std::trunc(level * 256.0 / dynamicRange);
-    return static_cast<int>(std::clamp(position, 0.0, static_cast<double>(kRampSize - 1)));
-}
-
 void SpectrogramImage::DrawSpectrogramBMP(QImage& image, const SpectrogramComputation& levels, int columns,
                                           int rows, int dynamicRange) const
 {
     if (image.isNull())
         return;
+    if (image.depth() != 32)
+        image = image.convertToFormat(QImage::Format_RGB32);
     image.fill(m_ramp[0]);
     {
         QPainter frame(&image);
@@ -46,16 +41,34 @@ void SpectrogramImage::DrawSpectrogramBMP(QImage& image, const SpectrogramComput
     const double sx = static_cast<double>(width) / columns;
     const double sy = static_cast<double>(height) / rows;
     const int p = std::max(static_cast<int>(sx), 1);
+    // The image row of every value row, worked out once for all columns: -1 for a row that
+    // falls outside the image. Pixels are written straight into the image's lines, which are
+    // 32-bit words in this format.
+    std::vector<QRgb*> line(static_cast<std::size_t>(rows), nullptr);
+    for (int y = 0; y < rows; ++y) {
+        const int py = height - (static_cast<int>(sy * y) + p);
+        if (py >= 0 && py < height)
+            line[static_cast<std::size_t>(y)] = reinterpret_cast<QRgb*>(image.scanLine(py));
+    }
+    std::vector<int> column(static_cast<std::size_t>(columns), -1);
     for (int x = 0; x < columns; ++x) {
         const int px = static_cast<int>(sx * x) + p;
-        if (px < 0 || px >= width)
-            continue;
-        const double* frame = levels.frame(x);
+        if (px >= 0 && px < width)
+            column[static_cast<std::size_t>(x)] = px;
+    }
+    // Columns are taken a band at a time and the band is written row by row: the pixels of a
+    // band's row share a cache line, where writing whole columns would touch one line per pixel.
+    constexpr int kBand = 16;
+    for (int x0 = 0; x0 < columns; x0 += kBand) {
+        const int x1 = std::min(columns, x0 + kBand);
         for (int y = 0; y < rows; ++y) {
-            const int py = height - (static_cast<int>(sy * y) + p);
-            if (py < 0 || py >= height)
+            QRgb* pixels = line[static_cast<std::size_t>(y)];
+            if (!pixels)
                 continue;
-            image.setPixel(px, py, m_ramp[static_cast<std::size_t>(rampPosition(frame[y], dynamicRange))]);
+            for (int x = x0; x < x1; ++x)
+                if (const int px = column[static_cast<std::size_t>(x)]; px >= 0)
+                    pixels[px] =
+                        m_ramp[static_cast<std::size_t>(rampPosition(levels.frame(x)[y], dynamicRange))];
         }
     }
 }

@@ -5,6 +5,7 @@
 // few tens of milliseconds for ten seconds of audio. Main thread only.
 #include "display/PitchTrackComputation.h"
 #include "display/gui/ChannelPlotView.h"
+#include "display/gui/GraphGrids.h"
 
 class pitchView : public ChannelPlotView
 {
@@ -20,6 +21,8 @@ public:
     const PitchTrackComputation& track() const { return m_track; }
 
     QRect plotArea() const override;
+    // The labels (ms) of the time axis under `area`: inside its width, none meeting another.
+    std::vector<GridLabel> timeAxisLabels(const QFontMetrics& metrics, const QRect& area) const;
     void drawPicture(QPainter& painter, const QRectF& area, bool forScreen) const override;
 
 protected:
@@ -27,7 +30,7 @@ protected:
 
 private:
     // Ticks and labels (ms) of the time axis under the plot area.
-    void drawTimeAxis(QPainter& painter, const QRectF& area) const;
+    void drawTimeAxis(QPainter& painter, const QRect& area) const;
 
     PitchTrackComputation m_track;
     double m_dStepMS = 10.0;

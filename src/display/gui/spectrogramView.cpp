@@ -58,7 +58,8 @@ void spectrogramView::drawPicture(QPainter& painter, const QRectF& areaF, bool f
     if (forScreen || m_pDoc->m_bSpecDrawTimeGrid)
         TimeGrids(painter, area, 0.0, lengthMS(), m_pDoc->m_nSpecTimeGrid, true);
     if (forScreen || m_pDoc->m_bSpecDrawFrequencyGrid)
-        DrawAnyGrid(painter, area, 0.0, range, m_pDoc->m_nSpecFrequencyGrid, range, QStringLiteral("Hz"));
+        DrawAnyGrid(painter, area, 0.0, range, m_pDoc->m_nSpecFrequencyGrid, range, QStringLiteral("Hz"),
+                    ValueLabels::Outside);
     painter.setPen(Qt::black);
     painter.setBrush(Qt::NoBrush);
     painter.drawRect(areaF);

@@ -17,7 +17,7 @@ class spectrogramView : public ChannelPlotView
     Q_OBJECT
 public:
     // Margins of the plot area in pixels: room for the frequency labels and the time labels.
-    static constexpr int kLeftMargin = 56;
+    static constexpr int kLeftMargin = 64;
     static constexpr int kRightMargin = 10;
     static constexpr int kTopMargin = 6;
     static constexpr int kBottomMargin = 6;
