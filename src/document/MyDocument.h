@@ -54,7 +54,9 @@ public:
     // from the records for a new document, from the grid and the anchor list for a read one
     // (m_bReadFile set). Repairs an update interval of 0 or less to 10 first. More frames than
     // kMaxFrames throw DocumentException "Document Too Long" before anything is made; running
-    // out of memory throws "Memory Error" and leaves the table data empty.
+    // out of memory throws "Memory Error" and leaves the table data empty. The columns' cells
+    // are made when a column is first looked up (DataTableDictionary::setPendingColumns), from
+    // the records, grid and anchors as they were here.
     void buildDataTableDictionary();
     // Background colour of a row's cells: the group colour of m_bgColor by row; row 0 stays white.
     Color groupBackgroundColor(int row) const;

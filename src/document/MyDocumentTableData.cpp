@@ -61,65 +61,82 @@ void MyDocument::buildDataTableDictionary()
     }
 }
 
+namespace
+{
+
+// What the columns of the table data are made from, taken when the table data is built: the
+// grid's values (a copy: the grid may be read into again while columns are still to be made),
+// the anchor flags and, per row, the shown flag and the shared definitions of the name and
+// frame cells. A column made from it later is the column an immediate build would have made.
+struct ColumnSource {
+    std::array<ImageAndTextCell, kParameterCount> nameModel, frameModel;
+    std::array<bool, kParameterCount> shown{};
+    std::array<int, kParameterCount> recordValue{};
+    DataGrid grid;                         // empty for a new document; holds only stored columns
+    std::vector<std::uint64_t> anchorRows; // by frame: bit r set = an anchor on row r
+
+    CellArray column(long long col) const
+    {
+        CellArray cells = ImageAndTextCell::newColumn(kParameterCount);
+        const long long frame = col - 1;
+        const bool gridColumn = col > 0 && static_cast<std::size_t>(frame) < grid.size();
+        const std::uint64_t anchors =
+            col > 0 && static_cast<std::size_t>(frame) < anchorRows.size() ? anchorRows[frame] : 0;
+        for (int row = 0; row < kParameterCount; ++row) {
+            ImageAndTextCell& cell = *cells[row];
+            cell.set_bSelected(shown[row]);
+            if (col == 0) {
+                cell.adoptDefinition(nameModel[row]);
+                continue;
+            }
+            const int value = gridColumn ? grid[frame][row] : recordValue[row];
+            cell.adoptDefinition(frameModel[row]);
+            cell.set_nValue(value);
+            cell.set_bAnchor((anchors >> row) & 1u);
+            cell.setInttoStringValue(value);
+        }
+        return cells;
+    }
+};
+
+static_assert(kParameterCount <= 64, "a frame's anchor flags are one 64-bit word");
+
+} // namespace
+
 void MyDocument::fillDataTableDictionary(int columns, int interval, bool fromGrid)
 {
     Channels& c = *m_Channel[0];
+    _dataTableDictionary.removeAllObjects(); // the old cells go before the new columns' data comes
+    auto source = std::make_shared<ColumnSource>();
 
-    // Anchor flags of a read document, by frame column and row, in one flat array.
-    std::vector<std::uint8_t> anchors;
     if (fromGrid) {
-        anchors.assign(static_cast<std::size_t>(columns) * kParameterCount, 0);
+        // A copy of the grid costs its stored columns only: a truncated long document stays small.
+        source->grid = c.m_snppDataImage_Col_Row;
+        source->anchorRows.assign(static_cast<std::size_t>(columns), 0);
         for (std::size_t i = 0; i + 1 < c.m_pAnchorPosition.size(); i += 2) {
             const int row = c.m_pAnchorPosition[i];
             const int frame = c.m_pAnchorPosition[i + 1];
             if (row >= 0 && row < kParameterCount && frame >= 0 && frame < columns)
-                anchors[static_cast<std::size_t>(frame) * kParameterCount + row] = 1;
+                source->anchorRows[frame] |= std::uint64_t{1} << row;
         }
     }
 
     // One shared definition per row for the name column and one for the frame columns: every
     // cell of a row takes it from these models instead of setting its fields one by one.
-    std::array<ImageAndTextCell, kParameterCount> nameModel, frameModel;
     for (int row = 0; row < kParameterCount; ++row) {
         const ParameterDefinition& p = c.m_Parameters[row];
         CellDefinition name;
         name.name = p.strName;
         name.definition = p.strDefinition;
         name.background = groupBackgroundColor(row);
-        nameModel[row].setDefinition(name);
-        frameModel[row].setDefinition(frameCellDefinition(p, name.background));
+        source->nameModel[row].setDefinition(name);
+        source->frameModel[row].setDefinition(frameCellDefinition(p, name.background));
+        source->shown[row] = p.bSelected != 0;
+        source->recordValue[row] = p.nValue;
     }
 
-    const DataGrid& grid = c.m_snppDataImage_Col_Row; // read only: unwritten columns stay unstored
-    _dataTableDictionary.removeAllObjects();
-    _dataTableDictionary.reserve(static_cast<std::size_t>(columns) + 1);
-    // Cells are made for kColumnsPerBlock columns at a time.
-    constexpr int kColumnsPerBlock = 64;
-    std::shared_ptr<ImageAndTextCell[]> block;
-    for (int col = 0; col <= columns; ++col) {
-        const int inBlock = col % kColumnsPerBlock;
-        if (inBlock == 0)
-            block = ImageAndTextCell::newCells(
-                static_cast<std::size_t>(std::min(kColumnsPerBlock, columns + 1 - col)) * kParameterCount);
-        CellArray cells = ImageAndTextCell::columnOf(
-            block, static_cast<std::size_t>(inBlock) * kParameterCount, kParameterCount);
-        const int frame = col - 1;
-        const bool gridColumn =
-            fromGrid && col > 0 && static_cast<std::size_t>(frame) < c.m_snppDataImage_Col_Row.size();
-        for (int row = 0; row < kParameterCount; ++row) {
-            const ParameterDefinition& p = c.m_Parameters[row];
-            ImageAndTextCell& cell = *cells[row];
-            cell.set_bSelected(p.bSelected != 0);
-            if (col == 0) {
-                cell.adoptDefinition(nameModel[row]);
-                continue;
-            }
-            const int value = gridColumn ? grid[frame][row] : p.nValue;
-            cell.adoptDefinition(frameModel[row]);
-            cell.set_nValue(value);
-            cell.set_bAnchor(fromGrid && anchors[static_cast<std::size_t>(frame) * kParameterCount + row]);
-            cell.setInttoStringValue(value);
-        }
-        _dataTableDictionary.setObject(static_cast<long long>(col) * interval, std::move(cells));
-    }
+    // The columns are made when first looked up: opening a long document makes only what its
+    // window shows.
+    _dataTableDictionary.setPendingColumns(static_cast<std::size_t>(columns) + 1, interval,
+                                           [source](long long col) { return source->column(col); });
 }

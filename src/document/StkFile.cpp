@@ -63,6 +63,11 @@ struct FrameCell {
     bool anchor;
 };
 
+FrameCell frameCell(const ImageAndTextCell& c)
+{
+    return {c._nValue(), c._bSelected(), c._bAnchor()};
+}
+
 // The cells the writer reads, column by column (k = 0 the row headers, 1 .. frames() the
 // frames), rows in order. A document whose table data has not been built (read but never
 // shown) is written from what the table data would be built with: the grid's values and anchor
@@ -97,11 +102,22 @@ public:
         if (m_columns.empty())
             return unbuiltCell(column, row);
         const CellArray* cells = m_columns[column];
-        if (cells && static_cast<std::size_t>(row) < cells->size() && (*cells)[row]) {
-            const ImageAndTextCell& c = *(*cells)[row];
-            return {c._nValue(), c._bSelected(), c._bAnchor()};
-        }
+        if (cells && static_cast<std::size_t>(row) < cells->size() && (*cells)[row])
+            return frameCell(*(*cells)[row]);
         return {p.nValue, p.bSelected != 0, false};
+    }
+    // The cells of a whole frame column when it has every row, or nullptr.
+    const CellArray* fullColumn(int column) const
+    {
+        if (m_columns.empty())
+            return nullptr;
+        const CellArray* cells = m_columns[column];
+        if (!cells || cells->size() < static_cast<std::size_t>(kParameterCount))
+            return nullptr;
+        for (int row = 0; row < kParameterCount; ++row)
+            if (!(*cells)[row])
+                return nullptr;
+        return cells;
     }
     // The row header's selection flag (column "0").
     bool rowSelected(int row) const
@@ -193,15 +209,20 @@ void writeParameterText(MyDocument& document, bool allRows, ParameterTextUse use
     const bool snapshot = use == ParameterTextUse::Snapshot;
 
     // One pass over the cells writes the value lines and collects the anchor entries; the lines
-    // before the values (which need the anchor count) are put in front afterwards.
+    // before the values (which need the anchor count) are put in front afterwards. Each line is
+    // formatted on the stack and appended whole.
     text.clear();
     text.reserve(static_cast<std::size_t>(table.frames()) * kParameterCount * 5 + 64);
     std::string anchorEntries;
     TenPerLine entries(anchorEntries);
     int anchors = 0;
+    constexpr std::size_t kLongestLine = kParameterCount * 12 + 2; // "-2147483648\t" a value
+    char line[kLongestLine];
     for (int k = 1; k <= table.frames(); ++k) {
+        const CellArray* column = table.fullColumn(k);
+        char* out = line;
         for (int row = 0; row < kParameterCount; ++row) {
-            const FrameCell cell = table.cell(k, row);
+            const FrameCell cell = column ? frameCell(*(*column)[row]) : table.cell(k, row);
             if (cell.anchor && (snapshot || cell.selected)) {
                 const char* name = c.m_Parameters[row].strName;
                 anchorEntries += name ? name : "";
@@ -210,10 +231,14 @@ void writeParameterText(MyDocument& document, bool allRows, ParameterTextUse use
                 entries.entryWritten();
                 ++anchors;
             }
-            if (allRows || cell.selected)
-                MyDocument::EnterNumber(text, cell.value, false);
+            if (allRows || cell.selected) {
+                out = std::to_chars(out, out + 11, cell.value).ptr;
+                *out++ = '\t';
+            }
         }
-        MyDocument::EnterNumber(text, 0, true);
+        *out++ = '\r';
+        *out++ = '\n';
+        text.append(line, out);
     }
 
     std::string head;

@@ -6,6 +6,8 @@
 #include <QApplication>
 #include <QColor>
 
+#include <new>
+
 namespace
 {
 QColor toQColor(const Color& c)
@@ -28,11 +30,29 @@ ParameterTableModel::ParameterTableModel(MyDocument* doc, QObject* parent)
 void ParameterTableModel::lookUpColumns()
 {
     m_nInterval = m_pDoc->updateInterval();
-    DataTableDictionary& data = m_pDoc->_dataTableDictionary;
-    m_columns.assign(data.count(), nullptr);
-    for (std::size_t k = 0; k < m_columns.size(); ++k)
-        m_columns[k] = data.objectForKey(static_cast<long long>(k) * m_nInterval);
-    m_nRows = m_columns.empty() || !m_columns[0] ? 0 : static_cast<int>(m_columns[0]->size());
+    const std::size_t count = m_pDoc->_dataTableDictionary.count();
+    m_columns.assign(count, nullptr);
+    m_lookedUp.assign(count, false);
+    const CellArray* names = column(0);
+    m_nRows = names ? static_cast<int>(names->size()) : 0;
+}
+
+const CellArray* ParameterTableModel::column(int tableColumn) const
+{
+    if (tableColumn < 0 || static_cast<std::size_t>(tableColumn) >= m_columns.size())
+        return nullptr;
+    if (!m_lookedUp[tableColumn]) {
+        try {
+            m_columns[tableColumn] =
+                m_pDoc->_dataTableDictionary.objectForKey(static_cast<long long>(tableColumn) * m_nInterval);
+        } catch (const std::bad_alloc&) {
+            // The column could not be made (out of memory): it shows empty now and is asked
+            // for again at the next paint. Painting must not throw.
+            return nullptr;
+        }
+        m_lookedUp[tableColumn] = true;
+    }
+    return m_columns[tableColumn];
 }
 
 void ParameterTableModel::reload()
@@ -47,6 +67,7 @@ void ParameterTableModel::reload()
         // More frames than a document may hold: nothing is shown rather than a runaway table.
         beginResetModel();
         m_columns.clear();
+        m_lookedUp.clear();
         m_nRows = 0;
         endResetModel();
         throw DocumentException::tooManyFrames(static_cast<long long>(newColumns) - 1,
@@ -60,6 +81,7 @@ void ParameterTableModel::reload()
         } catch (...) {
             // Out of memory half-way: an empty table is consistent, stale column pointers not.
             m_columns.clear();
+            m_lookedUp.clear();
             m_nRows = 0;
             endResetModel();
             throw;
@@ -78,11 +100,9 @@ void ParameterTableModel::cellChanged(int row, int column)
     emit dataChanged(changed, changed);
 }
 
-CellRef ParameterTableModel::cellAt(int row, int column) const
+CellRef ParameterTableModel::cellAt(int row, int tableColumn) const
 {
-    if (column < 0 || column >= static_cast<int>(m_columns.size()) || row < 0)
-        return nullptr;
-    const CellArray* cells = m_columns[column];
+    const CellArray* cells = row < 0 ? nullptr : column(tableColumn);
     if (!cells || row >= static_cast<int>(cells->size()))
         return nullptr;
     return (*cells)[row];

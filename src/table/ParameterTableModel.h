@@ -2,7 +2,8 @@
 // The item model of the parameter table over a document's _dataTableDictionary: one row per
 // parameter, column 0 the parameter names ("param"), column k the frame stored under the key
 // k x update interval (titled so). It shows the stored cells as they are: it never copies a
-// cell, and it looks a column's cells up once per reload, not per paint.
+// cell, and it looks a column's cells up once per reload, not per paint, and only when the
+// column is first asked for: a long document's columns are made as the view reaches them.
 //
 // Typed text is not stored by the model: it is handed to the table (valueTyped), whose
 // command records undo and redo and then reloads. Main thread only.
@@ -47,10 +48,14 @@ signals:
     void valueTyped(int row, int column, const QString& text);
 
 private:
+    // Forgets the columns looked up; the count and the rows are taken again.
     void lookUpColumns();
+    const CellArray* column(int tableColumn) const;
 
     MyDocument* m_pDoc;
-    std::vector<CellArray*> m_columns; // index = table column; nullptr where a key is missing
+    // Index = table column; nullptr where a key is missing or was not looked up yet.
+    mutable std::vector<const CellArray*> m_columns;
+    mutable std::vector<bool> m_lookedUp;
     int m_nRows = 0;
     int m_nInterval = 10;
     QFont m_cellFont;

@@ -177,3 +177,75 @@ TEST(CellStorage, ADeclaredLengthFarBeyondTheValueLinesCostsItsFramesAtSixteenBy
                       16);
     }
 }
+
+TEST(CellStorage, ColumnsAreMadeWhenFirstLookedUpAndAnswerAsIfMadeAtOnce)
+{
+    constexpr int frames = 200;
+    MyDocument doc;
+    Channels& c = *doc.getChannel(0);
+    c.m_dLengthMS = frames * 10.0;
+    c.m_nColumnNum = frames;
+    doc.SetUpDataGridMemory();
+    for (int k = 0; k < frames; ++k)
+        for (int row = 0; row < kParameterCount; ++row)
+            c.m_snppDataImage_Col_Row[k][row] = static_cast<std::int16_t>(k * 50 + row);
+    c.m_pAnchorPosition = {Row::f1, 0, Row::gain, 199, Row::f0, 77};
+    doc.m_bReadFile = 1;
+    doc.buildDataTableDictionary();
+    DataTableDictionary& data = doc._dataTableDictionary;
+    EXPECT_EQ(data.count(), frames + 1u);
+    EXPECT_EQ(data.pendingCount(), frames + 1u);
+
+    // Changing the grid afterwards does not reach the columns still to be made.
+    c.m_snppDataImage_Col_Row[150][Row::f2] = -1;
+    // Looked up from the end backwards, by number and by text: the grid's values and anchors.
+    for (int k = frames; k >= 1; --k) {
+        const CellArray* byNumber = data.objectForKey(k * 10LL);
+        ASSERT_TRUE(byNumber) << k;
+        ASSERT_EQ(byNumber, data.objectForKey(std::to_string(k * 10))) << k;
+        for (int row = 0; row < kParameterCount; ++row) {
+            const ImageAndTextCell& cell = *(*byNumber)[row];
+            const bool anchor =
+                (row == Row::f1 && k == 1) || (row == Row::gain && k == 200) || (row == Row::f0 && k == 78);
+            ASSERT_EQ(cell._nValue(), (k - 1) * 50 + row) << k << "/" << row;
+            ASSERT_EQ(cell.intValue(), cell._nValue());
+            ASSERT_EQ(cell._bAnchor(), anchor) << k << "/" << row;
+            ASSERT_EQ(cell._bSelected(), c.m_Parameters[row].bSelected != 0);
+            ASSERT_STREQ(cell._strName(), c.m_Parameters[row].strName);
+        }
+    }
+    EXPECT_EQ(data.pendingCount(), 1u); // the name column
+    // A looked-up cell is the stored one: a change through it is seen by the next lookup.
+    data.cellAt(30, Row::f3)->set_nValue(4321);
+    EXPECT_EQ(data.cellAt(30, Row::f3)->_nValue(), 4321);
+
+    // Keys that are not the exact decimal of a column name none.
+    for (const char* key : {"010", "+10", "15", "2010", "-10", ""})
+        EXPECT_EQ(data.objectForKey(std::string(key)), nullptr) << key;
+    EXPECT_EQ(data.objectForKey(2010LL), nullptr);
+}
+
+TEST(CellStorage, ColumnsReplacedRemovedOrCopiedBeforeTheyAreMadeStayThatWay)
+{
+    auto doc = documentOf(10);
+    DataTableDictionary& data = doc->_dataTableDictionary;
+    CellArray own = ImageAndTextCell::newColumn(kParameterCount);
+    own[Row::f1]->set_nValue(999);
+    data.setObject(30LL, own);
+    data.removeObjectForKey("50");
+    EXPECT_EQ(data.count(), 10u);
+    EXPECT_EQ(data.cellAt(30, Row::f1), own[Row::f1]);
+    EXPECT_EQ(data.objectForKey(50LL), nullptr);
+
+    // A copy keeps its own index of the columns: it answers after the original is gone.
+    auto copy = std::make_unique<DataTableDictionary>(data);
+    doc.reset();
+    EXPECT_EQ(copy->cellAt(30, Row::f1)->_nValue(), 999);
+    EXPECT_EQ(copy->objectForKey(50LL), nullptr);
+    ASSERT_NE(copy->cellAt(100, Row::f0), nullptr);
+    EXPECT_EQ(copy->map().size(), 10u);
+    EXPECT_EQ(copy->pendingCount(), 0u);
+    copy->removeAllObjects();
+    EXPECT_TRUE(copy->empty());
+    EXPECT_EQ(copy->objectForKey(100LL), nullptr);
+}

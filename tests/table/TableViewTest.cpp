@@ -243,3 +243,40 @@ TEST(PlayCursor, StartsWithARealPlaybackAndEndsWithIt)
     EXPECT_FALSE(cursor->isFollowing());
     EXPECT_FALSE(mainTable::sharedPlayer()->isPlaying());
 }
+
+TEST(TableView, AnHourLongDocumentMakesOnlyTheColumnsInViewAndShowsAndTakesItsLastFrame)
+{
+    MyDocument doc;
+    Channels& c = *doc.getChannel(0);
+    c.m_dLengthMS = MyDocument::kMaxLengthMS;
+    c.m_nColumnNum = MyDocument::kMaxFrames;
+    doc.SetUpDataGridMemory();
+    c.m_snppDataImage_Col_Row[MyDocument::kMaxFrames - 1][Row::f1] = 777;
+    c.m_pAnchorPosition = {Row::f1, MyDocument::kMaxFrames - 1};
+    doc.m_bReadFile = 1;
+    doc.buildDataTableDictionary();
+    mainTable table(&doc);
+    table.resize(640, 300);
+    table.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&table));
+    QAbstractItemModel* model = table.model();
+    ASSERT_EQ(model->columnCount(), MyDocument::kMaxFrames + 1);
+    EXPECT_TRUE(table.frozenColumn()->isColumnHidden(MyDocument::kMaxFrames));
+
+    const QModelIndex last = model->index(Row::f1, MyDocument::kMaxFrames);
+    table.scrollTo(last);
+    table.viewport()->repaint();
+    EXPECT_GT(table.columnViewportPosition(MyDocument::kMaxFrames), table.columnWidth(0) - 1);
+    EXPECT_EQ(model->data(last, Qt::DisplayRole).toString(), "777");
+    EXPECT_EQ(model->data(last, Qt::BackgroundRole).value<QColor>(), QColor(Qt::red));
+    EXPECT_EQ(model->headerData(MyDocument::kMaxFrames, Qt::Horizontal, Qt::DisplayRole).toString(),
+              "3600000");
+    EXPECT_TRUE(model->flags(last) & Qt::ItemIsEditable);
+    // Only what was shown was made: the first screen and the last one.
+    EXPECT_GT(doc._dataTableDictionary.pendingCount(),
+              static_cast<std::size_t>(MyDocument::kMaxFrames - 200));
+
+    // The cell the view shows is the table data's own.
+    doc._dataTableDictionary.cellAt(MyDocument::kMaxLengthMS, Row::f1)->setInttoStringValue(778);
+    EXPECT_EQ(model->data(last, Qt::DisplayRole).toString(), "778");
+}
