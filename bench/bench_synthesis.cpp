@@ -64,12 +64,9 @@ void makeDocument(MyDocument& doc, bool highFormants)
     }
 }
 
-// The whole driver: table data to float audio in channel 0, previous audio kept in channel 1.
-void BM_Synthesize(benchmark::State& state)
+// Times the synthesis driver on a document, its diagnostic lines silenced.
+void timeSynthesis(benchmark::State& state, MyDocument& doc)
 {
-    const bool high = state.range(0) == 22050;
-    MyDocument doc;
-    makeDocument(doc, high);
     Log::setSink([](const std::string&) {});
     for (auto _ : state) {
         doc.Synthesize();
@@ -78,6 +75,15 @@ void BM_Synthesize(benchmark::State& state)
     Log::setSink({});
     state.counters["realtime_factor"] =
         benchmark::Counter(double(kSeconds) * state.iterations(), benchmark::Counter::kIsRate);
+}
+
+// The whole driver: table data to float audio in channel 0, previous audio kept in channel 1.
+void BM_Synthesize(benchmark::State& state)
+{
+    const bool high = state.range(0) == 22050;
+    MyDocument doc;
+    makeDocument(doc, high);
+    timeSynthesis(state, doc);
 }
 
 // A document read but never shown, as the command-line tool synthesizes it: no table data is
@@ -90,14 +96,7 @@ void BM_SynthesizeFromGrid(benchmark::State& state)
     MyDocument doc;
     if (doc.Read_STK_FileType(shown.parameterDocumentText(true)) != 0)
         state.SkipWithError("read failed");
-    Log::setSink([](const std::string&) {});
-    for (auto _ : state) {
-        doc.Synthesize();
-        benchmark::DoNotOptimize(doc.getChannel(0)->samples());
-    }
-    Log::setSink({});
-    state.counters["realtime_factor"] =
-        benchmark::Counter(double(kSeconds) * state.iterations(), benchmark::Counter::kIsRate);
+    timeSynthesis(state, doc);
 }
 
 // The engine alone over the same frames.
