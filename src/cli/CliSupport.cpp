@@ -19,6 +19,7 @@
 #include <map>
 #include <new>
 #include <sstream>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -150,23 +151,46 @@ bool encodePng(const RgbImage& image, std::string& out)
     return true;
 }
 
-bool sameFile(const std::string& a, const std::string& b)
+std::string fileIdentity(const std::string& path)
 {
     namespace fs = std::filesystem;
+    struct stat status {
+    };
+    if (::stat(path.c_str(), &status) == 0)
+        return "inode " + std::to_string(status.st_dev) + ":" + std::to_string(status.st_ino);
     std::error_code error;
-    if (fs::exists(a, error) && fs::exists(b, error))
-        return fs::equivalent(a, b, error);
-    return fs::weakly_canonical(a, error) == fs::weakly_canonical(b, error);
+    return "path " + fs::weakly_canonical(path, error).string();
+}
+
+bool sameFile(const std::string& a, const std::string& b)
+{
+    return fileIdentity(a) == fileIdentity(b);
+}
+
+FileSet::FileSet(const std::vector<std::string>& paths)
+{
+    for (const std::string& path : paths)
+        m_identities.insert(fileIdentity(path));
+}
+
+bool FileSet::contains(const std::string& path) const
+{
+    return m_identities.count(fileIdentity(path)) != 0;
 }
 
 std::string chooseOutput(const std::string& explicitPath, const std::string& defaultPath, bool force,
                          const std::vector<std::string>& inputs)
 {
+    return chooseOutput(explicitPath, defaultPath, force, FileSet(inputs));
+}
+
+std::string chooseOutput(const std::string& explicitPath, const std::string& defaultPath, bool force,
+                         const FileSet& inputs)
+{
     const std::string& path = explicitPath.empty() ? defaultPath : explicitPath;
-    for (const std::string& input : inputs)
-        if (sameFile(path, input))
-            throw CliInputError{path, "is an input of this command and is never written over; choose "
-                                      "another output with -o"};
+    if (inputs.contains(path))
+        throw CliInputError{path, "is an input of this command and is never written over; choose "
+                                  "another output with -o"};
     std::error_code error;
     if (explicitPath.empty() && !force && std::filesystem::exists(path, error))
         throw CliInputError{path,

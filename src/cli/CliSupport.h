@@ -18,6 +18,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 class Channels;
@@ -68,13 +69,31 @@ const Channels& modelChannel(const MyDocument& document, const std::string& path
 // Appends the PNG image of an RGB image to `out`; false when libpng fails.
 bool encodePng(const RgbImage& image, std::string& out);
 
+// What names a file: its device and inode when it exists (so a file reached two ways is one),
+// otherwise its path made absolute and normal.
+std::string fileIdentity(const std::string& path);
 // True when both paths name the same file (an existing file reached two ways counts).
 bool sameFile(const std::string& a, const std::string& b);
+
+// A set of files named once, asked about many times: a batch of many documents checks each
+// output against every input without resolving the inputs again.
+class FileSet
+{
+public:
+    explicit FileSet(const std::vector<std::string>& paths);
+    bool contains(const std::string& path) const;
+
+private:
+    std::unordered_set<std::string> m_identities;
+};
+
 // The output a command writes to: `explicitPath` (-o) when given, which may replace an existing
 // file; otherwise `defaultPath`, which must not exist unless `force`. Neither may be one of the
 // command's inputs. Throws CliInputError naming the refused output.
 std::string chooseOutput(const std::string& explicitPath, const std::string& defaultPath, bool force,
                          const std::vector<std::string>& inputs);
+std::string chooseOutput(const std::string& explicitPath, const std::string& defaultPath, bool force,
+                         const FileSet& inputs);
 // `path` with its extension replaced (".wav", ".stk").
 std::string withExtension(const std::string& path, const char* extension);
 

@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <iostream>
+#include <unordered_map>
 #include <vector>
 
 namespace
@@ -75,14 +76,20 @@ void commandSynth(const SynthOptions& o)
     if (!o.outDir.empty() && !std::filesystem::is_directory(o.outDir))
         throw CliInputError{o.outDir, "no such folder"};
     const std::vector<std::string> outputs = batchOutputs(o);
+    // Every file is named once here, before the documents are shared out: checking each output
+    // against every input and every earlier output stays linear in the number of documents.
+    const FileSet inputs(o.inputs);
+    std::vector<std::size_t> firstWithOutput(outputs.size());
+    std::unordered_map<std::string, std::size_t> outputOwner;
+    for (std::size_t i = 0; i < outputs.size(); ++i)
+        firstWithOutput[i] = outputOwner.emplace(fileIdentity(outputs[i]), i).first->second;
     const std::size_t failed = runTasks(
         o.inputs.size(), o.jobs, "synth", [&](std::size_t i) { return o.inputs[i]; },
         [&](std::size_t i) {
-            for (std::size_t k = 0; k < i; ++k)
-                if (sameFile(outputs[k], outputs[i]))
-                    throw CliInputError{outputs[i],
-                                        "is also the output of " + o.inputs[k] + "; not written twice"};
-            synthesizeDocument(o.inputs[i], chooseOutput("", outputs[i], o.force, o.inputs));
+            if (const std::size_t k = firstWithOutput[i]; k != i)
+                throw CliInputError{outputs[i],
+                                    "is also the output of " + o.inputs[k] + "; not written twice"};
+            synthesizeDocument(o.inputs[i], chooseOutput("", outputs[i], o.force, inputs));
         });
     if (failed > 0)
         throw CliFailuresReported{};

@@ -126,4 +126,22 @@ TEST(CliBatchSynth, IdenticalBytesAndFailuresAmongSuccesses)
     EXPECT_EQ(lines(rerun.err).size(), 5u) << rerun.err;
     EXPECT_EQ(runCli("synth --force --out-dir " + dir / "out" + inputs).exitCode, 0);
     EXPECT_EQ(runCli("synth -o " + dir / "x.wav" + inputs).exitCode, 1) << "one -o for several documents";
+
+    // Two documents of one name in different folders would share an output: the first is written,
+    // the second refused; a recording among the inputs is never written over by its own synthesis.
+    std::filesystem::create_directories(dir.path / "sub");
+    std::filesystem::copy_file(dir / "s4.stk", dir / "sub/s1.stk");
+    std::filesystem::copy_file(dir / "s3.wav", dir / "out/rec.wav");
+    CliResult clash = runCli("synth --force --out-dir " + dir / "out " + dir / "s1.stk " +
+                             dir / "sub/s1.stk " + dir / "out/rec.wav");
+    EXPECT_EQ(clash.exitCode, 2);
+    const std::vector<std::string> refused = lines(clash.err);
+    ASSERT_EQ(refused.size(), 2u) << clash.err;
+    EXPECT_EQ(
+        std::count_if(refused.begin(), refused.end(),
+                      [](const std::string& l) { return l.find("also the output of") != std::string::npos; }),
+        1)
+        << clash.err;
+    EXPECT_TRUE(slurp(dir / "out/s1.wav") == slurp(dir / "s1.wav"));
+    EXPECT_TRUE(slurp(dir / "out/rec.wav") == slurp(dir / "s3.wav"));
 }
