@@ -14,8 +14,9 @@ class MyDocument;
 enum class ParameterTextUse { File, Snapshot };
 
 // Writes the document text from the table data (when it has not been built, from the values it
-// would be built with: the grid and its anchors, or the parameter records) into `text`, replacing what it held but reusing its storage. With allRows false only the
-// selected rows' names and values are written.
+// would be built with: the grid and its anchors, or the parameter records) into `text`,
+// replacing what it held but reusing its storage. With allRows false only the selected rows'
+// names and values are written.
 void writeParameterText(MyDocument& document, bool allRows, ParameterTextUse use, std::string& text);
 
 // Reads the text into channel 0 (settings, selection flags, anchors, grid) and the display
