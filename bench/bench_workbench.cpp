@@ -104,13 +104,19 @@ void BM_OpenOneHourDocument(benchmark::State& state)
 }
 BENCHMARK(BM_OpenOneHourDocument)->Unit(benchmark::kMillisecond)->Iterations(3);
 
+// Shows a table at a common window size and lets it paint once.
+void showTable(mainTable& table)
+{
+    table.resize(1100, 700);
+    table.show();
+    QCoreApplication::processEvents();
+}
+
 void BM_TypedEditOn6000Frames(benchmark::State& state)
 {
     auto doc = documentOf(60000.0);
     mainTable table(doc.get());
-    table.resize(1100, 700);
-    table.show();
-    QCoreApplication::processEvents();
+    showTable(table);
     QAbstractItemModel* model = table.model();
     const int column = 5;
     int value = 600;
@@ -129,9 +135,7 @@ void BM_FullRepaintOf6000Frames(benchmark::State& state)
 {
     auto doc = documentOf(60000.0);
     mainTable table(doc.get());
-    table.resize(1100, 700);
-    table.show();
-    QCoreApplication::processEvents();
+    showTable(table);
     for (auto _ : state)
         table.viewport()->repaint();
 }
