@@ -59,8 +59,8 @@ struct CopySynthesisResult {
     int sampleRate = 11025;
     double lengthMS = 0.0; // the recording's length; columns = trunc(lengthMS / intervalMS)
     // Grid columns 0 .. columns-1, each the 48 values in parameter row order. Column c is
-    // synthesized over the recording's time (c - 1) x interval onwards (column 0 is never
-    // synthesized and repeats column 1).
+    // synthesized over the recording's time c x interval onwards (the last column is never
+    // synthesized and repeats the one before).
     std::vector<std::array<std::int32_t, kParameterCount>> frames;
     CopySynthesisReport report;
 };
