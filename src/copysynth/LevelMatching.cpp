@@ -15,6 +15,7 @@ constexpr int kMinGain = 4;            // `gain` of 3 or less means 57 to the sy
 constexpr double kPeakLimit =
     0.89; // the loudest sample, of full scale: 1 dB below, as the noise of another run differs
 constexpr int kFricationBands = 4; // a2f .. a5f
+constexpr double kPauseDb = 55.0;  // unvoiced frames this far below the loudest are pauses
 // Share of a frame's level error corrected per pass: neighbouring frames share their windows
 // and a voicing change waits for the next period, so full corrections would overshoot.
 constexpr double kDamping = 0.7;
@@ -22,6 +23,13 @@ constexpr double kDamping = 0.7;
 int clampDb(double v, int low = 0, int high = 87)
 {
     return static_cast<int>(std::clamp(std::lround(v), static_cast<long>(low), static_cast<long>(high)));
+}
+
+// The lowest value of an amplitude row that the synthesizer makes heard: av loses 7 dB before
+// the dB table is read, and the table gives nothing below 13 dB.
+int audible(int row)
+{
+    return row == Row::av ? 20 : 13;
 }
 
 double median(std::vector<double> v)
@@ -77,12 +85,12 @@ LevelMatching::LevelMatching(const LevelTarget& target, int outputRate, int inte
     m_dMelTop = std::min({target.rate / 2.0, outputRate / 2.0, 5000.0});
     m_recordingCepstra =
         MelCepstrum(target.rate, m_dMelTop).frames(target.samples, target.count, target.centres);
-    const double loudest = m_recordingLevels.empty()
-                               ? 0.0
-                               : *std::max_element(m_recordingLevels.begin(), m_recordingLevels.end());
+    m_dLoudest = m_recordingLevels.empty()
+                     ? 0.0
+                     : *std::max_element(m_recordingLevels.begin(), m_recordingLevels.end());
     m_loudVoiced.resize(target.centres.size());
     for (std::size_t f = 0; f < m_loudVoiced.size(); ++f)
-        m_loudVoiced[f] = target.voiced[f] && m_recordingLevels[f] > loudest - 30.0;
+        m_loudVoiced[f] = target.voiced[f] && m_recordingLevels[f] > m_dLoudest - 30.0;
 }
 
 double LevelMatching::spectralDistance(const std::vector<FrameValues>& frames) const
@@ -188,16 +196,18 @@ void LevelMatching::matchFrication(std::vector<FrameValues>& frames, int passes)
     static const int rows[kFricationBands] = {Row::a2f, Row::a3f, Row::a4f, Row::a5f};
     for (std::size_t f = 0; f < m_target.centres.size(); ++f)
         if (!m_target.voiced[f]) {
-            frames[f][Row::af] = 60;
+            // Stretches far below the loudest are pauses: no noise there.
+            const bool pause = m_recordingLevels[f] < m_dLoudest - kPauseDb;
+            frames[f][Row::af] = pause ? 0 : 60;
             for (int row : rows)
-                frames[f][row] = 60;
+                frames[f][row] = pause ? 0 : 60;
         }
     const auto recording = bandLevels(m_target.samples, m_target.count, m_target.rate, frames);
     for (int pass = 0; pass < passes; ++pass) {
         const Rendering r = renderFrames(only(frames, false, true), m_nRate, m_nInterval);
         const auto synth = bandLevels(r.samples.data(), r.samples.size(), m_nRate, frames);
         for (std::size_t f = 0; f < m_target.centres.size(); ++f) {
-            if (m_target.voiced[f])
+            if (m_target.voiced[f] || frames[f][Row::af] == 0)
                 continue;
             for (int b = 0; b < kFricationBands; ++b) {
                 int& value = frames[f][rows[b]];
@@ -236,17 +246,27 @@ double LevelMatching::limitPeak(std::vector<FrameValues>& frames) const
         if (peak <= kPeakLimit)
             break;
         if (attempt < 6) {
-            for (std::size_t f = 0; f < r.framePeaks.size(); ++f) {
-                const double framePeak = r.framePeaks[f];
+            // A frame's voicing takes effect at the next period start, which may fall in the
+            // following frame: each frame comes down by the larger overshoot of itself and the
+            // frame after it.
+            const std::size_t n = r.framePeaks.size();
+            for (std::size_t f = 0; f < n; ++f) {
+                const double framePeak = std::max(r.framePeaks[f], f + 1 < n ? r.framePeaks[f + 1] : 0.0);
                 if (framePeak <= kPeakLimit * 0.98)
                     continue;
                 const int lower =
                     std::max(1, static_cast<int>(std::ceil(20.0 * std::log10(framePeak / kPeakLimit))));
-                // Voicing changes at the start of a period, which may lie in the frame before.
-                for (std::size_t g = f > 0 ? f - 1 : 0; g <= f; ++g)
+                // A frame without sources of its own rings on from the frames before it.
+                for (std::size_t g = f, back = 0; back < 3; --g, ++back) {
+                    bool lowered = false;
                     for (int row : {Row::av, Row::af, Row::ah})
-                        if (frames[g][row] > 0)
+                        if (frames[g][row] >= audible(row)) {
                             frames[g][row] = std::max(0, frames[g][row] - lower);
+                            lowered = true;
+                        }
+                    if (lowered || g == 0)
+                        break;
+                }
             }
             continue;
         }

@@ -53,6 +53,7 @@ private:
     int m_nInterval;
     double m_dWindow;
     std::vector<double> m_recordingLevels;
+    double m_dLoudest = 0.0; // the recording's loudest frame, dB
     double m_dMelTop;
     std::vector<MelFrame> m_recordingCepstra;
     std::vector<bool> m_loudVoiced; // voiced frames within 30 dB of the loudest

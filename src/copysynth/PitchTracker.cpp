@@ -11,6 +11,10 @@ namespace
 {
 
 constexpr int kMaxCandidates = 6; // voiced candidates kept per frame
+constexpr double kHalfLagShare = 0.8;
+constexpr double kSubharmonicPenalty = 0.15;
+constexpr double kEdgeCorrelation = 0.6; // a voiced stretch's edge frames repeat at least this well
+constexpr std::size_t kEdgeFrames = 3;   // frames checked at each edge
 
 // The candidates are searched at about 5.5 kHz, which is ample for the lags of speech; the lag
 // chosen is then refined on the signal at its own rate.
@@ -97,6 +101,13 @@ std::vector<PitchTracker::Candidate> PitchTracker::peaks(const std::vector<doubl
         if (f0 >= m_settings.lowHz && f0 <= m_settings.highHz)
             voiced.push_back({f0, peak + m_settings.octaveCost * std::log2(f0 / m_settings.lowHz), peak});
     }
+    // A period made of two nearly equal halves (alternating periods, a strong second harmonic)
+    // correlates best at the double lag: when the half lag correlates almost as well, the
+    // longer period is taken for a subharmonic.
+    for (Candidate& c : voiced)
+        for (const Candidate& d : voiced)
+            if (std::fabs(d.f0 / (2.0 * c.f0) - 1.0) < 0.05 && d.r >= kHalfLagShare * c.r)
+                c.strength -= kSubharmonicPenalty;
     std::sort(voiced.begin(), voiced.end(),
               [](const Candidate& p, const Candidate& q) { return p.strength > q.strength; });
     if (voiced.size() > static_cast<std::size_t>(kMaxCandidates))
@@ -191,6 +202,38 @@ std::vector<PitchFrame> PitchTracker::bestPath(const std::vector<std::vector<Can
     return path;
 }
 
+// The long window that finds the pitch also hears voicing a few frames before it starts and
+// after it ends. The first and last frames of each voiced stretch are checked again with a
+// window of one period and a half around their centre: those that do not repeat themselves
+// are unvoiced.
+void trimVoicingEdges(const float* x, std::size_t count, double rate, const std::vector<double>& centres,
+                      std::vector<PitchFrame>& path)
+{
+    auto periodic = [&](std::size_t f) {
+        const double period = rate / path[f].f0;
+        const int length = static_cast<int>(std::lround(1.5 * period));
+        const long start = static_cast<long>(std::lround(centres[f] * rate - (length + period) / 2.0));
+        double best = -1.0;
+        for (int d = -2; d <= 2; ++d)
+            best = std::max(
+                best, correlationAt(x, count, start, length, static_cast<int>(std::lround(period)) + d));
+        return best >= kEdgeCorrelation;
+    };
+    const std::size_t n = path.size();
+    for (std::size_t f = 0; f < n; ++f) {
+        if (path[f].f0 <= 0.0 || (f > 0 && path[f - 1].f0 > 0.0))
+            continue;
+        std::size_t end = f;
+        while (end < n && path[end].f0 > 0.0)
+            ++end;
+        for (std::size_t g = f; g < std::min(end, f + kEdgeFrames) && !periodic(g); ++g)
+            path[g] = {};
+        for (std::size_t g = end; g-- > f && g + kEdgeFrames >= end && path[g].f0 > 0.0 && !periodic(g);)
+            path[g] = {};
+        f = end;
+    }
+}
+
 // A voicing decision that lasts a single frame between two of the other kind is taken for a
 // slip of the path: a lone unvoiced frame inside voicing is voiced at its neighbours' mean
 // pitch, a lone voiced frame between unvoiced ones is unvoiced.
@@ -211,6 +254,7 @@ std::vector<PitchFrame> PitchTracker::track(const float* samples, std::size_t co
 {
     std::vector<PitchFrame> path = bestPath(candidates(samples, count, rate, centres));
     mergeLoneFrames(path);
+    trimVoicingEdges(samples, count, rate, centres, path);
     for (std::size_t f = 0; f < path.size(); ++f)
         if (path[f].f0 > 0.0)
             path[f].f0 = std::clamp(refinedF0(samples, count, rate, centres[f] * rate, path[f].f0),
