@@ -86,6 +86,14 @@ if [ -z "${QUICK:-}" ]; then # QUICK=1 leaves out the one-hour cases
     run_case "synth 8 KB document declaring one hour" "$CLI" synth "$WORK/truncated-1h.stk" -o "$WORK/out.wav"
 fi
 run_case "formants 10 s, 1000 x 400" "$CLI" formants "$WORK/10s.wav" --columns 1000 --rows 400
+# A recording to document: the trace path and the copy synthesis. SPEECH=file.wav adds a
+# recording of speech (e.g. the 10 s one of the shared recordings).
+run_case "trace 10 s recording" "$CLI" trace "$WORK/10s.wav" -o "$WORK/out.stk"
+run_case "copysynth 10 s recording" "$CLI" copysynth "$WORK/10s.wav" -o "$WORK/out.stk"
+if [ -n "${SPEECH:-}" ]; then
+    run_case "trace $(basename "$SPEECH")" "$CLI" trace "$SPEECH" -o "$WORK/out.stk"
+    run_case "copysynth $(basename "$SPEECH")" "$CLI" copysynth "$SPEECH" -o "$WORK/out.stk"
+fi
 
 # Inputs per second of the document fuzz targets, when they are built (make fuzz): libFuzzer
 # with the address and undefined-behaviour sanitizers, FUZZ_SECONDS each on the kept corpus.
