@@ -189,6 +189,19 @@ std::vector<PhonemeToken> PhonemeString::parseIpa(std::string_view text, const P
         wordStart = false;
         i += length;
     }
+    // Written without any stress mark, each word's first syllable carries the stress.
+    if (text.find("ˈ") == std::string_view::npos && text.find("ˌ") == std::string_view::npos &&
+        text.find('\'') == std::string_view::npos) {
+        bool stressed = false;
+        for (PhonemeToken& t : tokens) {
+            if (!t.phoneme || t.wordStart)
+                stressed = false;
+            if (t.phoneme && t.phoneme->syllabic() && !stressed) {
+                t.stress = 1;
+                stressed = true;
+            }
+        }
+    }
     return tokens;
 }
 

@@ -5,7 +5,8 @@
 // 1 primary, 2 secondary), "|" between words, punctuation (, ; : . ! ?) on its own or at the end
 // of a symbol, and an optional held duration ":MS" after a symbol ("AA1:300").
 // IPA: between slashes ("/bæd/"), spaces between words, the stress marks ˈ and ˌ before a
-// syllable, the spellings of the inventory read longest first; the length mark ː joins a
+// syllable (a string without any stresses each word's first syllable), the spellings of the
+// inventory read longest first; the length mark ː joins a
 // spelling that has it and is ignored otherwise, as are syllable dots, tie bars and combining
 // marks. Positions in messages count characters from 1.
 #include "phonemes/PhonemeInventory.h"
