@@ -84,6 +84,20 @@ void readArpabetSymbol(std::string_view text, std::size_t at, std::string_view w
         addMark(tokens, marks[i], characterPosition(text, at + word.size() + i));
 }
 
+// Written without any stress mark, each word's first syllable carries the stress.
+void stressFirstSyllables(std::vector<PhonemeToken>& tokens)
+{
+    bool stressed = false;
+    for (PhonemeToken& t : tokens) {
+        if (!t.phoneme || t.wordStart)
+            stressed = false;
+        if (t.phoneme && t.phoneme->syllabic() && !stressed) {
+            t.stress = 1;
+            stressed = true;
+        }
+    }
+}
+
 } // namespace
 
 bool PhonemeString::isMark(char c)
@@ -189,19 +203,9 @@ std::vector<PhonemeToken> PhonemeString::parseIpa(std::string_view text, const P
         wordStart = false;
         i += length;
     }
-    // Written without any stress mark, each word's first syllable carries the stress.
     if (text.find("ˈ") == std::string_view::npos && text.find("ˌ") == std::string_view::npos &&
-        text.find('\'') == std::string_view::npos) {
-        bool stressed = false;
-        for (PhonemeToken& t : tokens) {
-            if (!t.phoneme || t.wordStart)
-                stressed = false;
-            if (t.phoneme && t.phoneme->syllabic() && !stressed) {
-                t.stress = 1;
-                stressed = true;
-            }
-        }
-    }
+        text.find('\'') == std::string_view::npos)
+        stressFirstSyllables(tokens);
     return tokens;
 }
 
