@@ -219,6 +219,7 @@ CopySynthesisResult copySynthesize(const float* samples, std::size_t count, doub
     levels.matchVoicing(r.frames, 4);
     if (!e.report(0.75))
         return cancelledResult();
+    levels.matchVoicedBalance(r.frames);
     levels.matchFrication(r.frames, 2);
     levels.matchTotal(r.frames, 2);
     if (!e.report(0.9))

@@ -154,7 +154,8 @@ void LevelMatching::matchVoicing(std::vector<FrameValues>& frames, int passes) c
 }
 
 std::vector<std::vector<double>> LevelMatching::bandLevels(const float* x, std::size_t count, double rate,
-                                                           const std::vector<FrameValues>& frames) const
+                                                           const std::vector<FrameValues>& frames,
+                                                           bool voiced) const
 {
     // A frame's own stretch only: a longer window would hear the loud voiced neighbours of a
     // short unvoiced stretch and ask the frication for their level.
@@ -170,7 +171,7 @@ std::vector<std::vector<double>> LevelMatching::bandLevels(const float* x, std::
     const double top = std::min({rate, m_target.rate, static_cast<double>(m_nRate)}) / 2.0;
     std::vector<std::vector<double>> out(m_target.centres.size());
     for (std::size_t f = 0; f < m_target.centres.size(); ++f) {
-        if (m_target.voiced[f])
+        if (m_target.voiced[f] != voiced)
             continue;
         const FrameValues& v = frames[f];
         const double edges[kFricationBands + 1] = {
@@ -202,10 +203,10 @@ void LevelMatching::matchFrication(std::vector<FrameValues>& frames, int passes)
             for (int row : rows)
                 frames[f][row] = pause ? 0 : 60;
         }
-    const auto recording = bandLevels(m_target.samples, m_target.count, m_target.rate, frames);
+    const auto recording = bandLevels(m_target.samples, m_target.count, m_target.rate, frames, false);
     for (int pass = 0; pass < passes; ++pass) {
         const Rendering r = renderFrames(only(frames, false, true), m_nRate, m_nInterval);
-        const auto synth = bandLevels(r.samples.data(), r.samples.size(), m_nRate, frames);
+        const auto synth = bandLevels(r.samples.data(), r.samples.size(), m_nRate, frames, false);
         for (std::size_t f = 0; f < m_target.centres.size(); ++f) {
             if (m_target.voiced[f] || frames[f][Row::af] == 0)
                 continue;
@@ -215,6 +216,49 @@ void LevelMatching::matchFrication(std::vector<FrameValues>& frames, int passes)
                     value = clampDb(value + std::clamp(recording[f][b] - synth[f][b], -40.0, 40.0));
             }
         }
+    }
+}
+
+// The cascade's voicing may fall short of the recording around the fourth and fifth formants
+// (a voice with more high harmonics than the synthesizer's source). Voicing through the
+// parallel F4 and F5 (apv, a4f, a5f) makes up what is missing there: its level is measured
+// alone once, and each voiced frame's a4f and a5f are set to add the missing power.
+void LevelMatching::matchVoicedBalance(std::vector<FrameValues>& frames) const
+{
+    constexpr int kProbe = 60;
+    constexpr int bands[2] = {2, 3}; // of bandLevels: around f4 and above
+    constexpr int rows[2] = {Row::a4f, Row::a5f};
+    const auto recording = bandLevels(m_target.samples, m_target.count, m_target.rate, frames, true);
+    const Rendering cascade = renderFrames(only(frames, true, false), m_nRate, m_nInterval);
+    const auto synth = bandLevels(cascade.samples.data(), cascade.samples.size(), m_nRate, frames, true);
+    std::vector<FrameValues> probe = only(frames, false, false);
+    for (std::size_t f = 0; f < m_target.centres.size(); ++f)
+        if (m_target.voiced[f]) {
+            FrameValues& v = probe[f];
+            v[Row::apv] = kProbe;
+            v[Row::a1f] = v[Row::a2f] = v[Row::a3f] = 0;
+            v[Row::a4f] = v[Row::a5f] = kProbe;
+        }
+    const Rendering parallel = renderFrames(probe, m_nRate, m_nInterval);
+    const auto alone = bandLevels(parallel.samples.data(), parallel.samples.size(), m_nRate, probe, true);
+    for (std::size_t f = 0; f < m_target.centres.size(); ++f) {
+        if (!m_target.voiced[f])
+            continue;
+        FrameValues& v = frames[f];
+        v[Row::a1f] = v[Row::a2f] = v[Row::a3f] = 0;
+        bool used = false;
+        for (int k = 0; k < 2; ++k) {
+            const double want = recording[f][bands[k]], have = synth[f][bands[k]];
+            const double missing =
+                want > have + 1.0
+                    ? 10.0 * std::log10(std::pow(10.0, want / 10.0) - std::pow(10.0, have / 10.0))
+                    : kSilentDb;
+            v[rows[k]] = missing > kSilentDb && alone[f][bands[k]] > kSilentDb
+                             ? clampDb(kProbe + missing - alone[f][bands[k]])
+                             : 0;
+            used = used || v[rows[k]] >= audible(Row::af);
+        }
+        v[Row::apv] = used ? kProbe : 0;
     }
 }
 

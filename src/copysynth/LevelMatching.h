@@ -33,6 +33,8 @@ public:
     void matchVoicing(std::vector<FrameValues>& frames, int passes) const;
     // Frication in unvoiced frames: af and a2f..a5f, ab from the recording's band levels.
     void matchFrication(std::vector<FrameValues>& frames, int passes) const;
+    // Voicing through the parallel F4 and F5 where the cascade falls short there.
+    void matchVoicedBalance(std::vector<FrameValues>& frames) const;
     // Whole levels of every frame with all sources on, then `gain` lowered until the synthesis
     // stays below full scale and no frame is louder than the recording's loudest.
     void matchTotal(std::vector<FrameValues>& frames, int passes) const;
@@ -45,8 +47,10 @@ public:
 
 private:
     std::vector<double> levelsOf(const Rendering& r) const;
+    // Levels of four bands (f1|f2 .. f2|f3 .. f3|f4 .. f4|f5 .. the top) of the voiced or the
+    // unvoiced frames (empty lists for the others).
     std::vector<std::vector<double>> bandLevels(const float* x, std::size_t count, double rate,
-                                                const std::vector<FrameValues>& frames) const;
+                                                const std::vector<FrameValues>& frames, bool voiced) const;
 
     LevelTarget m_target;
     int m_nRate;
