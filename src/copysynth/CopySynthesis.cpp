@@ -124,7 +124,7 @@ void chooseOpenPhase(const LevelMatching& judge, std::vector<FrameValues>& frame
     const double scale = outputRate / 11025.0;
     double best = 1e300;
     int chosen = frames[0][Row::oq];
-    for (int oq : {20, 30, 40, 50}) {
+    for (int oq : {30, 40, 50}) {
         const int value = std::min(65, static_cast<int>(std::lround(oq * scale)));
         for (FrameValues& v : frames)
             v[Row::oq] = value;
@@ -216,7 +216,7 @@ CopySynthesisResult copySynthesize(const float* samples, std::size_t count, doub
         return cancelledResult();
     r.report.ceilingAutomatic = options.maxFormantHz <= 0.0;
     chooseOpenPhase(levels, r.frames, r.sampleRate);
-    levels.matchVoicing(r.frames, 4);
+    levels.matchVoicing(r.frames, 3);
     if (!e.report(0.75))
         return cancelledResult();
     levels.matchVoicedBalance(r.frames);

@@ -83,21 +83,24 @@ LevelMatching::LevelMatching(const LevelTarget& target, int outputRate, int inte
 {
     m_recordingLevels = frameLevels(target.samples, target.count, target.rate, target.centres, m_dWindow);
     m_dMelTop = std::min({target.rate / 2.0, outputRate / 2.0, 5000.0});
-    m_recordingCepstra =
-        MelCepstrum(target.rate, m_dMelTop).frames(target.samples, target.count, target.centres);
     m_dLoudest = m_recordingLevels.empty()
                      ? 0.0
                      : *std::max_element(m_recordingLevels.begin(), m_recordingLevels.end());
+    // The spectral comparison looks at every other loud voiced frame: it chooses settings for the
+    // whole utterance, and half the frames choose as well as all of them.
     m_loudVoiced.resize(target.centres.size());
     for (std::size_t f = 0; f < m_loudVoiced.size(); ++f)
-        m_loudVoiced[f] = target.voiced[f] && m_recordingLevels[f] > m_dLoudest - 30.0;
+        m_loudVoiced[f] = target.voiced[f] && m_recordingLevels[f] > m_dLoudest - 30.0 && f % 2 == 0;
+    m_recordingCepstra = MelCepstrum(target.rate, m_dMelTop)
+                             .frames(target.samples, target.count, target.centres, &m_loudVoiced);
 }
 
 double LevelMatching::spectralDistance(const std::vector<FrameValues>& frames) const
 {
     const Rendering r = renderFrames(only(frames, true, false), m_nRate, m_nInterval);
     const std::vector<MelFrame> synth =
-        MelCepstrum(m_nRate, m_dMelTop).frames(r.samples.data(), r.samples.size(), m_target.centres);
+        MelCepstrum(m_nRate, m_dMelTop)
+            .frames(r.samples.data(), r.samples.size(), m_target.centres, &m_loudVoiced);
     double sum = 0.0;
     int n = 0;
     for (std::size_t f = 0; f < synth.size(); ++f)

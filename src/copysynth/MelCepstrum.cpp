@@ -47,23 +47,18 @@ MelCepstrum::MelCepstrum(double rate, double topHz)
 
 std::vector<MelFrame> MelCepstrum::frames(const float* x, std::size_t count,
                                           const std::vector<double>& centres,
-                                          std::vector<double>* levels) const
+                                          const std::vector<bool>* wanted) const
 {
     const Fft fft(m_nFftSize);
     const std::vector<double> window = hannWindow(m_nLength);
     std::vector<double> segment(m_nLength), power(m_nFftSize / 2 + 1), logs(kFilters);
     std::vector<std::complex<double>> work(m_nFftSize);
     std::vector<MelFrame> out(centres.size());
-    if (levels)
-        levels->assign(centres.size(), 0.0);
     for (std::size_t f = 0; f < centres.size(); ++f) {
+        if (wanted && !(*wanted)[f])
+            continue;
         windowedSegment(x, count, centres[f] * m_dRate, m_nLength, window, segment.data());
         fft.powerSpectrum(segment.data(), m_nLength, work.data(), power.data());
-        double total = 0.0;
-        for (double p : power)
-            total += p;
-        if (levels)
-            (*levels)[f] = levelDb(total / m_nLength);
         for (int k = 0; k < kFilters; ++k) {
             double sum = 0.0;
             for (const auto& [bin, w] : m_filters[k])

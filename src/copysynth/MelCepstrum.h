@@ -16,9 +16,10 @@ class MelCepstrum
 public:
     MelCepstrum(double rate, double topHz);
 
-    // One frame per centre (seconds); also each frame's level in dB into `levels` when given.
+    // One frame per centre (seconds); only those marked in `wanted` (when given) are computed,
+    // the others are left zero.
     std::vector<MelFrame> frames(const float* x, std::size_t count, const std::vector<double>& centres,
-                                 std::vector<double>* levels = nullptr) const;
+                                 const std::vector<bool>* wanted = nullptr) const;
 
     // Distance of two frames in dB (10 / ln 10 x sqrt(2 x sum of squared differences)).
     static double distance(const MelFrame& a, const MelFrame& b);
