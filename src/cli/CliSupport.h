@@ -153,3 +153,4 @@ void addAnalysisCommands(CLI::App& app);
 void addSliceCommands(CLI::App& app);
 void addContinuumCommand(CLI::App& app);
 void addInterchangeCommands(CLI::App& app);
+void addPhonemesCommand(CLI::App& app);

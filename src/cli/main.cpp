@@ -36,6 +36,7 @@ int main(int argc, char** argv)
     addSliceCommands(app);
     addContinuumCommand(app);
     addInterchangeCommands(app);
+    addPhonemesCommand(app);
 
     try {
         app.parse(argc, argv);
