@@ -14,7 +14,7 @@ HERE=$(cd "$(dirname "$0")/.." && pwd)
 ls "$RECORDINGS"/*.wav >/dev/null 2>&1 || { echo "$RECORDINGS: no .wav recordings" >&2; exit 2; }
 mkdir -p "$WORK"
 paths=("trace")
-"$CLI" --help | grep -q "^  copysynth " && paths+=("copysynth")
+grep -q "^  copysynth " <<<"$("$CLI" --help)" && paths+=("copysynth")
 
 # The summary line of one path on one recording, with mcd.py's figure and the clipping warning
 # of the synthesis appended: "key=value ..." or "failed: why".
