@@ -85,6 +85,8 @@ if [ -z "${QUICK:-}" ]; then # QUICK=1 leaves out the one-hour cases
     run_case "info 8 KB document declaring one hour" "$CLI" info "$WORK/truncated-1h.stk"
     run_case "synth 8 KB document declaring one hour" "$CLI" synth "$WORK/truncated-1h.stk" -o "$WORK/out.wav"
 fi
+run_case "phonemes: 10 words of text to a document" "$CLI" phonemes --text \
+    "The quick brown fox jumps over the lazy dog today." -o "$WORK/text.stk"
 run_case "formants 10 s, 1000 x 400" "$CLI" formants "$WORK/10s.wav" --columns 1000 --rows 400
 
 # Copy synthesis of a 10 s recording (RECORDING=path, else the 10 s synthesis above): the trace
