@@ -221,6 +221,7 @@ CopySynthesisResult copySynthesize(const float* samples, std::size_t count, doub
         return cancelledResult();
     levels.matchVoicedBalance(r.frames);
     levels.matchFrication(r.frames, 2);
+    levels.matchHighBand(r.frames);
     levels.matchTotal(r.frames, 2);
     if (!e.report(0.9))
         return cancelledResult();

@@ -25,13 +25,6 @@ int clampDb(double v, int low = 0, int high = 87)
     return static_cast<int>(std::clamp(std::lround(v), static_cast<long>(low), static_cast<long>(high)));
 }
 
-// The lowest value of an amplitude row that the synthesizer makes heard: av loses 7 dB before
-// the dB table is read, and the table gives nothing below 13 dB.
-int audible(int row)
-{
-    return row == Row::av ? 20 : 13;
-}
-
 double median(std::vector<double> v)
 {
     if (v.empty())
@@ -40,8 +33,10 @@ double median(std::vector<double> v)
     return v[v.size() / 2];
 }
 
+} // namespace
+
 // The frames with some sources switched off.
-std::vector<FrameValues> only(std::vector<FrameValues> frames, bool voicing, bool noise)
+std::vector<FrameValues> LevelMatching::only(std::vector<FrameValues> frames, bool voicing, bool noise)
 {
     for (FrameValues& f : frames) {
         if (!voicing) {
@@ -56,8 +51,6 @@ std::vector<FrameValues> only(std::vector<FrameValues> frames, bool voicing, boo
     }
     return frames;
 }
-
-} // namespace
 
 std::vector<double> frameLevels(const float* x, std::size_t count, double rate,
                                 const std::vector<double>& centres, double windowS)
@@ -171,7 +164,8 @@ std::vector<std::vector<double>> LevelMatching::bandLevels(const float* x, std::
         energy += w * w;
     std::vector<double> segment(length), power(size / 2 + 1);
     std::vector<std::complex<double>> work(size);
-    const double top = std::min({rate, m_target.rate, static_cast<double>(m_nRate)}) / 2.0;
+    // The four bands end at 5.5 kHz: above it the sixth to eighth formants take over.
+    const double top = std::min({rate, m_target.rate, static_cast<double>(m_nRate), 2.0 * kHighBandHz}) / 2.0;
     std::vector<std::vector<double>> out(m_target.centres.size());
     for (std::size_t f = 0; f < m_target.centres.size(); ++f) {
         if (m_target.voiced[f] != voiced)

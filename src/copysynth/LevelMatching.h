@@ -43,9 +43,25 @@ public:
     // mel-cepstral distance (dB) over the voiced frames within 30 dB of the loudest.
     double spectralDistance(const std::vector<FrameValues>& frames) const;
 
+    // At 22050 Hz: the band above 5.5 kHz, by the bandwidths of the cascade's f7 and f8 in
+    // voiced frames (wide where the recording has nothing there) and by the bypass ab in
+    // unvoiced ones (LevelMatchingHighBand.cpp).
+    void matchHighBand(std::vector<FrameValues>& frames) const;
+
     const std::vector<double>& recordingLevels() const { return m_recordingLevels; }
 
+    // The lowest value of an amplitude row that the synthesizer makes heard: av loses 7 dB
+    // before the dB table is read, and the table gives nothing below 13 dB.
+    static int audible(int row) { return row == Row::av ? 20 : 13; }
+
+    // Lower edge of the band that the sixth to eighth formants serve, Hz.
+    static constexpr double kHighBandHz = 5500.0;
+
 private:
+    // The frames with some sources switched off.
+    static std::vector<FrameValues> only(std::vector<FrameValues> frames, bool voicing, bool noise);
+    // Level (dB) of the band lo .. hi Hz around every frame centre.
+    std::vector<double> bandLevel(const float* x, std::size_t count, double rate, double lo, double hi) const;
     std::vector<double> levelsOf(const Rendering& r) const;
     // Levels of four bands (f1|f2 .. f2|f3 .. f3|f4 .. f4|f5 .. the top) of the voiced or the
     // unvoiced frames (empty lists for the others).
