@@ -122,8 +122,10 @@ std::int32_t quantizeSample(float sample, double gain, int bits, bool& clipped)
     clipped = false;
     if (std::isnan(v))
         return 0;
+    // Full scale itself is stored as the largest positive value without counting as clipped:
+    // a peak of 0 dBFS is a level one may ask for.
     if (v > scale - 1.0) {
-        clipped = true;
+        clipped = v > scale;
         return static_cast<std::int32_t>(scale - 1.0);
     }
     if (v < -scale) {

@@ -54,7 +54,8 @@ double levelGainDb(const StimulusOutput& output, const StimulusLevels& levels);
 double commonGainDb(const std::vector<double>& ownGainsDb);
 
 // One sample scaled by `gain` (linear) into the integer range of `bits`, rounded to nearest;
-// `clipped` is set when it had to be limited to the range.
+// `clipped` is set when it lay beyond full scale and was limited (+full scale itself becomes the
+// largest positive value unclipped).
 std::int32_t quantizeSample(float sample, double gain, int bits, bool& clipped);
 // Whether the gain would clip any sample, judged on the extremes alone: quantizing is monotonic,
 // so the extremes clip whenever any sample does.

@@ -91,10 +91,13 @@ TEST(StimulusGain, LevelRulesSharedGainAndClipping)
     const std::vector<float> silence(100, 0.0f);
     EXPECT_EQ(levelGainDb(output, Stimulus(silence, 11025).levels()), 0.0);
 
-    // Clipping is decided at the extremes as the quantizer would: +0.9999 at 16 bits fits, a
-    // gain of 0.1 dB on a full-scale peak does not.
+    // Clipping is decided at the extremes as the quantizer decides it.
     bool clipped = false;
-    EXPECT_EQ(quantizeSample(1.0f, 1.0, 16, clipped), 32767);
+    EXPECT_EQ(quantizeSample(1.0f, 1.0, 16, clipped), 32767); // 0 dBFS is allowed
+    EXPECT_FALSE(clipped);
+    EXPECT_EQ(quantizeSample(1.0001f, 1.0, 16, clipped), 32767);
+    EXPECT_TRUE(clipped);
+    EXPECT_EQ(quantizeSample(-1.0001f, 1.0, 16, clipped), -32768);
     EXPECT_TRUE(clipped);
     EXPECT_EQ(quantizeSample(-1.0f, 1.0, 24, clipped), -8388608);
     EXPECT_FALSE(clipped);
