@@ -167,15 +167,26 @@ std::vector<StimulusFigures> writeStimuli(const StimulusTasks& tasks, const Stim
     if (failed > 0)
         throw CliFailuresReported{};
     const double gain = sharedGain(tasks, entries, output);
-    // Second pass: the writes, with the one gain.
-    failed =
-        runTasks(tasks.count, tasks.jobs, tasks.label + " (writing)", tasks.audioPath, [&](std::size_t i) {
-            entries[i].figures = namingFile(tasks.audioPath(i), [&] {
-                return writeStimulus(tasks.audioPath(i), pending.take(i), gain, output);
+    // Second pass: the writes, with the one gain, here: quantizing and writing take less than
+    // starting a process for each file would.
+    ProgressBar bar(tasks.label + " (writing)", tasks.count);
+    for (std::size_t i = 0; i < tasks.count; ++i) {
+        try {
+            guardFile(tasks.audioPath(i), [&] {
+                entries[i].figures = namingFile(tasks.audioPath(i), [&] {
+                    return writeStimulus(tasks.audioPath(i), pending.take(i), gain, output);
+                });
             });
             if (entries[i].figures.clipped > 0)
-                cliWarning(tasks.audioPath(i),
-                           std::to_string(entries[i].figures.clipped) + " samples clipped at full scale");
-        });
+                bar.print(cliErrorLine(
+                              {tasks.audioPath(i), "warning: " + std::to_string(entries[i].figures.clipped) +
+                                                       " samples clipped at full scale"}) +
+                          "\n");
+        } catch (const CliInputError& error) {
+            bar.print(cliErrorLine(error) + "\n");
+            ++failed;
+        }
+        bar.advance();
+    }
     return collect(tasks, entries, failed);
 }

@@ -1,8 +1,9 @@
 #pragma once
 // Prepared stimuli kept between the two passes of a batch whose files share one gain: the first
 // pass prepares every file and measures it, the gain is chosen from all the figures, the second
-// pass writes. The stimuli wait in a private folder in the system's temporary folder, one raw
-// file each, so that worker processes of the first pass can hand them to the second.
+// pass writes. The stimuli wait in a private temporary folder (in /dev/shm, or TMPDIR when
+// set), one raw file each, so that worker processes of the first pass can hand them to the
+// second.
 // Made by one process; keep() and take() may run in its forked children, each for its own
 // index. The folder goes away with the object in the process that made it.
 // Failures throw DocumentException naming the file.

@@ -7,6 +7,7 @@
 // DocumentException("Resampling", reason).
 #include "stimulus/StimulusOutput.h"
 
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -56,7 +57,26 @@ double commonGainDb(const std::vector<double>& ownGainsDb);
 // One sample scaled by `gain` (linear) into the integer range of `bits`, rounded to nearest;
 // `clipped` is set when it lay beyond full scale and was limited (+full scale itself becomes the
 // largest positive value unclipped).
-std::int32_t quantizeSample(float sample, double gain, int bits, bool& clipped);
+// Inline: it runs once for every sample written.
+inline std::int32_t quantizeSample(float sample, double gain, int bits, bool& clipped)
+{
+    const double scale = bits == 24 ? 8388608.0 : 32768.0;
+    const double v = std::nearbyint(double(sample) * gain * scale);
+    clipped = false;
+    if (std::isnan(v))
+        return 0;
+    // Full scale itself is stored as the largest positive value without counting as clipped:
+    // a peak of 0 dBFS is a level one may ask for.
+    if (v > scale - 1.0) {
+        clipped = v > scale;
+        return static_cast<std::int32_t>(scale - 1.0);
+    }
+    if (v < -scale) {
+        clipped = true;
+        return static_cast<std::int32_t>(-scale);
+    }
+    return static_cast<std::int32_t>(v);
+}
 // Whether the gain would clip any sample, judged on the extremes alone: quantizing is monotonic,
 // so the extremes clip whenever any sample does.
 bool gainClips(const StimulusLevels& levels, double gainDb, int bits);

@@ -96,6 +96,28 @@ std::string encodeFlac(const std::vector<std::int32_t>& stored, int rate, int bi
     return std::move(file.bytes);
 }
 
+// The samples as stored, with the figures they give.
+std::vector<std::int32_t> quantize(const Stimulus& stimulus, double gainDb, int bits,
+                                   StimulusFigures& figures)
+{
+    const std::vector<float>& samples = stimulus.samples();
+    std::vector<std::int32_t> stored(samples.size());
+    const double gain = std::pow(10.0, gainDb / 20.0);
+    long long clipped = 0;
+    for (std::size_t i = 0; i < samples.size(); ++i) {
+        bool limited = false;
+        stored[i] = quantizeSample(samples[i], gain, bits, limited);
+        clipped += limited ? 1 : 0;
+    }
+    figures = StimulusFigures{};
+    figures.durationMS = stimulus.durationMS();
+    figures.rate = stimulus.rate();
+    figures.clipped = clipped;
+    figures.gainDb = gainDb;
+    measureStored(stored, bits == 24 ? 8388608.0 : 32768.0, figures);
+    return stored;
+}
+
 } // namespace
 
 const char* StimulusFigures::csvHeader()
@@ -114,24 +136,11 @@ std::string StimulusFigures::csvFields() const
 std::string encodeStimulus(const Stimulus& stimulus, double gainDb, const StimulusOutput& output,
                            StimulusFigures& figures)
 {
-    const std::vector<float>& samples = stimulus.samples();
-    std::vector<std::int32_t> stored(samples.size());
-    const double gain = std::pow(10.0, gainDb / 20.0);
-    long long clipped = 0;
-    for (std::size_t i = 0; i < samples.size(); ++i) {
-        bool limited = false;
-        stored[i] = quantizeSample(samples[i], gain, output.bits, limited);
-        clipped += limited ? 1 : 0;
-    }
-    figures = StimulusFigures{};
-    figures.durationMS = stimulus.durationMS();
-    figures.rate = stimulus.rate();
-    figures.clipped = clipped;
-    figures.gainDb = gainDb;
-    measureStored(stored, output.bits == 24 ? 8388608.0 : 32768.0, figures);
+    const std::vector<std::int32_t> stored = quantize(stimulus, gainDb, output.bits, figures);
     if (output.format == StimulusOutput::Format::Flac)
         return encodeFlac(stored, stimulus.rate(), output.bits);
     std::string image;
+    image.reserve(45 + stored.size() * static_cast<std::size_t>(output.bits / 8));
     writePcmWave(stored.data(), stored.size(), static_cast<std::uint32_t>(stimulus.rate()), output.bits,
                  [&image](const char* bytes, std::size_t size) {
                      image.append(bytes, size);
@@ -144,15 +153,24 @@ StimulusFigures writeStimulus(const std::string& path, const Stimulus& stimulus,
                               const StimulusOutput& output)
 {
     StimulusFigures figures;
-    std::string image;
+    int error = 0;
     try {
-        image = encodeStimulus(stimulus, gainDb, output, figures);
+        if (output.format == StimulusOutput::Format::Flac) {
+            error = writeFileAtomically(path, encodeStimulus(stimulus, gainDb, output, figures));
+        } else {
+            // WAVE goes to the file piece by piece, never held whole.
+            const std::vector<std::int32_t> stored = quantize(stimulus, gainDb, output.bits, figures);
+            error = writeFileAtomically(path, [&](const PieceWriter& write) {
+                return writePcmWave(stored.data(), stored.size(), static_cast<std::uint32_t>(stimulus.rate()),
+                                    output.bits, write);
+            });
+        }
     } catch (const std::bad_alloc&) {
         throw DocumentException(path, "Unable to allocate memory");
-    } catch (const DocumentException& error) {
-        throw DocumentException(path, error.reason());
+    } catch (const DocumentException& e) {
+        throw DocumentException(path, e.reason());
     }
-    if (const int error = writeFileAtomically(path, image); error != 0)
+    if (error != 0)
         throw DocumentException(path, std::string("cannot write: ") + std::strerror(error));
     return figures;
 }
