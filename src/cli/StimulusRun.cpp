@@ -147,6 +147,10 @@ StimulusFigures writeDocumentAudio(MyDocument& document, const std::string& path
 std::vector<StimulusFigures> writeStimuli(const StimulusTasks& tasks, const StimulusOutput& output)
 {
     const SharedEntries entries(tasks.count);
+    // The filters are designed here once, not in every worker: the two rates synthesis runs at.
+    if (output.rate != 0)
+        for (const int synthesisRate : {11025, 22050})
+            namingFile(tasks.file(0), [&] { prepareResampler(synthesisRate, output.rate); });
     if (!output.sameGain || output.level == StimulusOutput::Level::Unchanged) {
         const std::size_t failed =
             runTasks(tasks.count, tasks.jobs, tasks.label, tasks.file, [&](std::size_t i) {

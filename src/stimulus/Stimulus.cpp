@@ -8,7 +8,9 @@
 #include <cmath>
 #include <cstdio>
 #include <limits>
+#include <mutex>
 #include <new>
+#include <utility>
 
 namespace
 {
@@ -58,12 +60,11 @@ void runResampler(soxr_t resampler, const float* samples, std::size_t count, std
 
 Stimulus::Stimulus(std::vector<float> samples, int rate) : m_samples(std::move(samples)), m_nRate(rate) {}
 
-std::vector<float> resampleSignal(const float* samples, std::size_t count, int fromRate, int toRate)
+namespace
 {
-    if (fromRate == toRate || count == 0)
-        return std::vector<float>(samples, samples + count);
-    const auto length = static_cast<std::size_t>(std::llround(double(count) * toRate / fromRate));
-    std::vector<float> out(length, 0.0f);
+
+soxr_t makeResampler(int fromRate, int toRate)
+{
     const soxr_io_spec_t io = soxr_io_spec(SOXR_FLOAT32_I, SOXR_FLOAT32_I);
     // The very-high-quality recipe: linear phase, flat to beyond 0.9 of the lower Nyquist
     // frequency, stop band from the lower Nyquist frequency on, about 175 dB down.
@@ -75,6 +76,49 @@ std::vector<float> resampleSignal(const float* samples, std::size_t count, int f
     const soxr_t resampler = soxr_create(fromRate, toRate, 1, &error, &io, &quality, &runtime);
     if (!resampler)
         throw DocumentException("Resampling", error ? error : "the resampler could not be made");
+    return resampler;
+}
+
+// Resamplers made ahead of use (their filters designed), each good for one signal in each
+// process that holds a copy: worker processes forked after prepareResampler() inherit them.
+struct SpareResampler {
+    int from = 0, to = 0;
+    soxr_t resampler = nullptr;
+};
+std::mutex g_spareMutex;
+std::vector<SpareResampler> g_spares;
+
+soxr_t takeResampler(int fromRate, int toRate)
+{
+    {
+        const std::lock_guard lock(g_spareMutex);
+        for (SpareResampler& spare : g_spares)
+            if (spare.from == fromRate && spare.to == toRate && spare.resampler)
+                return std::exchange(spare.resampler, nullptr);
+    }
+    return makeResampler(fromRate, toRate);
+}
+
+} // namespace
+
+void prepareResampler(int fromRate, int toRate)
+{
+    if (fromRate == toRate || fromRate <= 0 || toRate <= 0)
+        return;
+    const std::lock_guard lock(g_spareMutex);
+    for (const SpareResampler& spare : g_spares)
+        if (spare.from == fromRate && spare.to == toRate && spare.resampler)
+            return;
+    g_spares.push_back({fromRate, toRate, makeResampler(fromRate, toRate)});
+}
+
+std::vector<float> resampleSignal(const float* samples, std::size_t count, int fromRate, int toRate)
+{
+    if (fromRate == toRate || count == 0)
+        return std::vector<float>(samples, samples + count);
+    const auto length = static_cast<std::size_t>(std::llround(double(count) * toRate / fromRate));
+    std::vector<float> out(length, 0.0f);
+    const soxr_t resampler = takeResampler(fromRate, toRate);
     try {
         runResampler(resampler, samples, count, out);
     } catch (...) {

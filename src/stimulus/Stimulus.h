@@ -44,6 +44,10 @@ private:
 
 // The resampled signal alone: `count` samples from `fromRate` to `toRate` Hz.
 std::vector<float> resampleSignal(const float* samples, std::size_t count, int fromRate, int toRate);
+// Makes a resampler for the pair of rates ahead of time, so that worker processes forked
+// afterwards each find its filter designed: the next resampleSignal() for these rates in each
+// process uses it (once). Throws like resampleSignal().
+void prepareResampler(int fromRate, int toRate);
 // Raised-cosine onset and offset of `rampSamples` each (cut to half the signal), in place.
 void applyRamps(std::vector<float>& samples, std::size_t rampSamples);
 
