@@ -74,7 +74,7 @@ TEST(PhonemeString, IpaReadsLongestSpellingsStressMarksAndWordBoundaries)
     EXPECT_EQ(arpabetOf("/t͡ʃæt/"), "T SH AE1 T");
     EXPECT_EQ(arpabetOf("/ˈaɪ, ju./"), "AY1 , Y UW0 .");
 
-    EXPECT_EQ(errorOf("/bæx/"), "unknown symbol \"x\" at position 4");
+    EXPECT_EQ(errorOf("/bæq/"), "unknown symbol \"q\" at position 4");
     EXPECT_EQ(errorOf("/æ ɬ/"), "unknown symbol \"ɬ\" at position 4");
 
     EXPECT_EQ(PhonemeString::detect("  /bæd/"), PhonemeString::Kind::Ipa);
