@@ -3,7 +3,10 @@
 // rate are apart in spectral shape. Both analyse the model channel of what they open, with the
 // option panels' default settings for its sample rate, changed by the options given.
 #include "cli/AnalysisOverrides.h"
-#include "cli/CliSupport.h"
+#include "cli/CliFiles.h"
+#include "cli/Commands.h"
+#include "cli/OutputFiles.h"
+#include "display/PngEncoding.h"
 
 #include "display/RasterCanvas.h"
 #include "display/SliceComputation.h"
