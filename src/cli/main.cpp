@@ -36,6 +36,8 @@ int main(int argc, char** argv)
     addAnalysisCommands(app);
     addSliceCommands(app);
     addContinuumCommand(app);
+    addInterchangeCommands(app);
+    addPhonemesCommand(app);
 
     try {
         app.parse(argc, argv);
