@@ -7,6 +7,8 @@
 #include "cli/CliFiles.h"
 #include "stimulus/StimulusFile.h"
 
+#include <CLI/CLI.hpp>
+
 #include <functional>
 #include <memory>
 #include <string>
