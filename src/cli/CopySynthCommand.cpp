@@ -1,6 +1,10 @@
 // tessaphon-cli copysynth: every synthesis parameter estimated from a recording, written as a
 // parameter document of the recording's length (the workbench's Automatic Copy Synthesis).
-#include "cli/CliSupport.h"
+#include "cli/CliErrors.h"
+#include "cli/CliFiles.h"
+#include "cli/Commands.h"
+#include "cli/OutputFiles.h"
+#include "cli/ProgressBar.h"
 
 #include "copysynth/CopySynthesis.h"
 #include "document/MyDocument.h"

@@ -1,8 +1,8 @@
 // tessaphon-cli copysynth run as a user runs it: the document it writes, the files it refuses,
 // and what it says about a damaged, empty or silent recording.
-#include "analysis/TestSignals.h"
 #include "cli/CliRunner.h"
-#include "display/TestChannels.h"
+#include "support/TestChannels.h"
+#include "support/TestSignals.h"
 
 #include <gtest/gtest.h>
 
