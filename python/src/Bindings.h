@@ -22,11 +22,12 @@ frame and one column per parameter in the fixed row order of doc.names:
 doc.params and doc["f1"] are numpy views onto the grid itself, not copies: what
 you write through them is what tessaphon.synthesize() and Document.write() read.
 
-Limits: a value outside its parameter's limits (Document.limits()) written through a
-view is kept as written until the document is synthesized or written; then it is
-clamped to the limits, as the workbench's table clamps a typed value, and the
-clamped value stays in the grid. Assigning with doc["f1"] = values clamps at once
-(values are rounded to integers first).
+Limits (Document.limits()): doc["f1"] = values rounds the values and clamps them
+to the parameter's limits at once, as the workbench's table clamps a typed value.
+A value written through a view is stored as written, and synthesis and saving use
+it as it stands, as they do the values the trace entry writes (f0 = 0 for an
+unvoiced frame lies below f0's limit on purpose); Document.clamp() brings every
+value within its limits as typing it would.
 )";
 
 inline constexpr const char* docNew =
@@ -43,8 +44,7 @@ Raises ValueError for a length outside 1 ms .. one hour, an interval outside
 inline constexpr const char* docWrite = R"(write(path)
 
 Saves the document as a parameter document (.stk), replacing the file atomically
-(it holds either its old or its new bytes, never a mixture). Values outside their
-limits are clamped first. Raises OSError (with the file's name) when it cannot
+(it holds either its old or its new bytes, never a mixture). Raises OSError (with the file's name) when it cannot
 be written.
 )";
 

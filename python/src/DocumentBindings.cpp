@@ -5,6 +5,7 @@
 
 #include <pybind11/numpy.h>
 #include <pybind11/stl.h>
+#include <pybind11/stl/filesystem.h>
 
 #include <cstdio>
 
@@ -99,7 +100,7 @@ void bindDocument(py::module_& m)
                    py::arg("sample_rate") = 11025, docNew)
         .def(
             "write",
-            [](PythonDocument& d, const std::string& path) {
+            [](PythonDocument& d, const std::filesystem::path& path) {
                 py::gil_scoped_release release;
                 d.write(path);
             },
@@ -146,6 +147,8 @@ void bindDocument(py::module_& m)
                 return py::make_tuple(p.nMinValue, p.nMaxValue, p.nDefaultValue);
             },
             py::arg("name"), "(minimum, maximum, default) of a parameter, in the row's units.")
+        .def("clamp", &PythonDocument::clampToLimits,
+             "Brings every value within its parameter's limits, as the table clamps a typed value.")
         .def("__repr__", &describe);
     m.def("read", &readDocument, py::arg("path"));
 }

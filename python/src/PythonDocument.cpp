@@ -3,6 +3,7 @@
 #include "PythonErrors.h"
 #include "cli/FileBytes.h"
 #include "document/AtomicFile.h"
+#include "synthesis/CKlattEngine.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -211,6 +212,7 @@ void PythonDocument::setRow(int row, const std::vector<double>& values)
 
 void PythonDocument::clampToLimits()
 {
+    std::lock_guard<std::mutex> lock(m_mutex);
     const int count = frames();
     for (int row = 0; row < kParameterCount; ++row) {
         const ParameterDefinition& p = parameter(row);
@@ -224,9 +226,11 @@ void PythonDocument::clampToLimits()
 std::vector<float> PythonDocument::synthesize()
 {
     std::lock_guard<std::mutex> lock(m_mutex);
-    clampToLimits();
     std::vector<float> samples;
     withFile(m_document->fileURL().empty() ? "synthesis" : m_document->fileURL(), [&] {
+        // Every call starts from the engine's state at program start: the samples are those
+        // tessaphon-cli writes for the document, whichever call and thread this is.
+        CKlattEngine::resetCarriedState();
         m_document->Synthesize();
         const Channels& c = *m_document->getChannel(0);
         const float* data = c.samples();
@@ -241,7 +245,6 @@ std::vector<float> PythonDocument::synthesize()
 std::string PythonDocument::text()
 {
     std::lock_guard<std::mutex> lock(m_mutex);
-    clampToLimits();
     return m_document->parameterDocumentText(m_document->m_bSaveAll != 0);
 }
 

@@ -7,9 +7,10 @@
 // (cell (frame f, row r) at gridData()[f * kGridRows + r]); rows in the parameter row order.
 // The grid is made once and never moved while the object lives, so views onto it stay valid.
 //
-// Values outside a row's limits may sit in the grid (numpy writes whatever it is given); they
-// are corrected to the limits, as the table corrects a typed value, when the document is
-// synthesized or written, and the corrected value stays in the grid.
+// Values outside a row's limits may sit in the grid: numpy writes whatever it is given, and the
+// trace entry writes f0 = 0 for unvoiced frames on purpose. Synthesis and saving use the values
+// as they stand, as tessaphon-cli does; setRow() and clampToLimits() correct values to the
+// limits as the table corrects a typed value.
 //
 // Thread safety: synthesize(), write(), copy() and the edits lock the object's mutex; call them
 // from any thread. Views written from several threads at once are the caller's affair.
@@ -64,10 +65,10 @@ public:
 
     // Every grid value of rows 0..47 brought within its row's limits.
     void clampToLimits();
-    // Synthesizes (values clamped first) and answers the samples, full scale +-1, at
+    // Synthesizes and answers the samples, full scale +-1, at
     // sampleRate(). Throws OutOfMemory. Needs no interpreter lock.
     std::vector<float> synthesize();
-    // The parameter document's text, values clamped first.
+    // The parameter document's text.
     std::string text();
     // Writes the document atomically. Throws FileSystemError.
     void write(const std::string& path);

@@ -45,7 +45,7 @@ def synthesize(doc):
     formant row is shown), full scale +-1. Samples are 16-bit steps (k / 32768), so writing
     them with write_wav gives the file tessaphon-cli synth writes.
 
-    Values outside their parameters' limits are clamped in the document first (see
+    The values are used as they stand, within their limits or not (see
     help(tessaphon.Document)). Runs without the interpreter lock: several threads may
     synthesize at once (calls on the same document take turns). Raises MemoryError.
     """
