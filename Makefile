@@ -43,6 +43,9 @@ test-asan: deps
 bench: build
 	@for b in $(BUILD)/bin/bench_*; do echo "== $$b"; $$b --benchmark_repetitions=5 --benchmark_report_aggregates_only=true; done
 	@echo "== tessaphon-cli, whole processes"; bash bench/cli_bench.sh $(BUILD)
+	@if [ -d $(BUILD)/python/tessaphon ]; then \
+		echo "== Python module"; PYTHONPATH=$(BUILD)/python /usr/bin/python3 bench/python_bench.py $(BUILD); \
+	fi
 
 # Each fuzz target runs for FUZZ_SECONDS on its seeds (made by the program itself) and on the
 # inputs kept in fuzz/corpus/<target>/, which the tests replay. New inputs go to the build's
