@@ -4,20 +4,29 @@
 #include "Samples.h"
 #include "cli/FileBytes.h"
 #include "document/AtomicFile.h"
+#include "document/MemoryBlock.h"
+
+#include <algorithm>
 
 namespace py = pybind11;
 
 namespace
 {
 
+// The samples in the block the synthesis wrote them to, without a copy: the array owns it.
 py::array_t<float> synthesize(PythonDocument& document)
 {
-    std::vector<float> samples;
+    PythonDocument::Audio audio;
     {
         py::gil_scoped_release release;
-        samples = document.synthesize();
+        audio = document.synthesize();
     }
-    return floatArray(samples);
+    if (!audio.block || audio.count == 0)
+        return py::array_t<float>(0);
+    MemoryBlock* block = audio.block.release();
+    py::capsule owner(block, [](void* p) { delete static_cast<MemoryBlock*>(p); });
+    return py::array_t<float>({static_cast<py::ssize_t>(audio.count)}, {py::ssize_t{sizeof(float)}},
+                              block->floats(), owner);
 }
 
 py::tuple readWav(const std::string& path)
@@ -47,6 +56,10 @@ void writeWav(const std::string& path, const SampleArray& samples, double rate)
     std::vector<float> values = samplesFrom(samples);
     checkedRate(rate);
     py::gil_scoped_release release;
+    // The document's writer wraps a sample at or beyond full scale (+1.0 becomes -32768), as the
+    // workbench always has; samples from Python are limited to the 16-bit range instead.
+    for (float& v : values)
+        v = std::clamp(v, -1.0f, 32767.0f / 32768.0f);
     MyDocument document;
     withFile(path, [&] {
         if (!document.setModelSamples(values, rate))

@@ -202,6 +202,9 @@ void PythonDocument::setRow(int row, const std::vector<double>& values)
     if (values.size() != static_cast<std::size_t>(count))
         throw BadArgument(std::string(rowName(row)) + " needs " + std::to_string(count) +
                           " values, one per frame (got " + std::to_string(values.size()) + ")");
+    for (double v : values)
+        if (std::isnan(v))
+            throw BadArgument(std::string(rowName(row)) + " values must be numbers, not NaN");
     std::lock_guard<std::mutex> lock(m_mutex);
     const ParameterDefinition& p = parameter(row);
     for (int frame = 0; frame < count; ++frame) {
@@ -223,23 +226,24 @@ void PythonDocument::clampToLimits()
     }
 }
 
-std::vector<float> PythonDocument::synthesize()
+PythonDocument::Audio PythonDocument::synthesize()
 {
     std::lock_guard<std::mutex> lock(m_mutex);
-    std::vector<float> samples;
+    Audio audio;
     withFile(m_document->fileURL().empty() ? "synthesis" : m_document->fileURL(), [&] {
         // Every call starts from the engine's state at program start: the samples are those
         // tessaphon-cli writes for the document, whichever call and thread this is.
         CKlattEngine::resetCarriedState();
         m_document->Synthesize();
-        const Channels& c = *m_document->getChannel(0);
-        const float* data = c.samples();
-        samples.assign(data, data + c.sampleCount());
-        // The samples live on in Python; the document keeps no audio.
-        m_document->getChannel(0)->m_hData.reset();
-        m_document->getChannel(1)->m_hData.reset();
+        Channels& current = *m_document->getChannel(0);
+        audio.count = current.sampleCount();
+        audio.block = std::move(current.m_hData);
+        // The samples go to Python whole. The previous synthesis's block stands in for them, so
+        // that the next run moves it aside, as the workbench's runs do, instead of copying the
+        // new samples into channel 1.
+        current.m_hData = std::move(m_document->getChannel(1)->m_hData);
     });
-    return samples;
+    return audio;
 }
 
 std::string PythonDocument::text()

@@ -65,9 +65,13 @@ public:
 
     // Every grid value of rows 0..47 brought within its row's limits.
     void clampToLimits();
-    // Synthesizes and answers the samples, full scale +-1, at
-    // sampleRate(). Throws OutOfMemory. Needs no interpreter lock.
-    std::vector<float> synthesize();
+    // Synthesizes and hands over the block of samples (floats, full scale +-1, at sampleRate()):
+    // `count` samples from its start. Throws OutOfMemory. Needs no interpreter lock.
+    struct Audio {
+        std::unique_ptr<MemoryBlock> block;
+        std::size_t count = 0;
+    };
+    Audio synthesize();
     // The parameter document's text.
     std::string text();
     // Writes the document atomically. Throws FileSystemError.

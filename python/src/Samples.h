@@ -6,20 +6,25 @@
 #include <pybind11/numpy.h>
 #include <pybind11/pybind11.h>
 
+#include <cmath>
 #include <cstring>
 #include <vector>
 
 using SampleArray = pybind11::array_t<float, pybind11::array::c_style | pybind11::array::forcecast>;
 
 // The samples of a 1-D array (any real dtype, converted to float32). Throws BadArgument for an
-// array of another shape or an empty one.
+// array of another shape, an empty one, or one holding NaN or infinity.
 inline std::vector<float> samplesFrom(const SampleArray& samples, const char* name = "samples")
 {
     if (samples.ndim() != 1)
         throw BadArgument(std::string(name) + " must be a 1-D array of samples");
     if (samples.size() == 0)
         throw BadArgument(std::string(name) + " holds no samples");
-    return std::vector<float>(samples.data(), samples.data() + samples.size());
+    std::vector<float> values(samples.data(), samples.data() + samples.size());
+    for (float v : values)
+        if (!std::isfinite(v))
+            throw BadArgument(std::string(name) + " hold NaN or infinity");
+    return values;
 }
 
 inline pybind11::array_t<float> floatArray(const std::vector<float>& values)

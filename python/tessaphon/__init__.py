@@ -55,9 +55,8 @@ def synthesize(doc):
 def read_wav(path):
     """read_wav(path) -> (samples, rate)
 
-    Reads a WAVE file (PCM 8/16/24/32-bit, IEEE float or mu-law; the first channel of a
-    multichannel file) as the workbench opens a model: float32 samples at full scale +-1 and
-    the rate in Hz. Raises OSError when it cannot be read, ValueError when it is not a
+    Reads a WAVE file (integer PCM, IEEE float or mu-law) as the workbench opens a model
+    recording: float32 samples at full scale +-1 and the rate in Hz. Raises OSError when it cannot be read, ValueError when it is not a
     usable WAVE file.
     """
     return _tessaphon.read_wav(str(path))
@@ -66,10 +65,11 @@ def read_wav(path):
 def write_wav(path, samples, rate):
     """write_wav(path, samples, rate)
 
-    Writes samples (a 1-D array, full scale +-1; values beyond it are limited) as a 16-bit
-    mono PCM WAVE file at rate Hz, replacing the file atomically. Raises OSError when it
-    cannot be written, ValueError for no samples, a rate outside 1 Hz .. 1 MHz or more
-    than an hour of audio.
+    Writes samples (a 1-D array, full scale +-1) as a 16-bit mono PCM WAVE file at rate Hz,
+    replacing the file atomically (it holds its old or its new bytes, never a mixture).
+    Samples beyond full scale are limited to -1 .. 32767/32768, never wrapped. Raises
+    OSError when it cannot be written, ValueError for no samples, NaN or infinite samples, a
+    rate outside 1 Hz .. 1 MHz or more than an hour of audio.
     """
     _tessaphon.write_wav(str(path), samples, float(rate))
 

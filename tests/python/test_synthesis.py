@@ -84,3 +84,7 @@ def test_wave_files_round_trip(tmp_path):
     assert rate == 16000 and samples.dtype == np.float32 and len(samples) == 16000
     assert np.abs(samples - tone).max() <= 1 / 32768
     assert "sample_rate: 16000" in cli("info", tmp_path / "tone.wav")
+    # Beyond full scale the samples are limited, not wrapped round to the other sign.
+    tessaphon.write_wav(tmp_path / "loud.wav", np.array([1.0, 1.5, -1.0, -3.0, 0.25]), 8000)
+    loud, _ = tessaphon.read_wav(tmp_path / "loud.wav")
+    assert list(loud) == [32767 / 32768, 32767 / 32768, -1.0, -1.0, 0.25]
