@@ -12,7 +12,8 @@ void bindMaking(pybind11::module_& m);
 inline constexpr const char* docDocument =
     R"(A parameter document: 48 Klatt parameters over frames of interval_ms.
 
-Make one with tessaphon.Document.new(), tessaphon.read(), tessaphon.trace() or
+Make one with tessaphon.Document.new() (or Document(...) with the same
+arguments), tessaphon.read(), tessaphon.trace() or
 tessaphon.continuum(). Its values are a grid of signed 16-bit integers, one row per
 frame and one column per parameter in the fixed row order of doc.names:
 
@@ -44,8 +45,8 @@ Raises ValueError for a length outside 1 ms .. one hour, an interval outside
 inline constexpr const char* docWrite = R"(write(path)
 
 Saves the document as a parameter document (.stk), replacing the file atomically
-(it holds either its old or its new bytes, never a mixture). Raises OSError (with the file's name) when it cannot
-be written.
+(it holds either its old or its new bytes, never a mixture). Raises OSError
+(with the file's name) when it cannot be written.
 )";
 
 inline constexpr const char* docParams =

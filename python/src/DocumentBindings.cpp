@@ -96,8 +96,10 @@ py::object readDocument(const std::string& path)
 void bindDocument(py::module_& m)
 {
     py::class_<PythonDocument> cls(m, "Document", docDocument);
-    cls.def_static("new", &PythonDocument::make, py::arg("length_ms") = 200.0, py::arg("interval_ms") = 10,
-                   py::arg("sample_rate") = 11025, docNew)
+    cls.def(py::init(&PythonDocument::make), py::arg("length_ms") = 200.0, py::arg("interval_ms") = 10,
+            py::arg("sample_rate") = 11025, docNew)
+        .def_static("new", &PythonDocument::make, py::arg("length_ms") = 200.0, py::arg("interval_ms") = 10,
+                    py::arg("sample_rate") = 11025, docNew)
         .def(
             "write",
             [](PythonDocument& d, const std::filesystem::path& path) {

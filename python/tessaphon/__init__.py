@@ -18,6 +18,8 @@ numpy is imported when the first array is made, not at import.
 from . import _tessaphon
 from ._tessaphon import Document
 
+Document.__module__ = __name__
+
 __all__ = [
     "Document", "read", "synthesize", "read_wav", "write_wav", "pitch", "formants",
     "spectrogram", "slice", "compare", "trace", "continuum",

@@ -22,6 +22,7 @@ def test_new_document_matches_the_tools_new_document(tmp_path):
     cli("new", "--length", 300, "--interval", 5, "-o", theirs)
     assert ours.read_bytes() == theirs.read_bytes()
 
+    assert tessaphon.Document(length_ms=300, interval_ms=5).params.shape == (60, 48)
     high = tessaphon.Document.new(length_ms=100, sample_rate=22050)
     assert high.sample_rate == 22050 and high.selected[high.names.index("f6")]
 
