@@ -6,7 +6,7 @@
 #include "Recording.h"
 #include "Samples.h"
 #include "continuum/Continuum.h"
-#include "dataentry/core/TraceDataEntry.h"
+#include "dataentry/TraceDataEntry.h"
 #include "display/PitchTrackComputation.h"
 
 #include <pybind11/stl.h>

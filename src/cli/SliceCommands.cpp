@@ -1,9 +1,15 @@
 // tessaphon-cli's slice and compare commands. `slice` writes the FFT/LPC slice of a recording at
 // a time as CSV, or its picture; `compare` measures frame by frame how far two recordings of one
-// rate are apart in spectral shape. Both analyse the model channel of what they open, with the
+// rate are apart in spectral shape, or with --summary judges the second as a copy synthesis of
+// the first. Both analyse the model channel of what they open, with the
 // option panels' default settings for its sample rate, changed by the options given.
 #include "cli/AnalysisOverrides.h"
-#include "cli/CliSupport.h"
+#include "cli/CliFiles.h"
+#include "cli/Commands.h"
+#include "cli/LabelOptions.h"
+#include "cli/OutputFiles.h"
+#include "copysynth/CopySynthesisFigures.h"
+#include "display/PngEncoding.h"
 
 #include "display/RasterCanvas.h"
 #include "display/SliceComputation.h"
@@ -16,6 +22,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <iostream>
+#include <new>
 
 namespace
 {
@@ -32,6 +39,7 @@ struct SliceOptions {
     int range = 0;
     bool lpc = false;
     AnalysisOverrides overrides; // the FFT/LPC panel's settings
+    LabelOptions labels;         // the segment the slice falls in names it
 };
 
 // Pictures are 72 units an inch; a PNG has 100 pixels an inch.
@@ -74,7 +82,9 @@ std::string csvOf(const SliceComputation& slice, bool lpc)
     return out;
 }
 
-std::string pictureOf(const SliceOptions& o, const MyDocument& document, const SliceComputation& slice)
+// `segment`: the text of the labelled segment the slice falls in, empty when none.
+std::string pictureOf(const SliceOptions& o, const MyDocument& document, const SliceComputation& slice,
+                      const std::string& segment)
 {
     SlicePlotStyle style = SlicePlotStyle::fromDocument(document, false);
     style.m_bFFTDrawLPC = o.lpc;
@@ -82,7 +92,9 @@ std::string pictureOf(const SliceOptions& o, const MyDocument& document, const S
     const double width = document.m_dFFTWidth * inch, height = document.m_dFFTHeight * inch;
     char title[64];
     std::snprintf(title, sizeof title, "FFT/LPC at %.1f ms", o.atMS);
-    const std::string name = std::filesystem::path(o.input).filename().string();
+    std::string name = std::filesystem::path(o.input).filename().string();
+    if (!segment.empty())
+        name = "[" + segment + "]  " + name;
     if (lowerExtension(o.output) == ".svg") {
         SvgCanvas canvas(width * kPointsPerInch, height * kPointsPerInch);
         SlicePlot::draw(canvas, width * kPointsPerInch, height * kPointsPerInch, style, slice, nullptr,
@@ -103,6 +115,7 @@ void commandSlice(const SliceOptions& o)
 {
     if (!o.output.empty())
         checkOutput(o);
+    const std::string segment = o.labels.given() ? o.labels.load().segmentAt(o.atMS / 1000.0) : std::string();
     auto document = openDocument(o.input, TableData::Skip);
     const Channels& model = modelChannel(*document, o.input);
     o.overrides.applyTo(*document, model.m_dSampleRate);
@@ -118,7 +131,7 @@ void commandSlice(const SliceOptions& o)
     if (o.output.empty())
         std::cout << csvOf(slice, o.lpc);
     else
-        writeWholeFile(o.output, pictureOf(o, *document, slice));
+        writeWholeFile(o.output, pictureOf(o, *document, slice, segment));
 }
 
 void addSliceCommand(CLI::App& app)
@@ -151,6 +164,7 @@ void addSliceCommand(CLI::App& app)
         ->check(CLI::Range(1, 1000000));
     slice->add_option("-o,--output", o->output,
                       "Write the picture instead (.png or .svg; replaced if it exists)");
+    o->labels.add(slice);
     slice->callback([o] { commandSlice(*o); });
 }
 
@@ -162,12 +176,30 @@ struct CompareOptions {
     bool summary = false;
 };
 
+// The figures of a copy synthesis: the second recording judged against the first, at the
+// first one's rate and with its analysis defaults.
+void commandCompareSummary(MyDocument& first, const Channels& original, const Channels& synthesis)
+{
+    first.setAnalysisDefaults(original.m_dSampleRate);
+    const CopySynthesisFigures figures = CopySynthesisFigures::measure(
+        original, synthesis, PitchSettings::fromDocument(first), SpectrogramSettings::fromDocument(first));
+    std::cout << figures.summaryLine() << '\n';
+}
+
 void commandCompare(const CompareOptions& o)
 {
     const auto a = openDocument(o.first, TableData::Skip);
     const auto b = openDocument(o.second, TableData::Skip);
     const Channels& ca = modelChannel(*a, o.first);
     const Channels& cb = modelChannel(*b, o.second);
+    if (o.summary) {
+        try {
+            commandCompareSummary(*a, ca, cb);
+        } catch (const std::bad_alloc&) {
+            throw CliInputError{o.second, "not enough memory to compare it"};
+        }
+        return;
+    }
     if (ca.m_dSampleRate != cb.m_dSampleRate) {
         char why[160];
         std::snprintf(why, sizeof why, "sample rate %g Hz differs from %s (%g Hz)", ca.m_dSampleRate,
@@ -177,14 +209,8 @@ void commandCompare(const CompareOptions& o)
     a->setAnalysisDefaults(ca.m_dSampleRate);
     RecordingComparison comparison(SpectrogramSettings::fromDocument(*a));
     comparison.compare(ca, cb);
-    char line[96];
-    if (o.summary) {
-        std::snprintf(line, sizeof line, "frames: %zu\nmean_distance_db: %.3f\n", comparison.m_frames.size(),
-                      comparison.meanDistance());
-        std::cout << line;
-        return;
-    }
     std::string out = "time_ms,distance_db\n";
+    char line[96];
     for (const FrameDistance& f : comparison.m_frames) {
         std::snprintf(line, sizeof line, "%.0f,%.3f\n", f.timeMS, f.distanceDB);
         out += line;
@@ -197,12 +223,22 @@ void addCompareCommand(CLI::App& app)
     auto o = std::make_shared<CompareOptions>();
     CLI::App* compare = app.add_subcommand(
         "compare", "Spectral distance of two recordings of one rate, frame by frame (time_ms,distance_db)");
-    compare->footer("Every 10 ms: the RMS difference in dB of the two frames' zero-mean LPC envelopes from\n"
-                    "0 Hz to the frequency range (spectrogram defaults). Frames more than the dynamic range\n"
-                    "below their recording's loudest frame are skipped; the longer recording is cut.");
+    compare->footer(
+        "Every 10 ms: the RMS difference in dB of the two frames' zero-mean LPC envelopes from\n"
+        "0 Hz to the frequency range (spectrogram defaults). Frames more than the dynamic range\n"
+        "below their recording's loudest frame are skipped; the longer recording is cut.\n"
+        "--summary: one line of key=value figures, the second recording brought to the first's\n"
+        "rate by linear interpolation: mcd_db (mel-cepstral distance, 24 coefficients, 25 ms\n"
+        "frames every 5 ms, frames within 40 dB of the loudest), level_db (median level\n"
+        "difference of 20 ms frames within 30 dB of the loudest), f0_err_pct and f0_gross_pct\n"
+        "(median relative f0 error and share of errors over 20 % in frames voiced in both),\n"
+        "f1_err_pct and f2_err_pct (median relative formant errors there), clipped (samples of\n"
+        "the second beyond full scale) and covoiced (frames voiced in both); nan = not measured.");
     compare->add_option("first", o->first, "WAVE file (or parameter document with a model)")->required();
-    compare->add_option("second", o->second, "WAVE file of the same sample rate")->required();
-    compare->add_flag("--summary", o->summary, "Only the lines frames: N and mean_distance_db: X");
+    compare->add_option("second", o->second, "WAVE file of the same sample rate (any rate with --summary)")
+        ->required();
+    compare->add_flag("--summary", o->summary,
+                      "One line judging SECOND as a copy synthesis of FIRST (see the footer)");
     compare->callback([o] { commandCompare(*o); });
 }
 
