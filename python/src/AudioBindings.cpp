@@ -1,12 +1,9 @@
-// tessaphon.synthesize, read_wav, write_wav: audio in and out of the module.
+// tessaphon.synthesize and read_wav: audio into the module (write_wav is in StimulusBindings.cpp).
 #include "Bindings.h"
 #include "PythonDocument.h"
 #include "Samples.h"
 #include "cli/FileBytes.h"
-#include "document/AtomicFile.h"
 #include "document/MemoryBlock.h"
-
-#include <algorithm>
 
 namespace py = pybind11;
 
@@ -51,32 +48,10 @@ py::tuple readWav(const std::string& path)
     return py::make_tuple(floatArray(samples), model.m_dSampleRate);
 }
 
-void writeWav(const std::string& path, const SampleArray& samples, double rate)
-{
-    std::vector<float> values = samplesFrom(samples);
-    checkedRate(rate);
-    py::gil_scoped_release release;
-    // The document's writer wraps a sample at or beyond full scale (+1.0 becomes -32768), as the
-    // workbench always has; samples from Python are limited to the 16-bit range instead.
-    for (float& v : values)
-        v = std::clamp(v, -1.0f, 32767.0f / 32768.0f);
-    MyDocument document;
-    withFile(path, [&] {
-        if (!document.setModelSamples(values, rate))
-            throw BadArgument(path + ": no samples, an unusable sample rate or more than an hour of audio");
-    });
-    values = {};
-    const int error = writeFileAtomically(
-        path, [&document](const PieceWriter& write) { return document.writeWave(2, write); });
-    if (error != 0)
-        throw FileSystemError{path, error};
-}
-
 } // namespace
 
 void bindAudio(py::module_& m)
 {
     m.def("synthesize", &synthesize, py::arg("doc"));
     m.def("read_wav", &readWav, py::arg("path"));
-    m.def("write_wav", &writeWav, py::arg("path"), py::arg("samples"), py::arg("rate"));
 }

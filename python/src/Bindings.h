@@ -8,6 +8,7 @@ void bindDocument(pybind11::module_& m);
 void bindAudio(pybind11::module_& m);
 void bindAnalysis(pybind11::module_& m);
 void bindMaking(pybind11::module_& m);
+void bindStimulus(pybind11::module_& m);
 
 inline constexpr const char* docDocument =
     R"(A parameter document: 48 Klatt parameters over frames of interval_ms.

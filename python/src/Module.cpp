@@ -14,4 +14,5 @@ PYBIND11_MODULE(_tessaphon, m)
     bindAudio(m);
     bindAnalysis(m);
     bindMaking(m);
+    bindStimulus(m);
 }

@@ -31,6 +31,8 @@ void registerErrorTranslation(py::module_&)
                 std::rethrow_exception(failure);
         } catch (const FileSystemError& e) {
             raiseFileSystemError(e);
+        } catch (const FileMessageError& e) {
+            PyErr_SetString(PyExc_OSError, e.message.c_str());
         } catch (const BadArgument& e) {
             PyErr_SetString(PyExc_ValueError, e.what());
         } catch (const OutOfMemory& e) {

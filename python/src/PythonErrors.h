@@ -3,6 +3,7 @@
 // the exceptions below or lets the core's own pass; the translator registered at import turns
 // them into Python exceptions carrying the project's messages:
 //   FileSystemError        -> OSError(errno, reason, file)  (FileNotFoundError, PermissionError, ...)
+//   FileMessageError       -> OSError(message)
 //   BadArgument            -> ValueError(message)
 //   DocumentException      -> MemoryError for "Memory Error", else ValueError("name: reason")
 //   std::bad_alloc         -> MemoryError
@@ -20,6 +21,11 @@ class module_;
 struct FileSystemError {
     std::string path;
     int error;
+};
+
+// A file that cannot be written, known by a message only: OSError with this message.
+struct FileMessageError {
+    std::string message;
 };
 
 // A bad argument or a damaged input: ValueError with this message.

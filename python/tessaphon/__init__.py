@@ -64,16 +64,46 @@ def read_wav(path):
     return _tessaphon.read_wav(str(path))
 
 
-def write_wav(path, samples, rate):
-    """write_wav(path, samples, rate)
+def write_wav(path, samples, rate, *, out_rate=None, normalize=None, ramp_ms=None, pad_ms=None,
+              bits=None, format=None, allow_clip=False):
+    """write_wav(path, samples, rate, *, out_rate=None, normalize=None, ramp_ms=None,
+    pad_ms=None, bits=None, format=None, allow_clip=False) -> dict
 
-    Writes samples (a 1-D array, full scale +-1) as a 16-bit mono PCM WAVE file at rate Hz,
-    replacing the file atomically (it holds its old or its new bytes, never a mixture).
-    Samples beyond full scale are limited to -1 .. 32767/32768, never wrapped. Raises
-    OSError when it cannot be written, ValueError for no samples, NaN or infinite samples, a
-    rate outside 1 Hz .. 1 MHz or more than an hour of audio.
+    Writes samples (a 1-D array, full scale +-1, at rate Hz) to a sound file, replacing it
+    atomically (it holds its old or its new bytes, never a mixture), and answers the file's
+    figures: {"duration_ms", "rate", "rms_db", "peak_db", "clipped", "gain_db"}.
+
+    Without options: a 16-bit mono PCM WAVE file at rate Hz, the file tessaphon-cli synth
+    writes; samples beyond full scale are limited to -1 .. 32767/32768, never wrapped.
+
+    The options are tessaphon-cli synth's stimulus options and work as they do there:
+    out_rate, the file's rate in Hz (8000 .. 192000, resampled); normalize, the level rule
+    "rms:DB" or "peak:DB" (DB from -100 to 0) or "off"; ramp_ms, raised-cosine onset and
+    offset; pad_ms, silence before and after (one number, or (before, after)); bits, 16 or
+    24; format, "wav" or "flac"; allow_clip, write a normalizing gain that would clip
+    instead of refusing it.
+
+    Raises OSError when the file cannot be written, ValueError for no samples, NaN or
+    infinite samples, a rate outside 1 Hz .. 1 MHz, more than an hour of audio, an option
+    out of range or a gain that would clip.
     """
-    _tessaphon.write_wav(str(path), samples, float(rate))
+    options = []
+    if out_rate is not None:
+        options.append(("rate", str(int(out_rate))))
+    if normalize is not None:
+        options.append(("normalize", str(normalize)))
+    if ramp_ms is not None:
+        options.append(("ramp", repr(float(ramp_ms))))
+    if pad_ms is not None:
+        pad = pad_ms if isinstance(pad_ms, (tuple, list)) else (pad_ms,)
+        options.append(("pad", ",".join(repr(float(p)) for p in pad)))
+    if bits is not None:
+        options.append(("bits", str(int(bits))))
+    if format is not None:
+        options.append(("format", str(format)))
+    if allow_clip:
+        options.append(("allow-clip", "1"))
+    return _tessaphon.write_wav(str(path), samples, float(rate), options)
 
 
 def pitch(samples, rate, *, window=35.0, step=10.0, low=50.0, high=500.0, deviation=100.0,

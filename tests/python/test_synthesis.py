@@ -4,6 +4,7 @@ the views are heard and saved, and threads synthesize side by side without chang
 import threading
 
 import numpy as np
+import pytest
 
 import tessaphon
 from conftest import EXAMPLES, cli
@@ -88,3 +89,26 @@ def test_wave_files_round_trip(tmp_path):
     tessaphon.write_wav(tmp_path / "loud.wav", np.array([1.0, 1.5, -1.0, -3.0, 0.25]), 8000)
     loud, _ = tessaphon.read_wav(tmp_path / "loud.wav")
     assert list(loud) == [32767 / 32768, 32767 / 32768, -1.0, -1.0, 0.25]
+
+
+def test_stimulus_options_write_the_tools_stimulus(tmp_path):
+    doc = tessaphon.read(EXAMPLES / "ba.stk")
+    samples = tessaphon.synthesize(doc)
+    figures = tessaphon.write_wav(tmp_path / "ours.wav", samples, doc.sample_rate, out_rate=44100,
+                                  normalize="rms:-23", ramp_ms=10, pad_ms=(100, 50), bits=24)
+    cli("synth", EXAMPLES / "ba.stk", "-o", tmp_path / "theirs.wav", "--rate", 44100, "--normalize", "rms:-23",
+        "--ramp", 10, "--pad", "100,50", "--bits", 24)
+    assert (tmp_path / "ours.wav").read_bytes() == (tmp_path / "theirs.wav").read_bytes()
+    assert figures["rate"] == 44100 and abs(figures["rms_db"] + 23) < 0.05
+    assert abs(figures["duration_ms"] - (len(samples) / doc.sample_rate * 1000 + 150)) < 1
+    stimulus, rate = tessaphon.read_wav(tmp_path / "ours.wav")
+    assert rate == 44100 and not stimulus[: 4410].any() and not stimulus[-2205:].any()
+    plain = tessaphon.write_wav(tmp_path / "plain.wav", samples, doc.sample_rate)
+    assert plain["rate"] == doc.sample_rate and plain["gain_db"] == 0
+    for bad in ({"out_rate": 1000}, {"normalize": "loud"}, {"bits": 12}, {"format": "mp3"}):
+        with pytest.raises(ValueError):
+            tessaphon.write_wav(tmp_path / "bad.wav", samples, doc.sample_rate, **bad)
+    with pytest.raises(ValueError, match="clip"):
+        tessaphon.write_wav(tmp_path / "bad.wav", samples, doc.sample_rate, normalize="rms:-1")
+    with pytest.raises(OSError, match="no-folder"):
+        tessaphon.write_wav(tmp_path / "no-folder" / "x.wav", samples, doc.sample_rate, out_rate=44100)
