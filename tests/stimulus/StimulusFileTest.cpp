@@ -6,6 +6,7 @@
 #include "document/PcmWaveWriter.h"
 #include "stimulus/PendingStimuli.h"
 #include "stimulus/StimulusFile.h"
+#include "stimulus/StimulusOutputFile.h"
 
 #include <gtest/gtest.h>
 #include <sndfile.h>
@@ -167,4 +168,37 @@ TEST(StimulusFile, PlainFiguresCountTheWrappedSamplesAndPendingStimuliComeBackWh
         EXPECT_EQ(back.rate(), 22050);
         EXPECT_THROW(pending.take(3), DocumentException); // taken once
     }
+}
+
+TEST(StimulusOutputFile, SettingsRoundTripAndADamagedFileChangesNothing)
+{
+    StimulusOutput o;
+    for (const auto& [name, value] :
+         std::vector<std::pair<std::string, std::string>>{{"rate", "48000"},
+                                                          {"normalize", "peak:-1.5"},
+                                                          {"allow-clip", ""},
+                                                          {"ramp", "7.5"},
+                                                          {"pad", "10,20"},
+                                                          {"bits", "24"},
+                                                          {"format", "flac"}})
+        ASSERT_TRUE(o.set(name, value, nullptr)) << name;
+    StimulusOutput back;
+    ASSERT_TRUE(StimulusOutputFile::decode(StimulusOutputFile::encode(o), back));
+    EXPECT_EQ(back.commandLine(), o.commandLine());
+    EXPECT_EQ(back.summary(), o.summary());
+    // The defaults written out read back as plain output: Save Audio keeps its own bytes.
+    StimulusOutput plain;
+    ASSERT_TRUE(StimulusOutputFile::decode(StimulusOutputFile::encode(StimulusOutput{}), plain));
+    EXPECT_TRUE(plain.plain());
+    for (const char* damaged : {"rate 44100\nbits 12\n", "speed 2\n", "normalize loud\n"}) {
+        StimulusOutput kept = back;
+        EXPECT_FALSE(StimulusOutputFile::decode(damaged, kept)) << damaged;
+        EXPECT_EQ(kept.commandLine(), back.commandLine()) << damaged;
+    }
+    // Without a place for the file: plain output, and storing says why it cannot.
+    StimulusOutputFile::setDefaultPath("");
+    EXPECT_TRUE(StimulusOutputFile::load().plain());
+    std::string why;
+    EXPECT_FALSE(StimulusOutputFile::store(o, &why));
+    EXPECT_FALSE(why.empty());
 }
