@@ -1,5 +1,6 @@
 // Stimulus files as other programs read them (libsndfile): sample values, widths, formats,
 // levels against their targets, the figures against the files, refusals.
+#include "AudioFileProbe.h"
 #include "SignalProbe.h"
 
 #include "document/DocumentException.h"
@@ -9,7 +10,6 @@
 #include "stimulus/StimulusOutputFile.h"
 
 #include <gtest/gtest.h>
-#include <sndfile.h>
 
 #include <filesystem>
 #include <fstream>
@@ -28,24 +28,11 @@ struct Folder {
     std::string operator/(const char* name) const { return (path / name).string(); }
 };
 
-struct ReadBack {
-    SF_INFO info{};
-    std::vector<int> values; // 32-bit full scale
-    std::vector<float> samples;
-};
+using ReadBack = probe::AudioFile;
 
 ReadBack readBack(const std::string& path)
 {
-    ReadBack r;
-    SNDFILE* f = sf_open(path.c_str(), SFM_READ, &r.info);
-    if (!f)
-        return r;
-    r.values.resize(static_cast<std::size_t>(r.info.frames));
-    sf_read_int(f, r.values.data(), r.info.frames);
-    sf_close(f);
-    for (const int v : r.values)
-        r.samples.push_back(static_cast<float>(v / 2147483648.0));
-    return r;
+    return probe::readAudioFile(path);
 }
 
 std::string bytesOf(const std::string& path)

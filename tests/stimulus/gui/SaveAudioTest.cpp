@@ -1,6 +1,7 @@
 // Save Audio under the Audio Output settings: the file as other programs read it, the save
 // panel's line of settings, and a level that would clip refused with an alert.
 #include "document/MyDocument.h"
+#include "stimulus/AudioFileProbe.h"
 #include "stimulus/StimulusOutputFile.h"
 #include "table/Alert.h"
 #include "table/mainTable.h"
@@ -12,7 +13,6 @@
 #include <QTest>
 #include <QTimer>
 #include <gtest/gtest.h>
-#include <sndfile.h>
 
 #include <cmath>
 #include <filesystem>
@@ -56,22 +56,6 @@ struct SaveFixture {
     }
 };
 
-struct Read {
-    SF_INFO info{};
-    std::vector<double> samples;
-};
-
-Read readAudio(const std::string& path)
-{
-    Read r;
-    if (SNDFILE* f = sf_open(path.c_str(), SFM_READ, &r.info)) {
-        r.samples.resize(static_cast<std::size_t>(r.info.frames));
-        sf_read_double(f, r.samples.data(), r.info.frames);
-        sf_close(f);
-    }
-    return r;
-}
-
 } // namespace
 
 TEST(SaveAudio, WritesTheSynthesisAsTheAudioOutputSettingsSay)
@@ -80,13 +64,13 @@ TEST(SaveAudio, WritesTheSynthesisAsTheAudioOutputSettingsSay)
     f.keep({{"rate", "44100"}, {"normalize", "rms:-20"}, {"ramp", "10"}, {"bits", "24"}});
     const std::string path = (f.folder / "a.wav").string();
     ASSERT_TRUE(f.table->saveAudioTo(QString::fromStdString(path)));
-    const Read r = readAudio(path);
+    const probe::AudioFile r = probe::readAudioFile(path);
     EXPECT_EQ(r.info.samplerate, 44100);
     EXPECT_EQ(r.info.format, SF_FORMAT_WAV | SF_FORMAT_PCM_24);
     EXPECT_NEAR(r.samples.size() / 44100.0, f.doc.getChannel(0)->sampleCount() / 11025.0, 0.001);
     double sum = 0;
-    for (const double v : r.samples)
-        sum += v * v;
+    for (const float v : r.samples)
+        sum += double(v) * v;
     EXPECT_NEAR(10 * std::log10(sum / r.samples.size()), -20.0, 0.1);
     EXPECT_EQ(r.samples.front(), 0.0); // the onset ramp starts from silence
     EXPECT_TRUE(f.alerts.isEmpty()) << f.alerts.join("\n").toStdString();
@@ -119,7 +103,7 @@ TEST(SaveAudio, TheSavePanelShowsTheSettingsAndProposesTheirFormat)
     f.table->_fileSaveAudio();
     EXPECT_EQ(shown.toStdString(), "Audio output: 48000 Hz, 16-bit FLAC (Options > Audio Output...)");
     EXPECT_EQ(filter.toStdString(), "FLAC audio (*.flac)");
-    const Read r = readAudio((f.folder / "panel.flac").string());
+    const probe::AudioFile r = probe::readAudioFile((f.folder / "panel.flac").string());
     EXPECT_EQ(r.info.format, SF_FORMAT_FLAC | SF_FORMAT_PCM_16);
     EXPECT_EQ(r.info.samplerate, 48000);
 }
