@@ -15,9 +15,10 @@
 namespace
 {
 
-QDoubleSpinBox* msField(double maximum)
+QDoubleSpinBox* msField(const char* name, double maximum)
 {
     auto* field = new QDoubleSpinBox;
+    field->setObjectName(QString::fromLatin1(name));
     field->setRange(0.0, maximum);
     field->setDecimals(1);
     field->setSuffix(QStringLiteral(" ms"));
@@ -30,62 +31,24 @@ QDoubleSpinBox* msField(double maximum)
 AudioOutputPanel::AudioOutputPanel(QWidget* parent) : OptionPanel(parent)
 {
     setWindowTitle(tr("Audio Output"));
-    m_pRate = new QComboBox;
-    m_pRate->setObjectName(QStringLiteral("rate"));
-    m_pRate->setEditable(true); // any rate from 8000 to 192000 Hz may be typed
-    m_pRate->addItem(tr("Synthesis rate"), 0);
-    for (const int rate : {16000, 22050, 44100, 48000, 96000})
-        m_pRate->addItem(QString::number(rate), rate);
-    m_pRate->lineEdit()->setValidator(nullptr);
-
-    m_pLevel = new QComboBox;
-    m_pLevel->setObjectName(QStringLiteral("level"));
-    m_pLevel->addItem(tr("As synthesized"), int(StimulusOutput::Level::Unchanged));
-    m_pLevel->addItem(tr("RMS"), int(StimulusOutput::Level::Rms));
-    m_pLevel->addItem(tr("Peak"), int(StimulusOutput::Level::Peak));
-    m_pLevelDb = new QDoubleSpinBox;
-    m_pLevelDb->setObjectName(QStringLiteral("levelDb"));
-    m_pLevelDb->setRange(StimulusOutput::kLowestLevelDb, 0.0);
-    m_pLevelDb->setDecimals(1);
-    m_pLevelDb->setSuffix(QStringLiteral(" dBFS"));
-    m_pLevelDb->setValue(-23.0);
-    auto* levelRow = new QHBoxLayout;
-    levelRow->addWidget(m_pLevel);
-    levelRow->addWidget(m_pLevelDb);
-    m_pAllowClip = new QCheckBox(tr("Write a level that clips (limited to full scale)"));
-    m_pAllowClip->setObjectName(QStringLiteral("allowClip"));
-
-    m_pRamp = msField(StimulusOutput::kMaxRampMS);
-    m_pRamp->setObjectName(QStringLiteral("ramp"));
-    m_pPadBefore = msField(StimulusOutput::kMaxPadMS);
-    m_pPadBefore->setObjectName(QStringLiteral("padBefore"));
-    m_pPadAfter = msField(StimulusOutput::kMaxPadMS);
-    m_pPadAfter->setObjectName(QStringLiteral("padAfter"));
+    auto* form = new QFormLayout;
+    form->addRow(tr("Sample rate (Hz):"), makeRateField());
+    form->addRow(tr("Level:"), makeLevelRow());
+    form->addRow(QString(), m_pAllowClip);
+    m_pRamp = msField("ramp", StimulusOutput::kMaxRampMS);
+    auto* rampRow = new QHBoxLayout;
+    rampRow->addWidget(m_pRamp);
+    rampRow->addStretch();
+    form->addRow(tr("Onset and offset ramps:"), rampRow);
+    m_pPadBefore = msField("padBefore", StimulusOutput::kMaxPadMS);
+    m_pPadAfter = msField("padAfter", StimulusOutput::kMaxPadMS);
     auto* padRow = new QHBoxLayout;
     padRow->addWidget(m_pPadBefore);
     padRow->addWidget(new QLabel(tr("after:")));
     padRow->addWidget(m_pPadAfter);
-
-    m_pBits = new QComboBox;
-    m_pBits->setObjectName(QStringLiteral("bits"));
-    m_pBits->addItem(tr("16-bit"), 16);
-    m_pBits->addItem(tr("24-bit"), 24);
-    m_pFormat = new QComboBox;
-    m_pFormat->setObjectName(QStringLiteral("format"));
-    m_pFormat->addItem(tr("WAVE"), int(StimulusOutput::Format::Wav));
-    m_pFormat->addItem(tr("FLAC"), int(StimulusOutput::Format::Flac));
-    auto* fileRow = new QHBoxLayout;
-    fileRow->addWidget(m_pFormat);
-    fileRow->addWidget(m_pBits);
-    fileRow->addStretch();
-
-    auto* form = new QFormLayout;
-    form->addRow(tr("Sample rate (Hz):"), m_pRate);
-    form->addRow(tr("Level:"), levelRow);
-    form->addRow(QString(), m_pAllowClip);
-    form->addRow(tr("Onset and offset ramps:"), m_pRamp);
+    padRow->addStretch();
     form->addRow(tr("Silence before:"), padRow);
-    form->addRow(tr("File:"), fileRow);
+    form->addRow(tr("File:"), makeFileRow());
 
     m_pSummary = new QLabel;
     m_pSummary->setObjectName(QStringLiteral("summary"));
@@ -109,6 +72,55 @@ AudioOutputPanel::AudioOutputPanel(QWidget* parent) : OptionPanel(parent)
         connect(field, &QDoubleSpinBox::valueChanged, this, &AudioOutputPanel::updateSummary);
     connect(m_pAllowClip, &QCheckBox::toggled, this, &AudioOutputPanel::updateSummary);
     updateSummary();
+}
+
+QComboBox* AudioOutputPanel::makeRateField()
+{
+    m_pRate = new QComboBox;
+    m_pRate->setObjectName(QStringLiteral("rate"));
+    m_pRate->setEditable(true); // any rate from 8000 to 192000 Hz may be typed
+    m_pRate->addItem(tr("Synthesis rate"), 0);
+    for (const int rate : {16000, 22050, 44100, 48000, 96000})
+        m_pRate->addItem(QString::number(rate), rate);
+    return m_pRate;
+}
+
+QLayout* AudioOutputPanel::makeLevelRow()
+{
+    m_pLevel = new QComboBox;
+    m_pLevel->setObjectName(QStringLiteral("level"));
+    m_pLevel->addItem(tr("As synthesized"), int(StimulusOutput::Level::Unchanged));
+    m_pLevel->addItem(tr("RMS"), int(StimulusOutput::Level::Rms));
+    m_pLevel->addItem(tr("Peak"), int(StimulusOutput::Level::Peak));
+    m_pLevelDb = new QDoubleSpinBox;
+    m_pLevelDb->setObjectName(QStringLiteral("levelDb"));
+    m_pLevelDb->setRange(StimulusOutput::kLowestLevelDb, 0.0);
+    m_pLevelDb->setDecimals(1);
+    m_pLevelDb->setSuffix(QStringLiteral(" dBFS"));
+    m_pLevelDb->setValue(-23.0);
+    m_pAllowClip = new QCheckBox(tr("Write a level that clips (limited to full scale)"));
+    m_pAllowClip->setObjectName(QStringLiteral("allowClip"));
+    auto* row = new QHBoxLayout;
+    row->addWidget(m_pLevel);
+    row->addWidget(m_pLevelDb);
+    return row;
+}
+
+QLayout* AudioOutputPanel::makeFileRow()
+{
+    m_pBits = new QComboBox;
+    m_pBits->setObjectName(QStringLiteral("bits"));
+    m_pBits->addItem(tr("16-bit"), 16);
+    m_pBits->addItem(tr("24-bit"), 24);
+    m_pFormat = new QComboBox;
+    m_pFormat->setObjectName(QStringLiteral("format"));
+    m_pFormat->addItem(tr("WAVE"), int(StimulusOutput::Format::Wav));
+    m_pFormat->addItem(tr("FLAC"), int(StimulusOutput::Format::Flac));
+    auto* row = new QHBoxLayout;
+    row->addWidget(m_pFormat);
+    row->addWidget(m_pBits);
+    row->addStretch();
+    return row;
 }
 
 int AudioOutputPanel::run(QWidget* parent)

@@ -11,6 +11,7 @@ class QCheckBox;
 class QComboBox;
 class QDoubleSpinBox;
 class QLabel;
+class QLayout;
 
 class AudioOutputPanel : public OptionPanel
 {
@@ -33,6 +34,9 @@ protected:
     bool mayAccept() override;
 
 private:
+    QComboBox* makeRateField();
+    QLayout* makeLevelRow();
+    QLayout* makeFileRow();
     void updateSummary();
 
     QComboBox* m_pRate;
