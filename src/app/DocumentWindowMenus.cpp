@@ -4,7 +4,7 @@
 #include "app/WorkbenchApplication.h"
 #include "document/MyDocument.h"
 #include "stimulus/gui/AudioOutputPanel.h"
-#include "table/mainTable.h"
+#include "table/gui/mainTable.h"
 
 #include <QAction>
 #include <QFileInfo>

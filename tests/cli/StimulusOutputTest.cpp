@@ -1,11 +1,11 @@
 // The output options of synth and continuum as a user runs them, the files checked from
 // outside (libsndfile): rates, levels, ramps, figures in the manifests, refusals, new folders.
 #include "CliRunner.h"
-#include "stimulus/AudioFileProbe.h"
-#include "stimulus/SignalProbe.h"
+#include "support/AudioFileProbe.h"
+#include "support/SignalProbe.h"
 
-#include "continuum/TestDocument.h"
 #include "document/MyDocument.h"
+#include "support/TestDocument.h"
 
 #include <gtest/gtest.h>
 

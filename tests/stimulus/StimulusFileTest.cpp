@@ -1,7 +1,7 @@
 // Stimulus files as other programs read them (libsndfile): sample values, widths, formats,
 // levels against their targets, the figures against the files, refusals.
-#include "AudioFileProbe.h"
-#include "SignalProbe.h"
+#include "support/AudioFileProbe.h"
+#include "support/SignalProbe.h"
 
 #include "document/DocumentException.h"
 #include "document/PcmWaveWriter.h"

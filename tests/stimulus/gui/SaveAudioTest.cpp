@@ -1,10 +1,10 @@
 // Save Audio under the Audio Output settings: the file as other programs read it, the save
 // panel's line of settings, and a level that would clip refused with an alert.
 #include "document/MyDocument.h"
-#include "stimulus/AudioFileProbe.h"
 #include "stimulus/StimulusOutputFile.h"
-#include "table/Alert.h"
-#include "table/mainTable.h"
+#include "support/AudioFileProbe.h"
+#include "table/gui/Alert.h"
+#include "table/gui/mainTable.h"
 
 #include <QApplication>
 #include <QFileDialog>
