@@ -6,6 +6,7 @@
 #include "app/WorkbenchApplication.h"
 #include "audio/RecordModelDialog.h"
 #include "continuum/gui/ContinuumDialog.h"
+#include "document/CountedText.h"
 #include "document/MyDocument.h"
 #include "table/mainTable.h"
 
@@ -192,6 +193,11 @@ bool DocumentWindow::loadModelRecordingFrom(const QString& path)
     if (modelMS != gridMS)
         message += tr("; the grid is %1 ms long and keeps its time axis").arg(gridMS);
     statusBar()->showMessage(message, 15000);
+    if (m_pDoc->isWaveShort())
+        alert(tr("The recording “%1” stops early.").arg(QFileInfo(path).fileName()),
+              tr("Its sample data holds %1 of the %2 it declares.")
+                  .arg(QString::fromStdString(countedText(m_pDoc->waveSamplesPresent(), "sample", "samples")))
+                  .arg(m_pDoc->waveSamplesDeclared()));
     return true;
 }
 

@@ -37,9 +37,10 @@ void synthesizeDocument(const std::string& input, const std::string& output)
     document->Synthesize();
     // The WAVE image goes to the file piece by piece, never held whole.
     writeWholeFile(output, [&document](const PieceWriter& write) { return document->writeWave(0, write); });
-    // The file is written all the same: the samples beyond full scale were limited.
-    if (const std::string clipping = document->clippingReport(); !clipping.empty())
-        cliWarning(output, clipping);
+    // The file is written all the same: the samples beyond full scale were limited, and a
+    // silent file is what the table asks for.
+    if (const std::string warning = document->synthesisWarning(); !warning.empty())
+        cliWarning(output, warning);
 }
 
 struct SynthOptions {

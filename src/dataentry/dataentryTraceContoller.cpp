@@ -81,6 +81,11 @@ dataentryTraceContoller::dataentryTraceContoller(MyDocument* doc, mainTable* tab
         });
     connect(m_viewSpectrogram, &viewSpectrogram::computingChanged, this,
             &dataentryTraceContoller::spectrogramComputing);
+    connect(&m_entryAnalysis, &SpectrogramWorker::finished, this,
+            [this](std::shared_ptr<const SpectrogramWorker::Result> result) {
+                if (m_pDoc && m_bEnterPending)
+                    enterAllDataNow(result->computation);
+            });
     setmaintableID(table);
     windowDidLoad();
 }
@@ -179,6 +184,15 @@ void dataentryTraceContoller::setupViews()
     m_viewAmplitudes->setup();
 }
 
+void dataentryTraceContoller::analysisSettingsChanged()
+{
+    // setup() takes the document's settings and computes the pitch track and the spectrogram
+    // again (in the background for the spectrogram); the old picture shows until then.
+    m_viewPitch->setup();
+    m_viewSpectrogram->setup();
+    m_viewAmplitudes->setup();
+}
+
 void dataentryTraceContoller::actionTrace(Button button)
 {
     if (!m_pDoc)
@@ -241,26 +255,41 @@ void dataentryTraceContoller::actionEnterAllData()
                   QStringLiteral("OK"));
         return;
     }
-    // The formants come from the spectrogram being computed: the entry waits for it.
-    if (m_viewSpectrogram->isComputing() || !m_viewSpectrogram->getHandle()) {
-        m_bEnterPending = true;
-        m_status->setText(QStringLiteral("Enter All Data runs when the spectrogram is ready"));
-        if (!m_viewSpectrogram->isComputing())
-            m_viewSpectrogram->DoSpectrogramOperation();
-        return;
-    }
-    enterAllDataNow();
+    // The entry reads an analysis of its own, made now with the document's current settings:
+    // the picture on screen has one frame per pixel column, too few for a long recording.
+    m_bEnterPending = true;
+    m_status->setText(QStringLiteral("Enter All Data runs when the analysis is ready"));
+    m_entryAnalysis.start(*m_pDoc->getChannel(2), SpectrogramSettings::fromDocument(*m_pDoc),
+                          TraceDataEntry::entryAnalysisWidth(*m_pDoc), TraceDataEntry::kDefaultSpectrogramHeight);
 }
 
-void dataentryTraceContoller::enterAllDataNow()
+namespace
+{
+// What an entry put into the table, in the status line's words; only the tracks the analysis had.
+QString enteredTracks(const PitchTrackComputation& pitch, const SpectrogramComputation& analysis)
+{
+    QStringList entered;
+    if (pitch.m_bHavePitch && pitch.m_nFrameCount > 0)
+        entered << QStringLiteral("f0");
+    if (analysis.m_bHaveFormants && analysis.m_nFormantsFrames > 0)
+        entered << QStringLiteral("f1 - f5") << QStringLiteral("a1f - a5f");
+    if (entered.isEmpty())
+        return QStringLiteral("Nothing entered: the analysis found neither pitch nor formants");
+    const QString last = entered.takeLast();
+    return QStringLiteral("Entered %1 from the analysis")
+        .arg(entered.isEmpty() ? last : entered.join(QStringLiteral(", ")) + QStringLiteral(" and ") + last);
+}
+} // namespace
+
+void dataentryTraceContoller::enterAllDataNow(const SpectrogramComputation& analysis)
 {
     m_bEnterPending = false;
     try {
         TraceDataEntry::enterAllData(*m_pDoc, m_viewPitch->lists(), m_viewSpectrogram->lists(),
-                                     m_viewAmplitudes->lists(), m_viewPitch->pitchTrack(),
-                                     *m_viewSpectrogram->getHandle());
-        m_status->setText(QStringLiteral("Entered f0, f1 - f5 and a1f - a5f from the analysis"));
+                                     m_viewAmplitudes->lists(), m_viewPitch->pitchTrack(), analysis);
+        m_status->setText(enteredTracks(m_viewPitch->pitchTrack(), analysis));
     } catch (const std::exception& e) {
+        m_status->clear();
         showSheet(QStringLiteral("Error in entering data values"), QString::fromStdString(e.what()),
                   QStringLiteral("Close"));
     }
@@ -275,9 +304,8 @@ void dataentryTraceContoller::enterAllDataNow()
 
 void dataentryTraceContoller::spectrogramComputing(bool computing)
 {
-    m_status->setText(computing ? QStringLiteral("Computing spectrogram\u2026") : QString());
-    if (!computing && m_bEnterPending)
-        enterAllDataNow();
+    if (!m_bEnterPending)
+        m_status->setText(computing ? QStringLiteral("Computing spectrogram\u2026") : QString());
 }
 
 void dataentryTraceContoller::actionViewOldData(bool show)

@@ -13,6 +13,7 @@
 // entry uses as its default). The controller owns its window; the table owns the controller.
 // Main thread only.
 #include "dataentry/DataEntryControls.h"
+#include "display/gui/SpectrogramWorker.h"
 #include "table/DataEntryController.h"
 
 #include <QColor>
@@ -51,6 +52,8 @@ public:
 
     // DataEntryController: after undo, redo and revert.
     void setupViews() override;
+    // The analysis settings or the model changed: the views' analyses are computed again.
+    void analysisSettingsChanged() override;
     QWidget* window() override;
 
     void setmaintableID(mainTable* table);
@@ -82,7 +85,8 @@ public:
     QScrollBar* scrollBar() const { return m_scrollBar; }
     // The last sheet shown (nullptr when none is open).
     QMessageBox* sheet() const { return m_sheet; }
-    // Enter All Data was asked for while the spectrogram was computing: it runs on arrival.
+    // Enter All Data was asked for and waits for its analysis (computed in the background with
+    // at least one frame per document frame, whatever the window's size): it runs on arrival.
     bool enterAllDataPending() const { return m_bEnterPending; }
 
     void specialWindowDidResize(int w, int h);
@@ -96,7 +100,7 @@ private:
     void makeShortcuts();
     void showSheet(const QString& title, const QString& message, const QString& buttonText);
     void spectrogramComputing(bool computing);
-    void enterAllDataNow();
+    void enterAllDataNow(const SpectrogramComputation& analysis);
     void forward(void (mainTable::*command)());
     std::array<TraceView*, 3> views() const;
 
@@ -115,4 +119,5 @@ private:
     QPointer<QMessageBox> m_sheet;
     std::function<void()> m_save;
     bool m_bEnterPending = false;
+    SpectrogramWorker m_entryAnalysis;
 };

@@ -19,6 +19,7 @@ namespace testsignals = signals;
 
 #include <QApplication>
 #include <QCheckBox>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
@@ -203,6 +204,90 @@ TEST_F(TraceWindow, EnterAllDataEqualsTheCommandLineByteForByte)
     std::filesystem::remove_all(folder);
 }
 
+TEST_F(TraceWindow, EnterAllDataAndEachDragAreOneUndoStepEach)
+{
+    open(1.0);
+    ASSERT_TRUE(spectrogramReady());
+    const int before = value(50, Row::f1);
+    QTest::keyClick(controller->window(), Qt::Key_E, Qt::ControlModifier);
+    ASSERT_TRUE(waitFor([&] { return !controller->enterAllDataPending(); }));
+    const int entered = value(50, Row::f1);
+    const int enteredF0 = value(20, Row::f0);
+    ASSERT_NE(entered, before);
+    EXPECT_EQ(controller->statusLabel()->text(), "Entered f0, f1 - f5 and a1f - a5f from the analysis");
+
+    // Two strokes on the pitch view, at frames 20 and 30.
+    viewPitch& pitch = *controller->_viewPitch();
+    const int columns = doc.getChannel(0)->m_nColumnNum;
+    for (int column : {20, 30}) {
+        const QPointF at((column - 0.5) * pitch.width() / columns, 0.0);
+        drag(pitch, at);
+        release(pitch, at);
+    }
+    const int drawn = value(20, Row::f0);
+    ASSERT_NE(drawn, enteredF0);
+    ASSERT_EQ(value(30, Row::f0), drawn);
+
+    // Each Ctrl+Z undoes the last edit only: the second stroke, the first, then the entry.
+    const auto key = [&](Qt::KeyboardModifiers modifiers) {
+        QTest::keyClick(controller->window(), Qt::Key_Z, modifiers);
+    };
+    key(Qt::ControlModifier);
+    EXPECT_NE(value(30, Row::f0), drawn);
+    EXPECT_EQ(value(20, Row::f0), drawn);
+    EXPECT_EQ(value(50, Row::f1), entered);
+    key(Qt::ControlModifier);
+    EXPECT_EQ(value(20, Row::f0), enteredF0);
+    EXPECT_EQ(value(50, Row::f1), entered);
+    key(Qt::ControlModifier);
+    EXPECT_EQ(value(50, Row::f1), before);
+    EXPECT_FALSE(doc.canUndo());
+
+    // Redo brings them back one at a time.
+    key(Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(value(50, Row::f1), entered);
+    EXPECT_EQ(value(20, Row::f0), enteredF0);
+    key(Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(value(20, Row::f0), drawn);
+    EXPECT_NE(value(30, Row::f0), drawn);
+    key(Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(value(30, Row::f0), drawn);
+    EXPECT_FALSE(doc.canRedo());
+}
+
+TEST_F(TraceWindow, EnterAllDataFillsEveryFrameWhateverTheWindowsWidth)
+{
+    // 8 s: more frames (800) than the spectrogram view has pixel columns.
+    const auto folder =
+        std::filesystem::temp_directory_path() / ("tessaphon-trace-long-" + std::to_string(::getpid()));
+    std::filesystem::create_directories(folder);
+    const std::string wav = (folder / "vowel.wav").string();
+    std::ofstream(wav, std::ios::binary) << vowelWave(8.0);
+    open(8.0);
+    controller->window()->resize(500, 400);
+    const int columns = doc.getChannel(0)->m_nColumnNum;
+    ASSERT_GT(columns, controller->_viewSpectrogram()->width());
+    constexpr int kUntouched = 4321;
+    for (int k = 1; k <= columns; ++k)
+        doc._dataTableDictionary.cellAt(k * 10LL, Row::f1)->set_nValue(kUntouched);
+    QTest::keyClick(controller->window(), Qt::Key_E, Qt::ControlModifier);
+    ASSERT_TRUE(waitFor([&] { return !controller->enterAllDataPending(); }));
+    int untouched = 0;
+    for (int k = 1; k <= columns; ++k)
+        untouched += value(k, Row::f1) == kUntouched;
+    EXPECT_EQ(untouched, 0) << "of " << columns << " frames";
+
+    // The command line enters the same values.
+    std::string error;
+    const std::string windowCopy = (folder / "window.stk").string();
+    ASSERT_TRUE(doc.writeSafelyToURL(windowCopy, "stk", &error)) << error;
+    const std::string cliCopy = (folder / "cli.stk").string();
+    const std::string command = std::string(TESSAPHON_CLI) + " trace " + wav + " -o " + cliCopy;
+    ASSERT_EQ(std::system(command.c_str()), 0);
+    EXPECT_TRUE(slurp(windowCopy) == slurp(cliCopy));
+    std::filesystem::remove_all(folder);
+}
+
 TEST_F(TraceWindow, EntryErrorsShowTheirSheets)
 {
     // A 2 s recording loaded into a 1 s grid: the pitch track is longer than the grid.
@@ -213,6 +298,7 @@ TEST_F(TraceWindow, EntryErrorsShowTheirSheets)
     ASSERT_TRUE(spectrogramReady());
     ASSERT_FALSE(doc.canUndo());
     controller->actionEnterAllData();
+    ASSERT_TRUE(waitFor([&] { return !controller->enterAllDataPending(); }));
     ASSERT_NE(controller->sheet(), nullptr);
     EXPECT_EQ(controller->sheet()->text(), "Error in entering data values");
     EXPECT_TRUE(doc.canUndo()); // the undo step was saved before the entry
