@@ -125,6 +125,7 @@ void DocumentWindow::closeEvent(QCloseEvent* event)
     }
     m_pTable->stopPlayback();
     removeAutosave(); // saved, or its changes let go on purpose
+    m_bClosed = true;
     event->accept();
 }
 

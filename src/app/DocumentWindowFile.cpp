@@ -11,6 +11,7 @@
 #include "table/mainTable.h"
 
 #include <QDesktopServices>
+#include <QDir>
 #include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -263,7 +264,16 @@ void DocumentWindow::saveModelAudio()
 void DocumentWindow::makeContinuum()
 {
     ContinuumDialog dialog(*m_pDoc, filePath(), this);
-    connect(&dialog, &ContinuumDialog::continuumWritten, this,
-            [](const QString& folder) { QDesktopServices::openUrl(QUrl::fromLocalFile(folder)); });
+    QString written;
+    connect(&dialog, &ContinuumDialog::continuumWritten, this, [&written](const QString& folder) {
+        written = folder;
+        QDesktopServices::openUrl(QUrl::fromLocalFile(folder));
+    });
     dialog.exec();
+    // Said in words as well: a desktop without a file manager opens nothing.
+    if (!written.isEmpty()) {
+        const QString where = QDir(written).absolutePath();
+        statusBar()->showMessage(tr("Continuum written to %1").arg(where));
+        alert(tr("The continuum is written."), tr("Its documents are in the folder “%1”.").arg(where));
+    }
 }

@@ -49,6 +49,7 @@ dataentryGraphicalController::dataentryGraphicalController(MyDocument* doc, main
     m_timeAxis = new TimeAxisZoom(this);
     m_timeAxis->setFrameSource([this] { return m_pDoc ? m_pDoc->getChannel(0)->m_nColumnNum : 0; });
     m_scrollBar = new QScrollBar(Qt::Horizontal, m_content);
+    m_scrollBar->setFocusPolicy(Qt::NoFocus);
     m_timeAxis->attach(m_scrollBar);
     for (TrackPlotView* view : views()) {
         view->setTimeAxis(m_timeAxis);
@@ -94,7 +95,7 @@ void dataentryGraphicalController::makeControls()
 {
     // Radio behaviour is ours: a click on the pressed button keeps it pressed.
     m_controls.emplace(
-        m_content, kWellWidth, true, this, [this](Button b) { actionParameter(b); },
+        m_content, kWellWidth, this, [this](Button b) { actionParameter(b); },
         [this](int well, const QColor& color) { actionColor(well, color); });
     m_content->installEventFilter(this);
     m_window->installEventFilter(this);
@@ -107,11 +108,16 @@ void dataentryGraphicalController::makeMenus()
     m_undo->setShortcut(QKeySequence::Undo);
     m_redo = edit->addAction(QStringLiteral("Redo"), this, &dataentryGraphicalController::redo);
     m_redo->setShortcut(QKeySequence::Redo);
+    // The keys of the document window's Play menu, shown here as there.
     QMenu* play = m_window->menuBar()->addMenu(QStringLiteral("&Play"));
-    play->addAction(QStringLiteral("Play Current"), this, &dataentryGraphicalController::_PlayCurrent);
-    play->addAction(QStringLiteral("Play Previous"), this, &dataentryGraphicalController::_PlayPrevious);
-    m_playAudio =
-        play->addAction(QStringLiteral("Play Model"), this, &dataentryGraphicalController::_PlayAudio);
+    play->addAction(QStringLiteral("Play Current"), QKeySequence(Qt::Key_Space), this,
+                    &dataentryGraphicalController::_PlayCurrent);
+    play->addAction(QStringLiteral("Play Selection"), QKeySequence(QStringLiteral("Shift+Space")), this,
+                    &dataentryGraphicalController::_PlaySelection);
+    play->addAction(QStringLiteral("Play Previous"), QKeySequence(QStringLiteral("Ctrl+Shift+Space")), this,
+                    &dataentryGraphicalController::_PlayPrevious);
+    m_playAudio = play->addAction(QStringLiteral("Play Model"), QKeySequence(QStringLiteral("Ctrl+M")), this,
+                                  &dataentryGraphicalController::_PlayAudio);
     QMenu* view = m_window->menuBar()->addMenu(QStringLiteral("&View"));
     view->addActions(m_timeAxis->makeActions(m_window.get()));
     connect(edit, &QMenu::aboutToShow, this, &dataentryGraphicalController::validateMenus);
@@ -193,6 +199,11 @@ void dataentryGraphicalController::_PlayCurrent()
 {
     forward(&mainTable::_PlayCurrent);
 }
+void dataentryGraphicalController::_PlaySelection()
+{
+    forward(&mainTable::_PlaySelection);
+}
+
 void dataentryGraphicalController::_PlayPrevious()
 {
     forward(&mainTable::_PlayPrevious);

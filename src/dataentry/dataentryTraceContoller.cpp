@@ -46,7 +46,7 @@ constexpr int kStrip = 26; // the strip along the bottom: Enter All Data, View O
 constexpr int kGap = DataEntryControls::kGap;
 constexpr int kWellWidth = 26;
 constexpr int kViewOldWidth = 115; // the View Old Data check box
-constexpr int kStatusWidth = 170;  // the pointer's readout
+constexpr int kStatusWidth = 250;  // the pointer's readout and the entry's report
 
 } // namespace
 
@@ -70,14 +70,14 @@ dataentryTraceContoller::dataentryTraceContoller(MyDocument* doc, mainTable* tab
     // The readout named the time under the pointer before the axis moved.
     connect(m_timeAxis, &TimeAxisZoom::changed, this, [this] {
         if (!m_viewSpectrogram->isComputing())
-            m_status->clear();
+            showStatus({});
     });
     makeControls();
     makeShortcuts();
     for (TraceView* view : views())
         connect(view, &TraceView::pointerReadout, this, [this](const QString& text) {
             if (!m_viewSpectrogram->isComputing())
-                m_status->setText(text);
+                showStatus(text);
         });
     connect(m_viewSpectrogram, &viewSpectrogram::computingChanged, this,
             &dataentryTraceContoller::spectrogramComputing);
@@ -112,7 +112,7 @@ void dataentryTraceContoller::setmaintableID(mainTable* table)
 void dataentryTraceContoller::makeControls()
 {
     m_controls.emplace(
-        m_window.get(), kWellWidth, false, this, [this](Button b) { actionTrace(b); },
+        m_window.get(), kWellWidth, this, [this](Button b) { actionTrace(b); },
         [this](int well, const QColor& color) { actionColor(well, color); });
     m_enterAllData = new QPushButton(QStringLiteral("Enter All Data"), m_window.get());
     m_enterAllData->setFocusPolicy(Qt::NoFocus);
@@ -140,6 +140,7 @@ void dataentryTraceContoller::makeShortcuts()
     add(QKeySequence::Undo, &dataentryTraceContoller::undo);
     add(QKeySequence(QStringLiteral("Ctrl+Shift+Z")), &dataentryTraceContoller::redo);
     add(QKeySequence(Qt::Key_Space), &dataentryTraceContoller::_PlayCurrent);
+    add(QKeySequence(QStringLiteral("Shift+Space")), &dataentryTraceContoller::_PlaySelection);
     add(QKeySequence(QStringLiteral("Ctrl+Shift+Space")), &dataentryTraceContoller::_PlayPrevious);
     add(QKeySequence(QStringLiteral("Ctrl+M")), &dataentryTraceContoller::_PlayAudio);
     m_window->addActions(m_timeAxis->makeActions(m_window.get()));
@@ -258,7 +259,7 @@ void dataentryTraceContoller::actionEnterAllData()
     // The entry reads an analysis of its own, made now with the document's current settings:
     // the picture on screen has one frame per pixel column, too few for a long recording.
     m_bEnterPending = true;
-    m_status->setText(QStringLiteral("Enter All Data runs when the analysis is ready"));
+    showStatus(QStringLiteral("Enter All Data runs when the analysis is ready"));
     m_entryAnalysis.start(*m_pDoc->getChannel(2), SpectrogramSettings::fromDocument(*m_pDoc),
                           TraceDataEntry::entryAnalysisWidth(*m_pDoc), TraceDataEntry::kDefaultSpectrogramHeight);
 }
@@ -287,9 +288,9 @@ void dataentryTraceContoller::enterAllDataNow(const SpectrogramComputation& anal
     try {
         TraceDataEntry::enterAllData(*m_pDoc, m_viewPitch->lists(), m_viewSpectrogram->lists(),
                                      m_viewAmplitudes->lists(), m_viewPitch->pitchTrack(), analysis);
-        m_status->setText(enteredTracks(m_viewPitch->pitchTrack(), analysis));
+        showStatus(enteredTracks(m_viewPitch->pitchTrack(), analysis));
     } catch (const std::exception& e) {
-        m_status->clear();
+        showStatus({});
         showSheet(QStringLiteral("Error in entering data values"), QString::fromStdString(e.what()),
                   QStringLiteral("Close"));
     }
@@ -305,7 +306,7 @@ void dataentryTraceContoller::enterAllDataNow(const SpectrogramComputation& anal
 void dataentryTraceContoller::spectrogramComputing(bool computing)
 {
     if (!m_bEnterPending)
-        m_status->setText(computing ? QStringLiteral("Computing spectrogram\u2026") : QString());
+        showStatus(computing ? QStringLiteral("Computing spectrogram\u2026") : QString());
 }
 
 void dataentryTraceContoller::actionViewOldData(bool show)
@@ -341,6 +342,10 @@ void dataentryTraceContoller::redo()
 void dataentryTraceContoller::_PlayCurrent()
 {
     forward(&mainTable::_PlayCurrent);
+}
+void dataentryTraceContoller::_PlaySelection()
+{
+    forward(&mainTable::_PlaySelection);
 }
 void dataentryTraceContoller::_PlayPrevious()
 {
@@ -380,4 +385,15 @@ void dataentryTraceContoller::specialWindowDidResize(int w, int h)
     m_scrollBar->setGeometry(kMargin, stripTop + 3, std::max(viewOldLeft - kGap - kMargin, 0), kStrip - 10);
     m_viewOldData->setGeometry(viewOldLeft + kGap, stripTop, kViewOldWidth - kGap, kStrip - 4);
     m_status->setGeometry(statusLeft, stripTop, right - statusLeft, kStrip - 4);
+    showStatus(m_statusText);
+}
+
+void dataentryTraceContoller::showStatus(const QString& text)
+{
+    // The strip has room for one line: a longer text is cut with an ellipsis and shown whole
+    // in the tool tip.
+    m_statusText = text;
+    const QString shown = m_status->fontMetrics().elidedText(text, Qt::ElideRight, m_status->width());
+    m_status->setText(shown);
+    m_status->setToolTip(shown == text ? QString() : text);
 }

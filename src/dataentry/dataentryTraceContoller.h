@@ -70,6 +70,7 @@ public:
     void undo();
     void redo();
     void _PlayCurrent();
+    void _PlaySelection();
     void _PlayPrevious();
     void _PlayAudio();
 
@@ -80,6 +81,8 @@ public:
     QPushButton* _EnterAllData() const { return m_enterAllData; }
     QCheckBox* _ViewOldData() const { return m_viewOldData; }
     QLabel* statusLabel() const { return m_status; }
+    // The status line's whole text (the label shows it elided when it is too long).
+    QString statusText() const { return m_statusText; }
     // The zoom and scroll position the three views share, and its scroll bar.
     TimeAxisZoom* timeAxis() const { return m_timeAxis; }
     QScrollBar* scrollBar() const { return m_scrollBar; }
@@ -100,6 +103,7 @@ private:
     void makeShortcuts();
     void showSheet(const QString& title, const QString& message, const QString& buttonText);
     void spectrogramComputing(bool computing);
+    void showStatus(const QString& text);
     void enterAllDataNow(const SpectrogramComputation& analysis);
     void forward(void (mainTable::*command)());
     std::array<TraceView*, 3> views() const;
@@ -114,6 +118,7 @@ private:
     QPushButton* m_enterAllData = nullptr;
     QCheckBox* m_viewOldData = nullptr;
     QLabel* m_status = nullptr;
+    QString m_statusText;
     TimeAxisZoom* m_timeAxis = nullptr;
     QScrollBar* m_scrollBar = nullptr;
     QPointer<QMessageBox> m_sheet;

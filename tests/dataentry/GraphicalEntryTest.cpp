@@ -11,9 +11,14 @@
 
 #include <QApplication>
 #include <QImage>
+#include <QMainWindow>
+#include <QMenu>
+#include <QMenuBar>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QTest>
 
+#include <map>
 #include <memory>
 
 namespace
@@ -222,4 +227,35 @@ TEST(GraphicalEntryFromTheTable, FollowsThePointerEditsTheTablesOwnCellsAndUndoe
     EXPECT_EQ(cellValue(doc, 4, Row::f0), 2000);
     dragThrough(plot, {{70, 50}, {70, 50}});
     EXPECT_EQ(cellValue(doc, 4, Row::f0), 1500);
+}
+
+TEST(GraphicalEntryFromTheTable, PlayKeysWorkWhateverWasClickedAndTheMenuShowsThem)
+{
+    MyDocument doc;
+    mainTable table(&doc);
+    dataentryGraphicalController controller(&doc, &table);
+    QWidget* window = controller.window();
+    window->show();
+    window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window));
+
+    // A clicked track button keeps no focus: Space plays and leaves the buttons as they were.
+    QTest::mouseClick(controller.button(dataentryGraphicalController::F2), Qt::LeftButton);
+    EXPECT_FALSE(controller.button(dataentryGraphicalController::F2)->hasFocus());
+    QSignalSpy synthesized(&table, &mainTable::synthesized);
+    QTest::keyClick(QApplication::focusWidget() ? QApplication::focusWidget() : window, Qt::Key_Space);
+    EXPECT_TRUE(synthesized.wait(3000)) << "Space synthesized and played the table";
+    EXPECT_TRUE(controller.button(dataentryGraphicalController::F2)->isChecked());
+    EXPECT_FALSE(controller.button(dataentryGraphicalController::F0)->isChecked());
+
+    // The Play menu names the same keys as the document window's.
+    std::map<QString, QString> keys;
+    for (QAction* menu : static_cast<QMainWindow*>(window)->menuBar()->actions())
+        if (menu->menu())
+            for (QAction* action : menu->menu()->actions())
+                keys[action->text()] = action->shortcut().toString();
+    EXPECT_EQ(keys["Play Current"], "Space");
+    EXPECT_EQ(keys["Play Selection"], "Shift+Space");
+    EXPECT_EQ(keys["Play Previous"], "Ctrl+Shift+Space");
+    EXPECT_EQ(keys["Play Model"], "Ctrl+M");
 }

@@ -214,7 +214,11 @@ TEST_F(TraceWindow, EnterAllDataAndEachDragAreOneUndoStepEach)
     const int entered = value(50, Row::f1);
     const int enteredF0 = value(20, Row::f0);
     ASSERT_NE(entered, before);
-    EXPECT_EQ(controller->statusLabel()->text(), "Entered f0, f1 - f5 and a1f - a5f from the analysis");
+    EXPECT_EQ(controller->statusText(), "Entered f0, f1 - f5 and a1f - a5f from the analysis");
+    // The label shows what fits of it, the rest ends in an ellipsis; nothing runs off its edge.
+    const QLabel& label = *controller->statusLabel();
+    EXPECT_LE(label.fontMetrics().horizontalAdvance(label.text()), label.width());
+    EXPECT_TRUE(label.text() == controller->statusText() || label.text().endsWith(QChar(0x2026)));
 
     // Two strokes on the pitch view, at frames 20 and 30.
     viewPitch& pitch = *controller->_viewPitch();
@@ -286,6 +290,24 @@ TEST_F(TraceWindow, EnterAllDataFillsEveryFrameWhateverTheWindowsWidth)
     ASSERT_EQ(std::system(command.c_str()), 0);
     EXPECT_TRUE(slurp(windowCopy) == slurp(cliCopy));
     std::filesystem::remove_all(folder);
+}
+
+TEST_F(TraceWindow, FormantTrackingSwitchedOnWhileOpenIsEnteredAndReportedTruly)
+{
+    doc.m_bSpecDrawFormantTracking = 0;
+    open(1.0);
+    ASSERT_TRUE(spectrogramReady());
+    EXPECT_FALSE(controller->_viewSpectrogram()->getHandle()->m_bHaveFormants);
+
+    // The options panel switches tracking on and tells the window.
+    doc.m_bSpecDrawFormantTracking = 1;
+    controller->analysisSettingsChanged();
+    ASSERT_TRUE(spectrogramReady());
+    EXPECT_TRUE(controller->_viewSpectrogram()->getHandle()->m_bHaveFormants) << "the picture was computed again";
+    controller->actionEnterAllData();
+    ASSERT_TRUE(waitFor([&] { return !controller->enterAllDataPending(); }));
+    EXPECT_NEAR(value(50, Row::f1), 700, 40);
+    EXPECT_EQ(controller->statusText(), "Entered f0, f1 - f5 and a1f - a5f from the analysis");
 }
 
 TEST_F(TraceWindow, EntryErrorsShowTheirSheets)
