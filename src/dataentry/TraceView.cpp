@@ -124,6 +124,7 @@ void TraceView::mousePressEvent(QMouseEvent* event)
         m_arraytrace.clear();
     m_nFollowedColumn = -1;
     m_nPendingColumn = -1;
+    m_stroke.reset();
     _pDoc->saveUndo();
     m_bDrawing = true;
 }
@@ -148,6 +149,7 @@ void TraceView::dragTo(const QPointF& p)
     if (column < 0)
         return;
     followInTable(column + 1);
+    m_stroke.add(column + 1);
     if (keepsDragTrace())
         m_arraytrace.push_back(p);
     const int value = valueAt(p.y());

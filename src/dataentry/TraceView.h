@@ -14,6 +14,7 @@
 //   value under the pointer  = trunc((H - y) x full scale / H).
 // Subclasses: viewPitch, viewSpectrogram, viewAmplitudes. Main thread only.
 #include "dataentry/TimeAxisZoom.h"
+#include "dataentry/core/StrokePlayback.h"
 #include "dataentry/core/TraceTrackLists.h"
 #include "display/gui/GraphGrids.h"
 
@@ -67,6 +68,8 @@ public:
     std::vector<GridLabel> gridLabels(const QFontMetrics& metrics) const;
     QRect captionBox() const;
     int valueAt(double y) const;
+    // The table columns the last stroke went over.
+    const StrokeSpan& lastStroke() const { return m_stroke; }
 
 signals:
     // Where the pointer is, as a line for the window's status strip.
@@ -138,5 +141,6 @@ private:
     bool m_bDrawing = false;
     int m_nFollowedColumn = -1; // the table column the table shows selected
     int m_nPendingColumn = -1;  // the table column under the pointer
+    StrokeSpan m_stroke;
     QTimer m_followTimer;
 };

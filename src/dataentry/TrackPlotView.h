@@ -18,6 +18,7 @@
 // over a long document stays quick. Subclasses (viewF0, viewFormants, viewOthers) give the
 // rows, the scale, the value grid and which tracks are drawn. Main thread only.
 #include "dataentry/TimeAxisZoom.h"
+#include "dataentry/core/StrokePlayback.h"
 #include "display/gui/GraphGrids.h"
 #include "document/MyDocument.h"
 
@@ -83,6 +84,8 @@ public:
 
     // Repaints the strip of the view where frame k's points are drawn.
     void updateFrame(int frame);
+    // The table columns the last stroke went over.
+    const StrokeSpan& lastStroke() const { return m_stroke; }
 
 signals:
     // A drag changed the value of a frame (any track of this view).
@@ -127,5 +130,6 @@ private:
     std::vector<Track> m_tracks;
     std::vector<QPointF> m_arraytrace;
     bool m_bDrawing = false;    // a mouse down with an active track started a drag
+    StrokeSpan m_stroke;
     int m_nFollowedColumn = -1; // the table column last selected for the pointer
 };

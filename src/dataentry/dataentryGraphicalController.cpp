@@ -1,6 +1,7 @@
 #include "dataentry/dataentryGraphicalController.h"
 
 #include "dataentry/DataEntrySupport.h"
+#include "dataentry/PlayAfterStroke.h"
 #include "dataentry/TimeAxisZoom.h"
 #include "dataentry/viewF0.h"
 #include "dataentry/viewFormants.h"
@@ -120,6 +121,14 @@ void dataentryGraphicalController::makeMenus()
                                   &dataentryGraphicalController::_PlayAudio);
     QMenu* view = m_window->menuBar()->addMenu(QStringLiteral("&View"));
     view->addActions(m_timeAxis->makeActions(m_window.get()));
+    view->addSeparator();
+    m_playAfterStroke = PlayAfterStroke::makeAction(m_window.get());
+    view->addAction(m_playAfterStroke);
+    for (TrackPlotView* plot : views())
+        connect(plot, &TrackPlotView::committed, this, [this, plot] {
+            if (m_playAfterStroke->isChecked())
+                PlayAfterStroke::play(m_mainTableID, m_pDoc, plot->lastStroke());
+        });
     connect(edit, &QMenu::aboutToShow, this, &dataentryGraphicalController::validateMenus);
     connect(play, &QMenu::aboutToShow, this, &dataentryGraphicalController::validateMenus);
 }

@@ -13,6 +13,7 @@
 #include <QCheckBox>
 #include <QEvent>
 #include <QLabel>
+#include <QMainWindow>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QResizeEvent>
@@ -53,14 +54,16 @@ constexpr int kStatusWidth = 250;  // the pointer's readout and the entry's repo
 dataentryTraceContoller::dataentryTraceContoller(MyDocument* doc, mainTable* table, QObject* parent)
     : QObject(parent), m_pDoc(doc)
 {
-    m_window = std::make_unique<QWidget>();
+    m_window = std::make_unique<QMainWindow>();
     m_window->setAttribute(Qt::WA_DeleteOnClose, false);
-    m_viewPitch = new viewPitch(m_window.get());
-    m_viewSpectrogram = new viewSpectrogram(m_window.get());
-    m_viewAmplitudes = new viewAmplitudes(m_window.get());
+    m_content = new QWidget(m_window.get());
+    m_window->setCentralWidget(m_content);
+    m_viewPitch = new viewPitch(m_content);
+    m_viewSpectrogram = new viewSpectrogram(m_content);
+    m_viewAmplitudes = new viewAmplitudes(m_content);
     m_timeAxis = new TimeAxisZoom(this);
     m_timeAxis->setFrameSource([this] { return m_pDoc ? m_pDoc->getChannel(0)->m_nColumnNum : 0; });
-    m_scrollBar = new QScrollBar(Qt::Horizontal, m_window.get());
+    m_scrollBar = new QScrollBar(Qt::Horizontal, m_content);
     m_scrollBar->setFocusPolicy(Qt::NoFocus);
     m_timeAxis->attach(m_scrollBar);
     for (TraceView* view : views()) {
@@ -73,7 +76,7 @@ dataentryTraceContoller::dataentryTraceContoller(MyDocument* doc, mainTable* tab
             showStatus({});
     });
     makeControls();
-    makeShortcuts();
+    makeMenus();
     for (TraceView* view : views())
         connect(view, &TraceView::pointerReadout, this, [this](const QString& text) {
             if (!m_viewSpectrogram->isComputing())
@@ -112,42 +115,19 @@ void dataentryTraceContoller::setmaintableID(mainTable* table)
 void dataentryTraceContoller::makeControls()
 {
     m_controls.emplace(
-        m_window.get(), kWellWidth, this, [this](Button b) { actionTrace(b); },
+        m_content, kWellWidth, this, [this](Button b) { actionTrace(b); },
         [this](int well, const QColor& color) { actionColor(well, color); });
-    m_enterAllData = new QPushButton(QStringLiteral("Enter All Data"), m_window.get());
+    m_enterAllData = new QPushButton(QStringLiteral("Enter All Data"), m_content);
     m_enterAllData->setFocusPolicy(Qt::NoFocus);
     m_enterAllData->setToolTip(
         QStringLiteral("Enter the pitch track, the formants and their amplitudes (Ctrl+E)"));
     connect(m_enterAllData, &QPushButton::clicked, this, &dataentryTraceContoller::actionEnterAllData);
-    m_viewOldData = new QCheckBox(QStringLiteral("View Old Data"), m_window.get());
+    m_viewOldData = new QCheckBox(QStringLiteral("View Old Data"), m_content);
     m_viewOldData->setFocusPolicy(Qt::NoFocus);
     connect(m_viewOldData, &QCheckBox::clicked, this, &dataentryTraceContoller::actionViewOldData);
-    m_status = new QLabel(m_window.get());
+    m_status = new QLabel(m_content);
     m_status->setTextFormat(Qt::PlainText);
-    m_window->installEventFilter(this);
-}
-
-void dataentryTraceContoller::makeShortcuts()
-{
-    const auto add = [this](const QKeySequence& keys, auto slot) {
-        auto* action = new QAction(m_window.get());
-        action->setShortcut(keys);
-        action->setShortcutContext(Qt::WindowShortcut);
-        connect(action, &QAction::triggered, this, slot);
-        m_window->addAction(action);
-    };
-    add(QKeySequence(QStringLiteral("Ctrl+E")), &dataentryTraceContoller::actionEnterAllData);
-    add(QKeySequence::Undo, &dataentryTraceContoller::undo);
-    add(QKeySequence(QStringLiteral("Ctrl+Shift+Z")), &dataentryTraceContoller::redo);
-    add(QKeySequence(Qt::Key_Space), &dataentryTraceContoller::_PlayCurrent);
-    add(QKeySequence(QStringLiteral("Shift+Space")), &dataentryTraceContoller::_PlaySelection);
-    add(QKeySequence(QStringLiteral("Ctrl+Shift+Space")), &dataentryTraceContoller::_PlayPrevious);
-    add(QKeySequence(QStringLiteral("Ctrl+M")), &dataentryTraceContoller::_PlayAudio);
-    m_window->addActions(m_timeAxis->makeActions(m_window.get()));
-    add(QKeySequence::Save, [this] {
-        if (m_save)
-            m_save();
-    });
+    m_content->installEventFilter(this);
 }
 
 void dataentryTraceContoller::windowDidLoad()
@@ -172,7 +152,7 @@ void dataentryTraceContoller::windowDidLoad()
     m_viewOldData->setChecked(showOld);
     for (TraceView* view : views())
         view->set_bViewGridData(showOld);
-    specialWindowDidResize(m_window->width(), m_window->height());
+    specialWindowDidResize(m_content->width(), m_content->height());
     m_viewPitch->setup();
     m_viewSpectrogram->setup();
     m_viewAmplitudes->setup();
@@ -359,7 +339,7 @@ void dataentryTraceContoller::_PlayAudio()
 
 bool dataentryTraceContoller::eventFilter(QObject* watched, QEvent* event)
 {
-    if (watched == m_window.get() && event->type() == QEvent::Resize) {
+    if (watched == m_content && event->type() == QEvent::Resize) {
         const QSize size = static_cast<QResizeEvent*>(event)->size();
         specialWindowDidResize(size.width(), size.height());
     }

@@ -4,14 +4,15 @@
 // tracks and f1 .. f5; viewAmplitudes: a1f .. a5f, av, apv in dB), thirteen track buttons that
 // act as one radio group (choosing a formant also chooses its amplitude), six colour wells,
 // Enter All Data (the whole automatic analysis into the grid at once) and View Old Data.
-// Undo, redo and play go to the table that opened it; Ctrl+S saves the document. The views share
-// one time axis: Ctrl++, Ctrl+-, Ctrl+0 (fit all) and Ctrl+wheel zoom it, the scroll bar in the
-// bottom strip scrolls it.
+// Undo, redo and play go to the table that opened it (its Edit and Play menus show the keys);
+// Ctrl+S saves the document. The views share one time axis: View's Ctrl++, Ctrl+-, Ctrl+0 (fit
+// all) and Ctrl+wheel zoom it, the scroll bar in the bottom strip scrolls it. View > Play After
+// Each Stroke plays the document after each drag (PlayAfterStroke).
 //
-// The window has no menu bar: its content is its whole frame, so the views' sizes in the
-// default 800 x 400 frame are fixed (the spectrogram view is 695 x 187, which the headless
-// entry uses as its default). The controller owns its window; the table owns the controller.
-// Main thread only.
+// The window opens at 800 x 400 with its menu bar; the views share its content. Enter All Data
+// reads an analysis of its own, not the picture on screen, so the views' sizes never change
+// what is entered. The controller owns its window; the table owns the controller. Main thread
+// only. The menus are made in dataentryTraceMenus.cpp.
 #include "dataentry/DataEntryControls.h"
 #include "display/gui/SpectrogramWorker.h"
 #include "table/DataEntryController.h"
@@ -37,6 +38,8 @@ class QLabel;
 class QScrollBar;
 class TimeAxisZoom;
 
+class QAction;
+class QMainWindow;
 class QPushButton;
 class QWidget;
 
@@ -73,6 +76,7 @@ public:
     void _PlaySelection();
     void _PlayPrevious();
     void _PlayAudio();
+    QAction* playAfterStrokeAction() const { return m_playAfterStroke; }
 
     viewPitch* _viewPitch() const { return m_viewPitch; }
     viewSpectrogram* _viewSpectrogram() const { return m_viewSpectrogram; }
@@ -100,7 +104,8 @@ protected:
 private:
     void windowDidLoad();
     void makeControls();
-    void makeShortcuts();
+    void makeMenus();
+    void strokeCommitted(const TraceView* view);
     void showSheet(const QString& title, const QString& message, const QString& buttonText);
     void spectrogramComputing(bool computing);
     void showStatus(const QString& text);
@@ -110,7 +115,9 @@ private:
 
     MyDocument* m_pDoc = nullptr;
     mainTable* m_mainTableID = nullptr;
-    std::unique_ptr<QWidget> m_window;
+    std::unique_ptr<QMainWindow> m_window;
+    QWidget* m_content = nullptr; // the window's central widget, which the views share
+    QAction* m_playAfterStroke = nullptr;
     viewPitch* m_viewPitch = nullptr;
     viewSpectrogram* m_viewSpectrogram = nullptr;
     viewAmplitudes* m_viewAmplitudes = nullptr;

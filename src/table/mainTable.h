@@ -164,6 +164,9 @@ public slots:
     // never synthesized.
     void PlayDocument(int channel);
     void PlaySelection();
+    // Plays the frames of table columns first..last of the current synthesis at once (no
+    // delay: nothing is waiting to close), synthesizing first when needed.
+    void playFrames(int first, int last);
 
     void addAnchor(int row, int column);
     void removeAnchor(int row, int column);

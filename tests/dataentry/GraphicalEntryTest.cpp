@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QAction>
 #include <QApplication>
 #include <QImage>
 #include <QMainWindow>
@@ -18,6 +19,7 @@
 #include <QSignalSpy>
 #include <QTest>
 
+#include <cmath>
 #include <map>
 #include <memory>
 
@@ -258,4 +260,54 @@ TEST(GraphicalEntryFromTheTable, PlayKeysWorkWhateverWasClickedAndTheMenuShowsTh
     EXPECT_EQ(keys["Play Selection"], "Shift+Space");
     EXPECT_EQ(keys["Play Previous"], "Ctrl+Shift+Space");
     EXPECT_EQ(keys["Play Model"], "Ctrl+M");
+}
+
+TEST(GraphicalEntryFromTheTable, PlayAfterEachStrokeIsRememberedAndPlaysTheUtteranceOrTheStroke)
+{
+    // 10 s: a stroke plays its own frames with 300 ms around them.
+    MyDocument doc;
+    makeLong(doc, 1000);
+    mainTable table(&doc);
+    auto controller = std::make_unique<dataentryGraphicalController>(&doc, &table);
+    controller->window()->show();
+    QApplication::processEvents();
+    QAction* option = controller->playAfterStrokeAction();
+    ASSERT_NE(option, nullptr);
+    EXPECT_FALSE(option->isChecked()) << "off by default";
+    QSignalSpy started(&table, &mainTable::playbackStarted);
+    viewF0& plot = *controller->_viewF0();
+    const auto stroke = [&](double from, double to) {
+        dragThrough(plot, {{from, 20}, {(from + to) / 2, 25}, {to, 30}});
+    };
+    stroke(100, 120);
+    QTest::qWait(200);
+    EXPECT_EQ(started.count(), 0) << "nothing plays while the option is off";
+
+    option->trigger();
+    ASSERT_TRUE(option->isChecked());
+    stroke(100, 120);
+    ASSERT_EQ(started.count(), 1) << "played on release, at once";
+    const StrokeSpan& span = plot.lastStroke();
+    ASSERT_FALSE(span.empty());
+    const Channels& c = *doc.getChannel(0);
+    const double perFrame = std::floor(10 * c.m_dSampleRate / 1000);
+    EXPECT_DOUBLE_EQ(started.last().at(2).toDouble(), (span.first() - 30 - 1) * perFrame);
+    EXPECT_DOUBLE_EQ(started.last().at(1).toDouble(), (span.last() - span.first() + 61) * perFrame);
+
+    // Remembered for the next window; a document of 3 s or less is played whole.
+    controller.reset();
+    MyDocument shortDoc;
+    makeLong(shortDoc, 300);
+    mainTable shortTable(&shortDoc);
+    dataentryGraphicalController next(&shortDoc, &shortTable);
+    next.window()->show();
+    QApplication::processEvents();
+    EXPECT_TRUE(next.playAfterStrokeAction()->isChecked());
+    QSignalSpy whole(&shortTable, &mainTable::playbackStarted);
+    dragThrough(*next._viewF0(), {{50, 20}, {60, 20}});
+    ASSERT_EQ(whole.count(), 1);
+    EXPECT_DOUBLE_EQ(whole.last().at(2).toDouble(), 0.0);
+    EXPECT_DOUBLE_EQ(whole.last().at(1).toDouble(), shortDoc.getChannel(0)->m_dwFileLength);
+    next.playAfterStrokeAction()->setChecked(false);
+    mainTable::sharedPlayer()->stopPlay();
 }
