@@ -78,7 +78,12 @@ void TraceView::setTimeAxis(TimeAxisZoom* axis)
     if (m_axis != &m_ownAxis)
         disconnect(m_axis, nullptr, this, nullptr);
     m_axis = axis ? axis : &m_ownAxis;
-    connect(m_axis, &TimeAxisZoom::changed, this, qOverload<>(&QWidget::update));
+    connect(m_axis, &TimeAxisZoom::changed, this, &TraceView::timeAxisChanged);
+    update();
+}
+
+void TraceView::timeAxisChanged()
+{
     update();
 }
 

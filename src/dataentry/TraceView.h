@@ -94,6 +94,8 @@ protected:
     // The pitch view commits on every release.
     virtual bool releaseNeedsActiveTrack() const { return true; }
     virtual void afterDragValue(int /*column*/, const QPointF& /*p*/) {}
+    // The shared time axis zoomed or scrolled: the view repaints.
+    virtual void timeAxisChanged();
     virtual void afterCommit() {}
     virtual void drawAnalysis(QPainter& /*painter*/, const QRect& /*clip*/) {}
     virtual void drawOverlay(QPainter& /*painter*/, const QRect& /*clip*/) {}
