@@ -163,7 +163,8 @@ QStringList WorkbenchApplication::readChanges(const MyDocument& doc)
                    .arg(doc.framesInFile());
     if (doc.isWaveShort())
         changes << tr("Its sample data stops early: it holds %1 of the %2 it declares.")
-                       .arg(QString::fromStdString(countedText(doc.waveSamplesPresent(), "sample", "samples")))
+                       .arg(
+                           QString::fromStdString(countedText(doc.waveSamplesPresent(), "sample", "samples")))
                        .arg(doc.waveSamplesDeclared());
     if (doc.m_nClampedValues == 1)
         changes << tr("1 value did not fit the table and was set to its parameter's limits.");

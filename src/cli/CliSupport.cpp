@@ -99,9 +99,10 @@ std::unique_ptr<MyDocument> openDocumentBytes(const std::string& path, std::stri
         throw CliInputError{path, why.empty() ? "not a WAVE file or a parameter document" : why};
     }
     if (document->isTruncated())
-        cliWarning(path, "only " + std::to_string(document->framesInFile()) + " of " +
-                             countedText(document->framesDeclared(), "declared frame is", "declared frames are") +
-                             " present; the others hold default values");
+        cliWarning(path,
+                   "only " + std::to_string(document->framesInFile()) + " of " +
+                       countedText(document->framesDeclared(), "declared frame is", "declared frames are") +
+                       " present; the others hold default values");
     if (document->isWaveShort())
         cliWarning(path, "the sample data stops early: it holds " +
                              countedText(document->waveSamplesPresent(), "sample", "samples") + " of the " +

@@ -38,7 +38,8 @@ void play(mainTable* table, MyDocument* doc, const StrokeSpan& stroke)
     if (!table || !doc)
         return;
     const Channels& c = *doc->getChannel(0);
-    const auto [first, last] = StrokePlayback::columns(c.m_dLengthMS, doc->updateInterval(), c.m_nColumnNum, stroke);
+    const auto [first, last] =
+        StrokePlayback::columns(c.m_dLengthMS, doc->updateInterval(), c.m_nColumnNum, stroke);
     if (first == 0)
         table->PlayDocument(0);
     else if (first > 0)

@@ -129,7 +129,7 @@ private:
     int m_nScale;
     std::vector<Track> m_tracks;
     std::vector<QPointF> m_arraytrace;
-    bool m_bDrawing = false;    // a mouse down with an active track started a drag
+    bool m_bDrawing = false; // a mouse down with an active track started a drag
     StrokeSpan m_stroke;
     int m_nFollowedColumn = -1; // the table column last selected for the pointer
 };

@@ -241,7 +241,8 @@ void dataentryTraceContoller::actionEnterAllData()
     m_bEnterPending = true;
     showStatus(QStringLiteral("Enter All Data runs when the analysis is ready"));
     m_entryAnalysis.start(*m_pDoc->getChannel(2), SpectrogramSettings::fromDocument(*m_pDoc),
-                          TraceDataEntry::entryAnalysisWidth(*m_pDoc), TraceDataEntry::kDefaultSpectrogramHeight);
+                          TraceDataEntry::entryAnalysisWidth(*m_pDoc),
+                          TraceDataEntry::kDefaultSpectrogramHeight);
 }
 
 namespace

@@ -18,10 +18,11 @@
 void dataentryTraceContoller::makeMenus()
 {
     QMenu* edit = m_window->menuBar()->addMenu(QStringLiteral("&Edit"));
-    QAction* undoAction = edit->addAction(QStringLiteral("Undo"), QKeySequence::Undo, this,
-                                          &dataentryTraceContoller::undo);
-    QAction* redoAction = edit->addAction(QStringLiteral("Redo"), QKeySequence(QStringLiteral("Ctrl+Shift+Z")),
-                                          this, &dataentryTraceContoller::redo);
+    QAction* undoAction =
+        edit->addAction(QStringLiteral("Undo"), QKeySequence::Undo, this, &dataentryTraceContoller::undo);
+    QAction* redoAction =
+        edit->addAction(QStringLiteral("Redo"), QKeySequence(QStringLiteral("Ctrl+Shift+Z")), this,
+                        &dataentryTraceContoller::redo);
     edit->addSeparator();
     edit->addAction(QStringLiteral("Enter All Data"), QKeySequence(QStringLiteral("Ctrl+E")), this,
                     &dataentryTraceContoller::actionEnterAllData);

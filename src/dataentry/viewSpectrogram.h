@@ -76,7 +76,7 @@ private:
     QSize m_requested; // the display size of the last run started
     SpectrogramWorker m_zoomWorker;
     std::shared_ptr<const SpectrogramWorker::Result> m_zoomed;
-    std::pair<double, double> m_zoomedMS{0.0, 0.0};   // of m_zoomed
+    std::pair<double, double> m_zoomedMS{0.0, 0.0};    // of m_zoomed
     std::pair<double, double> m_requestedMS{0.0, 0.0}; // of the stretch being computed
     QTimer m_zoomSettled;
 };

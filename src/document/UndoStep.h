@@ -8,8 +8,7 @@
 #include <type_traits>
 #include <utility>
 
-template <typename Edit>
-auto asOneUndoStep(MyDocument& document, Edit&& edit) -> decltype(edit())
+template <typename Edit> auto asOneUndoStep(MyDocument& document, Edit&& edit) -> decltype(edit())
 {
     document.saveUndo();
     try {

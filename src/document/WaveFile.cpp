@@ -72,7 +72,8 @@ bool hasRiffWaveTags(std::string_view bytes)
 std::string waveRefusal(std::string_view bytes, const WaveFormat& f)
 {
     if (f.headerCut || (bytes.size() < 12 && bytes.substr(0, 4) == "RIFF"))
-        return "its header ends after " + std::to_string(bytes.size()) + (bytes.size() == 1 ? " byte" : " bytes");
+        return "its header ends after " + std::to_string(bytes.size()) +
+               (bytes.size() == 1 ? " byte" : " bytes");
     if (!hasRiffWaveTags(bytes))
         return "not a RIFF/WAVE file";
     if (f.haveFormat && f.formatCode != 1 && f.formatCode != 3 && f.formatCode != 7)
@@ -139,7 +140,8 @@ bool looksBinary(std::string_view bytes)
 bool hasWaveName(const std::string& path)
 {
     std::string ending = std::filesystem::path(path).extension().string();
-    std::transform(ending.begin(), ending.end(), ending.begin(), [](unsigned char c) { return std::tolower(c); });
+    std::transform(ending.begin(), ending.end(), ending.begin(),
+                   [](unsigned char c) { return std::tolower(c); });
     return ending == ".wav" || ending == ".wave";
 }
 

@@ -299,6 +299,7 @@ bool MyDocument::isSilent() const
 std::string MyDocument::synthesisWarning() const
 {
     if (isSilent())
-        return "the synthesis is silent: no sample reaches one step of 16 bits (look at gain and the amplitudes)";
+        return "the synthesis is silent: no sample reaches one step of 16 bits (look at gain and the "
+               "amplitudes)";
     return clippingReport();
 }

@@ -302,7 +302,8 @@ TEST_F(TraceWindow, FormantTrackingSwitchedOnWhileOpenIsEnteredAndReportedTruly)
     doc.m_bSpecDrawFormantTracking = 1;
     controller->analysisSettingsChanged();
     ASSERT_TRUE(spectrogramReady());
-    EXPECT_TRUE(controller->_viewSpectrogram()->getHandle()->m_bHaveFormants) << "the picture was computed again";
+    EXPECT_TRUE(controller->_viewSpectrogram()->getHandle()->m_bHaveFormants)
+        << "the picture was computed again";
     controller->actionEnterAllData();
     ASSERT_TRUE(waitFor([&] { return !controller->enterAllDataPending(); }));
     EXPECT_NEAR(value(50, Row::f1), 700, 40);

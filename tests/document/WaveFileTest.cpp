@@ -221,7 +221,8 @@ TEST(WaveFile, FilesNeitherReaderTakesAreNamedByWhatTheyHold)
         // Text is read as a parameter document whatever its name, and refused as one.
         {"/d/x.wav", "hello\r\nworld\r\n", "first line"},
         // A RIFF image is refused as a WAVE file whatever its name.
-        {"/d/x.stk", waveImage(1, 1, 11025, 2, 16, pcm16({1, 2})).substr(0, 30), "its header ends after 30 bytes"},
+        {"/d/x.stk", waveImage(1, 1, 11025, 2, 16, pcm16({1, 2})).substr(0, 30),
+         "its header ends after 30 bytes"},
     };
     for (const Case& c : cases) {
         MyDocument document;

@@ -38,6 +38,7 @@ struct StrokePlayback {
         if (lengthMS <= kWholeUpToMS)
             return {0, 0};
         const int margin = (kMarginMS + std::max(intervalMS, 1) - 1) / std::max(intervalMS, 1);
-        return {std::clamp(stroke.first() - margin, 1, frames), std::clamp(stroke.last() + margin, 1, frames)};
+        return {std::clamp(stroke.first() - margin, 1, frames),
+                std::clamp(stroke.last() + margin, 1, frames)};
     }
 };

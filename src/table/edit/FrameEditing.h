@@ -18,10 +18,10 @@ enum FramePlace { FramesAtBeginning = 0, FramesAfterSelection = 1, FramesAtEnd =
 
 // Inserts _nDurationModifyColumn / interval new frames at _nindexModifyColumn, after
 // `firstSelectedColumn` when the place is "after the selected frame". Records one undo step
-// (undo snapshot before, redo snapshot after), always. Returns false, having changed nothing else, when the place is "after the
-// selected frame" and nothing is selected; true when the table data was rebuilt (even with
-// no frame added, for a duration shorter than one interval). More than kMaxFrames frames or
-// one hour in all throw DocumentException "Document Too Long" before anything is built.
+// (undo snapshot before, redo snapshot after), always. Returns false, having changed nothing else, when the
+// place is "after the selected frame" and nothing is selected; true when the table data was rebuilt (even
+// with no frame added, for a duration shorter than one interval). More than kMaxFrames frames or one hour in
+// all throw DocumentException "Document Too Long" before anything is built.
 bool modifyColumns(MyDocument& doc, int firstSelectedColumn);
 
 // Removes the frames of the span firstSelectedColumn .. lastSelectedColumn (a selection of
