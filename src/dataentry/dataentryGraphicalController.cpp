@@ -1,5 +1,6 @@
 #include "dataentry/dataentryGraphicalController.h"
 
+#include "dataentry/DataEntryMenus.h"
 #include "dataentry/DataEntrySupport.h"
 #include "dataentry/PlayAfterStroke.h"
 #include "dataentry/TimeAxisZoom.h"
@@ -109,28 +110,16 @@ void dataentryGraphicalController::makeMenus()
     m_undo->setShortcut(QKeySequence::Undo);
     m_redo = edit->addAction(QStringLiteral("Redo"), this, &dataentryGraphicalController::redo);
     m_redo->setShortcut(QKeySequence::Redo);
-    // The keys of the document window's Play menu, shown here as there.
-    QMenu* play = m_window->menuBar()->addMenu(QStringLiteral("&Play"));
-    play->addAction(QStringLiteral("Play Current"), QKeySequence(Qt::Key_Space), this,
-                    &dataentryGraphicalController::_PlayCurrent);
-    play->addAction(QStringLiteral("Play Selection"), QKeySequence(QStringLiteral("Shift+Space")), this,
-                    &dataentryGraphicalController::_PlaySelection);
-    play->addAction(QStringLiteral("Play Previous"), QKeySequence(QStringLiteral("Ctrl+Shift+Space")), this,
-                    &dataentryGraphicalController::_PlayPrevious);
-    m_playAudio = play->addAction(QStringLiteral("Play Model"), QKeySequence(QStringLiteral("Ctrl+M")), this,
-                                  &dataentryGraphicalController::_PlayAudio);
-    QMenu* view = m_window->menuBar()->addMenu(QStringLiteral("&View"));
-    view->addActions(m_timeAxis->makeActions(m_window.get()));
-    view->addSeparator();
-    m_playAfterStroke = PlayAfterStroke::makeAction(m_window.get());
-    view->addAction(m_playAfterStroke);
+    m_playAudio = addPlayMenu(m_window.get(), this);
+    m_playAfterStroke = addViewMenu(m_window.get(), m_timeAxis);
     for (TrackPlotView* plot : views())
         connect(plot, &TrackPlotView::committed, this, [this, plot] {
             if (m_playAfterStroke->isChecked())
                 PlayAfterStroke::play(m_mainTableID, m_pDoc, plot->lastStroke());
         });
     connect(edit, &QMenu::aboutToShow, this, &dataentryGraphicalController::validateMenus);
-    connect(play, &QMenu::aboutToShow, this, &dataentryGraphicalController::validateMenus);
+    if (auto* play = qobject_cast<QMenu*>(m_playAudio->parent()))
+        connect(play, &QMenu::aboutToShow, this, &dataentryGraphicalController::validateMenus);
 }
 
 void dataentryGraphicalController::validateMenus()

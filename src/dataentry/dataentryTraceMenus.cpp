@@ -1,8 +1,7 @@
 // The trace window's menus: Edit (undo, redo, Enter All Data), Play (the document window's keys)
 // and View (the time axis's zoom and Play After Each Stroke), and Ctrl+S, which saves the
 // document without a menu of its own.
-#include "dataentry/PlayAfterStroke.h"
-#include "dataentry/TimeAxisZoom.h"
+#include "dataentry/DataEntryMenus.h"
 #include "dataentry/TraceView.h"
 #include "dataentry/dataentryTraceContoller.h"
 #include "dataentry/viewAmplitudes.h"
@@ -36,21 +35,8 @@ void dataentryTraceContoller::makeMenus()
         redoAction->setEnabled(true);
     });
 
-    QMenu* play = m_window->menuBar()->addMenu(QStringLiteral("&Play"));
-    play->addAction(QStringLiteral("Play Current"), QKeySequence(Qt::Key_Space), this,
-                    &dataentryTraceContoller::_PlayCurrent);
-    play->addAction(QStringLiteral("Play Selection"), QKeySequence(QStringLiteral("Shift+Space")), this,
-                    &dataentryTraceContoller::_PlaySelection);
-    play->addAction(QStringLiteral("Play Previous"), QKeySequence(QStringLiteral("Ctrl+Shift+Space")), this,
-                    &dataentryTraceContoller::_PlayPrevious);
-    play->addAction(QStringLiteral("Play Model"), QKeySequence(QStringLiteral("Ctrl+M")), this,
-                    &dataentryTraceContoller::_PlayAudio);
-
-    QMenu* view = m_window->menuBar()->addMenu(QStringLiteral("&View"));
-    view->addActions(m_timeAxis->makeActions(m_window.get()));
-    view->addSeparator();
-    m_playAfterStroke = PlayAfterStroke::makeAction(m_window.get());
-    view->addAction(m_playAfterStroke);
+    addPlayMenu(m_window.get(), this);
+    m_playAfterStroke = addViewMenu(m_window.get(), m_timeAxis);
     for (TraceView* v : views())
         connect(v, &TraceView::committed, this, [this, v] { strokeCommitted(v); });
 

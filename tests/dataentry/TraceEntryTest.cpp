@@ -67,6 +67,26 @@ struct TraceWindow : ::testing::Test {
         });
     }
     int value(int column, int row) const { return cellValue(doc, column, row); }
+    // The document as it stands, saved, against what `tessaphon-cli trace` makes of the same
+    // recording (`seconds` of the vowel): the same bytes.
+    void expectSameAsCommandLine(double seconds)
+    {
+        const auto folder =
+            std::filesystem::temp_directory_path() / ("tessaphon-trace-" + std::to_string(::getpid()));
+        std::filesystem::create_directories(folder);
+        const std::string wav = (folder / "vowel.wav").string();
+        std::ofstream(wav, std::ios::binary) << vowelWave(seconds);
+        std::string error;
+        const std::string windowCopy = (folder / "window.stk").string();
+        ASSERT_TRUE(doc.writeSafelyToURL(windowCopy, "stk", &error)) << error;
+        const std::string cliCopy = (folder / "cli.stk").string();
+        const std::string command = std::string(TESSAPHON_CLI) + " trace " + wav + " -o " + cliCopy;
+        ASSERT_EQ(std::system(command.c_str()), 0);
+        const std::string a = slurp(windowCopy);
+        EXPECT_FALSE(a.empty());
+        EXPECT_TRUE(a == slurp(cliCopy));
+        std::filesystem::remove_all(folder);
+    }
     // A press and one move at the same point; the release comes separately.
     static void drag(QWidget& view, QPointF at)
     {
@@ -177,11 +197,6 @@ TEST_F(TraceWindow, DragsWriteTheirRowsAndColumnsAndUndoRestores)
 
 TEST_F(TraceWindow, EnterAllDataEqualsTheCommandLineByteForByte)
 {
-    const auto folder =
-        std::filesystem::temp_directory_path() / ("tessaphon-trace-" + std::to_string(::getpid()));
-    std::filesystem::create_directories(folder);
-    const std::string wav = (folder / "vowel.wav").string();
-    std::ofstream(wav, std::ios::binary) << vowelWave(2.0);
     open(2.0);
     // Ctrl+E before the spectrogram is ready waits for it.
     QTest::keyClick(controller->window(), Qt::Key_E, Qt::ControlModifier);
@@ -190,17 +205,7 @@ TEST_F(TraceWindow, EnterAllDataEqualsTheCommandLineByteForByte)
     EXPECT_TRUE(doc.canUndo());
     EXPECT_NEAR(value(100, Row::f0), 1200, 40);
     EXPECT_NEAR(value(100, Row::f1), 700, 40);
-    std::string error;
-    const std::string windowCopy = (folder / "window.stk").string();
-    ASSERT_TRUE(doc.writeSafelyToURL(windowCopy, "stk", &error)) << error;
-
-    const std::string cliCopy = (folder / "cli.stk").string();
-    const std::string command = std::string(TESSAPHON_CLI) + " trace " + wav + " -o " + cliCopy;
-    ASSERT_EQ(std::system(command.c_str()), 0);
-    const std::string a = slurp(windowCopy);
-    EXPECT_FALSE(a.empty());
-    EXPECT_TRUE(a == slurp(cliCopy));
-    std::filesystem::remove_all(folder);
+    expectSameAsCommandLine(2.0);
 }
 
 TEST_F(TraceWindow, EnterAllDataAndEachDragAreOneUndoStepEach)
@@ -261,11 +266,6 @@ TEST_F(TraceWindow, EnterAllDataAndEachDragAreOneUndoStepEach)
 TEST_F(TraceWindow, EnterAllDataFillsEveryFrameWhateverTheWindowsWidth)
 {
     // 8 s: more frames (800) than the spectrogram view has pixel columns.
-    const auto folder =
-        std::filesystem::temp_directory_path() / ("tessaphon-trace-long-" + std::to_string(::getpid()));
-    std::filesystem::create_directories(folder);
-    const std::string wav = (folder / "vowel.wav").string();
-    std::ofstream(wav, std::ios::binary) << vowelWave(8.0);
     open(8.0);
     controller->window()->resize(500, 400);
     const int columns = doc.getChannel(0)->m_nColumnNum;
@@ -279,16 +279,8 @@ TEST_F(TraceWindow, EnterAllDataFillsEveryFrameWhateverTheWindowsWidth)
     for (int k = 1; k <= columns; ++k)
         untouched += value(k, Row::f1) == kUntouched;
     EXPECT_EQ(untouched, 0) << "of " << columns << " frames";
-
     // The command line enters the same values.
-    std::string error;
-    const std::string windowCopy = (folder / "window.stk").string();
-    ASSERT_TRUE(doc.writeSafelyToURL(windowCopy, "stk", &error)) << error;
-    const std::string cliCopy = (folder / "cli.stk").string();
-    const std::string command = std::string(TESSAPHON_CLI) + " trace " + wav + " -o " + cliCopy;
-    ASSERT_EQ(std::system(command.c_str()), 0);
-    EXPECT_TRUE(slurp(windowCopy) == slurp(cliCopy));
-    std::filesystem::remove_all(folder);
+    expectSameAsCommandLine(8.0);
 }
 
 TEST_F(TraceWindow, FormantTrackingSwitchedOnWhileOpenIsEnteredAndReportedTruly)
