@@ -14,6 +14,7 @@
 #include <QEvent>
 #include <QLabel>
 #include <QMainWindow>
+#include <QMenuBar>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QResizeEvent>
@@ -152,6 +153,9 @@ void dataentryTraceContoller::windowDidLoad()
     m_viewOldData->setChecked(showOld);
     for (TraceView* view : views())
         view->set_bViewGridData(showOld);
+    // The content is laid out before the window is first shown, so that the spectrogram is
+    // computed at once for the size it will have.
+    m_content->resize(800, 400 - m_window->menuBar()->sizeHint().height());
     specialWindowDidResize(m_content->width(), m_content->height());
     m_viewPitch->setup();
     m_viewSpectrogram->setup();

@@ -130,13 +130,28 @@ void mainTable::pressName(int row, Qt::KeyboardModifiers modifiers)
 
 void mainTable::mousePressEvent(QMouseEvent* event)
 {
+    // The view's own cell selection lets the rows go; a Shift-click extends them from their anchor.
+    const IndexSelection rowsBefore = m_rows;
     QTableView::mousePressEvent(event);
+    m_rows = rowsBefore;
     const QModelIndex index = indexAt(event->position().toPoint());
     if (event->button() != Qt::LeftButton || !index.isValid() || index.column() < 1 ||
         !(index.flags() & Qt::ItemIsEnabled))
         return;
     // The clicked cell stays the current one, ready for typing; its row is the selection.
     pressName(index.row(), event->modifiers());
+}
+
+void mainTable::mouseReleaseEvent(QMouseEvent* event)
+{
+    // Releasing over a cell that was already shown selected narrows the view's selection to it;
+    // the rows the press selected stay.
+    const IndexSelection rowsBefore = m_rows;
+    QTableView::mouseReleaseEvent(event);
+    if (m_rows.items.empty() && !rowsBefore.items.empty()) {
+        m_rows = rowsBefore;
+        showSelection();
+    }
 }
 
 void mainTable::pressHeader(int column, Qt::KeyboardModifiers modifiers)

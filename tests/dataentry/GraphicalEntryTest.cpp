@@ -1,6 +1,7 @@
 // The graphical data-entry window driven with real mouse events under the offscreen platform;
 // the checks are on the document's cells and undo lists.
 #include "DataEntryTestSupport.h"
+#include "audio/AudioPlayer.h"
 #include "dataentry/dataentryGraphicalController.h"
 #include "dataentry/viewF0.h"
 #include "dataentry/viewFormants.h"

@@ -403,7 +403,9 @@ TEST_F(TraceWindow, GridLabelsStayClearOfEachOtherAndOfTheCaptions)
     check("default size");
     QTest::mouseClick(controller->button(dataentryTraceContoller::F3), Qt::LeftButton);
     check("F3 active");
-    controller->window()->resize(560, 300);
+    // A content area of 560 x 300, below the menu bar.
+    QWidget* window = controller->window();
+    window->resize(560, 300 + window->height() - controller->_viewPitch()->parentWidget()->height());
     QApplication::processEvents();
     check("narrow");
     controller->timeAxis()->zoomIn();
