@@ -85,7 +85,22 @@ if [ -z "${QUICK:-}" ]; then # QUICK=1 leaves out the one-hour cases
     run_case "info 8 KB document declaring one hour" "$CLI" info "$WORK/truncated-1h.stk"
     run_case "synth 8 KB document declaring one hour" "$CLI" synth "$WORK/truncated-1h.stk" -o "$WORK/out.wav"
 fi
+run_case "phonemes: 10 words of text to a document" "$CLI" phonemes --text \
+    "The quick brown fox jumps over the lazy dog today." -o "$WORK/text.stk"
 run_case "formants 10 s, 1000 x 400" "$CLI" formants "$WORK/10s.wav" --columns 1000 --rows 400
+
+# Copy synthesis of a 10 s recording (RECORDING=path, else the 10 s synthesis above): the trace
+# path and, when the build has it, copysynth, recording to document; then the figures judging a
+# synthesis of the traced document.
+RECORDING=${RECORDING:-/work/shared/recordings/speech10s_11025.wav}
+[ -s "$RECORDING" ] || RECORDING="$WORK/10s.wav"
+run_case "trace 10 s recording to document" "$CLI" trace "$RECORDING" -o "$WORK/copy.stk" --force
+if grep -q "^  copysynth " <<<"$("$CLI" --help)"; then
+    run_case "copysynth 10 s recording to document" "$CLI" copysynth "$RECORDING" -o "$WORK/copy.stk" --force
+fi
+"$CLI" trace "$RECORDING" -o "$WORK/traced.stk" --force
+"$CLI" synth "$WORK/traced.stk" -o "$WORK/traced.wav" --force 2>/dev/null
+run_case "compare --summary 10 s recording and copy" "$CLI" compare "$RECORDING" "$WORK/traced.wav" --summary
 
 # Inputs per second of the document fuzz targets, when they are built (make fuzz): libFuzzer
 # with the address and undefined-behaviour sanitizers, FUZZ_SECONDS each on the kept corpus.

@@ -1,9 +1,11 @@
 // tessaphon-cli's slice and compare commands. `slice` writes the FFT/LPC slice of a recording at
 // a time as CSV, or its picture; `compare` measures frame by frame how far two recordings of one
-// rate are apart in spectral shape. Both analyse the model channel of what they open, with the
+// rate are apart in spectral shape, or with --summary judges the second as a copy synthesis of
+// the first. Both analyse the model channel of what they open, with the
 // option panels' default settings for its sample rate, changed by the options given.
 #include "cli/AnalysisOverrides.h"
 #include "cli/CliSupport.h"
+#include "copysynth/CopySynthesisFigures.h"
 
 #include "display/RasterCanvas.h"
 #include "display/SliceComputation.h"
@@ -16,6 +18,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <iostream>
+#include <new>
 
 namespace
 {
@@ -162,12 +165,30 @@ struct CompareOptions {
     bool summary = false;
 };
 
+// The figures of a copy synthesis: the second recording judged against the first, at the
+// first one's rate and with its analysis defaults.
+void commandCompareSummary(MyDocument& first, const Channels& original, const Channels& synthesis)
+{
+    first.setAnalysisDefaults(original.m_dSampleRate);
+    const CopySynthesisFigures figures = CopySynthesisFigures::measure(
+        original, synthesis, PitchSettings::fromDocument(first), SpectrogramSettings::fromDocument(first));
+    std::cout << figures.summaryLine() << '\n';
+}
+
 void commandCompare(const CompareOptions& o)
 {
     const auto a = openDocument(o.first, TableData::Skip);
     const auto b = openDocument(o.second, TableData::Skip);
     const Channels& ca = modelChannel(*a, o.first);
     const Channels& cb = modelChannel(*b, o.second);
+    if (o.summary) {
+        try {
+            commandCompareSummary(*a, ca, cb);
+        } catch (const std::bad_alloc&) {
+            throw CliInputError{o.second, "not enough memory to compare it"};
+        }
+        return;
+    }
     if (ca.m_dSampleRate != cb.m_dSampleRate) {
         char why[160];
         std::snprintf(why, sizeof why, "sample rate %g Hz differs from %s (%g Hz)", ca.m_dSampleRate,
@@ -177,14 +198,8 @@ void commandCompare(const CompareOptions& o)
     a->setAnalysisDefaults(ca.m_dSampleRate);
     RecordingComparison comparison(SpectrogramSettings::fromDocument(*a));
     comparison.compare(ca, cb);
-    char line[96];
-    if (o.summary) {
-        std::snprintf(line, sizeof line, "frames: %zu\nmean_distance_db: %.3f\n", comparison.m_frames.size(),
-                      comparison.meanDistance());
-        std::cout << line;
-        return;
-    }
     std::string out = "time_ms,distance_db\n";
+    char line[96];
     for (const FrameDistance& f : comparison.m_frames) {
         std::snprintf(line, sizeof line, "%.0f,%.3f\n", f.timeMS, f.distanceDB);
         out += line;
@@ -197,12 +212,22 @@ void addCompareCommand(CLI::App& app)
     auto o = std::make_shared<CompareOptions>();
     CLI::App* compare = app.add_subcommand(
         "compare", "Spectral distance of two recordings of one rate, frame by frame (time_ms,distance_db)");
-    compare->footer("Every 10 ms: the RMS difference in dB of the two frames' zero-mean LPC envelopes from\n"
-                    "0 Hz to the frequency range (spectrogram defaults). Frames more than the dynamic range\n"
-                    "below their recording's loudest frame are skipped; the longer recording is cut.");
+    compare->footer(
+        "Every 10 ms: the RMS difference in dB of the two frames' zero-mean LPC envelopes from\n"
+        "0 Hz to the frequency range (spectrogram defaults). Frames more than the dynamic range\n"
+        "below their recording's loudest frame are skipped; the longer recording is cut.\n"
+        "--summary: one line of key=value figures, the second recording brought to the first's\n"
+        "rate by linear interpolation: mcd_db (mel-cepstral distance, 24 coefficients, 25 ms\n"
+        "frames every 5 ms, frames within 40 dB of the loudest), level_db (median level\n"
+        "difference of 20 ms frames within 30 dB of the loudest), f0_err_pct and f0_gross_pct\n"
+        "(median relative f0 error and share of errors over 20 % in frames voiced in both),\n"
+        "f1_err_pct and f2_err_pct (median relative formant errors there), clipped (samples of\n"
+        "the second beyond full scale) and covoiced (frames voiced in both); nan = not measured.");
     compare->add_option("first", o->first, "WAVE file (or parameter document with a model)")->required();
-    compare->add_option("second", o->second, "WAVE file of the same sample rate")->required();
-    compare->add_flag("--summary", o->summary, "Only the lines frames: N and mean_distance_db: X");
+    compare->add_option("second", o->second, "WAVE file of the same sample rate (any rate with --summary)")
+        ->required();
+    compare->add_flag("--summary", o->summary,
+                      "One line judging SECOND as a copy synthesis of FIRST (see the footer)");
     compare->callback([o] { commandCompare(*o); });
 }
 

@@ -17,6 +17,7 @@ namespace testsignals = signals; // before Qt's `signals` keyword
 
 #include <QApplication>
 #include <QImage>
+#include <QPainter>
 #include <QSignalSpy>
 #include <QSvgRenderer>
 #include <QTemporaryDir>
@@ -26,6 +27,7 @@ namespace testsignals = signals; // before Qt's `signals` keyword
 #include <algorithm>
 #include <cmath>
 #include <fstream>
+#include <map>
 #include <sstream>
 
 namespace
@@ -87,6 +89,8 @@ TEST_F(AnalysisWindows, FFTLPCCommandStartsAtTheSelectedFrameAndStepsByFrames)
     EXPECT_TRUE(window->windowTitle().startsWith(QStringLiteral("FFT/LPC:: ")));
     EXPECT_EQ(window->startSample(), std::trunc(4 * c.m_dwFileLength / c.m_nColumnNum));
     EXPECT_EQ(window->frameOf(window->startSample()), 5);
+    // The column titled 50 is frame 5, and the picture says which stretch of the table that is.
+    EXPECT_EQ(window->view()->title(), QStringLiteral("frame 5, 40-50 ms"));
 
     // Right and Left step one frame; the ends hold.
     QTest::keyClick(window, Qt::Key_Right);
@@ -211,6 +215,42 @@ TEST_F(AnalysisWindows, AxisLabelsStayInTheWindowAndClearOfEachOther)
         expectLabelsClear(timeGridLabels(metrics, area, 0.0, 10000.0, doc.m_nSpecTimeGrid), area, {},
                           "spectrogram time grid");
     }
+}
+
+TEST_F(AnalysisWindows, PngTextHasThePointSizeOfTheVectorPictures)
+{
+    // Text in a PNG is laid out in points like the SVG and PDF pictures, then scaled with the
+    // picture: the same letters take the same share of the picture in every format.
+    setSine(0, 440.0, 11025);
+    FFTLPCWindow window(table.get(), 1000, nullptr);
+    QTemporaryDir dir;
+    QString error;
+    const QString sample = QStringLiteral("distance 9.7 dB, 2000 Hz");
+    for (const QSizeF inches : {QSizeF(6, 4), QSizeF(3, 2)}) {
+        std::map<QString, QSizeF> textBox;
+        for (const QString& name :
+             {QStringLiteral("p.svg"), QStringLiteral("p.png"), QStringLiteral("p.pdf")}) {
+            const PictureExport::Draw draw = [&](QPainter& p, const QSizeF& size) {
+                const QFontMetricsF metrics(p.font(), p.device());
+                textBox[name] = QSizeF(metrics.horizontalAdvance(sample), metrics.height());
+                window.view()->drawPicture(p, size, SlicePlotStyle::fromDocument(doc, false));
+            };
+            ASSERT_TRUE(PictureExport::writePicture(dir.filePath(name), draw, inches, &error))
+                << error.toStdString();
+        }
+        const QSizeF svg = textBox[QStringLiteral("p.svg")];
+        EXPECT_GT(svg.height(), 8.0);
+        EXPECT_LT(svg.height(), 16.0);
+        for (const QString& name : {QStringLiteral("p.png"), QStringLiteral("p.pdf")}) {
+            EXPECT_NEAR(textBox[name].height(), svg.height(), 0.15 * svg.height()) << name.toStdString();
+            EXPECT_NEAR(textBox[name].width(), svg.width(), 0.15 * svg.width()) << name.toStdString();
+            // The sample line fits well inside a picture three inches wide.
+            EXPECT_LT(textBox[name].width(), 0.6 * inches.width() * 72.0) << name.toStdString();
+        }
+    }
+    // The file still says its resolution, so viewers show it at its size in inches.
+    EXPECT_NEAR(QImage(dir.filePath(QStringLiteral("p.png"))).dotsPerMeterX() * 0.0254,
+                PictureExport::kPngPixelsPerInch, 0.5);
 }
 
 TEST_F(AnalysisWindows, PicturesAreWrittenAtTheSetSize)

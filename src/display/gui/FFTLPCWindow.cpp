@@ -52,6 +52,16 @@ int FFTLPCWindow::frameOf(double startSample) const
     return static_cast<int>(std::floor((startSample + 1.0) * c.m_nColumnNum / c.m_dwFileLength)) + 1;
 }
 
+QString FFTLPCWindow::frameSpan(int frame) const
+{
+    Channels& c = *m_pDoc->getChannel(0);
+    if (c.m_nUpdateIntervalMS < 1)
+        c.m_nUpdateIntervalMS = 10;
+    const qlonglong interval = c.m_nUpdateIntervalMS;
+    const qlonglong end = static_cast<qlonglong>(frame) * interval;
+    return tr("%1-%2 ms").arg(std::max(0LL, end - interval)).arg(end);
+}
+
 void FFTLPCWindow::set_nStartFile(double startSample)
 {
     m_nStartFile = std::max(0.0, std::trunc(startSample));
@@ -90,10 +100,13 @@ void FFTLPCWindow::recompute()
         copied->compute(model, std::trunc(ms * model.m_dSampleRate / 1000.0));
     }
     const int frame = frameOf(m_nStartFile);
-    const QString title = tr("frame %1 at %2 ms").arg(frame).arg(ms, 0, 'f', 1);
+    // Named as the table names it: the column titled 710 is frame 71, which covers 700-710 ms.
+    const QString span = frameSpan(frame);
+    const QString title = tr("frame %1, %2").arg(frame).arg(span);
     m_pView->setSlices(std::move(own), std::move(copied), SlicePlotStyle::fromDocument(*m_pDoc, true), title);
-    QString status = tr("Frame %1, %2 ms, sample %3; Left and Right step one frame")
+    QString status = tr("Frame %1, %2; slice from %3 ms, sample %4; Left and Right step one frame")
                          .arg(frame)
+                         .arg(span)
                          .arg(ms, 0, 'f', 1)
                          .arg(static_cast<qlonglong>(m_nStartFile));
     if (m_pView->synthesisSlice().m_dFFT.empty())

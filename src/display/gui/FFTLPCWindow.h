@@ -29,6 +29,8 @@ public:
     void setTimeMS(double ms);
     // The frame of the table (1 = the first) a start sample of channel 0 lies in.
     int frameOf(double startSample) const;
+    // A frame's span in the table's terms: frame 71 of 10 ms frames is "700-710 ms".
+    QString frameSpan(int frame) const;
     // Steps by whole frames of the table (negative: back), staying within the utterance.
     void stepFrames(int frames);
 

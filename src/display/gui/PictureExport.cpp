@@ -33,9 +33,16 @@ QByteArray pngOf(const PictureExport::Draw& draw, const QSizeF& points)
     const double scale = PictureExport::kPngPixelsPerInch / kPointsPerInch;
     QImage image(qRound(points.width() * scale), qRound(points.height() * scale), QImage::Format_RGB32);
     image.fill(Qt::white);
-    const int dotsPerMetre = qRound(PictureExport::kPngPixelsPerInch / 0.0254);
-    image.setDotsPerMeterX(dotsPerMetre);
-    image.setDotsPerMeterY(dotsPerMetre);
+    // The picture is laid out in points and scaled to pixels by the painter. While it is drawn the
+    // image says one dot per point, so that a font given in points comes out in points too; a
+    // resolution of its own here would make Qt scale every text a second time (far too large
+    // letters that run into each other and out of the picture).
+    const auto setResolution = [&image](double dotsPerInch) {
+        const int dotsPerMetre = qRound(dotsPerInch / 0.0254);
+        image.setDotsPerMeterX(dotsPerMetre);
+        image.setDotsPerMeterY(dotsPerMetre);
+    };
+    setResolution(kPointsPerInch);
     {
         QPainter painter(&image);
         painter.setRenderHint(QPainter::Antialiasing);
@@ -43,6 +50,7 @@ QByteArray pngOf(const PictureExport::Draw& draw, const QSizeF& points)
         PictureExport::setPictureFont(painter);
         draw(painter, points);
     }
+    setResolution(PictureExport::kPngPixelsPerInch);
     QByteArray bytes;
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::WriteOnly);

@@ -23,6 +23,7 @@ public:
 
     // Draws the picture onto any painter over `size` units (the screen, a file, a printer).
     void drawPicture(QPainter& painter, const QSizeF& size, const SlicePlotStyle& style) const;
+    const QString& title() const { return m_strTitle; }
 
     QSize sizeHint() const override { return QSize(640, 420); }
 

@@ -1,0 +1,142 @@
+// Synthesis by rule: the durations the rules state, the releases of stops, the pitch contour,
+// and a document whose anchors give its values back when the table re-interpolates them.
+#include "phonemes/RuleTestSupport.h"
+
+#include "phonemes/PhonemeError.h"
+#include "table/edit/TableEditing.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+using namespace ruletest;
+
+TEST(PhonemeRules, DurationsFollowTheRules)
+{
+    // "bad" said alone: /æ/ is in the phrase's last syllable (1.4) before a voiced stop (1.2):
+    // 80 + (230 - 80) x 1.68. The /d/ after it is lengthened too: 50 + 25 x 1.4.
+    RuleFrames bad = framesOf("B AE1 D");
+    EXPECT_DOUBLE_EQ(segmentOf(bad, "AE").durationMS, 80 + 150 * 1.4 * 1.2);
+    EXPECT_DOUBLE_EQ(segmentOf(bad, "D").durationMS, 50 + 25 * 1.4);
+    // The onset /b/ is neither final nor before an unstressed vowel: its inherent 85 ms.
+    EXPECT_DOUBLE_EQ(segmentOf(bad, "B").durationMS, 85);
+    // Before a voiceless stop a final vowel shortens: 80 + 150 x 1.4 x 0.7.
+    EXPECT_DOUBLE_EQ(segmentOf(framesOf("B AE1 T"), "AE").durationMS, 80 + 150 * 1.4 * 0.7);
+    // Not final and unstressed, in a word's first syllable, before a voiced stop (halfway: 1.1):
+    // 60 + 60 x 0.5 x 0.85 x 1.1; the consonant before that unstressed vowel shortens to
+    // 50 + 25 x 0.7.
+    const RuleFrames about = framesOf("D AX0 B AW1 T");
+    EXPECT_DOUBLE_EQ(segmentOf(about, "AX").durationMS, 60 + 60 * 0.5 * 0.85 * 1.1);
+    EXPECT_DOUBLE_EQ(segmentOf(about, "D").durationMS, 50 + 25 * 0.7);
+    // Twice the speed halves every rule duration; a written duration is kept.
+    RuleSettings fast;
+    fast.speed = 2.0;
+    EXPECT_DOUBLE_EQ(segmentOf(framesOf("B AE1 D", fast), "AE").durationMS, (80 + 150 * 1.4 * 1.2) / 2);
+    EXPECT_DOUBLE_EQ(segmentOf(framesOf("AA1:300", fast), "AA").durationMS, 300);
+    fast.speed = 5.0;
+    EXPECT_THROW(framesOf("AA1", fast), PhonemeError);
+
+    // Pauses: 50 ms before the first phrase, 200 ms at a comma, 300 at a full stop, 100 at the end.
+    const RuleFrames phrases = framesOf("AA1 , AA1 . AA1");
+    std::vector<double> pauses;
+    for (const Segment& s : phrases.segments)
+        if (s.phoneme->silent())
+            pauses.push_back(s.durationMS);
+    EXPECT_EQ(pauses, (std::vector<double>{50, 200, 300, 100}));
+    EXPECT_GE(phrases.frames * 10.0, phrases.segments.back().endMS());
+}
+
+TEST(PhonemeRules, StopsHaveClosureBurstAndVoiceOnsetTime)
+{
+    const RuleFrames pa = framesOf("P AA1");
+    const Segment& p = segmentOf(pa, "P");
+    EXPECT_DOUBLE_EQ(p.burstMS, 10);
+    EXPECT_DOUBLE_EQ(p.burstMS + p.aspirationMS, 55); // voice onset 55 ms after the release
+    // Times become frames to the nearest frame.
+    auto at = [&](int row, double ms) { return pa.value(row, static_cast<int>(std::lround(ms / 10))); };
+    EXPECT_EQ(at(Row::av, p.startMS + 20), 0); // a silent closure
+    EXPECT_EQ(at(Row::af, p.startMS + 20), 0);
+    EXPECT_EQ(at(Row::af, p.releaseMS()), 60); // the burst
+    EXPECT_EQ(at(Row::ab, p.releaseMS()), 63);
+    EXPECT_EQ(at(Row::ah, p.releaseMS() + 20), 60); // aspiration
+    EXPECT_EQ(at(Row::av, p.releaseMS() + 20), 0);
+    EXPECT_EQ(at(Row::av, p.endMS() + 10), 60); // the vowel is voiced
+
+    // A voiced closure after a voiced sound keeps a voice bar; at the start of a phrase it does not.
+    const RuleFrames aba = framesOf("AA1 B AA1");
+    const Segment& b = segmentOf(aba, "B");
+    EXPECT_EQ(aba.value(Row::av, static_cast<int>(b.startMS / 10) + 2), 47);
+    const RuleFrames ba = framesOf("B AA1");
+    EXPECT_EQ(ba.value(Row::av, static_cast<int>(segmentOf(ba, "B").startMS / 10) + 2), 0);
+
+    // A nasal opens its zero; elsewhere it sits on the pole.
+    const RuleFrames ama = framesOf("AA1 M AA1");
+    const Segment& m = segmentOf(ama, "M");
+    EXPECT_EQ(ama.value(Row::fnz, static_cast<int>(m.startMS / 10) + 2), 450);
+    EXPECT_EQ(ama.value(Row::fnz, 10), 270);
+}
+
+TEST(PhonemeRules, PitchRisesOnStressFallsAtTheEndAndRisesForAQuestion)
+{
+    RuleSettings settings;
+    settings.f0Hz = 100.0;
+    const RuleFrames statement = framesOf("B AE1 D .", settings);
+    const RuleFrames question = framesOf("B AE1 D ?", settings);
+    const Segment& vowel = segmentOf(statement, "AE");
+    const int start = static_cast<int>(vowel.startMS / 10);
+    const int peak = static_cast<int>((vowel.startMS + vowel.durationMS / 3) / 10);
+    const int end = static_cast<int>(vowel.endMS() / 10);
+    EXPECT_EQ(statement.value(Row::f0, 0), 1000);
+    EXPECT_GT(statement.value(Row::f0, peak), statement.value(Row::f0, start));
+    EXPECT_LT(statement.value(Row::f0, end), 850); // falls below the declined baseline
+    EXPECT_GT(question.value(Row::f0, end), 1200); // rises well above the start
+    // Unstressed syllables stay on the baseline: no accent peak.
+    const RuleFrames flat = framesOf("B AX0 D", settings);
+    const Segment& schwa = segmentOf(flat, "AX");
+    EXPECT_LE(flat.value(Row::f0, static_cast<int>((schwa.startMS + schwa.durationMS / 3) / 10)), 1000);
+}
+
+TEST(PhonemeRules, TheDocumentsAnchorsReinterpolateToItsValuesAndSurviveSaving)
+{
+    const RuleFrames frames = framesOf("HH AH0 L OW1 | W ER1 L D ?");
+    auto document = PhonemeDocument::make(frames, 11025);
+    const Channels& c = *document->getChannel(0);
+    EXPECT_EQ(c.m_nColumnNum, frames.frames);
+    EXPECT_EQ(c.m_dLengthMS, frames.frames * 10.0);
+    EXPECT_EQ(document->synthesisSampleRate(), 11025);
+    auto cell = [&](const MyDocument& d, int row, int frame) {
+        return d._dataTableDictionary.cellAt((frame + 1) * 10LL, row);
+    };
+    int anchors = 0;
+    for (int row = 0; row < kParameterCount; ++row)
+        for (int frame = 0; frame < frames.frames; ++frame) {
+            ASSERT_EQ(cell(*document, row, frame)->_nValue(), frames.value(row, frame))
+                << row << "/" << frame;
+            anchors += cell(*document, row, frame)->_bAnchor() ? 1 : 0;
+        }
+    EXPECT_EQ(anchors, static_cast<int>(frames.anchors.size()));
+    EXPECT_GT(anchors, 100);
+
+    // Interpolate All changes nothing: every value between anchors is the table's own line.
+    interpolateAll(*document);
+    for (int row = 0; row < kParameterCount; ++row)
+        for (int frame = 0; frame < frames.frames; ++frame)
+            ASSERT_EQ(cell(*document, row, frame)->_nValue(), frames.value(row, frame))
+                << row << "/" << frame;
+
+    // Saved and read back: the same values, and the anchors of the shown rows.
+    const std::string text = document->Save_STK_FileType50(true);
+    MyDocument read;
+    int error = 0;
+    ASSERT_TRUE(read.readFromBytes(text, "stk", &error));
+    read.buildDataTableDictionary();
+    for (int row = 0; row < kParameterCount; ++row)
+        for (int frame = 0; frame < frames.frames; ++frame) {
+            ASSERT_EQ(cell(read, row, frame)->_nValue(), frames.value(row, frame)) << row << "/" << frame;
+            ASSERT_EQ(cell(read, row, frame)->_bAnchor(),
+                      cell(*document, row, frame)->_bAnchor() && c.m_Parameters[row].bSelected);
+        }
+
+    // At 22050 Hz the sixth formant's rows are shown, and synthesis runs at that rate.
+    EXPECT_EQ(PhonemeDocument::make(frames, 22050)->synthesisSampleRate(), 22050);
+}

@@ -1,0 +1,83 @@
+// Phoneme strings: ARPAbet and IPA become the same tokens; unknown symbols are named with
+// their position.
+#include "phonemes/PhonemeString.h"
+
+#include "phonemes/PhonemeError.h"
+
+#include <gtest/gtest.h>
+
+namespace
+{
+
+const PhonemeInventory& table()
+{
+    return PhonemeInventory::americanEnglish();
+}
+
+std::string arpabetOf(const std::string& text)
+{
+    return PhonemeString::describe(PhonemeString::parse(text, table()));
+}
+
+std::string errorOf(const std::string& text)
+{
+    try {
+        PhonemeString::parse(text, table());
+    } catch (const PhonemeError& e) {
+        return e.what();
+    }
+    return "no error";
+}
+
+} // namespace
+
+TEST(PhonemeString, ArpabetCarriesStressWordsPunctuationAndHeldDurations)
+{
+    const auto tokens = PhonemeString::parseArpabet("B AE1 D | b eh2 d, AA1:300?", table());
+    ASSERT_EQ(tokens.size(), 9u);
+    EXPECT_EQ(tokens[1].phoneme->arpa, "AE");
+    EXPECT_EQ(tokens[1].stress, 1);
+    EXPECT_EQ(tokens[4].stress, 2);
+    EXPECT_TRUE(tokens[0].wordStart);
+    EXPECT_FALSE(tokens[1].wordStart);
+    EXPECT_TRUE(tokens[3].wordStart);
+    EXPECT_EQ(tokens[6].mark, ',');
+    EXPECT_EQ(tokens[6].phoneme, nullptr);
+    EXPECT_TRUE(tokens[7].wordStart);
+    EXPECT_EQ(tokens[7].durationMS, 300);
+    EXPECT_EQ(tokens[8].mark, '?');
+    EXPECT_EQ(tokens[7].position, 20u);
+    // What the user is shown reads back as the same string; a vowel without digit is stressed.
+    const std::string shown = PhonemeString::describe(tokens);
+    EXPECT_EQ(shown, "B AE1 D | B EH2 D , AA1:300 ?");
+    EXPECT_EQ(arpabetOf(shown), shown);
+    EXPECT_EQ(arpabetOf("HH AH L OW"), "HH AH1 L OW1");
+
+    EXPECT_EQ(errorOf("B AE1 XX D"), "unknown symbol \"XX\" at position 7");
+    EXPECT_EQ(errorOf("B1 AE1"), "unknown symbol \"B1\" at position 1");
+    EXPECT_EQ(errorOf("AA1:5"), "bad duration \"5\" at position 5 (10 to 10000 ms)");
+    EXPECT_EQ(errorOf("AA1:X"), "bad duration \"X\" at position 5 (10 to 10000 ms)");
+    EXPECT_EQ(errorOf("a bad bed"),
+              "\"a bad bed\" is words, not phonemes: write them in capitals (ARPAbet) or "
+              "between slashes (IPA)");
+}
+
+TEST(PhonemeString, IpaReadsLongestSpellingsStressMarksAndWordBoundaries)
+{
+    EXPECT_EQ(arpabetOf("/bæd bɛd?/"), "B AE1 D | B EH1 D ?");
+    EXPECT_EQ(arpabetOf("/ɐ bˈæd bˈɛd/"), "AX0 | B AE1 D | B EH1 D");
+    // Diphthongs and affricates are one phoneme; long vowels, ties, syllabic marks and syllable
+    // dots carry nothing more.
+    EXPECT_EQ(arpabetOf("/tʃˈeɪn dʒˈʌdʒ/"), "CH EY1 N | JH AH1 JH");
+    EXPECT_EQ(arpabetOf("/ʃˈiː sˌiːz/"), "SH IY1 | S IY2 Z");
+    EXPECT_EQ(arpabetOf("/bˈʌʔn̩ lˈɪ.ɾəl/"), "B AH1 Q N | L IH1 DX AX0 L");
+    EXPECT_EQ(arpabetOf("/t͡ʃæt/"), "T SH AE1 T");
+    EXPECT_EQ(arpabetOf("/ˈaɪ, ju./"), "AY1 , Y UW0 .");
+
+    EXPECT_EQ(errorOf("/bæx/"), "unknown symbol \"x\" at position 4");
+    EXPECT_EQ(errorOf("/æ ɬ/"), "unknown symbol \"ɬ\" at position 4");
+
+    EXPECT_EQ(PhonemeString::detect("  /bæd/"), PhonemeString::Kind::Ipa);
+    EXPECT_EQ(PhonemeString::detect("B AE1 D"), PhonemeString::Kind::Arpabet);
+    EXPECT_EQ(PhonemeString::detect("a bad bed"), PhonemeString::Kind::Words);
+}
