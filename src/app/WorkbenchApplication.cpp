@@ -100,6 +100,11 @@ DocumentWindow* WorkbenchApplication::newDocument()
     return show(std::move(doc), ++m_nUntitledCount);
 }
 
+DocumentWindow* WorkbenchApplication::newDocument(std::unique_ptr<MyDocument> doc)
+{
+    return show(std::move(doc), ++m_nUntitledCount);
+}
+
 DocumentWindow* WorkbenchApplication::openFile(const QString& path)
 {
     const QString absolute = QFileInfo(path).absoluteFilePath();

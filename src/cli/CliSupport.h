@@ -152,4 +152,5 @@ void addDocumentCommands(CLI::App& app);
 void addAnalysisCommands(CLI::App& app);
 void addSliceCommands(CLI::App& app);
 void addContinuumCommand(CLI::App& app);
+void addInterchangeCommands(CLI::App& app);
 void addPhonemesCommand(CLI::App& app);

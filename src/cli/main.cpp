@@ -35,6 +35,7 @@ int main(int argc, char** argv)
     addAnalysisCommands(app);
     addSliceCommands(app);
     addContinuumCommand(app);
+    addInterchangeCommands(app);
     addPhonemesCommand(app);
 
     try {

@@ -86,7 +86,8 @@ std::string plural(int count, const char* one, const char* many)
 }
 } // namespace
 
-std::string copyCellsAsText(MyDocument& doc, int firstRow, int lastRow, int firstColumn, int lastColumn)
+std::string copyCellsAsText(MyDocument& doc, int firstRow, int lastRow, int firstColumn, int lastColumn,
+                            TimeColumn timeColumn)
 {
     const std::vector<CellArray*> columns = frameColumns(doc);
     firstRow = std::max(firstRow, 0);
@@ -96,13 +97,17 @@ std::string copyCellsAsText(MyDocument& doc, int firstRow, int lastRow, int firs
     if (firstRow > lastRow || firstColumn > lastColumn)
         return {};
     const Channels& c = *doc.getChannel(0);
-    std::string text;
+    const bool timed = timeColumn == TimeColumn::With;
+    const long long interval = timed ? doc.updateInterval() : 0;
+    std::string text = timed ? "time_ms\t" : "";
     for (int row = firstRow; row <= lastRow; ++row) {
         text += c.m_Parameters[row].strName ? c.m_Parameters[row].strName : "";
         text += row < lastRow ? '\t' : '\n';
     }
     for (int column = firstColumn; column <= lastColumn; ++column) {
         const CellArray* cells = columns[column - 1];
+        if (timed)
+            text += std::to_string((column - 1) * interval) + '\t';
         for (int row = firstRow; row <= lastRow; ++row) {
             if (cells && static_cast<std::size_t>(row) < cells->size() && (*cells)[row])
                 text += std::to_string((*cells)[row]->_nValue());

@@ -11,8 +11,12 @@
 #include <string>
 
 // The text of the cells of rows firstRow..lastRow in table columns firstColumn..lastColumn
-// (the name column, 0, is left out). Empty when the span holds no frame.
-std::string copyCellsAsText(MyDocument& doc, int firstRow, int lastRow, int firstColumn, int lastColumn);
+// (the name column, 0, is left out). Empty when the span holds no frame. With `timeColumn`
+// each line starts with a column "time_ms": the time each frame starts, in ms (the layout of
+// exported tables).
+enum class TimeColumn { Without, With };
+std::string copyCellsAsText(MyDocument& doc, int firstRow, int lastRow, int firstColumn, int lastColumn,
+                            TimeColumn timeColumn = TimeColumn::Without);
 
 struct PasteOutcome {
     bool pasted = false;
