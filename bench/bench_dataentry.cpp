@@ -4,12 +4,12 @@
 // release of a stroke to the started playback of the synthesis (the whole utterance). Runs
 // under the offscreen platform, playing into ALSA's file output.
 #include "audio/AudioPlayer.h"
-#include "dataentry/dataentryGraphicalController.h"
-#include "dataentry/viewF0.h"
-#include "table/mainTable.h"
+#include "dataentry/gui/graphical/dataentryGraphicalController.h"
+#include "dataentry/gui/graphical/viewF0.h"
+#include "table/gui/mainTable.h"
 
 #include "GuiBenchMain.h"
-#include "dataentry/DataEntryTestSupport.h"
+#include "dataentry/gui/DataEntryTestSupport.h"
 
 #include <benchmark/benchmark.h>
 
