@@ -13,9 +13,9 @@
 //   column under the pointer = trunc(x x N / W) (table column + 1);
 //   value under the pointer  = trunc((H - y) x full scale / H).
 // Subclasses: viewPitch, viewSpectrogram, viewAmplitudes. Main thread only.
-#include "dataentry/gui/TimeAxisZoom.h"
 #include "dataentry/StrokePlayback.h"
 #include "dataentry/TraceTrackLists.h"
+#include "dataentry/gui/TimeAxisZoom.h"
 #include "display/gui/GraphGrids.h"
 
 #include <QColor>

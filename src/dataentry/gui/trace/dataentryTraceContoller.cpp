@@ -262,7 +262,7 @@ QString enteredTracks(const PitchTrackComputation& pitch, const SpectrogramCompu
     if (entered.isEmpty())
         return QStringLiteral("Nothing entered: the analysis found neither pitch nor formants");
     const QString last = entered.takeLast();
-    return QStringLiteral("Entered %1 from the analysis")
+    return QStringLiteral("Entered %1")
         .arg(entered.isEmpty() ? last : entered.join(QStringLiteral(", ")) + QStringLiteral(" and ") + last);
 }
 } // namespace
