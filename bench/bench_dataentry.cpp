@@ -108,7 +108,8 @@ void BM_ReleaseToPlayback(benchmark::State& state)
     LongDocumentWindow& w = threeSeconds();
     w.controller->playAfterStrokeAction()->setChecked(true);
     int started = 0;
-    QObject::connect(w.table.get(), &mainTable::playbackStarted, [&started] { ++started; });
+    const QMetaObject::Connection counting =
+        QObject::connect(w.table.get(), &mainTable::playbackStarted, [&started] { ++started; });
     int y = 10;
     for (auto _ : state) {
         state.PauseTiming();
@@ -118,6 +119,7 @@ void BM_ReleaseToPlayback(benchmark::State& state)
         state.ResumeTiming();
         w.send(QEvent::MouseButtonRelease, QPointF(110, y), Qt::LeftButton, Qt::NoButton);
     }
+    QObject::disconnect(counting); // `started` goes with this run
     w.controller->playAfterStrokeAction()->setChecked(false);
     mainTable::sharedPlayer()->stopPlay();
     state.counters["started"] = benchmark::Counter(started, benchmark::Counter::kAvgIterations);
