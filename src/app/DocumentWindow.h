@@ -104,6 +104,9 @@ private:
     QString m_strUntitledName;
     QString m_strModelPath;
     QString m_strAutosavePath; // empty until the first copy
+    // The window closed (saved, or its changes let go): no copy is written for it any more,
+    // not even by the copies made as the application quits.
+    bool m_bClosed = false;
     QTimer* m_pAutosaveTimer = nullptr;
     QLabel* m_pStatusGrid = nullptr;
     QLabel* m_pStatusPlay = nullptr;

@@ -6,6 +6,7 @@
 #include "dataentry/gui/trace/dataentryTraceContoller.h"
 #include "display/gui/FFTLPCWindow.h"
 #include "display/gui/SpectrogramPitchWindow.h"
+#include "document/CountedText.h"
 #include "document/MyDocument.h"
 #include "stimulus/StimulusOutputFile.h"
 #include "table/gui/mainTable.h"
@@ -172,7 +173,14 @@ QStringList WorkbenchApplication::readChanges(const MyDocument& doc)
             << tr("It declares %1 frames but holds values for %2 of them; the others have default values.")
                    .arg(doc.framesDeclared())
                    .arg(doc.framesInFile());
-    if (doc.m_nClampedValues > 0)
+    if (doc.isWaveShort())
+        changes << tr("Its sample data stops early: it holds %1 of the %2 it declares.")
+                       .arg(
+                           QString::fromStdString(countedText(doc.waveSamplesPresent(), "sample", "samples")))
+                       .arg(doc.waveSamplesDeclared());
+    if (doc.m_nClampedValues == 1)
+        changes << tr("1 value did not fit the table and was set to its parameter's limits.");
+    else if (doc.m_nClampedValues > 0)
         changes << tr("%1 values did not fit the table and were set to their parameters' limits.")
                        .arg(doc.m_nClampedValues);
     return changes;

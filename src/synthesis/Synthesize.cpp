@@ -1,5 +1,6 @@
 // The synthesis driver: turns the document's table data into audio in the synthesis channel,
 // one Klatt frame per table column, and keeps the previous synthesis in channel 1.
+#include "document/CountedText.h"
 #include "document/DocumentException.h"
 #include "document/Log.h"
 #include "document/MyDocument.h"
@@ -268,6 +269,7 @@ void MyDocument::Synthesize()
     Log::line("end synthesize");
     m_nClippedSamples = g.clipped_samples;
     m_dPeakLevel = g.peak_magnitude / 32768.0;
+    m_nSynthesizedSamples = static_cast<std::int64_t>(capacity);
     frameOutput.reset();
     globals.reset();
     frame.reset();
@@ -283,8 +285,21 @@ std::string MyDocument::clippingReport() const
 {
     if (m_nClippedSamples <= 0)
         return {};
-    char text[96];
-    std::snprintf(text, sizeof text, "%lld samples clipped (peak %.1f dB)",
-                  static_cast<long long>(m_nClippedSamples), 20.0 * std::log10(m_dPeakLevel));
-    return text;
+    char peak[48];
+    std::snprintf(peak, sizeof peak, " clipped (peak %.1f dB)", 20.0 * std::log10(m_dPeakLevel));
+    return countedText(m_nClippedSamples, "sample", "samples") + peak;
+}
+
+bool MyDocument::isSilent() const
+{
+    // A sample below one step of 16 bits is written to a WAVE file as 0.
+    return m_nSynthesizedSamples > 0 && m_dPeakLevel < 1.0 / 32768.0;
+}
+
+std::string MyDocument::synthesisWarning() const
+{
+    if (isSilent())
+        return "the synthesis is silent: no sample reaches one step of 16 bits (look at gain and the "
+               "amplitudes)";
+    return clippingReport();
 }

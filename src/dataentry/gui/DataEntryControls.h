@@ -33,9 +33,10 @@ public:
 
     // Makes the buttons and wells on `parent`. A click on button b runs pressed(b) (the radio
     // behaviour is the caller's); a colour chosen in a well's dialog runs chosen(well, colour).
-    // `takeFocus` false: neither buttons nor wells take the keyboard focus.
-    DataEntryControls(QWidget* parent, int wellWidth, bool takeFocus, QObject* context,
-                      std::function<void(Button)> pressed, std::function<void(int, const QColor&)> chosen);
+    // Neither buttons nor wells take the keyboard focus: Space and the other play keys belong
+    // to the window's shortcuts, never to a focused button.
+    DataEntryControls(QWidget* parent, int wellWidth, QObject* context, std::function<void(Button)> pressed,
+                      std::function<void(int, const QColor&)> chosen);
 
     QPushButton* button(int b) const { return m_buttons[static_cast<std::size_t>(b)]; }
     QColor wellColor(int well) const { return m_wellColors[static_cast<std::size_t>(well)]; }

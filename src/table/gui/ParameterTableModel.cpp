@@ -151,7 +151,9 @@ QVariant ParameterTableModel::data(const QModelIndex& index, int role) const
 
 bool ParameterTableModel::setData(const QModelIndex& index, const QVariant& value, int role)
 {
-    if (role != Qt::EditRole || index.column() < 1 || !cellAt(index.row(), index.column()))
+    // A collapsed row is a hairline nobody can read: it takes no typed value.
+    if (role != Qt::EditRole || index.column() < 1 || !cellAt(index.row(), index.column()) ||
+        !rowShown(index.row()))
         return false;
     emit valueTyped(index.row(), index.column(), value.toString());
     return true;
@@ -177,5 +179,9 @@ Qt::ItemFlags ParameterTableModel::flags(const QModelIndex& index) const
         return Qt::NoItemFlags;
     if (index.column() == 0)
         return Qt::ItemIsEnabled; // the names are neither editable nor selectable
+    // The cells of a collapsed row are disabled, so that the keys step over them (the view
+    // moves the current cell past disabled cells) and nothing can be typed into them.
+    if (!rowShown(index.row()))
+        return Qt::NoItemFlags;
     return Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsEditable;
 }

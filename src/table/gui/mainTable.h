@@ -167,6 +167,9 @@ public slots:
     // never synthesized.
     void PlayDocument(int channel);
     void PlaySelection();
+    // Plays the frames of table columns first..last of the current synthesis at once (no
+    // delay: nothing is waiting to close), synthesizing first when needed.
+    void playFrames(int first, int last);
 
     void addAnchor(int row, int column);
     void removeAnchor(int row, int column);
@@ -207,6 +210,8 @@ signals:
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void updateGeometries() override;
 

@@ -199,8 +199,13 @@ void mainTable::_PlaySelection()
 
 void mainTable::PlaySelection()
 {
+    const auto [first, last] = selectedColumnSpan();
+    playFrames(first, last);
+}
+
+void mainTable::playFrames(int first, int last)
+{
     try {
-        auto [first, last] = selectedColumnSpan();
         first = std::max(first, 1); // the name column stands for no samples
         if (last < first)
             return;
@@ -234,7 +239,7 @@ void mainTable::PlaySelection()
         if (player->isPlaying())
             emit playbackStarted(ch.m_dSampleRate, static_cast<double>(to - from), static_cast<double>(from));
     } catch (const std::exception& e) {
-        Log::line(std::string("PlaySelection: ") + e.what()); // swallowed, as for the other plays
+        Log::line(std::string("playFrames: ") + e.what()); // swallowed, as for the other plays
     }
 }
 

@@ -129,6 +129,7 @@ void TrackPlotView::mousePressEvent(QMouseEvent* event)
     setup();
     m_nFollowedColumn = -1;
     m_arraytrace.clear();
+    m_stroke.reset();
     _pDoc->saveUndo();
     m_bDrawing = true;
 }
@@ -153,6 +154,7 @@ void TrackPlotView::dragTo(const QPointF& p)
         return;
     const int value = valueAt(p.y());
     followInTable(frame);
+    m_stroke.add(frame + 1);
     m_arraytrace.push_back(p);
     bool changed = false;
     for (Track& track : m_tracks) {

@@ -17,6 +17,7 @@
 // of the other plots, whose point visibility may depend on the edited amplitude), so drawing
 // over a long document stays quick. Subclasses (viewF0, viewFormants, viewOthers) give the
 // rows, the scale, the value grid and which tracks are drawn. Main thread only.
+#include "dataentry/StrokePlayback.h"
 #include "dataentry/gui/TimeAxisZoom.h"
 #include "display/gui/GraphGrids.h"
 #include "document/MyDocument.h"
@@ -83,6 +84,8 @@ public:
 
     // Repaints the strip of the view where frame k's points are drawn.
     void updateFrame(int frame);
+    // The table columns the last stroke went over.
+    const StrokeSpan& lastStroke() const { return m_stroke; }
 
 signals:
     // A drag changed the value of a frame (any track of this view).
@@ -126,6 +129,7 @@ private:
     int m_nScale;
     std::vector<Track> m_tracks;
     std::vector<QPointF> m_arraytrace;
-    bool m_bDrawing = false;    // a mouse down with an active track started a drag
+    bool m_bDrawing = false; // a mouse down with an active track started a drag
+    StrokeSpan m_stroke;
     int m_nFollowedColumn = -1; // the table column last selected for the pointer
 };

@@ -1,6 +1,8 @@
 #include "dataentry/gui/graphical/dataentryGraphicalController.h"
 
+#include "dataentry/gui/DataEntryMenus.h"
 #include "dataentry/gui/DataEntrySupport.h"
+#include "dataentry/gui/PlayAfterStroke.h"
 #include "dataentry/gui/TimeAxisZoom.h"
 #include "dataentry/gui/graphical/viewF0.h"
 #include "dataentry/gui/graphical/viewFormants.h"
@@ -49,6 +51,7 @@ dataentryGraphicalController::dataentryGraphicalController(MyDocument* doc, main
     m_timeAxis = new TimeAxisZoom(this);
     m_timeAxis->setFrameSource([this] { return m_pDoc ? m_pDoc->getChannel(0)->m_nColumnNum : 0; });
     m_scrollBar = new QScrollBar(Qt::Horizontal, m_content);
+    m_scrollBar->setFocusPolicy(Qt::NoFocus);
     m_timeAxis->attach(m_scrollBar);
     for (TrackPlotView* view : views()) {
         view->setTimeAxis(m_timeAxis);
@@ -94,7 +97,7 @@ void dataentryGraphicalController::makeControls()
 {
     // Radio behaviour is ours: a click on the pressed button keeps it pressed.
     m_controls.emplace(
-        m_content, kWellWidth, true, this, [this](Button b) { actionParameter(b); },
+        m_content, kWellWidth, this, [this](Button b) { actionParameter(b); },
         [this](int well, const QColor& color) { actionColor(well, color); });
     m_content->installEventFilter(this);
     m_window->installEventFilter(this);
@@ -107,15 +110,16 @@ void dataentryGraphicalController::makeMenus()
     m_undo->setShortcut(QKeySequence::Undo);
     m_redo = edit->addAction(QStringLiteral("Redo"), this, &dataentryGraphicalController::redo);
     m_redo->setShortcut(QKeySequence::Redo);
-    QMenu* play = m_window->menuBar()->addMenu(QStringLiteral("&Play"));
-    play->addAction(QStringLiteral("Play Current"), this, &dataentryGraphicalController::_PlayCurrent);
-    play->addAction(QStringLiteral("Play Previous"), this, &dataentryGraphicalController::_PlayPrevious);
-    m_playAudio =
-        play->addAction(QStringLiteral("Play Model"), this, &dataentryGraphicalController::_PlayAudio);
-    QMenu* view = m_window->menuBar()->addMenu(QStringLiteral("&View"));
-    view->addActions(m_timeAxis->makeActions(m_window.get()));
+    m_playAudio = addPlayMenu(m_window.get(), this);
+    m_playAfterStroke = addViewMenu(m_window.get(), m_timeAxis);
+    for (TrackPlotView* plot : views())
+        connect(plot, &TrackPlotView::committed, this, [this, plot] {
+            if (m_playAfterStroke->isChecked())
+                PlayAfterStroke::play(m_mainTableID, m_pDoc, plot->lastStroke());
+        });
     connect(edit, &QMenu::aboutToShow, this, &dataentryGraphicalController::validateMenus);
-    connect(play, &QMenu::aboutToShow, this, &dataentryGraphicalController::validateMenus);
+    if (auto* play = qobject_cast<QMenu*>(m_playAudio->parent()))
+        connect(play, &QMenu::aboutToShow, this, &dataentryGraphicalController::validateMenus);
 }
 
 void dataentryGraphicalController::validateMenus()
@@ -193,6 +197,11 @@ void dataentryGraphicalController::_PlayCurrent()
 {
     forward(&mainTable::_PlayCurrent);
 }
+void dataentryGraphicalController::_PlaySelection()
+{
+    forward(&mainTable::_PlaySelection);
+}
+
 void dataentryGraphicalController::_PlayPrevious()
 {
     forward(&mainTable::_PlayPrevious);

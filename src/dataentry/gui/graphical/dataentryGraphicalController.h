@@ -2,7 +2,8 @@
 // The graphical data-entry window: three stacked plots of the same frames (F0, the five lower
 // formants, the amplitudes), thirteen toggle buttons that pick the one parameter mouse drags
 // edit, and six colour wells for the F0 and formant colours. The plots share one time axis that
-// the View menu, Ctrl+wheel and the scroll bar below the plots zoom and scroll. It edits the document's own
+// the View menu, Ctrl+wheel and the scroll bar below the plots zoom and scroll; View > Play After
+// Each Stroke plays the document after each drag (PlayAfterStroke). It edits the document's own
 // table cells through the plots; undo, redo and play are forwarded to the table that opened it. The
 // controller owns its window; the table owns the controller (one at a time). Main thread only. Sizes are in
 // pixels of the window's content.
@@ -58,6 +59,7 @@ public:
     void undo();
     void redo();
     void _PlayCurrent();
+    void _PlaySelection();
     void _PlayPrevious();
     void _PlayAudio();
 
@@ -69,6 +71,8 @@ public:
     // The zoom and scroll position the three plots share, and its scroll bar below them.
     TimeAxisZoom* timeAxis() const { return m_timeAxis; }
     QScrollBar* scrollBar() const { return m_scrollBar; }
+    // View > Play After Each Stroke.
+    QAction* playAfterStrokeAction() const { return m_playAfterStroke; }
 
     // Lays the plots and the controls out for a content area of w x h.
     void specialWindowDidResize(int w, int h);
@@ -97,4 +101,5 @@ private:
     QAction* m_undo = nullptr;
     QAction* m_redo = nullptr;
     QAction* m_playAudio = nullptr;
+    QAction* m_playAfterStroke = nullptr;
 };

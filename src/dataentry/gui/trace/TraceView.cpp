@@ -78,7 +78,12 @@ void TraceView::setTimeAxis(TimeAxisZoom* axis)
     if (m_axis != &m_ownAxis)
         disconnect(m_axis, nullptr, this, nullptr);
     m_axis = axis ? axis : &m_ownAxis;
-    connect(m_axis, &TimeAxisZoom::changed, this, qOverload<>(&QWidget::update));
+    connect(m_axis, &TimeAxisZoom::changed, this, &TraceView::timeAxisChanged);
+    update();
+}
+
+void TraceView::timeAxisChanged()
+{
     update();
 }
 
@@ -124,6 +129,7 @@ void TraceView::mousePressEvent(QMouseEvent* event)
         m_arraytrace.clear();
     m_nFollowedColumn = -1;
     m_nPendingColumn = -1;
+    m_stroke.reset();
     _pDoc->saveUndo();
     m_bDrawing = true;
 }
@@ -148,6 +154,7 @@ void TraceView::dragTo(const QPointF& p)
     if (column < 0)
         return;
     followInTable(column + 1);
+    m_stroke.add(column + 1);
     if (keepsDragTrace())
         m_arraytrace.push_back(p);
     const int value = valueAt(p.y());

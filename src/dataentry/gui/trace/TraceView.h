@@ -13,6 +13,7 @@
 //   column under the pointer = trunc(x x N / W) (table column + 1);
 //   value under the pointer  = trunc((H - y) x full scale / H).
 // Subclasses: viewPitch, viewSpectrogram, viewAmplitudes. Main thread only.
+#include "dataentry/StrokePlayback.h"
 #include "dataentry/TraceTrackLists.h"
 #include "dataentry/gui/TimeAxisZoom.h"
 #include "display/gui/GraphGrids.h"
@@ -67,6 +68,8 @@ public:
     std::vector<GridLabel> gridLabels(const QFontMetrics& metrics) const;
     QRect captionBox() const;
     int valueAt(double y) const;
+    // The table columns the last stroke went over.
+    const StrokeSpan& lastStroke() const { return m_stroke; }
 
 signals:
     // Where the pointer is, as a line for the window's status strip.
@@ -92,6 +95,8 @@ protected:
     // The pitch view commits on every release.
     virtual bool releaseNeedsActiveTrack() const { return true; }
     virtual void afterDragValue(int /*column*/, const QPointF& /*p*/) {}
+    // The shared time axis zoomed or scrolled: the view repaints.
+    virtual void timeAxisChanged();
     virtual void afterCommit() {}
     virtual void drawAnalysis(QPainter& /*painter*/, const QRect& /*clip*/) {}
     virtual void drawOverlay(QPainter& /*painter*/, const QRect& /*clip*/) {}
@@ -139,5 +144,6 @@ private:
     bool m_bDrawing = false;
     int m_nFollowedColumn = -1; // the table column the table shows selected
     int m_nPendingColumn = -1;  // the table column under the pointer
+    StrokeSpan m_stroke;
     QTimer m_followTimer;
 };

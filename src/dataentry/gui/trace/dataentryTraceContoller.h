@@ -4,15 +4,17 @@
 // tracks and f1 .. f5; viewAmplitudes: a1f .. a5f, av, apv in dB), thirteen track buttons that
 // act as one radio group (choosing a formant also chooses its amplitude), six colour wells,
 // Enter All Data (the whole automatic analysis into the grid at once) and View Old Data.
-// Undo, redo and play go to the table that opened it; Ctrl+S saves the document. The views share
-// one time axis: Ctrl++, Ctrl+-, Ctrl+0 (fit all) and Ctrl+wheel zoom it, the scroll bar in the
-// bottom strip scrolls it.
+// Undo, redo and play go to the table that opened it (its Edit and Play menus show the keys);
+// Ctrl+S saves the document. The views share one time axis: View's Ctrl++, Ctrl+-, Ctrl+0 (fit
+// all) and Ctrl+wheel zoom it, the scroll bar in the bottom strip scrolls it. View > Play After
+// Each Stroke plays the document after each drag (PlayAfterStroke).
 //
-// The window has no menu bar: its content is its whole frame, so the views' sizes in the
-// default 800 x 400 frame are fixed (the spectrogram view is 695 x 187, which the headless
-// entry uses as its default). The controller owns its window; the table owns the controller.
-// Main thread only.
+// The window opens at 800 x 400 with its menu bar; the views share its content. Enter All Data
+// reads an analysis of its own, not the picture on screen, so the views' sizes never change
+// what is entered. The controller owns its window; the table owns the controller. Main thread
+// only. The menus are made in dataentryTraceMenus.cpp.
 #include "dataentry/gui/DataEntryControls.h"
+#include "display/gui/SpectrogramWorker.h"
 #include "table/gui/DataEntryController.h"
 
 #include <QColor>
@@ -36,6 +38,8 @@ class QLabel;
 class QScrollBar;
 class TimeAxisZoom;
 
+class QAction;
+class QMainWindow;
 class QPushButton;
 class QWidget;
 
@@ -51,6 +55,8 @@ public:
 
     // DataEntryController: after undo, redo and revert.
     void setupViews() override;
+    // The analysis settings or the model changed: the views' analyses are computed again.
+    void analysisSettingsChanged() override;
     QWidget* window() override;
 
     void setmaintableID(mainTable* table);
@@ -67,8 +73,10 @@ public:
     void undo();
     void redo();
     void _PlayCurrent();
+    void _PlaySelection();
     void _PlayPrevious();
     void _PlayAudio();
+    QAction* playAfterStrokeAction() const { return m_playAfterStroke; }
 
     viewPitch* _viewPitch() const { return m_viewPitch; }
     viewSpectrogram* _viewSpectrogram() const { return m_viewSpectrogram; }
@@ -77,12 +85,15 @@ public:
     QPushButton* _EnterAllData() const { return m_enterAllData; }
     QCheckBox* _ViewOldData() const { return m_viewOldData; }
     QLabel* statusLabel() const { return m_status; }
+    // The status line's whole text (the label shows it elided when it is too long).
+    QString statusText() const { return m_statusText; }
     // The zoom and scroll position the three views share, and its scroll bar.
     TimeAxisZoom* timeAxis() const { return m_timeAxis; }
     QScrollBar* scrollBar() const { return m_scrollBar; }
     // The last sheet shown (nullptr when none is open).
     QMessageBox* sheet() const { return m_sheet; }
-    // Enter All Data was asked for while the spectrogram was computing: it runs on arrival.
+    // Enter All Data was asked for and waits for its analysis (computed in the background with
+    // at least one frame per document frame, whatever the window's size): it runs on arrival.
     bool enterAllDataPending() const { return m_bEnterPending; }
 
     void specialWindowDidResize(int w, int h);
@@ -93,16 +104,20 @@ protected:
 private:
     void windowDidLoad();
     void makeControls();
-    void makeShortcuts();
+    void makeMenus();
+    void strokeCommitted(const TraceView* view);
     void showSheet(const QString& title, const QString& message, const QString& buttonText);
     void spectrogramComputing(bool computing);
-    void enterAllDataNow();
+    void showStatus(const QString& text);
+    void enterAllDataNow(const SpectrogramComputation& analysis);
     void forward(void (mainTable::*command)());
     std::array<TraceView*, 3> views() const;
 
     MyDocument* m_pDoc = nullptr;
     mainTable* m_mainTableID = nullptr;
-    std::unique_ptr<QWidget> m_window;
+    std::unique_ptr<QMainWindow> m_window;
+    QWidget* m_content = nullptr; // the window's central widget, which the views share
+    QAction* m_playAfterStroke = nullptr;
     viewPitch* m_viewPitch = nullptr;
     viewSpectrogram* m_viewSpectrogram = nullptr;
     viewAmplitudes* m_viewAmplitudes = nullptr;
@@ -110,9 +125,11 @@ private:
     QPushButton* m_enterAllData = nullptr;
     QCheckBox* m_viewOldData = nullptr;
     QLabel* m_status = nullptr;
+    QString m_statusText;
     TimeAxisZoom* m_timeAxis = nullptr;
     QScrollBar* m_scrollBar = nullptr;
     QPointer<QMessageBox> m_sheet;
     std::function<void()> m_save;
     bool m_bEnterPending = false;
+    SpectrogramWorker m_entryAnalysis;
 };
