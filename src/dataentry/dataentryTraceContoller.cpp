@@ -1,6 +1,7 @@
 #include "dataentry/dataentryTraceContoller.h"
 
 #include "app/ConfigurationFile.h"
+#include "copysynth/gui/CopySynthesisCommand.h"
 #include "dataentry/DataEntrySupport.h"
 #include "dataentry/TimeAxisZoom.h"
 #include "dataentry/core/TraceDataEntry.h"
@@ -114,6 +115,11 @@ void dataentryTraceContoller::makeControls()
     m_enterAllData->setToolTip(
         QStringLiteral("Enter the pitch track, the formants and their amplitudes (Ctrl+E)"));
     connect(m_enterAllData, &QPushButton::clicked, this, &dataentryTraceContoller::actionEnterAllData);
+    m_copySynthesis = new QPushButton(QStringLiteral("Automatic Copy Synthesis"), m_window.get());
+    m_copySynthesis->setFocusPolicy(Qt::NoFocus);
+    m_copySynthesis->setToolTip(QStringLiteral(
+        "Estimate every parameter from the model, voicing, noise and levels included (Ctrl+Shift+E)"));
+    connect(m_copySynthesis, &QPushButton::clicked, this, &dataentryTraceContoller::actionCopySynthesis);
     m_viewOldData = new QCheckBox(QStringLiteral("View Old Data"), m_window.get());
     m_viewOldData->setFocusPolicy(Qt::NoFocus);
     connect(m_viewOldData, &QCheckBox::clicked, this, &dataentryTraceContoller::actionViewOldData);
@@ -132,6 +138,7 @@ void dataentryTraceContoller::makeShortcuts()
         m_window->addAction(action);
     };
     add(QKeySequence(QStringLiteral("Ctrl+E")), &dataentryTraceContoller::actionEnterAllData);
+    add(QKeySequence(QStringLiteral("Ctrl+Shift+E")), &dataentryTraceContoller::actionCopySynthesis);
     add(QKeySequence::Undo, &dataentryTraceContoller::undo);
     add(QKeySequence(QStringLiteral("Ctrl+Shift+Z")), &dataentryTraceContoller::redo);
     add(QKeySequence(Qt::Key_Space), &dataentryTraceContoller::_PlayCurrent);
@@ -252,6 +259,12 @@ void dataentryTraceContoller::actionEnterAllData()
     enterAllDataNow();
 }
 
+void dataentryTraceContoller::actionCopySynthesis()
+{
+    if (m_mainTableID)
+        CopySynthesisCommand::start(*m_mainTableID, m_window.get());
+}
+
 void dataentryTraceContoller::enterAllDataNow()
 {
     m_bEnterPending = false;
@@ -349,7 +362,11 @@ void dataentryTraceContoller::specialWindowDidResize(int w, int h)
     const int right = kMargin + width;
     const int statusLeft = right - std::min(kStatusWidth, std::max(width - kViewOldWidth, 0));
     const int viewOldLeft = std::max(statusLeft - kViewOldWidth, kMargin);
-    m_scrollBar->setGeometry(kMargin, stripTop + 3, std::max(viewOldLeft - kGap - kMargin, 0), kStrip - 10);
+    // Automatic Copy Synthesis beside Enter All Data, then the scroll bar.
+    const int copyWidth = std::min(m_copySynthesis->sizeHint().width(), std::max(viewOldLeft - kMargin, 0));
+    m_copySynthesis->setGeometry(kMargin, stripTop, copyWidth, kStrip - 4);
+    const int barLeft = kMargin + copyWidth + kGap;
+    m_scrollBar->setGeometry(barLeft, stripTop + 3, std::max(viewOldLeft - kGap - barLeft, 0), kStrip - 10);
     m_viewOldData->setGeometry(viewOldLeft + kGap, stripTop, kViewOldWidth - kGap, kStrip - 4);
     m_status->setGeometry(statusLeft, stripTop, right - statusLeft, kStrip - 4);
 }
