@@ -2,12 +2,13 @@
 // loading a model recording into the open document.
 #include "app/DocumentWindow.h"
 
-#include "app/ConfigurationFile.h"
 #include "app/WorkbenchApplication.h"
 #include "audio/RecordModelDialog.h"
+#include "configuration/ConfigurationFile.h"
 #include "continuum/gui/ContinuumDialog.h"
 #include "document/MyDocument.h"
-#include "table/mainTable.h"
+#include "phonemes/gui/PhonemeTextDialog.h"
+#include "table/gui/mainTable.h"
 
 #include <QDesktopServices>
 #include <QFile>
@@ -252,6 +253,17 @@ void DocumentWindow::saveModelAudio()
     if (QFileInfo(path).suffix().isEmpty())
         path += QStringLiteral(".wav");
     saveModelAudioTo(path);
+}
+
+void DocumentWindow::newFromText()
+{
+    PhonemeTextDialog dialog(this);
+    if (dialog.exec() == QDialog::Accepted)
+        if (std::unique_ptr<MyDocument> document = dialog.takeDocument()) {
+            // Made, not opened: unsaved work, as a WAVE file's new document is.
+            document->updateChangeCount(MyDocument::ChangeDone);
+            m_pApp->newDocument(std::move(document));
+        }
 }
 
 void DocumentWindow::makeContinuum()

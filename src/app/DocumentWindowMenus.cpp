@@ -4,7 +4,7 @@
 #include "app/WorkbenchApplication.h"
 #include "copysynth/gui/CopySynthesisCommand.h"
 #include "document/MyDocument.h"
-#include "table/mainTable.h"
+#include "table/gui/mainTable.h"
 
 #include <QAction>
 #include <QFileInfo>
@@ -16,6 +16,8 @@ void DocumentWindow::createMenus()
 {
     QMenu* file = menuBar()->addMenu(tr("&File"));
     file->addAction(tr("&New"), QKeySequence::New, m_pApp, [this] { m_pApp->newDocument(); });
+    file->addAction(tr("New from &Text..."), QKeySequence(tr("Ctrl+Shift+N")), this,
+                    &DocumentWindow::newFromText);
     file->addAction(tr("&Open..."), QKeySequence::Open, this, [this] { m_pApp->openDialog(this); });
     m_pRecent = file->addMenu(tr("Open &Recent"));
     connect(m_pRecent, &QMenu::aboutToShow, this, [this] {

@@ -1,13 +1,13 @@
 #include "app/WorkbenchApplication.h"
 
-#include "app/ConfigurationFile.h"
 #include "app/DocumentWindow.h"
-#include "dataentry/dataentryGraphicalController.h"
-#include "dataentry/dataentryTraceContoller.h"
+#include "configuration/ConfigurationFile.h"
+#include "dataentry/gui/graphical/dataentryGraphicalController.h"
+#include "dataentry/gui/trace/dataentryTraceContoller.h"
 #include "display/gui/FFTLPCWindow.h"
 #include "display/gui/SpectrogramPitchWindow.h"
 #include "document/MyDocument.h"
-#include "table/mainTable.h"
+#include "table/gui/mainTable.h"
 
 #include <QApplication>
 #include <QFile>
@@ -96,6 +96,11 @@ DocumentWindow* WorkbenchApplication::newDocument()
     auto doc = std::make_unique<MyDocument>();
     doc->SetUpDataGridMemory();
     doc->buildDataTableDictionary();
+    return show(std::move(doc), ++m_nUntitledCount);
+}
+
+DocumentWindow* WorkbenchApplication::newDocument(std::unique_ptr<MyDocument> doc)
+{
     return show(std::move(doc), ++m_nUntitledCount);
 }
 

@@ -4,13 +4,18 @@
 // option panels' default settings for its sample rate, changed by the options given, and writes
 // CSV on standard output or a PNG image.
 #include "cli/AnalysisOverrides.h"
-#include "cli/CliSupport.h"
+#include "cli/CliFiles.h"
+#include "cli/Commands.h"
+#include "cli/LabelOptions.h"
+#include "cli/OutputFiles.h"
+#include "display/PngEncoding.h"
 
-#include "dataentry/core/TraceDataEntry.h"
+#include "dataentry/TraceDataEntry.h"
 #include "display/AnalysisReports.h"
 #include "display/PitchTrackComputation.h"
 #include "display/SpectrogramComputation.h"
 #include "document/MyDocument.h"
+#include "labels/LabelPicture.h"
 
 #include <cmath>
 #include <filesystem>
@@ -89,12 +94,17 @@ struct SpectrogramOptions {
     int dynamicRange = 0;
     bool formants = false;
     AnalysisOverrides overrides; // the spectrogram panel's settings
+    LabelOptions labels;         // a TextGrid's segments under the picture
 };
 
-SpectrogramComputation computeSpectrogram(const SpectrogramOptions& o, bool tracking)
+// `seconds`, when given, receives the recording's duration.
+SpectrogramComputation computeSpectrogram(const SpectrogramOptions& o, bool tracking,
+                                          double* seconds = nullptr)
 {
     const auto document = openDocument(o.input, TableData::Skip);
     const Channels& model = modelChannel(*document, o.input);
+    if (seconds)
+        *seconds = static_cast<double>(model.sampleCount()) / model.m_dSampleRate;
     o.overrides.applyTo(*document, model.m_dSampleRate);
     SpectrogramSettings settings = SpectrogramSettings::fromDocument(*document);
     settings.m_bSpecDrawFormantTracking = tracking;
@@ -114,10 +124,18 @@ void commandFormants(const SpectrogramOptions& o)
 
 void commandSpectrogram(const SpectrogramOptions& o)
 {
-    chooseOutput(o.output, o.output, true, {o.input});
-    const SpectrogramComputation spectrogram = computeSpectrogram(o, o.formants);
+    std::vector<std::string> inputs{o.input};
+    if (o.labels.given())
+        inputs.push_back(o.labels.file);
+    chooseOutput(o.output, o.output, true, inputs);
+    const TextGrid labels = o.labels.given() ? o.labels.load() : TextGrid();
+    double seconds = 0.0;
+    const SpectrogramComputation spectrogram = computeSpectrogram(o, o.formants, &seconds);
+    RgbImage picture = spectrogramImage(spectrogram, o.formants);
+    if (o.labels.given())
+        picture = withLabelStrip(picture, o.labels.strip(labels), seconds);
     std::string png;
-    if (!encodePng(spectrogramImage(spectrogram, o.formants), png))
+    if (!encodePng(picture, png))
         throw CliInputError{o.output, "the PNG image could not be made"};
     writeWholeFile(o.output, png);
 }
@@ -165,6 +183,7 @@ void addSpectrogramCommand(CLI::App& app)
     addSpectrogramOptions(spectrogram, *options);
     spectrogram->add_option("-o,--output", options->output, "PNG file to write")->required();
     spectrogram->add_flag("--formants", options->formants, "Draw the formant tracks over it");
+    options->labels.add(spectrogram);
     spectrogram->callback([options] { commandSpectrogram(*options); });
 }
 

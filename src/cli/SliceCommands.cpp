@@ -4,8 +4,12 @@
 // the first. Both analyse the model channel of what they open, with the
 // option panels' default settings for its sample rate, changed by the options given.
 #include "cli/AnalysisOverrides.h"
-#include "cli/CliSupport.h"
+#include "cli/CliFiles.h"
+#include "cli/Commands.h"
+#include "cli/LabelOptions.h"
+#include "cli/OutputFiles.h"
 #include "copysynth/CopySynthesisFigures.h"
+#include "display/PngEncoding.h"
 
 #include "display/RasterCanvas.h"
 #include "display/SliceComputation.h"
@@ -35,6 +39,7 @@ struct SliceOptions {
     int range = 0;
     bool lpc = false;
     AnalysisOverrides overrides; // the FFT/LPC panel's settings
+    LabelOptions labels;         // the segment the slice falls in names it
 };
 
 // Pictures are 72 units an inch; a PNG has 100 pixels an inch.
@@ -77,7 +82,9 @@ std::string csvOf(const SliceComputation& slice, bool lpc)
     return out;
 }
 
-std::string pictureOf(const SliceOptions& o, const MyDocument& document, const SliceComputation& slice)
+// `segment`: the text of the labelled segment the slice falls in, empty when none.
+std::string pictureOf(const SliceOptions& o, const MyDocument& document, const SliceComputation& slice,
+                      const std::string& segment)
 {
     SlicePlotStyle style = SlicePlotStyle::fromDocument(document, false);
     style.m_bFFTDrawLPC = o.lpc;
@@ -85,7 +92,9 @@ std::string pictureOf(const SliceOptions& o, const MyDocument& document, const S
     const double width = document.m_dFFTWidth * inch, height = document.m_dFFTHeight * inch;
     char title[64];
     std::snprintf(title, sizeof title, "FFT/LPC at %.1f ms", o.atMS);
-    const std::string name = std::filesystem::path(o.input).filename().string();
+    std::string name = std::filesystem::path(o.input).filename().string();
+    if (!segment.empty())
+        name = "[" + segment + "]  " + name;
     if (lowerExtension(o.output) == ".svg") {
         SvgCanvas canvas(width * kPointsPerInch, height * kPointsPerInch);
         SlicePlot::draw(canvas, width * kPointsPerInch, height * kPointsPerInch, style, slice, nullptr,
@@ -106,6 +115,7 @@ void commandSlice(const SliceOptions& o)
 {
     if (!o.output.empty())
         checkOutput(o);
+    const std::string segment = o.labels.given() ? o.labels.load().segmentAt(o.atMS / 1000.0) : std::string();
     auto document = openDocument(o.input, TableData::Skip);
     const Channels& model = modelChannel(*document, o.input);
     o.overrides.applyTo(*document, model.m_dSampleRate);
@@ -121,7 +131,7 @@ void commandSlice(const SliceOptions& o)
     if (o.output.empty())
         std::cout << csvOf(slice, o.lpc);
     else
-        writeWholeFile(o.output, pictureOf(o, *document, slice));
+        writeWholeFile(o.output, pictureOf(o, *document, slice, segment));
 }
 
 void addSliceCommand(CLI::App& app)
@@ -154,6 +164,7 @@ void addSliceCommand(CLI::App& app)
         ->check(CLI::Range(1, 1000000));
     slice->add_option("-o,--output", o->output,
                       "Write the picture instead (.png or .svg; replaced if it exists)");
+    o->labels.add(slice);
     slice->callback([o] { commandSlice(*o); });
 }
 

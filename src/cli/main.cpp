@@ -1,5 +1,6 @@
 // tessaphon-cli: the headless side of Tessaphon (documents, synthesis, analysis).
-#include "cli/CliSupport.h"
+#include "cli/CliErrors.h"
+#include "cli/Commands.h"
 #include "document/DocumentException.h"
 
 #include <iostream>
@@ -35,6 +36,7 @@ int main(int argc, char** argv)
     addAnalysisCommands(app);
     addSliceCommands(app);
     addContinuumCommand(app);
+    addInterchangeCommands(app);
     addPhonemesCommand(app);
 
     try {

@@ -1,11 +1,11 @@
 #include "app/DocumentWindow.h"
 #include "app/RecoveryDialog.h"
-#include "app/TestFiles.h"
 #include "app/WorkbenchApplication.h"
-#include "display/TestChannels.h"
 #include "document/MyDocument.h"
-#include "table/DataEntryController.h"
-#include "table/mainTable.h"
+#include "support/TestChannels.h"
+#include "support/TestFiles.h"
+#include "table/gui/DataEntryController.h"
+#include "table/gui/mainTable.h"
 
 #include <QAction>
 #include <QApplication>

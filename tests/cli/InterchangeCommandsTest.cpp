@@ -1,0 +1,119 @@
+#include "cli/CliRunner.h"
+#include "support/TestChannels.h"
+#include "support/TestSignals.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+namespace
+{
+void write(const std::string& path, const std::string& text)
+{
+    std::ofstream(path, std::ios::binary) << text;
+}
+
+// The value lines of a parameter document: everything after its names line (the line that
+// starts with "f0").
+std::string valueLines(const std::string& stk)
+{
+    const std::size_t names = stk.find("f0\t");
+    return names == std::string::npos ? std::string() : stk.substr(stk.find('\n', names) + 1);
+}
+
+std::uint32_t bigEndian32(const std::string& bytes, std::size_t at)
+{
+    std::uint32_t v = 0;
+    for (std::size_t i = at; i < at + 4; ++i)
+        v = v << 8 | std::uint8_t(bytes[i]);
+    return v;
+}
+
+const char* const kTextGrid = "File type = \"ooTextFile\"\nObject class = \"TextGrid\"\n\n0\n1\n<exists>\n1\n"
+                              "\"IntervalTier\"\n\"words\"\n0\n1\n2\n0\n0.4\n\"wa\"\n0.4\n1\n\"da\"\n";
+} // namespace
+
+TEST(InterchangeCommands, ImportAndExportRoundTripThroughTheCommands)
+{
+    TempDir dir;
+    write(dir / "stim.klp",
+          "# hand made\ndu 50\nxx 3\n__varied_params__\nmsec f0 f1 notes\n0 1000 300 start\n"
+          "40 1400 700 end of it\n");
+    CliResult r = runCli("import " + dir / "stim.klp");
+    ASSERT_EQ(r.exitCode, 0) << r.err;
+    EXPECT_NE(r.err.find("stim.klp: warning: no parameter here is named xx"), std::string::npos) << r.err;
+    const std::string stk = slurp(dir / "stim.stk"); // the default output beside the input
+    ASSERT_FALSE(stk.empty());
+    EXPECT_EQ(stk.substr(0, 4), "50\t1");
+
+    // The default output exists now: kept unless --force; -o replaces.
+    r = runCli("import " + dir / "stim.klp");
+    EXPECT_EQ(r.exitCode, 2);
+    EXPECT_NE(r.err.find("stim.stk"), std::string::npos) << r.err;
+    EXPECT_EQ(runCli("import --force " + dir / "stim.klp").exitCode, 0);
+
+    // Export as TSV and as klp, import each back: the same values.
+    ASSERT_EQ(runCli("export " + dir / "stim.stk" + " --format tsv -o " + dir / "stim.tsv").exitCode, 0);
+    ASSERT_EQ(runCli("export " + dir / "stim.stk" + " -o " + dir / "again.klp").exitCode, 0);
+    ASSERT_EQ(runCli("import " + dir / "stim.tsv" + " -o " + dir / "fromtsv.stk").exitCode, 0);
+    ASSERT_EQ(runCli("import " + dir / "again.klp" + " -o " + dir / "fromklp.stk").exitCode, 0);
+    EXPECT_EQ(valueLines(slurp(dir / "fromtsv.stk")), valueLines(stk));
+    EXPECT_EQ(valueLines(slurp(dir / "fromklp.stk")), valueLines(stk));
+    const std::string tsv = slurp(dir / "stim.tsv");
+    EXPECT_EQ(tsv.substr(0, 11), "time_ms\tf0\t");
+    r = runCli("export " + dir / "stim.stk" + " --format tsv -o -");
+    EXPECT_EQ(r.out, tsv);
+}
+
+TEST(InterchangeCommands, RefusalsAreOneLineWithTheirExitCodes)
+{
+    TempDir dir;
+    write(dir / "bad.klp", "du 50\n__varied_params__\nmsec f0\n0 1000\n10 x\n");
+    CliResult r = runCli("import " + dir / "bad.klp");
+    EXPECT_EQ(r.exitCode, 2);
+    EXPECT_EQ(r.err, "tessaphon-cli: " + dir / "bad.klp" + ": line 5: \"x\" in column 2 is not a number\n");
+    EXPECT_FALSE(std::filesystem::exists(dir / "bad.stk"));
+    EXPECT_EQ(runCli("import " + dir / "missing.klp").exitCode, 2);
+    // Never over the input; a format that is not known; no format to be had.
+    write(dir / "a.tsv", "time_ms\tf0\n0\t1000\n");
+    EXPECT_EQ(runCli("import " + dir / "a.tsv" + " -o " + dir / "a.tsv").exitCode, 2);
+    EXPECT_EQ(slurp(dir / "a.tsv"), "time_ms\tf0\n0\t1000\n");
+    ASSERT_EQ(runCli("import " + dir / "a.tsv").exitCode, 0);
+    EXPECT_EQ(runCli("export " + dir / "a.stk" + " --format csv").exitCode, 1);
+    EXPECT_EQ(runCli("export " + dir / "a.stk" + " -o " + dir / "a.out").exitCode, 1);
+}
+
+TEST(InterchangeCommands, SpectrogramDrawsTheLabelStripAndSliceNamesItsSegment)
+{
+    TempDir dir;
+    const std::vector<float> samples =
+        signals::toFloat(signals::vowel(11025, 120.0, 11025.0, {{700.0, 130.0}, {1220.0, 70.0}}), 0.05);
+    write(dir / "rec.wav", waveFileBytes(samples, 11025.0));
+    write(dir / "rec.TextGrid", kTextGrid);
+    ASSERT_EQ(runCli("spectrogram " + dir / "rec.wav" + " -o " + dir / "plain.png").exitCode, 0);
+    CliResult r = runCli("spectrogram " + dir / "rec.wav" + " --labels " + dir / "rec.TextGrid" + " -o " +
+                         dir / "labelled.png");
+    ASSERT_EQ(r.exitCode, 0) << r.err;
+    const std::string plain = slurp(dir / "plain.png"), labelled = slurp(dir / "labelled.png");
+    EXPECT_EQ(bigEndian32(labelled, 16), bigEndian32(plain, 16)); // as wide
+    EXPECT_GT(bigEndian32(labelled, 20), bigEndian32(plain, 20)); // and taller by the strip
+    EXPECT_LT(bigEndian32(labelled, 20), bigEndian32(plain, 20) + 40);
+
+    // A damaged TextGrid is refused naming the file and the line; no picture is written.
+    write(dir / "cut.TextGrid", std::string(kTextGrid).substr(0, 90));
+    r = runCli("spectrogram " + dir / "rec.wav" + " --labels " + dir / "cut.TextGrid" + " -o " +
+               dir / "x.png");
+    EXPECT_EQ(r.exitCode, 2);
+    EXPECT_NE(r.err.find("cut.TextGrid: line "), std::string::npos) << r.err;
+    EXPECT_FALSE(std::filesystem::exists(dir / "x.png"));
+    EXPECT_EQ(runCli("spectrogram " + dir / "rec.wav" + " --labels " + dir / "rec.TextGrid" +
+                     " --tier phones -o " + dir / "x.png")
+                  .exitCode,
+              1);
+
+    // The slice picture at 0.6 s names "da".
+    r = runCli("slice " + dir / "rec.wav" + " --at 600 --labels " + dir / "rec.TextGrid" + " -o " +
+               dir / "slice.svg");
+    ASSERT_EQ(r.exitCode, 0) << r.err;
+    EXPECT_NE(slurp(dir / "slice.svg").find("[da]"), std::string::npos);
+}
