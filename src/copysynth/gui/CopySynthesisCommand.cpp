@@ -110,7 +110,8 @@ void CopySynthesisCommand::progressed(int permille)
 void CopySynthesisCommand::done(const QString& failure)
 {
     // A Cancel that came after the worker's last look at the flag still cancels.
-    const bool cancelled = m_work->cancel || m_work->result.cancelled;
+    const bool cancelled =
+        m_work->cancel || m_work->result.cancelled || (m_pProgress && m_pProgress->wasCanceled());
     if (m_pProgress) {
         m_pProgress->hide();
         m_pProgress->deleteLater();

@@ -118,7 +118,9 @@ TEST_F(CopySynthesisWindow, CancelLeavesTheDocumentUntouched)
     CopySynthesisCommand* command = CopySynthesisCommand::start(*table, table.get());
     ASSERT_NE(command, nullptr);
     QSignalSpy finished(command, &CopySynthesisCommand::finished);
-    command->progressDialog()->cancel();
+    QPushButton* cancel = command->progressDialog()->findChild<QPushButton*>();
+    ASSERT_NE(cancel, nullptr);
+    cancel->click();
     ASSERT_TRUE(waitFor([&] { return finished.count() == 1; }));
     EXPECT_FALSE(finished.at(0).at(0).toBool());
     EXPECT_FALSE(doc.canUndo());
