@@ -119,6 +119,7 @@ private:
     QAction* m_pPlayModel = nullptr;
     QAction* m_pSaveModel = nullptr;
     QAction* m_pTrace = nullptr;
+    QAction* m_pCopySynthesis = nullptr;
     QAction* m_pSpectrogramModel = nullptr;
     QAction* m_pFFTLPC = nullptr;
     QAction* m_pInterpolateSelection = nullptr;

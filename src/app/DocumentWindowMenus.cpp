@@ -2,6 +2,7 @@
 #include "app/DocumentWindow.h"
 
 #include "app/WorkbenchApplication.h"
+#include "copysynth/gui/CopySynthesisCommand.h"
 #include "document/MyDocument.h"
 #include "stimulus/gui/AudioOutputPanel.h"
 #include "table/gui/mainTable.h"
@@ -86,6 +87,9 @@ void DocumentWindow::createMenus()
         if (mainTable::hasTraceDataEntry())
             m_pTrace = entry->addAction(tr("&Trace Over Model..."), QKeySequence(tr("Ctrl+T")), m_pTable,
                                         &mainTable::_dataentryTrace);
+        m_pCopySynthesis = entry->addAction(tr("&Automatic Copy Synthesis"), QKeySequence(tr("Ctrl+Shift+E")),
+                                            this, [this] { CopySynthesisCommand::start(*m_pTable, this); });
+        connect(entry, &QMenu::aboutToShow, this, &DocumentWindow::updateActions);
     }
 
     QMenu* analysis = menuBar()->addMenu(tr("&Analysis"));
@@ -125,6 +129,8 @@ void DocumentWindow::updateActions()
     m_pSaveModel->setEnabled(model);
     if (m_pTrace)
         m_pTrace->setEnabled(model);
+    if (m_pCopySynthesis)
+        m_pCopySynthesis->setEnabled(model);
     if (m_pSpectrogramModel)
         m_pSpectrogramModel->setEnabled(model);
     // The first frame cannot be analysed from the table: column 1 is not enough.

@@ -117,6 +117,10 @@ public:
     // in their titles, with the document's modified marker. Called again after every change.
     void setDocumentTitle(const QString& name);
 
+    // After the grid was replaced outside the table's own commands (the undo step saved by the
+    // caller): the columns rebuilt, a synthesis due, the data-entry windows set up again.
+    void afterGridReplaced() { afterSnapshotRestored(); }
+
     DataEntryController* graphicalDataEntry() const { return m_pDataentryGraphical.get(); }
     DataEntryController* traceDataEntry() const { return m_pDataentryTrace.get(); }
 

@@ -1,6 +1,7 @@
 #include "dataentry/gui/trace/dataentryTraceContoller.h"
 
 #include "configuration/ConfigurationFile.h"
+#include "copysynth/gui/CopySynthesisCommand.h"
 #include "dataentry/TraceDataEntry.h"
 #include "dataentry/gui/DataEntrySupport.h"
 #include "dataentry/gui/TimeAxisZoom.h"
@@ -123,6 +124,11 @@ void dataentryTraceContoller::makeControls()
     m_enterAllData->setToolTip(
         QStringLiteral("Enter the pitch track, the formants and their amplitudes (Ctrl+E)"));
     connect(m_enterAllData, &QPushButton::clicked, this, &dataentryTraceContoller::actionEnterAllData);
+    m_copySynthesis = new QPushButton(QStringLiteral("Automatic Copy Synthesis"), m_content);
+    m_copySynthesis->setFocusPolicy(Qt::NoFocus);
+    m_copySynthesis->setToolTip(QStringLiteral(
+        "Estimate every parameter from the model, voicing, noise and levels included (Ctrl+Shift+E)"));
+    connect(m_copySynthesis, &QPushButton::clicked, this, &dataentryTraceContoller::actionCopySynthesis);
     m_viewOldData = new QCheckBox(QStringLiteral("View Old Data"), m_content);
     m_viewOldData->setFocusPolicy(Qt::NoFocus);
     connect(m_viewOldData, &QCheckBox::clicked, this, &dataentryTraceContoller::actionViewOldData);
@@ -267,6 +273,12 @@ QString enteredTracks(const PitchTrackComputation& pitch, const SpectrogramCompu
 }
 } // namespace
 
+void dataentryTraceContoller::actionCopySynthesis()
+{
+    if (m_mainTableID)
+        CopySynthesisCommand::start(*m_mainTableID, m_window.get());
+}
+
 void dataentryTraceContoller::enterAllDataNow(const SpectrogramComputation& analysis)
 {
     m_bEnterPending = false;
@@ -367,7 +379,11 @@ void dataentryTraceContoller::specialWindowDidResize(int w, int h)
     const int right = kMargin + width;
     const int statusLeft = right - std::min(kStatusWidth, std::max(width - kViewOldWidth, 0));
     const int viewOldLeft = std::max(statusLeft - kViewOldWidth, kMargin);
-    m_scrollBar->setGeometry(kMargin, stripTop + 3, std::max(viewOldLeft - kGap - kMargin, 0), kStrip - 10);
+    // Automatic Copy Synthesis beside Enter All Data, then the scroll bar.
+    const int copyWidth = std::min(m_copySynthesis->sizeHint().width(), std::max(viewOldLeft - kMargin, 0));
+    m_copySynthesis->setGeometry(kMargin, stripTop, copyWidth, kStrip - 4);
+    const int barLeft = kMargin + copyWidth + kGap;
+    m_scrollBar->setGeometry(barLeft, stripTop + 3, std::max(viewOldLeft - kGap - barLeft, 0), kStrip - 10);
     m_viewOldData->setGeometry(viewOldLeft + kGap, stripTop, kViewOldWidth - kGap, kStrip - 4);
     m_status->setGeometry(statusLeft, stripTop, right - statusLeft, kStrip - 4);
     showStatus(m_statusText);

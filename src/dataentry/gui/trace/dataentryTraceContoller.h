@@ -67,6 +67,8 @@ public:
     void actionTrace(Button button);
     void actionColor(int well, const QColor& color);
     void actionEnterAllData();
+    // Every parameter estimated from the model, as one undo step (see CopySynthesisCommand).
+    void actionCopySynthesis();
     void actionViewOldData(bool show);
     QColor getControlColor(const std::string& key) const;
 
@@ -83,6 +85,7 @@ public:
     viewAmplitudes* _viewAmplitudes() const { return m_viewAmplitudes; }
     QPushButton* button(Button b) const { return m_controls->button(b); }
     QPushButton* _EnterAllData() const { return m_enterAllData; }
+    QPushButton* _AutomaticCopySynthesis() const { return m_copySynthesis; }
     QCheckBox* _ViewOldData() const { return m_viewOldData; }
     QLabel* statusLabel() const { return m_status; }
     // The status line's whole text (the label shows it elided when it is too long).
@@ -123,6 +126,7 @@ private:
     viewAmplitudes* m_viewAmplitudes = nullptr;
     std::optional<DataEntryControls> m_controls;
     QPushButton* m_enterAllData = nullptr;
+    QPushButton* m_copySynthesis = nullptr; // Automatic Copy Synthesis, through the table
     QCheckBox* m_viewOldData = nullptr;
     QLabel* m_status = nullptr;
     QString m_statusText;

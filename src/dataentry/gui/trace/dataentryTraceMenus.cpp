@@ -1,5 +1,5 @@
-// The trace window's menus: Edit (undo, redo, Enter All Data), Play (the document window's keys)
-// and View (the time axis's zoom and Play After Each Stroke), and Ctrl+S, which saves the
+// The trace window's menus: Edit (undo, redo, Enter All Data, Automatic Copy Synthesis), Play (the document
+// window's keys) and View (the time axis's zoom and Play After Each Stroke), and Ctrl+S, which saves the
 // document without a menu of its own.
 #include "dataentry/gui/DataEntryMenus.h"
 #include "dataentry/gui/trace/TraceView.h"
@@ -25,6 +25,8 @@ void dataentryTraceContoller::makeMenus()
     edit->addSeparator();
     edit->addAction(QStringLiteral("Enter All Data"), QKeySequence(QStringLiteral("Ctrl+E")), this,
                     &dataentryTraceContoller::actionEnterAllData);
+    edit->addAction(QStringLiteral("Automatic Copy Synthesis"), QKeySequence(QStringLiteral("Ctrl+Shift+E")),
+                    this, &dataentryTraceContoller::actionCopySynthesis);
     connect(edit, &QMenu::aboutToShow, this, [this, undoAction, redoAction] {
         undoAction->setEnabled(m_pDoc && m_pDoc->canUndo());
         redoAction->setEnabled(m_pDoc && m_pDoc->canRedo());
