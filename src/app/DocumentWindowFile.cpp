@@ -192,6 +192,7 @@ bool DocumentWindow::loadModelRecordingFrom(const QString& path)
     if (modelMS != gridMS)
         message += tr("; the grid is %1 ms long and keeps its time axis").arg(gridMS);
     statusBar()->showMessage(message, 15000);
+    loadLabelsBeside(path);
     return true;
 }
 

@@ -7,6 +7,8 @@
 #include "display/gui/FFTLPCWindow.h"
 #include "display/gui/SpectrogramPitchWindow.h"
 #include "document/MyDocument.h"
+#include "labels/gui/DocumentLabels.h"
+#include "labels/gui/LabelAttachment.h"
 #include "table/mainTable.h"
 
 #include <QApplication>
@@ -34,10 +36,13 @@ WorkbenchApplication::WorkbenchApplication(QObject* parent)
     connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, this,
             &WorkbenchApplication::autosaveAll);
     mainTable::setGraphicalDataEntryFactory([](mainTable* table) -> DataEntryController* {
-        return new dataentryGraphicalController(table->document(), table);
+        auto* controller = new dataentryGraphicalController(table->document(), table);
+        attachLabels(*controller, DocumentLabels::of(table));
+        return controller;
     });
     mainTable::setTraceDataEntryFactory([](mainTable* table) -> DataEntryController* {
         auto* controller = new dataentryTraceContoller(table->document(), table);
+        attachLabels(*controller, DocumentLabels::of(table));
         // Ctrl+S in the trace window saves the document as its own window does.
         QPointer<DocumentWindow> owner = qobject_cast<DocumentWindow*>(table->window());
         controller->setSaveCommand([owner] {
@@ -51,7 +56,9 @@ WorkbenchApplication::WorkbenchApplication(QObject* parent)
             return new FFTLPCWindow(table, startSample, table->window());
         },
         [](mainTable* table, int channel) -> QWidget* {
-            return new SpectrogramPitchWindow(table, channel, table->window());
+            auto* window = new SpectrogramPitchWindow(table, channel, table->window());
+            attachLabels(*window, DocumentLabels::of(table));
+            return window;
         });
 }
 
@@ -99,6 +106,11 @@ DocumentWindow* WorkbenchApplication::newDocument()
     return show(std::move(doc), ++m_nUntitledCount);
 }
 
+DocumentWindow* WorkbenchApplication::newDocument(std::unique_ptr<MyDocument> doc)
+{
+    return show(std::move(doc), ++m_nUntitledCount);
+}
+
 DocumentWindow* WorkbenchApplication::openFile(const QString& path)
 {
     const QString absolute = QFileInfo(path).absoluteFilePath();
@@ -138,8 +150,10 @@ DocumentWindow* WorkbenchApplication::openFile(const QString& path)
     if (!opened)
         return nullptr;
     opened->setFileNameProposed(nameProposed);
-    if (opened->document()->getChannel(2)->hasAudio())
+    if (opened->document()->getChannel(2)->hasAudio()) {
         opened->setModelPath(absolute);
+        opened->loadLabelsBeside(absolute);
+    }
     if (pristine) {
         opened->move(pristine->pos());
         pristine->close();

@@ -25,6 +25,8 @@ public:
 
     // nullptr when the window could not be made (its table said why in an alert).
     DocumentWindow* newDocument();
+    // A new untitled window on a document made elsewhere (an imported file).
+    DocumentWindow* newDocument(std::unique_ptr<MyDocument> doc);
     // Opens a parameter document or a WAVE file (which becomes a new document x.stk with
     // the recording as its model); an already open file is brought to front. nullptr and
     // an alert naming the file and the reason when it cannot be read.

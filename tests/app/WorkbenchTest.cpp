@@ -2,6 +2,7 @@
 #include "app/RecoveryDialog.h"
 #include "app/TestFiles.h"
 #include "app/WorkbenchApplication.h"
+#include "app/WorkbenchFixture.h"
 #include "display/TestChannels.h"
 #include "document/MyDocument.h"
 #include "table/DataEntryController.h"
@@ -116,17 +117,6 @@ void writeRecording(const QString& path, int period = 100)
     std::ofstream(path.toStdString(), std::ios::binary) << waveFileBytes(ramps, 11025);
 }
 
-struct Workbench {
-    QTemporaryDir folder;
-    WorkbenchApplication app;
-    Workbench()
-    {
-        QCoreApplication::setOrganizationName("Tessaphon");
-        QCoreApplication::setApplicationName("Tessaphon");
-        app.setQuietAlerts(true);
-    }
-    QString path(const QString& name) const { return folder.filePath(name); }
-};
 } // namespace
 
 TEST(Workbench, SaveReopenAndRevertThroughTheFileCommands)
