@@ -1,11 +1,14 @@
 // Whole-process timings of the stimulus commands, as a user runs them: an 11-step continuum of
-// 1 s documents with WAVE files, and a batch synthesis of 200 documents of 2 s with one job and
+// 1 s documents with WAVE files (as synthesized, and resampled and levelled for an experiment),
+// and a batch synthesis of 200 documents of 2 s with one job and
 // with two. Each iteration starts tessaphon-cli and waits for it; the counters give the CPU time
 // of the processes per iteration (user + system), which the machine's load does not inflate.
 #include "document/MyDocument.h"
+#include "stimulus/Stimulus.h"
 
 #include <benchmark/benchmark.h>
 
+#include <cmath>
 #include <filesystem>
 #include <spawn.h>
 #include <string>
@@ -84,15 +87,42 @@ void timeCommand(benchmark::State& state, const std::vector<std::string>& argume
         benchmark::Counter((childCpuSeconds() - cpuBefore), benchmark::Counter::kAvgIterations);
 }
 
-void BM_Continuum11Steps(benchmark::State& state)
+std::vector<std::string> continuumArguments(const std::string& folder)
 {
     const fs::path a = workFolder() / "ba.stk", b = workFolder() / "da.stk";
     writeDocument(a, 1000, 1000, 1200);
     writeDocument(b, 1000, 1200, 2200);
-    timeCommand(state, {"continuum", a.string(), b.string(), "--steps", "11", "--scale", "bark", "-o",
-                        (workFolder() / "continuum").string()});
+    return {"continuum", a.string(), b.string(), "--steps", "11", "--scale", "bark", "-o",
+            (workFolder() / folder).string()};
+}
+
+void BM_Continuum11Steps(benchmark::State& state)
+{
+    timeCommand(state, continuumArguments("continuum"));
 }
 BENCHMARK(BM_Continuum11Steps)->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(5);
+
+// The same continuum made ready for an experiment: resampled to 48 kHz, every step at one gain
+// that brings the loudest to -23 dBFS RMS (two passes over the steps).
+void BM_Continuum11StepsForExperiment(benchmark::State& state)
+{
+    std::vector<std::string> arguments = continuumArguments("experiment");
+    for (const char* option : {"--rate", "48000", "--normalize", "rms:-23", "--same-gain"})
+        arguments.push_back(option);
+    timeCommand(state, arguments);
+}
+BENCHMARK(BM_Continuum11StepsForExperiment)->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(5);
+
+// One second of synthesis at 11025 Hz resampled to 48 kHz, in the process.
+void BM_ResampleOneSecond(benchmark::State& state)
+{
+    std::vector<float> second(11025);
+    for (std::size_t i = 0; i < second.size(); ++i)
+        second[i] = static_cast<float>(0.3 * std::sin(0.2 * double(i)));
+    for (auto _ : state)
+        benchmark::DoNotOptimize(resampleSignal(second.data(), second.size(), 11025, 48000));
+}
+BENCHMARK(BM_ResampleOneSecond)->Unit(benchmark::kMillisecond);
 
 void BM_BatchSynth200(benchmark::State& state)
 {

@@ -80,6 +80,7 @@ public slots:
     bool saveModelAudioTo(const QString& path);
     // File > Make Continuum...: this document as the first step; opens the folder when done.
     void makeContinuum();
+    void newFromText();
 
     // --- labels and interchange (DocumentWindowLabels.cpp) ---
     // File > Load Labels...: a TextGrid of the recording's segments for this document.

@@ -7,6 +7,7 @@
 #include "audio/RecordModelDialog.h"
 #include "continuum/gui/ContinuumDialog.h"
 #include "document/MyDocument.h"
+#include "phonemes/gui/PhonemeTextDialog.h"
 #include "table/mainTable.h"
 
 #include <QDesktopServices>
@@ -253,6 +254,17 @@ void DocumentWindow::saveModelAudio()
     if (QFileInfo(path).suffix().isEmpty())
         path += QStringLiteral(".wav");
     saveModelAudioTo(path);
+}
+
+void DocumentWindow::newFromText()
+{
+    PhonemeTextDialog dialog(this);
+    if (dialog.exec() == QDialog::Accepted)
+        if (std::unique_ptr<MyDocument> document = dialog.takeDocument()) {
+            // Made, not opened: unsaved work, as a WAVE file's new document is.
+            document->updateChangeCount(MyDocument::ChangeDone);
+            m_pApp->newDocument(std::move(document));
+        }
 }
 
 void DocumentWindow::makeContinuum()

@@ -15,6 +15,8 @@ void DocumentWindow::createMenus()
 {
     QMenu* file = menuBar()->addMenu(tr("&File"));
     file->addAction(tr("&New"), QKeySequence::New, m_pApp, [this] { m_pApp->newDocument(); });
+    file->addAction(tr("New from &Text..."), QKeySequence(tr("Ctrl+Shift+N")), this,
+                    &DocumentWindow::newFromText);
     file->addAction(tr("&Open..."), QKeySequence::Open, this, [this] { m_pApp->openDialog(this); });
     m_pRecent = file->addMenu(tr("Open &Recent"));
     connect(m_pRecent, &QMenu::aboutToShow, this, [this] {

@@ -1,6 +1,7 @@
 // tessaphon-cli continuum: the steps between two parameter documents, each with its WAVE file,
 // and a manifest, in a folder of their own.
 #include "cli/CliSupport.h"
+#include "cli/StimulusRun.h"
 
 #include "continuum/Continuum.h"
 #include "continuum/ContinuumWriter.h"
@@ -20,6 +21,7 @@ struct ContinuumOptions {
     bool noWave = false;
     bool force = false;
     unsigned jobs = 0;
+    std::shared_ptr<StimulusOutput> stimulus = std::make_shared<StimulusOutput>();
 };
 
 // Parameter rows by name (as the documents name them: f0, av, ..., gain).
@@ -45,6 +47,19 @@ std::string describe(const std::string& path, const MyDocument& document)
            std::to_string(c.m_nUpdateIntervalMS) + " ms)";
 }
 
+// Each step's document and 16-bit WAVE file as the document saves them, and the manifest
+// without figures.
+void writePlainSteps(const ContinuumWriter& writer, unsigned jobs)
+{
+    const std::size_t failed = runTasks(
+        static_cast<std::size_t>(writer.steps()), jobs, "continuum",
+        [&](std::size_t i) { return writer.documentPath(static_cast<int>(i) + 1); },
+        [&](std::size_t i) { writer.writeStep(static_cast<int>(i) + 1); });
+    if (failed > 0)
+        throw CliFailuresReported{};
+    guardFile(writer.manifestPath(), [&] { writer.writeManifest(); });
+}
+
 void commandContinuum(ContinuumOptions& o)
 {
     FrequencyScale::Kind scale;
@@ -68,7 +83,8 @@ void commandContinuum(ContinuumOptions& o)
     const std::string stem = fs::path(o.a).stem().string();
     const std::string folder =
         o.folder.empty() ? (fs::path(o.a).parent_path() / (stem + "-continuum")).string() : o.folder;
-    const ContinuumWriter writer(*continuum, folder, stem, !o.noWave);
+    ContinuumWriter writer(*continuum, folder, stem, !o.noWave);
+    writer.setAudioExtension(o.stimulus->extension());
     // The checks come before anything is written: a refused output leaves the folder as it was.
     for (const std::string& output : writer.outputs())
         chooseOutput(o.folder.empty() ? "" : output, output, o.force, {o.a, o.b});
@@ -77,13 +93,19 @@ void commandContinuum(ContinuumOptions& o)
     if (error || !fs::is_directory(folder))
         throw CliInputError{folder, "cannot make the folder: " + error.message()};
 
-    const std::size_t failed = runTasks(
-        static_cast<std::size_t>(continuum->steps()), o.jobs, "continuum",
-        [&](std::size_t i) { return writer.documentPath(static_cast<int>(i) + 1); },
-        [&](std::size_t i) { writer.writeStep(static_cast<int>(i) + 1); });
-    if (failed > 0)
-        throw CliFailuresReported{};
-    guardFile(writer.manifestPath(), [&] { writer.writeManifest(); });
+    if (o.stimulus->plain() || o.noWave) {
+        writePlainSteps(writer, o.jobs);
+        return;
+    }
+    StimulusTasks tasks;
+    tasks.count = static_cast<std::size_t>(continuum->steps());
+    tasks.jobs = o.jobs;
+    tasks.label = "continuum";
+    tasks.file = [&](std::size_t i) { return writer.documentPath(static_cast<int>(i) + 1); };
+    tasks.audioPath = [&](std::size_t i) { return writer.wavePath(static_cast<int>(i) + 1); };
+    tasks.synthesize = [&](std::size_t i) { return writer.writeStepDocument(static_cast<int>(i) + 1); };
+    const std::vector<StimulusFigures> figures = writeStimuli(tasks, *o.stimulus);
+    guardFile(writer.manifestPath(), [&] { writer.writeManifest(&figures); });
 }
 
 } // namespace
@@ -103,11 +125,12 @@ void addContinuumCommand(CLI::App& app)
     command
         ->add_option("--rows", o->rows, "Rows to interpolate, e.g. f1,f2 (default: every row that differs)")
         ->delimiter(',');
-    command->add_option("-o,--output", o->folder,
-                        "Folder to write, replacing its files (default: A-continuum)");
+    command->add_option("-o,--output,--out-dir", o->folder,
+                        "Folder to write, made when missing, replacing its files (default: A-continuum)");
     command->add_flag("--no-wav", o->noWave, "Write the documents only");
     command->add_flag("--force", o->force, "Replace files of the default folder that already exist");
     command->add_option("-j,--jobs", o->jobs, "Steps made at once (default: one per core)")
         ->check(CLI::Range(1, 256));
+    addStimulusOptions(command, o->stimulus);
     command->callback([o] { commandContinuum(*o); });
 }

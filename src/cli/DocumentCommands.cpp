@@ -1,5 +1,6 @@
 // tessaphon-cli's document commands: new, synth (one document or a batch), info.
 #include "cli/CliSupport.h"
+#include "cli/StimulusRun.h"
 
 #include "document/MyDocument.h"
 #include "document/WaveFormat.h"
@@ -30,32 +31,30 @@ void commandNew(double lengthMS, int intervalMS, const std::string& output)
     writeWholeFile(output, document.Save_STK_FileType50(document.m_bSaveAll != 0));
 }
 
-void synthesizeDocument(const std::string& input, const std::string& output)
+std::unique_ptr<MyDocument> synthesizeDocument(const std::string& input)
 {
     // The table data is not built: synthesis reads the values it would hold from the grid.
     auto document = openDocument(input, TableData::Skip);
     document->Synthesize();
-    // The WAVE image goes to the file piece by piece, never held whole.
-    writeWholeFile(output, [&document](const PieceWriter& write) { return document->writeWave(0, write); });
-    // The file is written all the same: the samples beyond full scale were limited.
-    if (const std::string clipping = document->clippingReport(); !clipping.empty())
-        cliWarning(output, clipping);
+    return document;
 }
 
 struct SynthOptions {
     std::vector<std::string> inputs;
     std::string output;
     std::string outDir;
+    std::string manifest;
     bool force = false;
     unsigned jobs = 0;
+    std::shared_ptr<StimulusOutput> stimulus = std::make_shared<StimulusOutput>();
 };
 
-// The WAVE file of each input: beside it, or in --out-dir under the input's name.
+// The audio file of each input: beside it, or in --out-dir under the input's name.
 std::vector<std::string> batchOutputs(const SynthOptions& o)
 {
     std::vector<std::string> outputs;
     for (const std::string& input : o.inputs) {
-        std::string wave = withExtension(input, ".wav");
+        std::string wave = withExtension(input, o.stimulus->extension());
         if (!o.outDir.empty())
             wave = (std::filesystem::path(o.outDir) / std::filesystem::path(wave).filename()).string();
         outputs.push_back(wave);
@@ -63,18 +62,39 @@ std::vector<std::string> batchOutputs(const SynthOptions& o)
     return outputs;
 }
 
+// The manifest of a batch: one line per document with its audio file's figures.
+void writeBatchManifest(const SynthOptions& o, const std::vector<std::string>& outputs,
+                        const std::vector<StimulusFigures>& figures)
+{
+    std::string text = std::string("document,name,") + StimulusFigures::csvHeader() + "\n";
+    for (std::size_t i = 0; i < figures.size(); ++i)
+        text += o.inputs[i] + "," + outputs[i] + "," + figures[i].csvFields() + "\n";
+    writeWholeFile(o.manifest, text);
+}
+
+void makeFolder(const std::string& folder)
+{
+    std::error_code error;
+    std::filesystem::create_directories(folder, error);
+    if (error || !std::filesystem::is_directory(folder))
+        throw CliInputError{folder, "cannot make the folder: " + (error ? error.message() : "not a folder")};
+}
+
 void commandSynth(const SynthOptions& o)
 {
-    if (o.inputs.size() == 1 && o.outDir.empty()) {
+    if (!o.manifest.empty())
+        chooseOutput(o.manifest, o.manifest, true, o.inputs);
+    if (o.inputs.size() == 1 && o.outDir.empty() && o.manifest.empty()) {
         const std::string& input = o.inputs.front();
-        const std::string output = chooseOutput(o.output, withExtension(input, ".wav"), o.force, o.inputs);
-        guardFile(input, [&] { synthesizeDocument(input, output); });
+        const std::string output =
+            chooseOutput(o.output, withExtension(input, o.stimulus->extension()), o.force, o.inputs);
+        guardFile(input, [&] { writeDocumentAudio(*synthesizeDocument(input), output, *o.stimulus); });
         return;
     }
     if (!o.output.empty())
         throw CLI::ValidationError("-o", "one output file for several documents; use --out-dir");
-    if (!o.outDir.empty() && !std::filesystem::is_directory(o.outDir))
-        throw CliInputError{o.outDir, "no such folder"};
+    if (!o.outDir.empty())
+        makeFolder(o.outDir);
     const std::vector<std::string> outputs = batchOutputs(o);
     // Every file is named once here, before the documents are shared out: checking each output
     // against every input and every earlier output stays linear in the number of documents.
@@ -83,16 +103,21 @@ void commandSynth(const SynthOptions& o)
     std::unordered_map<std::string, std::size_t> outputOwner;
     for (std::size_t i = 0; i < outputs.size(); ++i)
         firstWithOutput[i] = outputOwner.emplace(fileIdentity(outputs[i]), i).first->second;
-    const std::size_t failed = runTasks(
-        o.inputs.size(), o.jobs, "synth", [&](std::size_t i) { return o.inputs[i]; },
-        [&](std::size_t i) {
-            if (const std::size_t k = firstWithOutput[i]; k != i)
-                throw CliInputError{outputs[i],
-                                    "is also the output of " + o.inputs[k] + "; not written twice"};
-            synthesizeDocument(o.inputs[i], chooseOutput("", outputs[i], o.force, inputs));
-        });
-    if (failed > 0)
-        throw CliFailuresReported{};
+    StimulusTasks tasks;
+    tasks.count = o.inputs.size();
+    tasks.jobs = o.jobs;
+    tasks.label = "synth";
+    tasks.file = [&](std::size_t i) { return o.inputs[i]; };
+    tasks.audioPath = [&](std::size_t i) { return outputs[i]; };
+    tasks.synthesize = [&](std::size_t i) {
+        if (const std::size_t k = firstWithOutput[i]; k != i)
+            throw CliInputError{outputs[i], "is also the output of " + o.inputs[k] + "; not written twice"};
+        chooseOutput("", outputs[i], o.force, inputs);
+        return synthesizeDocument(o.inputs[i]);
+    };
+    const std::vector<StimulusFigures> figures = writeStimuli(tasks, *o.stimulus);
+    if (!o.manifest.empty())
+        writeBatchManifest(o, outputs, figures);
 }
 
 void printDocumentInfo(MyDocument& document)
@@ -149,14 +174,18 @@ void addDocumentCommands(CLI::App& app)
     make->add_option("-o,--output", *output, "Parameter document to write (.stk)")->required();
     make->callback([=] { guardFile(*output, [=] { commandNew(*length, *interval, *output); }); });
 
-    auto* synth = app.add_subcommand("synth", "Synthesize parameter documents into 16-bit WAVE files");
+    auto* synth = app.add_subcommand("synth", "Synthesize parameter documents into WAVE or FLAC files");
     auto so = std::make_shared<SynthOptions>();
     synth->add_option("input", so->inputs, "Parameter documents (.stk)")->required();
     synth->add_option("-o,--output", so->output, "WAVE file to write, replacing it (one document only)");
-    synth->add_option("--out-dir", so->outDir, "Folder for the WAVE files (default: beside each document)");
+    synth->add_option("--out-dir", so->outDir,
+                      "Folder for the audio files, made when missing (default: beside each document)");
+    synth->add_option("--manifest", so->manifest,
+                      "CSV file to write with each file's duration, rate, levels, clipped samples and gain");
     synth->add_flag("--force", so->force, "Replace WAVE files that already exist");
     synth->add_option("-j,--jobs", so->jobs, "Documents synthesized at once (default: one per core)")
         ->check(CLI::Range(1, 256));
+    addStimulusOptions(synth, so->stimulus);
     synth->callback([so] { commandSynth(*so); });
 
     auto* info = app.add_subcommand("info", "Describe a parameter document or a WAVE file");

@@ -50,7 +50,8 @@ std::string ContinuumWriter::wavePath(int step) const
 {
     if (!m_bWithWave)
         return {};
-    return (std::filesystem::path(m_strFolder) / (stepStem(m_strStem, step, m_continuum.steps()) + ".wav"))
+    return (std::filesystem::path(m_strFolder) /
+            (stepStem(m_strStem, step, m_continuum.steps()) + m_strAudioExtension))
         .string();
 }
 
@@ -71,21 +72,29 @@ std::vector<std::string> ContinuumWriter::outputs() const
     return paths;
 }
 
-void ContinuumWriter::writeStep(int step) const
+std::unique_ptr<MyDocument> ContinuumWriter::writeStepDocument(int step) const
 {
     std::unique_ptr<MyDocument> document = m_continuum.makeStep(step);
     writeOrThrow(documentPath(step), document->Save_STK_FileType50(document->m_bSaveAll != 0));
-    if (m_bWithWave) {
+    if (m_bWithWave)
         document->Synthesize();
-        writeOrThrow(wavePath(step), document->save_Wave_FileType());
-    }
+    return document;
 }
 
-std::string ContinuumWriter::manifestText() const
+void ContinuumWriter::writeStep(int step) const
+{
+    const std::unique_ptr<MyDocument> document = writeStepDocument(step);
+    if (m_bWithWave)
+        writeOrThrow(wavePath(step), document->save_Wave_FileType());
+}
+
+std::string ContinuumWriter::manifestText(const std::vector<StimulusFigures>* figures) const
 {
     std::string text = "step,weight,document,wave";
     for (int row : m_continuum.rows())
         text += std::string(",") + m_continuum.rowName(row);
+    if (figures)
+        text += std::string(",name,") + StimulusFigures::csvHeader();
     text += "\n";
     char number[64];
     for (int step = 1; step <= m_continuum.steps(); ++step) {
@@ -95,12 +104,15 @@ std::string ContinuumWriter::manifestText() const
             std::snprintf(number, sizeof number, ",%.3f", m_continuum.rowMean(row, step));
             text += number;
         }
+        if (figures && static_cast<std::size_t>(step) <= figures->size())
+            text += "," + fileName(wavePath(step)) + "," +
+                    (*figures)[static_cast<std::size_t>(step) - 1].csvFields();
         text += "\n";
     }
     return text;
 }
 
-void ContinuumWriter::writeManifest() const
+void ContinuumWriter::writeManifest(const std::vector<StimulusFigures>* figures) const
 {
-    writeOrThrow(manifestPath(), manifestText());
+    writeOrThrow(manifestPath(), manifestText(figures));
 }

@@ -119,7 +119,11 @@ void addFormants(const std::vector<Segment>& seg, RuleTrack& track)
             const int row = kFormantRows[f];
             const int left = i == 0 ? p.f[f] : boundary(seg, i, f);
             const int right = i + 1 < seg.size() ? boundary(seg, i + 1, f) : p.f[f];
-            track.setAt(row, s.startMS, left);
+            // After an aspirated release the transition has begun in the aspiration: it runs
+            // from the release (where the stop put its locus value) to the vowel's target.
+            const bool afterAspiration = i > 0 && seg[i - 1].aspirationMS > 0 && p.syllabic();
+            if (!afterAspiration)
+                track.setAt(row, s.startMS, left);
             const double length = s.endMS() - s.startMS;
             if (p.syllabic()) {
                 const double in = p.kind == Phoneme::Diphthong

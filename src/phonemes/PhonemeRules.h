@@ -9,7 +9,8 @@
 //   - formants f1-f3: a vowel holds its target (a diphthong glides from its first to its second)
 //     and moves to its neighbours over at most 50 ms; next to a consonant the transition starts
 //     at the locus value C + k (V - C) (F1 of an obstruent at the consonant's own low F1), so
-//     /b d g/ start their transitions at different F2 and F3; other neighbours meet halfway;
+//     /b d g/ start their transitions at different F2 and F3 (after an aspirated release the
+//     transition starts at the release, in the aspiration); other neighbours meet halfway;
 //   - bandwidths b1-b3 and the nasal zero step with the segments;
 //   - f0: see PitchContour.
 // Rows the rules do not drive keep their defaults. Pure functions: any thread.

@@ -30,14 +30,20 @@ TEST(EnglishText, WordsBecomeTheInventorysPhonemesWithTheirPunctuation)
     // Phonemes are read as phonemes, even through the same door.
     EXPECT_EQ(PhonemeString::describe(TextPhonemes::read("B AE1 D", table).tokens), "B AE1 D");
     EXPECT_EQ(PhonemeString::describe(TextPhonemes::read("/bæd/", table).tokens), "B AE1 D");
-    // A word whose phonemes the table lacks: the message names the symbol and quotes the IPA.
+    // "loch" ends in the velar fricative, read as /k/.
+    EXPECT_EQ(PhonemeString::describe(TextPhonemes::read("loch", table).tokens), "L AA1 K");
+    // A table without /b/: the message names the symbol and quotes the words' IPA.
+    std::string text = kAmericanEnglishTable;
+    const std::size_t b = text.find("\nB\tb\t");
+    text.erase(b + 1, text.find('\n', b + 1) - b);
+    const PhonemeInventory withoutB = PhonemeInventory::parse(text, "without-b.tsv");
     try {
-        TextPhonemes::read("loch", table);
+        TextPhonemes::read("a bad bed", withoutB);
         ADD_FAILURE() << "no error";
     } catch (const PhonemeError& e) {
-        EXPECT_NE(std::string(e.what()).find("unknown symbol \"x\" at position"), std::string::npos)
+        EXPECT_NE(std::string(e.what()).find("unknown symbol \"b\" at position 3"), std::string::npos)
             << e.what();
-        EXPECT_NE(std::string(e.what()).find("/lˈɑːx/"), std::string::npos) << e.what();
+        EXPECT_NE(std::string(e.what()).find("/ɐ bˈæd bˈɛd/"), std::string::npos) << e.what();
     }
 }
 

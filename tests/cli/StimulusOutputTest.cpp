@@ -1,0 +1,214 @@
+// The output options of synth and continuum as a user runs them, the files checked from
+// outside (libsndfile): rates, levels, ramps, figures in the manifests, refusals, new folders.
+#include "CliRunner.h"
+#include "stimulus/SignalProbe.h"
+
+#include "continuum/TestDocument.h"
+#include "document/MyDocument.h"
+
+#include <gtest/gtest.h>
+#include <sndfile.h>
+
+#include <map>
+#include <sstream>
+
+namespace
+{
+
+void saveVowel(const std::string& path, int frames, int f2, int av)
+{
+    auto document = makeTestDocument(frames);
+    setRowValue(*document, Row::f2, f2);
+    setRowValue(*document, Row::av, av);
+    std::string error;
+    ASSERT_TRUE(document->writeSafelyToURL(path, "stk", &error)) << error;
+}
+
+struct Audio {
+    SF_INFO info{};
+    std::vector<float> samples;
+};
+
+Audio readAudio(const std::string& path)
+{
+    Audio a;
+    if (SNDFILE* f = sf_open(path.c_str(), SFM_READ, &a.info)) {
+        a.samples.resize(static_cast<std::size_t>(a.info.frames));
+        sf_read_float(f, a.samples.data(), a.info.frames);
+        sf_close(f);
+    }
+    return a;
+}
+
+// A CSV file as rows of named fields.
+std::vector<std::map<std::string, std::string>> readCsv(const std::string& path)
+{
+    std::istringstream in(slurp(path));
+    std::vector<std::string> names;
+    std::vector<std::map<std::string, std::string>> rows;
+    for (std::string line; std::getline(in, line);) {
+        std::vector<std::string> fields;
+        std::istringstream cells(line);
+        for (std::string cell; std::getline(cells, cell, ',');)
+            fields.push_back(cell);
+        if (names.empty()) {
+            names = fields;
+            continue;
+        }
+        std::map<std::string, std::string> row;
+        for (std::size_t i = 0; i < names.size(); ++i)
+            row[names[i]] = i < fields.size() ? fields[i] : "";
+        rows.push_back(row);
+    }
+    return rows;
+}
+
+std::string firstLine(const std::string& text)
+{
+    return text.substr(0, text.find('\n'));
+}
+
+double peakDb(const std::vector<float>& x)
+{
+    double peak = 0;
+    for (const float v : x)
+        peak = std::max(peak, std::fabs(double(v)));
+    return 20 * std::log10(peak);
+}
+
+// Power in [low, high) Hz of the whole signal under one window, in dB. The transform is the next
+// power of two, so that signals of one duration at 11025 and 44100 Hz are windowed over the same
+// span of time; the power is scaled by the transform size squared, which makes the two compare.
+double bandDb(const Audio& a, double low, double high)
+{
+    std::size_t size = 1;
+    while (size < a.samples.size())
+        size <<= 1;
+    const std::vector<double> p = probe::powerSpectrum(a.samples, 0, size);
+    double sum = 0;
+    for (std::size_t k = 0; k < p.size(); ++k) {
+        const double hz = double(k) * a.info.samplerate / double(size);
+        if (hz >= low && hz < high)
+            sum += p[k];
+    }
+    return probe::db(sum / (double(size) * double(size)));
+}
+
+} // namespace
+
+TEST(CliStimulusOutput, ResampledVowelKeepsItsBandsLengthAndHasNoImages)
+{
+    TempDir dir;
+    saveVowel(dir / "v.stk", 100, 1500, 60);
+    ASSERT_EQ(runCli("synth " + dir / "v.stk -o " + dir / "v11.wav").exitCode, 0);
+    CliResult r = runCli("synth " + dir / "v.stk --rate 44100 -o " + dir / "v44.wav");
+    ASSERT_EQ(r.exitCode, 0) << r.err;
+    const Audio low = readAudio(dir / "v11.wav"), high = readAudio(dir / "v44.wav");
+    ASSERT_EQ(low.info.samplerate, 11025);
+    ASSERT_EQ(high.info.samplerate, 44100);
+    EXPECT_NEAR(double(high.samples.size()) / 44100, double(low.samples.size()) / 11025, 0.001);
+    for (double band = 0; band < 4500; band += 500)
+        EXPECT_NEAR(bandDb(high, band, band + 500), bandDb(low, band, band + 500), 0.5) << band << " Hz";
+    EXPECT_LT(bandDb(high, 5700, 22050), bandDb(high, 0, 5500) - 70.0);
+}
+
+TEST(CliStimulusOutput, ContinuumWithOneGainRampsAndFiguresInANewFolder)
+{
+    TempDir dir;
+    saveVowel(dir / "a.stk", 40, 1100, 50);
+    saveVowel(dir / "b.stk", 40, 1900, 60);
+    const std::string folder = dir / "new/deeper/steps";
+    CliResult r = runCli("continuum " + dir / "a.stk " + dir / "b.stk" +
+                         " --steps 4 --rows f2,av --rate 48000 --normalize rms:-20 --same-gain --ramp 10 "
+                         "--pad 5,20 -j 2 --out-dir " +
+                         folder);
+    ASSERT_EQ(r.exitCode, 0) << r.err;
+    const auto rows = readCsv(folder + "/manifest.csv");
+    ASSERT_EQ(rows.size(), 4u);
+    EXPECT_EQ(firstLine(slurp(folder + "/manifest.csv")),
+              "step,weight,document,wave,f2,av,name,duration_ms,rate,rms_db,peak_db,clipped,gain_db");
+    double loudest = -1e9;
+    for (const auto& row : rows) {
+        const Audio a = readAudio(folder + "/" + row.at("name"));
+        ASSERT_EQ(a.info.samplerate, 48000) << row.at("name");
+        EXPECT_EQ(row.at("wave"), row.at("name"));
+        EXPECT_EQ(row.at("rate"), "48000");
+        EXPECT_NEAR(std::stod(row.at("duration_ms")), a.samples.size() * 1000.0 / 48000, 1e-3);
+        EXPECT_NEAR(std::stod(row.at("duration_ms")), 400.0 + 25.0, 1.0);
+        const double rms = probe::rmsDb(a.samples, 0, a.samples.size());
+        EXPECT_NEAR(std::stod(row.at("rms_db")), rms, 0.01);
+        EXPECT_NEAR(std::stod(row.at("peak_db")), peakDb(a.samples), 0.01);
+        EXPECT_EQ(row.at("clipped"), "0");
+        EXPECT_EQ(row.at("gain_db"), rows.front().at("gain_db")); // one gain for all
+        loudest = std::max(loudest, rms);
+        // 5 ms of silence, then a ramp from zero; 20 ms of silence at the end.
+        EXPECT_EQ(a.samples[239], 0.0f);
+        EXPECT_LT(std::fabs(a.samples[241]), 0.001f);
+        EXPECT_EQ(a.samples[a.samples.size() - 960], 0.0f);
+    }
+    EXPECT_NEAR(loudest, -20.0, 0.1); // the loudest step reaches the level
+    // The quieter end keeps its distance: av 50 against av 60.
+    EXPECT_LT(std::stod(rows.front().at("rms_db")), std::stod(rows.back().at("rms_db")) - 5.0);
+}
+
+TEST(CliStimulusOutput, BatchManifestFlacAndEachFileAtItsOwnLevel)
+{
+    TempDir dir;
+    saveVowel(dir / "a.stk", 30, 1100, 50);
+    saveVowel(dir / "b.stk", 50, 1900, 60);
+    CliResult r = runCli("synth " + dir / "a.stk " + dir / "b.stk" +
+                         " --normalize peak:-1 --format flac --bits 24 -j 2 --out-dir " + dir / "flac" +
+                         " --manifest " + dir / "m.csv");
+    ASSERT_EQ(r.exitCode, 0) << r.err;
+    const auto rows = readCsv(dir / "m.csv");
+    ASSERT_EQ(rows.size(), 2u);
+    for (const auto& row : rows) {
+        const Audio a = readAudio(row.at("name"));
+        EXPECT_EQ(a.info.format, SF_FORMAT_FLAC | SF_FORMAT_PCM_24) << row.at("name");
+        EXPECT_NEAR(peakDb(a.samples), -1.0, 0.05) << row.at("name");
+        EXPECT_NEAR(std::stod(row.at("peak_db")), -1.0, 0.01);
+        EXPECT_EQ(row.at("rate"), "11025");
+    }
+    EXPECT_EQ(rows[0].at("document"), dir / "a.stk");
+    EXPECT_NE(rows[0].at("gain_db"), rows[1].at("gain_db"));
+
+    // Plain output with a manifest: the WAVE bytes are synth's own, the figures describe them.
+    ASSERT_EQ(runCli("synth " + dir / "a.stk").exitCode, 0);
+    r = runCli("synth " + dir / "a.stk --out-dir " + dir / "plain --manifest " + dir / "p.csv");
+    ASSERT_EQ(r.exitCode, 0) << r.err;
+    EXPECT_TRUE(slurp(dir / "plain/a.wav") == slurp(dir / "a.wav"));
+    const Audio plain = readAudio(dir / "a.wav");
+    EXPECT_NEAR(std::stod(readCsv(dir / "p.csv")[0].at("rms_db")),
+                probe::rmsDb(plain.samples, 0, plain.samples.size()), 0.01);
+}
+
+TEST(CliStimulusOutput, ClippingGainsAndBadValuesAreRefusedBeforeAnythingIsWritten)
+{
+    TempDir dir;
+    saveVowel(dir / "a.stk", 30, 1100, 40);
+    saveVowel(dir / "b.stk", 30, 1900, 60);
+    // The quiet file decides nothing with one gain; alone, each is brought to -3 dBFS RMS, which
+    // clips a voiced sound.
+    CliResult single = runCli("synth " + dir / "a.stk --normalize rms:-3");
+    EXPECT_EQ(single.exitCode, 2);
+    EXPECT_NE(single.err.find(dir / "a.wav"), std::string::npos) << single.err;
+    EXPECT_NE(single.err.find("--allow-clip"), std::string::npos) << single.err;
+    EXPECT_FALSE(std::filesystem::exists(dir / "a.wav"));
+    CliResult shared = runCli("continuum " + dir / "a.stk " + dir / "b.stk" +
+                              " --steps 3 --normalize rms:-3 --same-gain -o " + dir / "c");
+    EXPECT_EQ(shared.exitCode, 2);
+    EXPECT_NE(shared.err.find("one gain for all files"), std::string::npos) << shared.err;
+    EXPECT_FALSE(std::filesystem::exists(dir / "c/a_1.wav"));
+    EXPECT_FALSE(std::filesystem::exists(dir / "c/manifest.csv"));
+    CliResult allowed = runCli("synth " + dir / "a.stk --normalize rms:-3 --allow-clip");
+    EXPECT_EQ(allowed.exitCode, 0) << allowed.err;
+    EXPECT_NE(allowed.err.find("samples clipped"), std::string::npos) << allowed.err;
+
+    for (const std::string& bad : {"--rate 7000", "--rate 44.1k", "--normalize loud", "--normalize rms:+3",
+                                   "--ramp -5", "--pad 1,2,3", "--bits 32", "--format mp3"}) {
+        CliResult r = runCli("synth " + dir / "b.stk " + bad + " -o " + dir / "bad.wav");
+        EXPECT_EQ(r.exitCode, 1) << bad;
+        EXPECT_NE(r.err.find(bad.substr(0, bad.find(' '))), std::string::npos) << bad << ": " << r.err;
+    }
+    EXPECT_FALSE(std::filesystem::exists(dir / "bad.wav"));
+}

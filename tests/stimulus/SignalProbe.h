@@ -1,0 +1,72 @@
+#pragma once
+// Measuring test signals from outside: a sine of known frequency, a windowed power spectrum
+// (4-term Blackman-Harris, side lobes below -92 dB) and levels in dB. For the resampler and the
+// stimulus file tests.
+#include <cmath>
+#include <complex>
+#include <cstddef>
+#include <vector>
+
+namespace probe
+{
+
+constexpr double kPi = 3.14159265358979323846;
+
+inline std::vector<float> sine(double frequency, double rate, std::size_t count, double amplitude)
+{
+    std::vector<float> s(count);
+    for (std::size_t i = 0; i < count; ++i)
+        s[i] = static_cast<float>(amplitude * std::sin(2.0 * kPi * frequency * double(i) / rate));
+    return s;
+}
+
+// Power spectrum (linear) of `size` (a power of two) samples from `first`, bins 0..size/2.
+inline std::vector<double> powerSpectrum(const std::vector<float>& x, std::size_t first, std::size_t size)
+{
+    std::vector<std::complex<double>> a(size);
+    for (std::size_t i = 0; i < size; ++i) {
+        const double t = 2.0 * kPi * double(i) / double(size);
+        const double w =
+            0.35875 - 0.48829 * std::cos(t) + 0.14128 * std::cos(2 * t) - 0.01168 * std::cos(3 * t);
+        a[i] = first + i < x.size() ? w * x[first + i] : 0.0;
+    }
+    for (std::size_t i = 1, j = 0; i < size; ++i) {
+        std::size_t bit = size >> 1;
+        for (; j & bit; bit >>= 1)
+            j ^= bit;
+        j ^= bit;
+        if (i < j)
+            std::swap(a[i], a[j]);
+    }
+    for (std::size_t len = 2; len <= size; len <<= 1) {
+        const std::complex<double> step = std::polar(1.0, -2.0 * kPi / double(len));
+        for (std::size_t i = 0; i < size; i += len) {
+            std::complex<double> w = 1.0;
+            for (std::size_t k = 0; k < len / 2; ++k, w *= step) {
+                const auto u = a[i + k], v = a[i + k + len / 2] * w;
+                a[i + k] = u + v;
+                a[i + k + len / 2] = u - v;
+            }
+        }
+    }
+    std::vector<double> power(size / 2 + 1);
+    for (std::size_t k = 0; k < power.size(); ++k)
+        power[k] = std::norm(a[k]);
+    return power;
+}
+
+inline double db(double power)
+{
+    return 10.0 * std::log10(power + 1e-300);
+}
+
+// RMS in dB re full scale of samples [first, last).
+inline double rmsDb(const std::vector<float>& x, std::size_t first, std::size_t last)
+{
+    double sum = 0.0;
+    for (std::size_t i = first; i < last; ++i)
+        sum += double(x[i]) * x[i];
+    return db(sum / double(last - first));
+}
+
+} // namespace probe

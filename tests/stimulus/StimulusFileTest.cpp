@@ -1,0 +1,170 @@
+// Stimulus files as other programs read them (libsndfile): sample values, widths, formats,
+// levels against their targets, the figures against the files, refusals.
+#include "SignalProbe.h"
+
+#include "document/DocumentException.h"
+#include "document/PcmWaveWriter.h"
+#include "stimulus/PendingStimuli.h"
+#include "stimulus/StimulusFile.h"
+
+#include <gtest/gtest.h>
+#include <sndfile.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <unistd.h>
+
+namespace
+{
+
+namespace fs = std::filesystem;
+
+struct Folder {
+    fs::path path = fs::temp_directory_path() / ("tessaphon-stimulus-test-" + std::to_string(::getpid()));
+    Folder() { fs::create_directories(path); }
+    ~Folder() { fs::remove_all(path); }
+    std::string operator/(const char* name) const { return (path / name).string(); }
+};
+
+struct ReadBack {
+    SF_INFO info{};
+    std::vector<int> values; // 32-bit full scale
+    std::vector<float> samples;
+};
+
+ReadBack readBack(const std::string& path)
+{
+    ReadBack r;
+    SNDFILE* f = sf_open(path.c_str(), SFM_READ, &r.info);
+    if (!f)
+        return r;
+    r.values.resize(static_cast<std::size_t>(r.info.frames));
+    sf_read_int(f, r.values.data(), r.info.frames);
+    sf_close(f);
+    for (const int v : r.values)
+        r.samples.push_back(static_cast<float>(v / 2147483648.0));
+    return r;
+}
+
+std::string bytesOf(const std::string& path)
+{
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
+} // namespace
+
+TEST(StimulusFile, WaveAndFlacAtBothWidthsHoldTheQuantizedSamplesExactly)
+{
+    Folder folder;
+    // Odd sample count, both signs, values that need all 24 bits.
+    const std::vector<float> x = {0.0f, 0.5f, -0.5f, 0.123456789f, -0.99999f, 1e-6f, 0.25f};
+    for (const char* format : {"wav", "flac"})
+        for (const int bits : {16, 24}) {
+            StimulusOutput output;
+            ASSERT_TRUE(output.set("format", format, nullptr));
+            ASSERT_TRUE(output.set("bits", std::to_string(bits), nullptr));
+            const std::string path = folder / (std::string("x") + output.extension()).c_str();
+            const StimulusFigures figures = writeStimulus(path, Stimulus(x, 48000), 0.0, output);
+            const ReadBack r = readBack(path);
+            ASSERT_EQ(r.info.frames, 7) << format << bits;
+            EXPECT_EQ(r.info.samplerate, 48000);
+            EXPECT_EQ(r.info.channels, 1);
+            EXPECT_EQ(r.info.format & SF_FORMAT_SUBMASK, bits == 24 ? SF_FORMAT_PCM_24 : SF_FORMAT_PCM_16);
+            EXPECT_EQ(r.info.format & SF_FORMAT_TYPEMASK,
+                      std::string(format) == "flac" ? SF_FORMAT_FLAC : SF_FORMAT_WAV);
+            const double scale = bits == 24 ? 8388608.0 : 32768.0;
+            for (std::size_t i = 0; i < x.size(); ++i)
+                EXPECT_EQ(r.values[i] >> (32 - bits), std::lrint(x[i] * scale)) << format << bits << " " << i;
+            EXPECT_EQ(figures.clipped, 0);
+            EXPECT_EQ(figures.rate, 48000);
+            EXPECT_NEAR(figures.durationMS, 7000.0 / 48000, 1e-9);
+            EXPECT_NEAR(figures.peakDb, 20 * std::log10(0.99999), 1e-3);
+        }
+    // The 24-bit WAVE header as other programs expect it: RIFF size = file size - 8, and the 21
+    // data bytes get a pad byte.
+    const std::string wave = bytesOf(folder / "x.wav");
+    ASSERT_EQ(wave.size(), 44u + 21u + 1u);
+    EXPECT_EQ(wave.substr(0, 44), pcmWaveHeader(7, 48000, 24));
+    const std::string expected(
+        "RIFF\x3a\0\0\0WAVEfmt \x10\0\0\0\x01\0\x01\0\x80\xbb\0\0\x80\x32\x02\0\x03\0\x18\0data\x15\0\0\0",
+        44);
+    EXPECT_EQ(wave.substr(0, 44), expected);
+}
+
+TEST(StimulusFile, NormalizedFilesMeetTheirLevelsAndTheFiguresMatchTheFiles)
+{
+    Folder folder;
+    // A harmonic signal with a crest factor unlike a sine's, resampled on the way.
+    std::vector<float> x = probe::sine(220, 11025, 11025, 0.05);
+    const std::vector<float> h = probe::sine(1330, 11025, 11025, 0.02);
+    for (std::size_t i = 0; i < x.size(); ++i)
+        x[i] += h[i];
+    for (const char* level : {"rms:-20", "peak:-1", "rms:-35"}) {
+        StimulusOutput output;
+        ASSERT_TRUE(output.set("rate", "44100", nullptr));
+        ASSERT_TRUE(output.set("normalize", level, nullptr));
+        ASSERT_TRUE(output.set("ramp", "10", nullptr));
+        const StimulusFigures figures = saveStimulus(folder / "n.wav", x.data(), x.size(), 11025, output);
+        const ReadBack r = readBack(folder / "n.wav");
+        ASSERT_EQ(r.info.frames, 44100) << level;
+        const double rms = probe::rmsDb(r.samples, 0, r.samples.size());
+        double peak = 0;
+        for (const float v : r.samples)
+            peak = std::max(peak, std::fabs(double(v)));
+        if (output.level == StimulusOutput::Level::Rms)
+            EXPECT_NEAR(rms, output.levelDb, 0.1) << level;
+        else
+            EXPECT_NEAR(20 * std::log10(peak), output.levelDb, 0.05) << level;
+        EXPECT_NEAR(figures.rmsDb, rms, 0.01) << level;
+        EXPECT_NEAR(figures.peakDb, 20 * std::log10(peak), 0.01) << level;
+        EXPECT_EQ(figures.rate, 44100);
+        EXPECT_NEAR(figures.durationMS, 1000.0, 1.0);
+        EXPECT_EQ(figures.clipped, 0);
+    }
+}
+
+TEST(StimulusFile, AClippingGainIsRefusedUnlessAllowedAndThenCounted)
+{
+    Folder folder;
+    const std::vector<float> x = probe::sine(300, 11025, 2000, 0.5); // peak -6 dBFS, RMS -9 dBFS
+    StimulusOutput output;
+    ASSERT_TRUE(output.set("normalize", "rms:-1", nullptr)); // +8 dB: the peak goes to +2 dBFS
+    try {
+        saveStimulus(folder / "loud.wav", x.data(), x.size(), 11025, output);
+        FAIL() << "a clipping gain was written";
+    } catch (const DocumentException& error) {
+        EXPECT_EQ(error.name(), folder / "loud.wav");
+        EXPECT_NE(error.reason().find("would clip"), std::string::npos) << error.reason();
+    }
+    EXPECT_FALSE(fs::exists(folder / "loud.wav"));
+    ASSERT_TRUE(output.set("allow-clip", "", nullptr));
+    const StimulusFigures figures = saveStimulus(folder / "loud.wav", x.data(), x.size(), 11025, output);
+    EXPECT_GT(figures.clipped, 100);
+    EXPECT_NEAR(figures.gainDb, 8.0, 0.05);
+    const ReadBack r = readBack(folder / "loud.wav");
+    long long atLimit = 0;
+    for (const int v : r.values)
+        atLimit += (v >> 16) == 32767 || (v >> 16) == -32768 ? 1 : 0;
+    EXPECT_EQ(atLimit, figures.clipped);
+}
+
+TEST(StimulusFile, PlainFiguresCountTheWrappedSamplesAndPendingStimuliComeBackWhole)
+{
+    const std::vector<float> x = {0.5f, 1.0f, -1.0f, 0.0f};
+    const StimulusFigures plain = plainFigures(x.data(), x.size(), 11025);
+    EXPECT_EQ(plain.clipped, 1); // +1.0 is written as -32768
+    EXPECT_NEAR(plain.peakDb, 0.0, 1e-9);
+    EXPECT_EQ(plain.gainDb, 0.0);
+
+    std::string folder;
+    {
+        PendingStimuli pending;
+        pending.keep(3, Stimulus(x, 22050));
+        const Stimulus back = pending.take(3);
+        EXPECT_EQ(back.samples(), x);
+        EXPECT_EQ(back.rate(), 22050);
+        EXPECT_THROW(pending.take(3), DocumentException); // taken once
+    }
+}
