@@ -2,7 +2,7 @@
 // The main function of the GUI benchmarks: the test environment (offscreen platform, private
 // folders, ALSA writing into a file), one QApplication around the whole run, and `beforeExit`
 // for what must go before the application does (windows kept across benchmarks).
-#include "app/TestEnvironment.h"
+#include "support/TestEnvironment.h"
 
 #include <QApplication>
 #include <benchmark/benchmark.h>

@@ -16,7 +16,7 @@
 #include "display/gui/spectrogramView.h"
 #include "document/Log.h"
 #include "document/MyDocument.h"
-#include "table/mainTable.h"
+#include "table/gui/mainTable.h"
 
 #include <QApplication>
 #include <QElapsedTimer>

@@ -1,12 +1,12 @@
 // Drawing a track over a 6000-frame (60 s) document in the graphical data-entry window: the
 // cost of one mouse-move event of a drag, with and without painting what it asks to redraw,
 // against a full repaint of the plot. Runs under the offscreen platform.
-#include "dataentry/dataentryGraphicalController.h"
-#include "dataentry/viewF0.h"
-#include "table/mainTable.h"
+#include "dataentry/gui/graphical/dataentryGraphicalController.h"
+#include "dataentry/gui/graphical/viewF0.h"
+#include "table/gui/mainTable.h"
 
 #include "GuiBenchMain.h"
-#include "dataentry/DataEntryTestSupport.h"
+#include "dataentry/gui/DataEntryTestSupport.h"
 
 #include <benchmark/benchmark.h>
 

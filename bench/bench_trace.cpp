@@ -2,15 +2,15 @@
 // track, the spectrogram with its formant tracks arriving from the worker and painted after
 // that, and one mouse-move event of a formant drag with the table following and the strip it
 // asks to redraw painted. Runs under the offscreen platform.
-#include "analysis/TestSignals.h"
+#include "support/TestSignals.h"
 namespace benchsignals = signals; // before Qt's `signals` keyword
 
 #include "GuiBenchMain.h"
-#include "dataentry/DataEntryTestSupport.h"
-#include "dataentry/dataentryTraceContoller.h"
-#include "dataentry/viewSpectrogram.h"
+#include "dataentry/gui/DataEntryTestSupport.h"
+#include "dataentry/gui/trace/dataentryTraceContoller.h"
+#include "dataentry/gui/trace/viewSpectrogram.h"
 #include "document/MyDocument.h"
-#include "table/mainTable.h"
+#include "table/gui/mainTable.h"
 
 #include <benchmark/benchmark.h>
 

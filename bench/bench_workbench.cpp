@@ -10,7 +10,7 @@
 #include "audio/AudioPlayer.h"
 #include "document/Log.h"
 #include "document/MyDocument.h"
-#include "table/mainTable.h"
+#include "table/gui/mainTable.h"
 
 #include <QApplication>
 #include <QElapsedTimer>

@@ -1,6 +1,6 @@
 #include "FuzzSupport.h"
 
-#include "document/DocumentTestSupport.h"
+#include "support/DocumentTestSupport.h"
 
 #include <cstdio>
 #include <cstring>

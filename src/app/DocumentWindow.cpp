@@ -2,8 +2,8 @@
 
 #include "app/WorkbenchApplication.h"
 #include "document/MyDocument.h"
-#include "table/PlayCursor.h"
-#include "table/mainTable.h"
+#include "table/gui/PlayCursor.h"
+#include "table/gui/mainTable.h"
 
 #include <QCloseEvent>
 #include <QDragEnterEvent>

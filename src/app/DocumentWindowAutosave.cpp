@@ -4,7 +4,7 @@
 #include "app/DocumentWindow.h"
 #include "app/WorkbenchApplication.h"
 #include "document/MyDocument.h"
-#include "table/mainTable.h"
+#include "table/gui/mainTable.h"
 
 #include <QStatusBar>
 #include <QTimer>

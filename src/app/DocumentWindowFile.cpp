@@ -2,13 +2,13 @@
 // loading a model recording into the open document.
 #include "app/DocumentWindow.h"
 
-#include "app/ConfigurationFile.h"
 #include "app/WorkbenchApplication.h"
 #include "audio/RecordModelDialog.h"
+#include "configuration/ConfigurationFile.h"
 #include "continuum/gui/ContinuumDialog.h"
 #include "document/MyDocument.h"
 #include "phonemes/gui/PhonemeTextDialog.h"
-#include "table/mainTable.h"
+#include "table/gui/mainTable.h"
 
 #include <QDesktopServices>
 #include <QFile>

@@ -7,8 +7,8 @@
 #include "document/MyDocument.h"
 #include "interchange/Interchange.h"
 #include "labels/gui/DocumentLabels.h"
-#include "table/ParameterTableModel.h"
-#include "table/mainTable.h"
+#include "table/gui/ParameterTableModel.h"
+#include "table/gui/mainTable.h"
 
 #include <QDir>
 #include <QFile>

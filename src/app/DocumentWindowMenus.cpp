@@ -3,7 +3,7 @@
 
 #include "app/WorkbenchApplication.h"
 #include "document/MyDocument.h"
-#include "table/mainTable.h"
+#include "table/gui/mainTable.h"
 
 #include <QAction>
 #include <QFileInfo>

@@ -1,15 +1,15 @@
 #include "app/WorkbenchApplication.h"
 
-#include "app/ConfigurationFile.h"
 #include "app/DocumentWindow.h"
-#include "dataentry/dataentryGraphicalController.h"
-#include "dataentry/dataentryTraceContoller.h"
+#include "configuration/ConfigurationFile.h"
+#include "dataentry/gui/graphical/dataentryGraphicalController.h"
+#include "dataentry/gui/trace/dataentryTraceContoller.h"
 #include "display/gui/FFTLPCWindow.h"
 #include "display/gui/SpectrogramPitchWindow.h"
 #include "document/MyDocument.h"
 #include "labels/gui/DocumentLabels.h"
 #include "labels/gui/LabelAttachment.h"
-#include "table/mainTable.h"
+#include "table/gui/mainTable.h"
 
 #include <QApplication>
 #include <QFile>

@@ -4,10 +4,13 @@
 // option panels' default settings for its sample rate, changed by the options given, and writes
 // CSV on standard output or a PNG image.
 #include "cli/AnalysisOverrides.h"
-#include "cli/CliSupport.h"
+#include "cli/CliFiles.h"
+#include "cli/Commands.h"
 #include "cli/LabelOptions.h"
+#include "cli/OutputFiles.h"
+#include "display/PngEncoding.h"
 
-#include "dataentry/core/TraceDataEntry.h"
+#include "dataentry/TraceDataEntry.h"
 #include "display/AnalysisReports.h"
 #include "display/PitchTrackComputation.h"
 #include "display/SpectrogramComputation.h"

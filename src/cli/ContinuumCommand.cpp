@@ -1,7 +1,10 @@
 // tessaphon-cli continuum: the steps between two parameter documents, each with its WAVE file,
 // and a manifest, in a folder of their own.
-#include "cli/CliSupport.h"
+#include "cli/CliFiles.h"
+#include "cli/Commands.h"
+#include "cli/OutputFiles.h"
 #include "cli/StimulusRun.h"
+#include "cli/TaskRunner.h"
 
 #include "continuum/Continuum.h"
 #include "continuum/ContinuumWriter.h"

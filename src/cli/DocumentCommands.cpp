@@ -1,6 +1,9 @@
 // tessaphon-cli's document commands: new, synth (one document or a batch), info.
-#include "cli/CliSupport.h"
+#include "cli/CliFiles.h"
+#include "cli/Commands.h"
+#include "cli/OutputFiles.h"
 #include "cli/StimulusRun.h"
+#include "cli/TaskRunner.h"
 
 #include "document/MyDocument.h"
 #include "document/WaveFormat.h"

@@ -1,6 +1,8 @@
 // tessaphon-cli's interchange commands: import (a .klp or .tsv file made into a parameter
 // document) and export (a parameter document written as .klp or .tsv).
-#include "cli/CliSupport.h"
+#include "cli/CliFiles.h"
+#include "cli/Commands.h"
+#include "cli/OutputFiles.h"
 
 #include "document/MyDocument.h"
 #include "interchange/Interchange.h"

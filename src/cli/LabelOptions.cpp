@@ -1,6 +1,6 @@
 #include "cli/LabelOptions.h"
 
-#include "cli/CliSupport.h"
+#include "cli/CliFiles.h"
 #include "labels/TextGridReader.h"
 
 void LabelOptions::add(CLI::App* command)

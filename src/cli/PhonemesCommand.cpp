@@ -1,6 +1,8 @@
 // tessaphon-cli phonemes: a parameter document made by rule from a phoneme string (ARPAbet or
 // /IPA/) or from English words.
-#include "cli/CliSupport.h"
+#include "cli/CliFiles.h"
+#include "cli/Commands.h"
+#include "cli/OutputFiles.h"
 
 #include "document/MyDocument.h"
 #include "phonemes/PhonemeDocument.h"

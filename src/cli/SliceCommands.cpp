@@ -4,9 +4,12 @@
 // the first. Both analyse the model channel of what they open, with the
 // option panels' default settings for its sample rate, changed by the options given.
 #include "cli/AnalysisOverrides.h"
-#include "cli/CliSupport.h"
+#include "cli/CliFiles.h"
+#include "cli/Commands.h"
 #include "cli/LabelOptions.h"
+#include "cli/OutputFiles.h"
 #include "copysynth/CopySynthesisFigures.h"
+#include "display/PngEncoding.h"
 
 #include "display/RasterCanvas.h"
 #include "display/SliceComputation.h"

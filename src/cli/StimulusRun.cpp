@@ -1,5 +1,8 @@
 #include "cli/StimulusRun.h"
 
+#include "cli/ProgressBar.h"
+#include "cli/TaskRunner.h"
+
 #include "document/DocumentException.h"
 #include "document/MyDocument.h"
 #include "stimulus/PendingStimuli.h"

@@ -4,8 +4,10 @@
 // --same-gain the files are written in two passes: worker processes prepare and measure every
 // file first, the one gain is chosen from all the figures (and refused before anything is
 // written when it would clip a file), then the workers write. Call from the main thread.
-#include "cli/CliSupport.h"
+#include "cli/CliFiles.h"
 #include "stimulus/StimulusFile.h"
+
+#include <CLI/CLI.hpp>
 
 #include <functional>
 #include <memory>

@@ -1,5 +1,6 @@
 // tessaphon-cli: the headless side of Tessaphon (documents, synthesis, analysis).
-#include "cli/CliSupport.h"
+#include "cli/CliErrors.h"
+#include "cli/Commands.h"
 #include "document/DocumentException.h"
 
 #include <iostream>

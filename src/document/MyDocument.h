@@ -11,7 +11,7 @@
 #include "document/AtomicFile.h"
 #include "document/Channels.h"
 #include "document/Color.h"
-#include "table/core/DataTableDictionary.h"
+#include "document/DataTableDictionary.h"
 
 #include <array>
 #include <cstdint>

@@ -3,7 +3,7 @@
 #include "document/MyDocument.h"
 #include "interchange/InterchangeText.h"
 #include "interchange/ParameterNames.h"
-#include "table/edit/TableEditing.h"
+#include "table/TableEditing.h"
 
 #include <algorithm>
 #include <cctype>

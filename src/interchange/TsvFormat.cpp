@@ -3,7 +3,7 @@
 #include "document/MyDocument.h"
 #include "interchange/InterchangeText.h"
 #include "interchange/ParameterNames.h"
-#include "table/edit/TableClipboard.h"
+#include "table/TableClipboard.h"
 
 #include <algorithm>
 #include <cctype>

@@ -4,7 +4,7 @@
 // Min, "2" Max, "3" Default, "4" Description; cells as in the parameter table). Editing a
 // number replaces its cell with a copy carrying the new value; the same value changes
 // nothing. Main thread only.
-#include "table/core/DataTableDictionary.h"
+#include "document/DataTableDictionary.h"
 
 #include <QTableView>
 

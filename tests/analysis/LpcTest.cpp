@@ -1,6 +1,6 @@
 #include "analysis/CMathFunc.h"
-#include "analysis/TestSignals.h"
 #include "document/Log.h"
+#include "support/TestSignals.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 #include "analysis/CMathFunc.h"
-#include "analysis/TestSignals.h"
+#include "support/TestSignals.h"
 
 #include <gtest/gtest.h>
 

@@ -1,12 +1,12 @@
 #include "app/DocumentWindow.h"
 #include "app/RecoveryDialog.h"
-#include "app/TestFiles.h"
 #include "app/WorkbenchApplication.h"
-#include "app/WorkbenchFixture.h"
-#include "display/TestChannels.h"
 #include "document/MyDocument.h"
-#include "table/DataEntryController.h"
-#include "table/mainTable.h"
+#include "support/TestChannels.h"
+#include "support/TestFiles.h"
+#include "support/WorkbenchFixture.h"
+#include "table/gui/DataEntryController.h"
+#include "table/gui/mainTable.h"
 
 #include <QAction>
 #include <QApplication>

@@ -1,5 +1,5 @@
 #include "audio/AudioPlayer.h"
-#include "app/TestFiles.h"
+#include "support/TestFiles.h"
 
 #include <QSignalSpy>
 #include <QTest>

@@ -1,6 +1,6 @@
-#include "analysis/TestSignals.h"
 #include "cli/CliRunner.h"
-#include "display/TestChannels.h"
+#include "support/TestChannels.h"
+#include "support/TestSignals.h"
 
 #include <gtest/gtest.h>
 

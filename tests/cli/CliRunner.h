@@ -1,6 +1,6 @@
 #pragma once
 // Runs tessaphon-cli as a user would and collects its exit status and output.
-#include "app/TestFiles.h"
+#include "support/TestFiles.h"
 
 #include <array>
 #include <cstdio>

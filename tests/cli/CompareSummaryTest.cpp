@@ -1,8 +1,8 @@
 // compare --summary judges a copy synthesis in one line; its mel-cepstral distance is the one
 // the project's reference script (tools/mcd.py) computes.
-#include "analysis/TestSignals.h"
 #include "cli/CliRunner.h"
-#include "display/TestChannels.h"
+#include "support/TestChannels.h"
+#include "support/TestSignals.h"
 
 #include <gtest/gtest.h>
 

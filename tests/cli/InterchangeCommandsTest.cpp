@@ -1,6 +1,6 @@
-#include "analysis/TestSignals.h"
 #include "cli/CliRunner.h"
-#include "display/TestChannels.h"
+#include "support/TestChannels.h"
+#include "support/TestSignals.h"
 
 #include <gtest/gtest.h>
 
@@ -36,8 +36,9 @@ const char* const kTextGrid = "File type = \"ooTextFile\"\nObject class = \"Text
 TEST(InterchangeCommands, ImportAndExportRoundTripThroughTheCommands)
 {
     TempDir dir;
-    write(dir / "stim.klp", "# hand made\ndu 50\nxx 3\n__varied_params__\nmsec f0 f1 notes\n0 1000 300 start\n"
-                            "40 1400 700 end of it\n");
+    write(dir / "stim.klp",
+          "# hand made\ndu 50\nxx 3\n__varied_params__\nmsec f0 f1 notes\n0 1000 300 start\n"
+          "40 1400 700 end of it\n");
     CliResult r = runCli("import " + dir / "stim.klp");
     ASSERT_EQ(r.exitCode, 0) << r.err;
     EXPECT_NE(r.err.find("stim.klp: warning: no parameter here is named xx"), std::string::npos) << r.err;
@@ -94,13 +95,14 @@ TEST(InterchangeCommands, SpectrogramDrawsTheLabelStripAndSliceNamesItsSegment)
                          dir / "labelled.png");
     ASSERT_EQ(r.exitCode, 0) << r.err;
     const std::string plain = slurp(dir / "plain.png"), labelled = slurp(dir / "labelled.png");
-    EXPECT_EQ(bigEndian32(labelled, 16), bigEndian32(plain, 16));  // as wide
-    EXPECT_GT(bigEndian32(labelled, 20), bigEndian32(plain, 20));  // and taller by the strip
+    EXPECT_EQ(bigEndian32(labelled, 16), bigEndian32(plain, 16)); // as wide
+    EXPECT_GT(bigEndian32(labelled, 20), bigEndian32(plain, 20)); // and taller by the strip
     EXPECT_LT(bigEndian32(labelled, 20), bigEndian32(plain, 20) + 40);
 
     // A damaged TextGrid is refused naming the file and the line; no picture is written.
     write(dir / "cut.TextGrid", std::string(kTextGrid).substr(0, 90));
-    r = runCli("spectrogram " + dir / "rec.wav" + " --labels " + dir / "cut.TextGrid" + " -o " + dir / "x.png");
+    r = runCli("spectrogram " + dir / "rec.wav" + " --labels " + dir / "cut.TextGrid" + " -o " +
+               dir / "x.png");
     EXPECT_EQ(r.exitCode, 2);
     EXPECT_NE(r.err.find("cut.TextGrid: line "), std::string::npos) << r.err;
     EXPECT_FALSE(std::filesystem::exists(dir / "x.png"));

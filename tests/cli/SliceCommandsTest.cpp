@@ -1,7 +1,7 @@
-#include "analysis/TestSignals.h"
 #include "cli/CliRunner.h"
-#include "display/TestChannels.h"
 #include "document/MyDocument.h"
+#include "support/TestChannels.h"
+#include "support/TestSignals.h"
 
 #include <gtest/gtest.h>
 

@@ -3,8 +3,8 @@
 #include "CliRunner.h"
 #include "stimulus/SignalProbe.h"
 
-#include "continuum/TestDocument.h"
 #include "document/MyDocument.h"
+#include "support/TestDocument.h"
 
 #include <gtest/gtest.h>
 #include <sndfile.h>

@@ -1,9 +1,9 @@
 #include "continuum/Continuum.h"
-#include "app/TestFiles.h"
 #include "continuum/ContinuumWriter.h"
-#include "continuum/TestDocument.h"
 #include "document/DocumentException.h"
 #include "document/MyDocument.h"
+#include "support/TestDocument.h"
+#include "support/TestFiles.h"
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
 // The figures of a copy synthesis on generated signals whose answers are known: identical,
 // scaled, detuned, octave-wrong and clipped copies of a vowel.
 #include "copysynth/CopySynthesisFigures.h"
-#include "analysis/TestSignals.h"
 #include "copysynth/MelCepstralDistance.h"
-#include "display/TestChannels.h"
+#include "support/TestChannels.h"
+#include "support/TestSignals.h"
 
 #include <gtest/gtest.h>
 

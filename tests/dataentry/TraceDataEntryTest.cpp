@@ -1,7 +1,7 @@
 // The headless entry of an analysis into the table data: where each pitch and formant frame
 // lands, what the amplitudes read, the range error of a pitch track longer than the grid, and
 // the placeholders of the display lists.
-#include "dataentry/core/TraceDataEntry.h"
+#include "dataentry/TraceDataEntry.h"
 #include "document/MyDocument.h"
 
 #include <gtest/gtest.h>

@@ -1,8 +1,8 @@
 #include "display/AnalysisReports.h"
-#include "analysis/TestSignals.h"
 #include "display/PitchTrackComputation.h"
 #include "display/SpectrogramComputation.h"
-#include "display/TestChannels.h"
+#include "support/TestChannels.h"
+#include "support/TestSignals.h"
 
 #include <gtest/gtest.h>
 

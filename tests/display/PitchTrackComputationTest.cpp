@@ -1,6 +1,6 @@
 #include "display/PitchTrackComputation.h"
-#include "analysis/TestSignals.h"
-#include "display/TestChannels.h"
+#include "support/TestChannels.h"
+#include "support/TestSignals.h"
 
 #include <gtest/gtest.h>
 

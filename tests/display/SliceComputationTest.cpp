@@ -1,11 +1,11 @@
 #include "display/SliceComputation.h"
-#include "analysis/TestSignals.h"
 #include "display/GridStep.h"
 #include "display/RasterCanvas.h"
 #include "display/SlicePlot.h"
 #include "display/SpectralComparison.h"
 #include "display/SvgCanvas.h"
-#include "display/TestChannels.h"
+#include "support/TestChannels.h"
+#include "support/TestSignals.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "display/SpectrogramComputation.h"
-#include "analysis/TestSignals.h"
-#include "display/TestChannels.h"
 #include "document/MyDocument.h"
+#include "support/TestChannels.h"
+#include "support/TestSignals.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 // The analysis finds again what the project's own synthesizer was asked to say.
-#include "analysis/TestSignals.h"
 #include "display/SpectrogramComputation.h"
 #include "document/Log.h"
 #include "document/MyDocument.h"
+#include "support/TestSignals.h"
 
 #include <gtest/gtest.h>
 

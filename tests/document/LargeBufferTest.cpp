@@ -2,7 +2,7 @@
 // written, WAVE images written in pieces) must never show anything but what was written.
 #include "document/AtomicFile.h"
 #include "document/BulkMemory.h"
-#include "document/DocumentTestSupport.h"
+#include "support/DocumentTestSupport.h"
 
 #include <gtest/gtest.h>
 

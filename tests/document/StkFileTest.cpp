@@ -1,5 +1,5 @@
-#include "app/TestFiles.h"
-#include "document/DocumentTestSupport.h"
+#include "support/DocumentTestSupport.h"
+#include "support/TestFiles.h"
 
 #include <gtest/gtest.h>
 

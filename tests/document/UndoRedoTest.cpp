@@ -1,5 +1,5 @@
 #include "document/DocumentException.h"
-#include "document/DocumentTestSupport.h"
+#include "support/DocumentTestSupport.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
-#include "display/TestChannels.h"
-#include "document/DocumentTestSupport.h"
+#include "support/DocumentTestSupport.h"
+#include "support/TestChannels.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
-#include "document/DocumentTestSupport.h"
 #include "document/ParameterDefinition.h"
 #include "interchange/Interchange.h"
+#include "support/DocumentTestSupport.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
-#include "document/DocumentTestSupport.h"
 #include "document/ParameterDefinition.h"
 #include "interchange/Interchange.h"
-#include "table/edit/TableClipboard.h"
+#include "support/DocumentTestSupport.h"
+#include "table/TableClipboard.h"
 
 #include <gtest/gtest.h>
 

@@ -3,7 +3,7 @@
 #include "phonemes/RuleTestSupport.h"
 
 #include "phonemes/PhonemeError.h"
-#include "table/edit/TableEditing.h"
+#include "table/TableEditing.h"
 
 #include <gtest/gtest.h>
 

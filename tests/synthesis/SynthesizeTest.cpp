@@ -1,9 +1,9 @@
 #include "SynthesisTestSupport.h"
 
 #include "document/DocumentException.h"
-#include "document/DocumentTestSupport.h"
 #include "document/Log.h"
 #include "document/MyDocument.h"
+#include "support/DocumentTestSupport.h"
 
 #include <gtest/gtest.h>
 

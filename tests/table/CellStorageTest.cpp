@@ -1,7 +1,7 @@
 // How table cells are stored: the shared row definitions, the displayed text, undo snapshots
 // that give back every value, flag and anchor, and the memory a long document costs.
-#include "table/edit/FrameEditing.h"
-#include "table/edit/TableEditing.h"
+#include "table/FrameEditing.h"
+#include "table/TableEditing.h"
 
 #include <gtest/gtest.h>
 

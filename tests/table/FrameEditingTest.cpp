@@ -1,5 +1,5 @@
 // Inserting and removing frames and clearing anchors on a document's table data.
-#include "table/edit/FrameEditing.h"
+#include "table/FrameEditing.h"
 
 #include "document/DocumentException.h"
 

@@ -1,4 +1,4 @@
-#include "table/edit/TableEditing.h"
+#include "table/TableEditing.h"
 
 #include <gtest/gtest.h>
 

@@ -3,7 +3,7 @@
 #include "display/gui/PictureExport.h"
 #include "display/gui/sliceView.h"
 #include "document/MyDocument.h"
-#include "table/mainTable.h"
+#include "table/gui/mainTable.h"
 
 #include <QFileInfo>
 #include <QKeyEvent>

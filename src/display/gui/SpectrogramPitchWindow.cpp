@@ -5,7 +5,7 @@
 #include "display/gui/pitchView.h"
 #include "display/gui/spectrogramView.h"
 #include "document/MyDocument.h"
-#include "table/mainTable.h"
+#include "table/gui/mainTable.h"
 
 #include <QFileInfo>
 #include <QKeyEvent>

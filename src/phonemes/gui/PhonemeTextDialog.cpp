@@ -7,7 +7,7 @@
 #include "phonemes/PhonemeDocument.h"
 #include "phonemes/PhonemeError.h"
 #include "phonemes/english/TextPhonemes.h"
-#include "table/mainTable.h"
+#include "table/gui/mainTable.h"
 
 #include <QComboBox>
 #include <QDialogButtonBox>

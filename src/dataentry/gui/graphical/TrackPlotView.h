@@ -1,0 +1,131 @@
+#pragma once
+// One plot of the graphical data-entry window: the document's frames along x, the values of
+// some parameter rows along y (0 at the bottom edge, _nScale at the top edge), drawn as
+// points over a time grid and a value grid. The user draws the active track with the mouse:
+// each drag position sets the value of the frame under the pointer in the document's own
+// cells (the cells the table shows, not copies), and releasing the mouse commits the edit:
+// texts, cells stored back, table refreshed, redo step recorded. Mouse down records the undo
+// step, so one drag is one undo step.
+//
+// Mapping (W x Hv = the view's size, N = channel 0's m_nColumnNum), at the window's default
+// zoom (fit all; zoomed, W is the zoomed content width and x counts from its left end, see
+// TimeAxisZoom):
+//   frame under the pointer i = trunc(x * N / W), table column i + 1;
+//   value under the pointer v = trunc((Hv - y) * _nScale / Hv), not clamped to the limits.
+//
+// A drag repaints only the strip of the edited frame (and, through the window, the same strip
+// of the other plots, whose point visibility may depend on the edited amplitude), so drawing
+// over a long document stays quick. Subclasses (viewF0, viewFormants, viewOthers) give the
+// rows, the scale, the value grid and which tracks are drawn. Main thread only.
+#include "dataentry/gui/TimeAxisZoom.h"
+#include "display/gui/GraphGrids.h"
+#include "document/MyDocument.h"
+
+#include <QColor>
+#include <QPointF>
+#include <QWidget>
+
+#include <string>
+#include <vector>
+
+class mainTable;
+class QPainter;
+
+class TrackPlotView : public QWidget
+{
+    Q_OBJECT
+public:
+    // What a track shows, as a subclass declares it.
+    struct TrackDefinition {
+        const char* name = ""; // parameter name that activates it ("f0", "f1", "a1f", "av", ...)
+        int row = 0;           // parameter row in the table data
+        int gateRow = -1;      // a point shows only where this row's value exceeds 10; -1 always
+    };
+    struct Track : TrackDefinition {
+        QColor color = Qt::black;
+        bool active = false;
+        std::vector<CellRef> cells; // index k: the cell of table column k + 1 (nullptr: missing)
+        std::vector<CellRef> gate;  // the gate row's cells, likewise
+    };
+
+    void setDocument(MyDocument* doc) { _pDoc = doc; }
+    MyDocument* document() const { return _pDoc; }
+    void set_mainTableID(mainTable* table) { m_mainTableID = table; }
+    mainTable* _mainTableID() const { return m_mainTableID; }
+
+    // Takes the cells of every track from the table data again and redraws. Called when the
+    // window opens, after undo, redo and revert (which replace the cells), and before a drag.
+    void setup();
+    // Makes the track of that parameter name the active one; any other name leaves the view
+    // with no active track. Redraws.
+    void activeParameter(const std::string& name);
+    // The time axis shared with the other plots of the window (zoom and scroll position); the
+    // view repaints when it changes. Without one the view shows all frames.
+    void setTimeAxis(TimeAxisZoom* axis);
+    const TimeAxisZoom& timeAxis() const { return *m_axis; }
+    // Places the view in its window (window content coordinates).
+    void setPosition(const QRect& frame) { setGeometry(frame); }
+
+    int _nScale() const { return m_nScale; }
+    const std::vector<Track>& tracks() const { return m_tracks; }
+    const std::vector<QPointF>& _arraytrace() const { return m_arraytrace; }
+    bool hasActiveTrack() const;
+    bool isActive(const std::string& name) const;
+
+    // The mapping above; -1 for a frame when the document has no frames or the view no width.
+    int frameAt(double x) const;
+    int valueAt(double y) const;
+
+    // The grid labels the view draws (over its tracks), none colliding with another or with
+    // the caption, all inside the view; and the caption's box (empty without one).
+    std::vector<GridLabel> gridLabels(const QFontMetrics& metrics) const;
+    virtual QRect captionBox() const { return {}; }
+
+    // Repaints the strip of the view where frame k's points are drawn.
+    void updateFrame(int frame);
+
+signals:
+    // A drag changed the value of a frame (any track of this view).
+    void frameEdited(int frame);
+    // A drag ended and was committed to the table (undo and redo recorded).
+    void committed();
+
+protected:
+    using ValueGrid = ::ValueGrid;
+
+    TrackPlotView(int scale, std::initializer_list<TrackDefinition> tracks, QWidget* parent);
+
+    virtual ValueGrid valueGrid() const = 0;
+    virtual bool timeLabels() const { return false; }
+    virtual bool drawsTrack(const Track& track) const { return !track.cells.empty(); }
+    virtual void drawCaption(QPainter&) {}
+    // The length of the time axis in whole ms (0 without a length).
+    double lengthMS() const;
+    void setTrackColor(int slot, const QColor& color);
+
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    int frameCount() const;
+    bool inside(const QPointF& p) const;
+    void dragTo(const QPointF& p);
+    void commitActiveTracks();
+    void followInTable(int frame);
+    void drawTrack(QPainter& painter, const Track& track, int first, int last) const;
+    void drawTrace(QPainter& painter, const QRect& clip) const;
+    std::vector<CellRef> rowCells(int row, int frames) const;
+
+    MyDocument* _pDoc = nullptr;
+    mainTable* m_mainTableID = nullptr;
+    TimeAxisZoom m_ownAxis; // fit all, used until the window gives its shared axis
+    TimeAxisZoom* m_axis = &m_ownAxis;
+    int m_nScale;
+    std::vector<Track> m_tracks;
+    std::vector<QPointF> m_arraytrace;
+    bool m_bDrawing = false;    // a mouse down with an active track started a drag
+    int m_nFollowedColumn = -1; // the table column last selected for the pointer
+};

@@ -1,0 +1,369 @@
+#include "dataentry/gui/trace/dataentryTraceContoller.h"
+
+#include "configuration/ConfigurationFile.h"
+#include "dataentry/TraceDataEntry.h"
+#include "dataentry/gui/DataEntrySupport.h"
+#include "dataentry/gui/TimeAxisZoom.h"
+#include "dataentry/gui/trace/viewAmplitudes.h"
+#include "dataentry/gui/trace/viewPitch.h"
+#include "dataentry/gui/trace/viewSpectrogram.h"
+#include "table/gui/mainTable.h"
+
+#include <QAction>
+#include <QCheckBox>
+#include <QEvent>
+#include <QLabel>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QResizeEvent>
+#include <QScrollBar>
+
+#include <algorithm>
+#include <exception>
+
+namespace
+{
+
+// The keys each button makes active in the three views, and the button switched on with it.
+struct ButtonRole {
+    const char* pitch;
+    const char* spectrogram;
+    const char* amplitudes;
+    int alsoOn; // -1: none
+};
+
+using C = dataentryTraceContoller;
+const ButtonRole kButtons[C::ButtonCount] = {
+    {"f0", "", "", -1},        {"", "f1", "a1f", C::A1F}, {"", "f2", "a2f", C::A2F},
+    {"", "f3", "a3f", C::A3F}, {"", "f4", "a4f", C::A4F}, {"", "f5", "a5f", C::A5F},
+    {"", "", "av", -1},        {"", "", "apv", -1},       {"", "", "a1f", -1},
+    {"", "", "a2f", -1},       {"", "", "a3f", -1},       {"", "", "a4f", -1},
+    {"", "", "a5f", -1},
+};
+
+constexpr int kMargin = DataEntryControls::kMargin;
+constexpr int kStrip = 26; // the strip along the bottom: Enter All Data, View Old Data, status
+constexpr int kGap = DataEntryControls::kGap;
+constexpr int kWellWidth = 26;
+constexpr int kViewOldWidth = 115; // the View Old Data check box
+constexpr int kStatusWidth = 170;  // the pointer's readout
+
+} // namespace
+
+dataentryTraceContoller::dataentryTraceContoller(MyDocument* doc, mainTable* table, QObject* parent)
+    : QObject(parent), m_pDoc(doc)
+{
+    m_window = std::make_unique<QWidget>();
+    m_window->setAttribute(Qt::WA_DeleteOnClose, false);
+    m_viewPitch = new viewPitch(m_window.get());
+    m_viewSpectrogram = new viewSpectrogram(m_window.get());
+    m_viewAmplitudes = new viewAmplitudes(m_window.get());
+    m_timeAxis = new TimeAxisZoom(this);
+    m_timeAxis->setFrameSource([this] { return m_pDoc ? m_pDoc->getChannel(0)->m_nColumnNum : 0; });
+    m_scrollBar = new QScrollBar(Qt::Horizontal, m_window.get());
+    m_scrollBar->setFocusPolicy(Qt::NoFocus);
+    m_timeAxis->attach(m_scrollBar);
+    for (TraceView* view : views()) {
+        view->setTimeAxis(m_timeAxis);
+        m_timeAxis->watch(view);
+    }
+    // The readout named the time under the pointer before the axis moved.
+    connect(m_timeAxis, &TimeAxisZoom::changed, this, [this] {
+        if (!m_viewSpectrogram->isComputing())
+            m_status->clear();
+    });
+    makeControls();
+    makeShortcuts();
+    for (TraceView* view : views())
+        connect(view, &TraceView::pointerReadout, this, [this](const QString& text) {
+            if (!m_viewSpectrogram->isComputing())
+                m_status->setText(text);
+        });
+    connect(m_viewSpectrogram, &viewSpectrogram::computingChanged, this,
+            &dataentryTraceContoller::spectrogramComputing);
+    setmaintableID(table);
+    windowDidLoad();
+}
+
+dataentryTraceContoller::~dataentryTraceContoller() = default;
+
+std::array<TraceView*, 3> dataentryTraceContoller::views() const
+{
+    return {m_viewPitch, m_viewSpectrogram, m_viewAmplitudes};
+}
+
+QWidget* dataentryTraceContoller::window()
+{
+    return m_window.get();
+}
+
+void dataentryTraceContoller::setmaintableID(mainTable* table)
+{
+    m_mainTableID = table;
+    for (TraceView* view : views())
+        view->set_mainTableID(table);
+}
+
+void dataentryTraceContoller::makeControls()
+{
+    m_controls.emplace(
+        m_window.get(), kWellWidth, false, this, [this](Button b) { actionTrace(b); },
+        [this](int well, const QColor& color) { actionColor(well, color); });
+    m_enterAllData = new QPushButton(QStringLiteral("Enter All Data"), m_window.get());
+    m_enterAllData->setFocusPolicy(Qt::NoFocus);
+    m_enterAllData->setToolTip(
+        QStringLiteral("Enter the pitch track, the formants and their amplitudes (Ctrl+E)"));
+    connect(m_enterAllData, &QPushButton::clicked, this, &dataentryTraceContoller::actionEnterAllData);
+    m_viewOldData = new QCheckBox(QStringLiteral("View Old Data"), m_window.get());
+    m_viewOldData->setFocusPolicy(Qt::NoFocus);
+    connect(m_viewOldData, &QCheckBox::clicked, this, &dataentryTraceContoller::actionViewOldData);
+    m_status = new QLabel(m_window.get());
+    m_status->setTextFormat(Qt::PlainText);
+    m_window->installEventFilter(this);
+}
+
+void dataentryTraceContoller::makeShortcuts()
+{
+    const auto add = [this](const QKeySequence& keys, auto slot) {
+        auto* action = new QAction(m_window.get());
+        action->setShortcut(keys);
+        action->setShortcutContext(Qt::WindowShortcut);
+        connect(action, &QAction::triggered, this, slot);
+        m_window->addAction(action);
+    };
+    add(QKeySequence(QStringLiteral("Ctrl+E")), &dataentryTraceContoller::actionEnterAllData);
+    add(QKeySequence::Undo, &dataentryTraceContoller::undo);
+    add(QKeySequence(QStringLiteral("Ctrl+Shift+Z")), &dataentryTraceContoller::redo);
+    add(QKeySequence(Qt::Key_Space), &dataentryTraceContoller::_PlayCurrent);
+    add(QKeySequence(QStringLiteral("Ctrl+Shift+Space")), &dataentryTraceContoller::_PlayPrevious);
+    add(QKeySequence(QStringLiteral("Ctrl+M")), &dataentryTraceContoller::_PlayAudio);
+    m_window->addActions(m_timeAxis->makeActions(m_window.get()));
+    add(QKeySequence::Save, [this] {
+        if (m_save)
+            m_save();
+    });
+}
+
+void dataentryTraceContoller::windowDidLoad()
+{
+    m_window->setWindowTitle(dataEntryWindowTitle(m_pDoc));
+    m_window->setGeometry(10, 300, 800, 400);
+    m_window->setMinimumSize(420, 300);
+    m_controls->load(m_pDoc);
+    for (TraceView* view : views()) {
+        view->setDocument(m_pDoc);
+        view->set_containerID(this);
+    }
+    m_viewPitch->setColor(m_controls->wellColor(0));
+    for (int f = 0; f < 5; ++f) {
+        m_viewSpectrogram->setColor(m_controls->wellColor(f + 1), f);
+        m_viewAmplitudes->setColor(m_controls->wellColor(f + 1), f);
+    }
+    // The window always opens tracing F0, whatever the document's switches say.
+    m_controls->checkOnly(F0);
+    m_viewPitch->activeParameter("f0");
+    const bool showOld = !m_pDoc || m_pDoc->_bShowGridData != 0;
+    m_viewOldData->setChecked(showOld);
+    for (TraceView* view : views())
+        view->set_bViewGridData(showOld);
+    specialWindowDidResize(m_window->width(), m_window->height());
+    m_viewPitch->setup();
+    m_viewSpectrogram->setup();
+    m_viewAmplitudes->setup();
+}
+
+void dataentryTraceContoller::setupViews()
+{
+    m_viewPitch->setup();
+    m_viewSpectrogram->setupAfterUndo();
+    m_viewAmplitudes->setup();
+}
+
+void dataentryTraceContoller::actionTrace(Button button)
+{
+    if (!m_pDoc)
+        return;
+    const ButtonRole& role = kButtons[button];
+    m_controls->checkOnly(button, role.alsoOn);
+    m_controls->storeSwitches(*m_pDoc);
+    m_viewPitch->activeParameter(role.pitch);
+    m_viewSpectrogram->activeParameter(role.spectrogram);
+    m_viewAmplitudes->activeParameter(role.amplitudes);
+    if (button >= F1 && button <= F5)
+        m_viewAmplitudes->setColor(toQColor(m_pDoc->m_ColorTracing[button]), button - F1);
+}
+
+void dataentryTraceContoller::actionColor(int well, const QColor& color)
+{
+    if (well < 0 || well >= 6 || !color.isValid())
+        return;
+    m_controls->setWellColor(well, color);
+    if (m_pDoc)
+        m_pDoc->m_ColorTracing[well] = toColor(color);
+    if (well == 0) {
+        m_viewPitch->setColor(color);
+        return;
+    }
+    m_viewSpectrogram->setColor(color, well - 1);
+    m_viewAmplitudes->setColor(color, well - 1);
+}
+
+QColor dataentryTraceContoller::getControlColor(const std::string& key) const
+{
+    static const char* const keys[] = {"f0", "f1", "f2", "f3", "f4", "f5"};
+    for (int well = 0; well < 6; ++well)
+        if (key == keys[well])
+            return m_controls->wellColor(well);
+    return Qt::black;
+}
+
+void dataentryTraceContoller::showSheet(const QString& title, const QString& message,
+                                        const QString& buttonText)
+{
+    if (m_sheet)
+        m_sheet->deleteLater();
+    auto* box = new QMessageBox(QMessageBox::Warning, title, title, QMessageBox::NoButton, m_window.get());
+    box->setInformativeText(message);
+    box->addButton(buttonText, QMessageBox::AcceptRole);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->setWindowModality(Qt::WindowModal);
+    m_sheet = box;
+    box->open();
+}
+
+void dataentryTraceContoller::actionEnterAllData()
+{
+    if (!m_pDoc)
+        return;
+    if (!m_pDoc->m_bSpecDrawFormantTracking) {
+        showSheet(QStringLiteral("Formant tracking is not on. Automatic formants are not available"),
+                  QStringLiteral("Close this window. Use Options->Spectrogram and turn on formant tracking."),
+                  QStringLiteral("OK"));
+        return;
+    }
+    // The formants come from the spectrogram being computed: the entry waits for it.
+    if (m_viewSpectrogram->isComputing() || !m_viewSpectrogram->getHandle()) {
+        m_bEnterPending = true;
+        m_status->setText(QStringLiteral("Enter All Data runs when the spectrogram is ready"));
+        if (!m_viewSpectrogram->isComputing())
+            m_viewSpectrogram->DoSpectrogramOperation();
+        return;
+    }
+    enterAllDataNow();
+}
+
+void dataentryTraceContoller::enterAllDataNow()
+{
+    m_bEnterPending = false;
+    try {
+        TraceDataEntry::enterAllData(*m_pDoc, m_viewPitch->lists(), m_viewSpectrogram->lists(),
+                                     m_viewAmplitudes->lists(), m_viewPitch->pitchTrack(),
+                                     *m_viewSpectrogram->getHandle());
+        m_status->setText(QStringLiteral("Entered f0, f1 - f5 and a1f - a5f from the analysis"));
+    } catch (const std::exception& e) {
+        showSheet(QStringLiteral("Error in entering data values"), QString::fromStdString(e.what()),
+                  QStringLiteral("Close"));
+    }
+    // Whatever was entered stays entered, and shows.
+    if (m_mainTableID)
+        m_mainTableID->refreshTable();
+    else
+        m_pDoc->updateChangeCount(MyDocument::ChangeDone);
+    for (TraceView* view : views())
+        view->update();
+}
+
+void dataentryTraceContoller::spectrogramComputing(bool computing)
+{
+    m_status->setText(computing ? QStringLiteral("Computing spectrogram\u2026") : QString());
+    if (!computing && m_bEnterPending)
+        enterAllDataNow();
+}
+
+void dataentryTraceContoller::actionViewOldData(bool show)
+{
+    if (!m_pDoc)
+        return;
+    m_pDoc->_bShowGridData = show ? 1 : 0;
+    for (TraceView* view : views())
+        view->set_bViewGridData(show);
+    m_viewPitch->setup();
+    m_viewSpectrogram->changeViewMode();
+    m_viewAmplitudes->setup();
+    // Remembered for the next windows; a missing or foreign configuration is left alone.
+    ConfigurationFile::writeShowGridData(ConfigurationFile::defaultPath(), show);
+}
+
+void dataentryTraceContoller::forward(void (mainTable::*command)())
+{
+    if (m_mainTableID)
+        (m_mainTableID->*command)();
+}
+
+void dataentryTraceContoller::undo()
+{
+    if (m_pDoc && m_pDoc->canUndo())
+        forward(&mainTable::undo);
+}
+void dataentryTraceContoller::redo()
+{
+    if (m_pDoc && m_pDoc->canRedo())
+        forward(&mainTable::redo);
+}
+void dataentryTraceContoller::_PlayCurrent()
+{
+    forward(&mainTable::_PlayCurrent);
+}
+void dataentryTraceContoller::_PlayPrevious()
+{
+    forward(&mainTable::_PlayPrevious);
+}
+void dataentryTraceContoller::_PlayAudio()
+{
+    if (m_pDoc && m_pDoc->getChannel(2)->hasAudio())
+        forward(&mainTable::_PlayAudio);
+}
+
+bool dataentryTraceContoller::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == m_window.get() && event->type() == QEvent::Resize) {
+        const QSize size = static_cast<QResizeEvent*>(event)->size();
+        specialWindowDidResize(size.width(), size.height());
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+void dataentryTraceContoller::setLabelStrip(QWidget* strip)
+{
+    m_labelStrip = strip;
+    relayout();
+}
+
+void dataentryTraceContoller::relayout()
+{
+    specialWindowDidResize(m_window->width(), m_window->height());
+}
+
+void dataentryTraceContoller::specialWindowDidResize(int w, int h)
+{
+    // The views share the height less the bottom strip in the proportion 1 : 2 : 1.
+    const DataEntryControls::Stack views =
+        DataEntryControls::stack(w, h, DataEntryControls::labelHeight(m_labelStrip));
+    m_viewPitch->setPosition(views.upper);
+    m_viewSpectrogram->setPosition(views.middle);
+    m_viewAmplitudes->setPosition(views.lower);
+    if (m_labelStrip)
+        m_labelStrip->setGeometry(views.labels);
+    m_controls->place(views);
+    const int width = views.upper.width();
+    const int stripTop = h - kStrip + 2;
+    m_enterAllData->setGeometry(kGap, stripTop, kMargin - 2 * kGap, kStrip - 4);
+    m_timeAxis->setViewWidth(width);
+    // Under the views: the scroll bar, then View Old Data and the pointer's readout at the right.
+    const int right = kMargin + width;
+    const int statusLeft = right - std::min(kStatusWidth, std::max(width - kViewOldWidth, 0));
+    const int viewOldLeft = std::max(statusLeft - kViewOldWidth, kMargin);
+    m_scrollBar->setGeometry(kMargin, stripTop + 3, std::max(viewOldLeft - kGap - kMargin, 0), kStrip - 10);
+    m_viewOldData->setGeometry(viewOldLeft + kGap, stripTop, kViewOldWidth - kGap, kStrip - 4);
+    m_status->setGeometry(statusLeft, stripTop, right - statusLeft, kStrip - 4);
+}

@@ -1,0 +1,152 @@
+#include "dataentry/gui/trace/viewSpectrogram.h"
+
+#include "dataentry/TraceDataEntry.h"
+#include "dataentry/gui/trace/dataentryTraceContoller.h"
+#include "dataentry/gui/trace/viewAmplitudes.h"
+#include "display/gui/AnalysisTracks.h"
+#include "document/MyDocument.h"
+#include "table/gui/mainTable.h"
+
+#include <QPainter>
+#include <QResizeEvent>
+
+#include <cmath>
+
+namespace
+{
+constexpr int kResizeSettleMS = 250; // a resize counts as ended after this long without another
+// The automatic formant tracks, F1 first: fixed colours that stand apart from the grey
+// spectrogram and from the traces (drawn in the user's colours, black by default).
+const std::array<QColor, 5> kFormantColors = {QColor(220, 40, 40), QColor(30, 160, 60), QColor(40, 90, 230),
+                                              QColor(230, 140, 0), QColor(170, 50, 200)};
+} // namespace
+
+viewSpectrogram::viewSpectrogram(QWidget* parent)
+    : TraceView(5000.0, {"f1", "f2", "f3", "f4", "f5"}, {Row::f1, Row::f2, Row::f3, Row::f4, Row::f5},
+                parent),
+      m_worker(this)
+{
+    m_resizeSettled.setSingleShot(true);
+    m_resizeSettled.setInterval(kResizeSettleMS);
+    connect(&m_resizeSettled, &QTimer::timeout, this, &viewSpectrogram::DoSpectrogramOperation);
+    connect(&m_worker, &SpectrogramWorker::finished, this, &viewSpectrogram::resultArrived);
+}
+
+viewSpectrogram::~viewSpectrogram() = default;
+
+void viewSpectrogram::setup()
+{
+    if (_pDoc)
+        m_settings = SpectrogramSettings::fromDocument(*_pDoc);
+    TraceView::setup();
+    DoSpectrogramOperation();
+}
+
+void viewSpectrogram::DoSpectrogramOperation()
+{
+    m_resizeSettled.stop();
+    if (!_pDoc || width() <= 0 || height() <= 0)
+        return;
+    m_requested = size();
+    m_worker.start(*_pDoc->getChannel(2), m_settings, width(), height());
+    emit computingChanged(true);
+    update();
+}
+
+void viewSpectrogram::resultArrived(std::shared_ptr<const SpectrogramWorker::Result> result)
+{
+    m_result = std::move(result);
+    emit computingChanged(false);
+    update();
+}
+
+void viewSpectrogram::resizeEvent(QResizeEvent* event)
+{
+    TraceView::resizeEvent(event);
+    // Computed again once the size stops changing; a run for this very size needs no other.
+    if (m_requested == size())
+        return;
+    if (_pDoc)
+        m_resizeSettled.start();
+}
+
+void viewSpectrogram::enterValues()
+{
+    if (!_pDoc || !m_result)
+        return;
+    TraceDataEntry::enterFormants(*_pDoc, m_lists, m_result->computation);
+    if (_mainTableID())
+        _mainTableID()->refreshTable();
+    update();
+}
+
+void viewSpectrogram::afterDragValue(int column, const QPointF& p)
+{
+    if (!m_result || !_pDoc || !_containerID())
+        return;
+    viewAmplitudes* amplitudes = _containerID()->_viewAmplitudes();
+    const SpectrogramComputation& s = m_result->computation;
+    const double vertical = s.m_rSpectrogram.bottom - s.m_rSpectrogram.top;
+    const double horizontal = s.m_rSpectrogram.right - s.m_rSpectrogram.left;
+    for (int slot = 0; slot < 5; ++slot) {
+        if (!isActive(slot))
+            continue;
+        const double amplitude = s.GetSpectrogramAmplitue(
+            vertical, horizontal, _pDoc->m_nSpecDynamicRange, TraceDataEntry::kAmplitudeCeiling,
+            static_cast<int>(std::trunc(vertical - p.y())),
+            static_cast<int>(std::trunc(m_axis->fitAllX(p.x(), width()))));
+        amplitudes->remoteTraceValue(amplitude, column, slot);
+    }
+}
+
+TraceView::ValueGrid viewSpectrogram::valueGrid() const
+{
+    const MyDocument& doc = *_pDoc;
+    return {0.0, static_cast<double>(doc.m_nSpecfrequencyRange),
+            doc.m_bSpecDrawFrequencyGrid ? static_cast<double>(doc.m_nSpecFrequencyGrid) : 0.0, fullScale(),
+            QStringLiteral("Hz")};
+}
+
+QString viewSpectrogram::caption() const
+{
+    for (int slot = 0; slot < 5; ++slot)
+        if (isActive(slot))
+            return QStringLiteral("F%1").arg(slot + 1);
+    return QStringLiteral("Spectrogram");
+}
+
+void viewSpectrogram::drawAnalysis(QPainter& painter, const QRect&)
+{
+    if (!m_result || m_result->image.isNull())
+        return;
+    // Until the spectrogram for a new size arrives, the old picture is stretched over the view.
+    painter.setRenderHint(QPainter::SmoothPixmapTransform,
+                          m_result->width != width() || m_result->height != height());
+    if (m_axis->isFitAll()) {
+        painter.drawImage(rect(), m_result->image);
+        return;
+    }
+    // Zoomed, the visible part of the picture is stretched over the view; the picture is not
+    // computed again.
+    const double scale = m_result->image.width() / static_cast<double>(m_axis->contentWidth(width()));
+    const QRectF source(m_axis->offset() * scale, 0.0, width() * scale, m_result->image.height());
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, true);
+    painter.drawImage(QRectF(rect()), m_result->image, source);
+}
+
+void viewSpectrogram::drawOverlay(QPainter& painter, const QRect&)
+{
+    if (m_result && _pDoc && _pDoc->m_bSpecDrawFormantTracking) {
+        DrawFormantTracks(painter, contentRect(), m_result->computation,
+                          m_result->computation.m_settings.m_nSpecfrequencyRange, kFormantColors);
+    }
+    if (m_worker.isRunning()) {
+        const QString text = QStringLiteral("Computing spectrogram\u2026");
+        const QRect box = painter.fontMetrics().boundingRect(text).adjusted(-8, -4, 8, 4);
+        const QRect at(rect().center() - box.center(), box.size());
+        painter.fillRect(at, QColor(255, 255, 230, 230));
+        painter.setPen(QColor(80, 80, 80));
+        painter.drawRect(at.adjusted(0, 0, -1, -1));
+        painter.drawText(at, Qt::AlignCenter, text);
+    }
+}

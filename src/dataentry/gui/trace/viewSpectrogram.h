@@ -1,0 +1,63 @@
+#pragma once
+// The formant view of the trace window: the model's spectrogram with its automatic formant
+// tracks, over which the user traces f1 .. f5 (slots 0 .. 4; 5000 Hz at the top edge).
+// Tracing a formant also traces its amplitude in the amplitude view: the spectrogram level
+// under the pointer (remoteTraceValue).
+//
+// The spectrogram is computed for the view's pixel size by a SpectrogramWorker on a background
+// thread, started by setup() and again when a resize has settled; meanwhile the last picture
+// is shown stretched with a "Computing spectrogram" note. The view paints from the finished
+// result only. Main thread only.
+#include "dataentry/gui/trace/TraceView.h"
+#include "display/gui/SpectrogramWorker.h"
+
+#include <QTimer>
+
+#include <memory>
+
+class viewSpectrogram : public TraceView
+{
+    Q_OBJECT
+public:
+    explicit viewSpectrogram(QWidget* parent = nullptr);
+    ~viewSpectrogram() override;
+
+    // Lists rebuilt, the document's spectrogram settings taken, the spectrogram recomputed.
+    void setup() override;
+    // Lists rebuilt; the computed spectrogram is kept.
+    void changeViewMode() { TraceView::setup(); }
+    void setupAfterUndo() { TraceView::setup(); }
+    // Starts the background computation for the view's current size.
+    void DoSpectrogramOperation();
+    // The formant frames into f1 .. f5 (TraceDataEntry::enterFormants), then the table refreshed.
+    void enterValues();
+
+    // The finished spectrogram (nullptr before the first one), its formant frame count and its
+    // display rectangle.
+    const SpectrogramComputation* getHandle() const { return m_result ? &m_result->computation : nullptr; }
+    int getFormantFrames() const { return m_result ? m_result->computation.m_nFormantsFrames : 0; }
+    ShortRect getRect() const { return m_result ? m_result->computation.m_rSpectrogram : ShortRect{}; }
+    bool isComputing() const { return m_worker.isRunning(); }
+    SpectrogramWorker& worker() { return m_worker; }
+
+signals:
+    void computingChanged(bool computing);
+
+protected:
+    ValueGrid valueGrid() const override;
+    QString caption() const override;
+    QString valueText(int value) const override { return QStringLiteral("%1 Hz").arg(value); }
+    void afterDragValue(int column, const QPointF& p) override;
+    void drawAnalysis(QPainter& painter, const QRect& clip) override;
+    void drawOverlay(QPainter& painter, const QRect& clip) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    void resultArrived(std::shared_ptr<const SpectrogramWorker::Result> result);
+
+    SpectrogramWorker m_worker;
+    std::shared_ptr<const SpectrogramWorker::Result> m_result;
+    SpectrogramSettings m_settings;
+    QTimer m_resizeSettled;
+    QSize m_requested; // the display size of the last run started
+};

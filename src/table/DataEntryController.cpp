@@ -1,3 +1,0 @@
-#include "table/DataEntryController.h"
-
-DataEntryController::~DataEntryController() = default;

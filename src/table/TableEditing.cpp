@@ -1,0 +1,372 @@
+#include "table/TableEditing.h"
+
+#include "document/DocumentException.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <memory>
+
+std::vector<CellArray*> frameColumns(MyDocument& doc)
+{
+    const long long interval = doc.updateInterval();
+    const std::size_t count = doc._dataTableDictionary.count();
+    std::vector<CellArray*> columns;
+    if (count < 2)
+        return columns;
+    columns.reserve(count - 1);
+    for (std::size_t k = 1; k < count; ++k)
+        columns.push_back(doc._dataTableDictionary.objectForKey(static_cast<long long>(k) * interval));
+    return columns;
+}
+
+CellArray rowCellsArray(MyDocument& doc, int row)
+{
+    CellArray cells;
+    if (row < 0 || row >= kParameterCount)
+        return cells;
+    const std::vector<CellArray*> columns = frameColumns(doc);
+    cells.reserve(columns.size());
+    for (CellArray* column : columns)
+        cells.push_back(column && static_cast<std::size_t>(row) < column->size() ? (*column)[row] : nullptr);
+    return cells;
+}
+
+void replaceCellAt(MyDocument& doc, CellRef cell, int row, int col)
+{
+    if (row < 0 || col < 0)
+        return;
+    CellArray* column =
+        doc._dataTableDictionary.objectForKey(static_cast<long long>(col) * doc.updateInterval());
+    if (column && static_cast<std::size_t>(row) < column->size())
+        (*column)[row] = std::move(cell);
+}
+
+int clampToLimits(const ImageAndTextCell& cell, int value)
+{
+    if (value > cell._nMaxValue())
+        value = cell._nMaxValue();
+    if (value < cell._nMinValue())
+        value = cell._nMinValue();
+    return value;
+}
+
+CellRef enteredCell(const ImageAndTextCell& stored, int value)
+{
+    auto cell = std::make_shared<ImageAndTextCell>();
+    cell->copy(stored);
+    // Out-of-range input is corrected silently, never refused.
+    const int clamped = clampToLimits(*cell, value);
+    cell->set_nValue(clamped);
+    cell->setInttoStringValue(clamped);
+    return cell;
+}
+
+int typedInteger(const std::string& text)
+{
+    ImageAndTextCell reader;
+    reader.setStringValue(text);
+    return reader.intValue();
+}
+
+TypedEntryOutcome typeValue(MyDocument& doc, int row, int tableColumn, int newValue)
+{
+    if (tableColumn < 1 || row < 0 || row >= kParameterCount)
+        return TypedEntryOutcome::Unchanged;
+    const CellRef stored =
+        doc._dataTableDictionary.cellAt(static_cast<long long>(tableColumn) * doc.updateInterval(), row);
+    if (!stored || stored->intValue() == newValue)
+        return TypedEntryOutcome::Unchanged;
+
+    doc.saveUndo();
+    CellRef cell = enteredCell(*stored, newValue);
+    if (doc.getChannel(0)->m_bDoAnchor)
+        cell->set_bAnchor(true);
+    replaceCellAt(doc, cell, row, tableColumn);
+    doc.updateChangeCount(MyDocument::ChangeDone);
+
+    TypedEntryOutcome outcome = TypedEntryOutcome::Stored;
+    if (doc.getChannel(0)->m_bDoInterpolate) {
+        interpolateAll(doc);
+        outcome = TypedEntryOutcome::StoredAndInterpolated;
+    }
+    doc.saveRedo();
+    return outcome;
+}
+
+namespace
+{
+// Fills the frames between consecutive anchors of one row; `columns` as frameColumns().
+void interpolateRow(std::vector<CellArray*>& columns, int row)
+{
+    auto cellOf = [&](std::size_t j) -> CellRef* {
+        CellArray* column = columns[j];
+        if (!column || static_cast<std::size_t>(row) >= column->size() || !(*column)[row])
+            return nullptr;
+        return &(*column)[row];
+    };
+
+    std::vector<std::size_t> anchors;
+    for (std::size_t j = 0; j < columns.size(); ++j) {
+        CellRef* cell = cellOf(j);
+        if (cell && (*cell)->_bAnchor())
+            anchors.push_back(j);
+    }
+    for (std::size_t i = 1; i < anchors.size(); ++i) {
+        const std::size_t a = anchors[i - 1];
+        const std::size_t b = anchors[i];
+        const int valueA = (*cellOf(a))->_nValue();
+        const double slope =
+            (static_cast<double>((*cellOf(b))->_nValue()) - valueA) / static_cast<double>(b - a);
+        for (std::size_t k = 1; k < b - a; ++k) {
+            CellRef* old = cellOf(a + k);
+            if (!old)
+                continue;
+            const int value = static_cast<int>(std::trunc(valueA + static_cast<double>(k) * slope));
+            auto cell = std::make_shared<ImageAndTextCell>();
+            cell->copy(**old);
+            cell->set_nValue(value);
+            cell->setInttoStringValue(value);
+            *old = std::move(cell);
+        }
+    }
+}
+} // namespace
+
+void interpolateRows(MyDocument& doc, int first, int last)
+{
+    first = std::max(first, 0);
+    last = std::min(last, kParameterCount - 1);
+    std::vector<CellArray*> columns = frameColumns(doc);
+    for (int row = first; row <= last; ++row)
+        interpolateRow(columns, row);
+}
+
+void interpolateAll(MyDocument& doc)
+{
+    doc.saveUndo();
+    interpolateRows(doc, 0, kParameterCount - 1);
+    doc.updateChangeCount(MyDocument::ChangeDone);
+    doc.saveRedo();
+}
+
+void checkDataRange(MyDocument& doc, int row)
+{
+    for (const CellRef& cell : rowCellsArray(doc, row)) {
+        if (!cell)
+            continue;
+        const int value = clampToLimits(*cell, cell->_nValue());
+        cell->set_nValue(value);
+        cell->setInttoStringValue(value);
+    }
+}
+
+void saveParameters(MyDocument& doc)
+{
+    const Channels& c = *doc.getChannel(0);
+    // The cells of a row share a few definitions (the name column's, the frames'): each is
+    // changed once, and the cells that had it take the changed one.
+    std::array<std::vector<std::pair<ImageAndTextCell, ImageAndTextCell>>, kParameterCount> changed;
+    for (auto& [key, column] : doc._dataTableDictionary.map()) {
+        (void)key;
+        const std::size_t rows = std::min<std::size_t>(column.size(), kParameterCount);
+        for (std::size_t row = 0; row < rows; ++row) {
+            const ParameterDefinition& p = c.m_Parameters[row];
+            ImageAndTextCell& cell = *column[row];
+            auto& known = changed[row];
+            auto found = std::find_if(known.begin(), known.end(), [&cell](const auto& pair) {
+                return cell.sharesDefinitionWith(pair.first);
+            });
+            if (found == known.end()) {
+                ImageAndTextCell after;
+                after.adoptDefinition(cell);
+                CellDefinition d = after.definition();
+                d.defaultValue = p.nDefaultValue;
+                d.minValue = p.nMinValue;
+                d.maxValue = p.nMaxValue;
+                d.background = p.nsSetColor;
+                after.setDefinition(d);
+                known.emplace_back(cell, after);
+                found = known.end() - 1;
+            }
+            cell.adoptDefinition(found->second);
+            cell.set_bSelected(p.bSelected != 0);
+        }
+    }
+    AdjustSampleRate(doc, true);
+    doc.updateChangeCount(MyDocument::ChangeDone);
+}
+
+void AdjustSampleRate(MyDocument& doc, bool synthesize)
+{
+    Channels& c = *doc.getChannel(0);
+    const int rate = doc.synthesisSampleRate();
+    c.m_bIncraseSampleRate = rate == 22050 ? 1 : 0;
+    c.m_dSampleRate = rate;
+
+    const int range = static_cast<int>(rate * 0.5) / 1000 * 1000;
+    int order = static_cast<int>(2.0 * (rate * 0.5 / 1000.0)) + 4;
+    order -= order % 2;
+    doc.m_nFFTfrequencyRange = range;
+    doc.m_nSpecfrequencyRange = range;
+    doc.m_nLPCNumberofCoefficients = order;
+    doc.m_nSpecLPCNumberofCoefficients = order;
+
+    c.m_bSynthesize = 1;
+    if (synthesize)
+        doc.Synthesize();
+}
+
+CellRef newFrameCell(const ParameterDefinition& p, const Color& background)
+{
+    auto cell = std::make_shared<ImageAndTextCell>();
+    cell->setDefinition(MyDocument::frameCellDefinition(p, background));
+    cell->set_nValue(p.nValue);
+    cell->set_bSelected(p.bSelected != 0);
+    cell->setInttoStringValue(p.nValue);
+    return cell;
+}
+
+FrameCellMaker::FrameCellMaker(const MyDocument& doc) : m_channel(*doc.getChannel(0))
+{
+    for (int row = 0; row < kParameterCount; ++row)
+        m_models[row].setDefinition(
+            MyDocument::frameCellDefinition(m_channel.m_Parameters[row], doc.groupBackgroundColor(row)));
+}
+
+CellArray FrameCellMaker::column(bool allShown) const
+{
+    CellArray cells = ImageAndTextCell::newColumn(kParameterCount);
+    for (int row = 0; row < kParameterCount; ++row) {
+        const ParameterDefinition& p = m_channel.m_Parameters[row];
+        ImageAndTextCell& cell = *cells[row];
+        cell.adoptDefinition(m_models[row]);
+        cell.set_nValue(p.nValue);
+        cell.set_bSelected(allShown || p.bSelected != 0);
+        cell.setInttoStringValue(p.nValue);
+    }
+    return cells;
+}
+
+namespace
+{
+// The key of `dictionary` that is the largest not above `timeMS`, trying the time itself,
+// then 1 ms less and so on, giving up below 2 ms; -1 when none is found.
+long long findKeyAtOrBelow(const DataTableDictionary& dictionary, long long timeMS)
+{
+    for (long long t = timeMS; t >= 2; --t)
+        if (dictionary.objectForKey(t))
+            return t;
+    return -1;
+}
+
+// Copies of the cells of `from` into `to` (same row order), each showing its value.
+void copyColumnCells(const CellArray& from, CellArray& to)
+{
+    const std::size_t rows = std::min(from.size(), to.size());
+    CellArray copies = ImageAndTextCell::newColumn(rows);
+    for (std::size_t row = 0; row < rows; ++row) {
+        if (!from[row])
+            continue;
+        copies[row]->copy(*from[row]);
+        copies[row]->setInttoStringValue(copies[row]->_nValue());
+        to[row] = std::move(copies[row]);
+    }
+}
+
+DataTableDictionary freshTableData(MyDocument& doc, int frames, long long interval)
+{
+    const Channels& c = *doc.getChannel(0);
+    DataTableDictionary fresh;
+    CellArray names = ImageAndTextCell::newColumn(kParameterCount);
+    for (int row = 0; row < kParameterCount; ++row) {
+        CellDefinition d;
+        d.name = c.m_Parameters[row].strName;
+        d.definition = c.m_Parameters[row].strDefinition;
+        names[row]->setDefinition(d);
+        names[row]->set_bSelected(c.m_Parameters[row].bSelected != 0);
+    }
+    fresh.setObject("0", std::move(names));
+    const FrameCellMaker maker(doc);
+    fresh.reserve(static_cast<std::size_t>(std::max(frames, 0)) + 1);
+    for (int k = 1; k <= frames; ++k)
+        fresh.setObject(k * interval, maker.column(false));
+    return fresh;
+}
+} // namespace
+
+namespace
+{
+long long proposedInterval(const MyDocument& doc)
+{
+    return doc.m_nNewUpdateIntervalMS < 1 ? 10 : doc.m_nNewUpdateIntervalMS;
+}
+
+// Capped far beyond any document, so that the frame count stays representable.
+double proposedLength(const MyDocument& doc)
+{
+    return doc.m_dNewLengthMS < 0.0 ? 0.0 : std::min(doc.m_dNewLengthMS, 1e15);
+}
+} // namespace
+
+Shortening proposedShortening(MyDocument& doc)
+{
+    const long long newInterval = proposedInterval(doc);
+    const long long newEnd = static_cast<long long>(proposedLength(doc)) / newInterval * newInterval;
+    const long long oldInterval = doc.updateInterval();
+    const Channels& c = *doc.getChannel(0);
+    const std::vector<CellArray*> columns = frameColumns(doc);
+    Shortening shortening;
+    for (std::size_t j = 0; j < columns.size(); ++j) {
+        if (static_cast<long long>(j + 1) * oldInterval <= newEnd)
+            continue;
+        ++shortening.removedFrames;
+        const CellArray* cells = columns[j];
+        const std::size_t rows = cells ? std::min<std::size_t>(cells->size(), kParameterCount) : 0;
+        for (std::size_t row = 0; row < rows && !shortening.removesValues; ++row)
+            shortening.removesValues =
+                (*cells)[row] && (*cells)[row]->_nValue() != c.m_Parameters[row].nValue;
+    }
+    return shortening;
+}
+
+void saveoptionsFile(MyDocument& doc)
+{
+    const long long newInterval = proposedInterval(doc);
+    const double newLength = proposedLength(doc);
+    const long long frames = static_cast<long long>(newLength) / newInterval;
+    if (frames > MyDocument::kMaxFrames || newLength > MyDocument::kMaxLengthMS)
+        throw DocumentException::tooManyFrames(frames, MyDocument::kMaxFrames); // nothing changed yet
+    const int newFrames = static_cast<int>(frames);
+    doc.saveUndo();
+    Channels& c = *doc.getChannel(0);
+    const long long oldInterval = doc.updateInterval();
+    const long long oldFrames = doc._dataTableDictionary.empty() ? 0 : doc._dataTableDictionary.count() - 1;
+
+    DataTableDictionary fresh = freshTableData(doc, newFrames, newInterval);
+    const DataTableDictionary& old = doc._dataTableDictionary;
+    if (oldFrames < newFrames) {
+        // Each old frame lands on the new frame that starts at or before its time.
+        for (long long k = 1; k <= oldFrames; ++k) {
+            const CellArray* from = old.objectForKey(k * oldInterval);
+            const long long key = findKeyAtOrBelow(fresh, k * oldInterval);
+            if (from && key >= 0)
+                copyColumnCells(*from, *fresh.objectForKey(key));
+        }
+    } else {
+        // Each new frame takes the old frame that starts at or before its time.
+        for (long long k = 1; k <= newFrames; ++k) {
+            const long long key = findKeyAtOrBelow(old, k * newInterval);
+            if (key >= 0)
+                copyColumnCells(*old.objectForKey(key), *fresh.objectForKey(k * newInterval));
+        }
+    }
+    doc._dataTableDictionary = std::move(fresh);
+
+    c.m_dSampleRate = doc.m_dNewSampleRate > 0.0 ? doc.m_dNewSampleRate : c.m_dSampleRate;
+    c.m_dLengthMS = newLength;
+    c.m_nUpdateIntervalMS = static_cast<std::int32_t>(newInterval);
+    c.m_nColumnNum = newFrames;
+    c.m_bSynthesize = 1;
+    doc.updateChangeCount(MyDocument::ChangeDone);
+}

@@ -1,0 +1,3 @@
+#include "table/gui/DataEntryController.h"
+
+DataEntryController::~DataEntryController() = default;

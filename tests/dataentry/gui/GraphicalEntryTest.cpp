@@ -1,0 +1,225 @@
+// The graphical data-entry window driven with real mouse events under the offscreen platform;
+// the checks are on the document's cells and undo lists.
+#include "DataEntryTestSupport.h"
+#include "dataentry/gui/graphical/dataentryGraphicalController.h"
+#include "dataentry/gui/graphical/viewF0.h"
+#include "dataentry/gui/graphical/viewFormants.h"
+#include "dataentry/gui/graphical/viewOthers.h"
+#include "table/gui/mainTable.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QImage>
+#include <QPushButton>
+#include <QTest>
+
+#include <memory>
+
+namespace
+{
+
+// A 20-frame document (10 ms frames, factory values) in a window whose plots are 400 pixels
+// wide (20 pixels per frame); the F0 plot is 100 pixels high.
+struct GraphicalEntry : ::testing::Test {
+    MyDocument doc;
+    std::unique_ptr<dataentryGraphicalController> controller;
+
+    void SetUp() override
+    {
+        doc.buildDataTableDictionary();
+        controller = std::make_unique<dataentryGraphicalController>(&doc, nullptr);
+        showAt(505, 426);
+    }
+
+    void showAt(int w, int h)
+    {
+        QWidget* window = controller->window();
+        window->show();
+        // The content area (below the menu bar) is what the plots share.
+        const QSize content = static_cast<QWidget*>(controller->_viewF0()->parent())->size();
+        window->resize(window->width() + (w - content.width()), window->height() + (h - content.height()));
+        QApplication::processEvents();
+    }
+
+    viewF0& f0View() { return *controller->_viewF0(); }
+    int value(int frame, int row) const
+    {
+        return doc._dataTableDictionary.cellAt(static_cast<long long>(frame + 1) * 10, row)->_nValue();
+    }
+    std::string text(int frame, int row) const
+    {
+        return doc._dataTableDictionary.cellAt(static_cast<long long>(frame + 1) * 10, row)->stringValue();
+    }
+    static void drag(QWidget& view, std::initializer_list<QPointF> points) { dragThrough(view, points); }
+};
+
+} // namespace
+
+TEST_F(GraphicalEntry, DraggingOverTheF0PlotSetsExactlyTheFramesUnderThePointer)
+{
+    ASSERT_EQ(f0View().width(), 400);
+    ASSERT_EQ(f0View().height(), 100);
+    const CellRef frame3 = doc._dataTableDictionary.cellAt(40, Row::f0);
+
+    // Press in frame 0, drag through frames 1 and 3 (frame 2 skipped), release in frame 3.
+    drag(f0View(), {{10, 50}, {30, 50}, {70, 25}});
+
+    // trunc((100 - y) x 3000 / 100); committed on release with the texts following.
+    const int want[] = {1000, 1500, 1000, 2250, 1000};
+    for (int frame = 0; frame < 5; ++frame) {
+        EXPECT_EQ(value(frame, Row::f0), want[frame]) << frame;
+        EXPECT_EQ(text(frame, Row::f0), std::to_string(want[frame])) << frame;
+    }
+    // The table keeps the same cell objects; one undo and one redo snapshot frame the edit.
+    EXPECT_EQ(doc._dataTableDictionary.cellAt(40, Row::f0), frame3);
+    EXPECT_EQ(doc._arrayUndo.size(), 1u);
+    EXPECT_EQ(doc._arrayRedo.size(), 1u);
+    EXPECT_TRUE(doc.isDocumentEdited());
+    EXPECT_TRUE(f0View()._arraytrace().empty());
+    // The other rows of those frames are untouched.
+    EXPECT_EQ(value(1, Row::av), 60);
+}
+
+TEST_F(GraphicalEntry, EdgesGiveFullScaleAndZeroAndPointsOutsideAreIgnored)
+{
+    // A click without a drag changes no value but still records undo and redo.
+    const CellRef before = doc._dataTableDictionary.cellAt(10, Row::f0);
+    dragThrough(f0View(), {{10, 10}});
+    EXPECT_EQ(doc._arrayUndo.size(), 1u);
+    EXPECT_EQ(doc._arrayRedo.size(), 1u);
+    for (int frame = 0; frame < 20; ++frame)
+        ASSERT_EQ(value(frame, Row::f0), 1000);
+    EXPECT_EQ(doc._dataTableDictionary.cellAt(10, Row::f0), before);
+
+    drag(f0View(), {{5, 0}, {5, 0}, {25, 100}, {45, 100.5}, {400, 10}, {-1, 10}});
+    EXPECT_EQ(value(0, Row::f0), 3000);  // top edge: full scale, above f0's maximum, kept as drawn
+    EXPECT_EQ(value(1, Row::f0), 0);     // bottom edge
+    EXPECT_EQ(value(2, Row::f0), 1000);  // below the bottom edge: outside
+    EXPECT_EQ(value(19, Row::f0), 1000); // the right edge maps past the last frame
+
+    // The formant plot (200 high, scale 5000) in F2 mode.
+    controller->actionParameter(dataentryGraphicalController::F2);
+    drag(*controller->_viewFormants(), {{390, 0}, {390, 0}, {390, 199}});
+    EXPECT_EQ(value(19, Row::f2), 25); // trunc(1 x 5000 / 200)
+
+    // The amplitude plot (95 high, scale 90) edits the active formant's amplitude row only.
+    controller->actionParameter(dataentryGraphicalController::F1);
+    ASSERT_EQ(controller->_viewOthers()->height(), 95);
+    drag(*controller->_viewOthers(), {{50, 0}, {50, 0}, {110, 95}});
+    EXPECT_EQ(value(2, Row::a1f), 90);
+    EXPECT_EQ(value(5, Row::a1f), 0);
+    EXPECT_EQ(value(2, Row::a2f), 30);
+    EXPECT_EQ(value(2, Row::f1), 500);
+}
+
+TEST_F(GraphicalEntry, ButtonsChooseTheActiveTracksAndStoreTheSwitches)
+{
+    viewFormants& formants = *controller->_viewFormants();
+    viewOthers& others = *controller->_viewOthers();
+
+    // The window opens in F0 mode; F2 activates the formant and its amplitude, AV only itself.
+    EXPECT_TRUE(f0View()._bActiveF0());
+    EXPECT_FALSE(formants.hasActiveTrack() || others.hasActiveTrack());
+    controller->button(dataentryGraphicalController::F2)->click();
+    EXPECT_FALSE(f0View().hasActiveTrack());
+    EXPECT_TRUE(formants._bActiveF(1) && others.isActive("a2f"));
+    EXPECT_EQ(others.caption().left(3), "a2f");
+    EXPECT_EQ(std::make_pair(doc.m_nF0, doc.m_nF2), std::make_pair(0, 1));
+    controller->button(dataentryGraphicalController::AV)->click();
+    EXPECT_FALSE(f0View().hasActiveTrack() || formants.hasActiveTrack());
+    EXPECT_TRUE(others._bActiveF(5));
+    EXPECT_EQ(std::make_pair(doc.m_nF2, doc.m_nAV), std::make_pair(0, 1));
+    EXPECT_FALSE(controller->button(dataentryGraphicalController::F2)->isChecked());
+
+    // A drag in a plot without an active track records nothing.
+    drag(f0View(), {{10, 10}, {10, 10}});
+    EXPECT_EQ(value(0, Row::f0), 1000);
+    EXPECT_TRUE(doc._arrayUndo.empty());
+
+    // The A5F switch is read but never written back.
+    doc.m_nA5F = 7;
+    controller->button(dataentryGraphicalController::A5F)->click();
+    EXPECT_TRUE(others.isActive("a5f"));
+    EXPECT_EQ(doc.m_nA5F, 7);
+    EXPECT_EQ(doc.m_nAV, 0);
+}
+
+TEST_F(GraphicalEntry, PlotsTileTheHeightOneTwoOneAndFollowResizes)
+{
+    showAt(705, 626); // H = 600
+    EXPECT_EQ(controller->_viewF0()->geometry(), QRect(100, 5, 600, 150));
+    EXPECT_EQ(controller->_viewFormants()->geometry(), QRect(100, 155, 600, 300));
+    EXPECT_EQ(controller->_viewOthers()->geometry(), QRect(100, 455, 600, 145));
+    // The buttons sit in the left margin beside their plots.
+    const QRect f3 = controller->button(dataentryGraphicalController::F3)->geometry();
+    EXPECT_TRUE(f3.right() < 100 && f3.top() >= 155 && f3.bottom() < 455) << f3.top();
+    const QRect a5f = controller->button(dataentryGraphicalController::A5F)->geometry();
+    EXPECT_TRUE(a5f.top() >= 455 && a5f.bottom() < 600) << a5f.top();
+}
+
+TEST_F(GraphicalEntry, ColoursAndVoicingDecideWhatTheF0PlotShows)
+{
+    controller->actionColor(0, Qt::red);
+    controller->actionColor(3, Qt::blue);
+    EXPECT_EQ(doc.m_ColorTracing[0], Color::rgb(1, 0, 0));
+    EXPECT_EQ(controller->_viewFormants()->_tracingColor(2), QColor(Qt::blue));
+
+    // Frame 4 unvoiced (av 10): its f0 point is hidden, frame 5's (av 11) is drawn. Both
+    // points would sit at x = 20 k, y = 100 - 1000 x 100 / 3000 = 67.
+    doc._dataTableDictionary.cellAt(50, Row::av)->set_nValue(10);
+    doc._dataTableDictionary.cellAt(60, Row::av)->set_nValue(11);
+    const QImage image = f0View().grab().toImage();
+    auto isRed = [&](int x, int y) { return image.pixelColor(x, y) == QColor(Qt::red); };
+    EXPECT_FALSE(isRed(81, 68));
+    EXPECT_TRUE(isRed(101, 68));
+}
+
+TEST(GraphicalEntryFromTheTable, FollowsThePointerEditsTheTablesOwnCellsAndUndoesThroughTheTable)
+{
+    MyDocument doc;
+    mainTable table(&doc);
+    mainTable::setGraphicalDataEntryFactory([](mainTable* t) -> DataEntryController* {
+        return new dataentryGraphicalController(t->document(), t);
+    });
+    table._dataentryGraphical();
+    mainTable::setGraphicalDataEntryFactory({});
+    auto* controller = dynamic_cast<dataentryGraphicalController*>(table.graphicalDataEntry());
+    ASSERT_NE(controller, nullptr);
+    EXPECT_EQ(controller->window()->windowTitle(), "data entry:: Untitled[*]"); // [*]: the modified marker
+    controller->window()->resize(505, 426 + controller->window()->height() -
+                                          controller->_viewF0()->parentWidget()->height());
+    QApplication::processEvents();
+    viewF0& plot = *controller->_viewF0();
+    ASSERT_EQ(plot.width(), 400);
+    ParameterTableModel& model = *table.tableModel();
+    auto shown = [&](int column) {
+        return model.data(model.index(Row::f0, column), Qt::DisplayRole).toString();
+    };
+
+    // Moving without a button selects the frame's column in the table.
+    sendMouse(plot, QEvent::MouseMove, {130, 10}, Qt::NoButton, Qt::NoButton);
+    EXPECT_EQ(table.selectedColumnSpan(), std::make_pair(7, 7));
+
+    // An edit through the table data is what the table shows; an edit through the plot changes
+    // that same cell, and the table data and the table see it.
+    const CellRef frame3 = doc._dataTableDictionary.cellAt(40, Row::f0);
+    frame3->set_nValue(2000);
+    frame3->setInttoStringValue(2000);
+    EXPECT_EQ(model.cellAt(Row::f0, 4), frame3);
+    EXPECT_EQ(shown(4), "2000");
+    dragThrough(plot, {{70, 10}, {70, 10}});
+    EXPECT_EQ(doc._dataTableDictionary.cellAt(40, Row::f0), frame3);
+    EXPECT_EQ(frame3->_nValue(), 2700);
+    EXPECT_EQ(shown(4), "2700");
+    EXPECT_EQ(shown(3), "1000");
+    EXPECT_EQ(table.selectedColumnSpan(), std::make_pair(4, 4));
+    EXPECT_TRUE(table._bSynthesize);
+
+    // The table's undo restores the value, and the views take the cells the undo put in the
+    // table: a new drag edits those, not the replaced ones.
+    controller->undo();
+    EXPECT_EQ(cellValue(doc, 4, Row::f0), 2000);
+    dragThrough(plot, {{70, 50}, {70, 50}});
+    EXPECT_EQ(cellValue(doc, 4, Row::f0), 1500);
+}

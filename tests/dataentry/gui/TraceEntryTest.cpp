@@ -1,0 +1,312 @@
+// The trace window driven with real mouse and button events under the offscreen platform;
+// the checks are on the document's cells, its undo list and the saved bytes.
+#include "support/TestSignals.h"
+// Qt's `signals` keyword would swallow the namespace's name below.
+namespace testsignals = signals;
+
+#include "DataEntryTestSupport.h"
+#include "configuration/ConfigurationFile.h"
+#include "dataentry/TraceDataEntry.h"
+#include "dataentry/gui/DataEntrySupport.h"
+#include "dataentry/gui/trace/dataentryTraceContoller.h"
+#include "dataentry/gui/trace/viewAmplitudes.h"
+#include "dataentry/gui/trace/viewPitch.h"
+#include "dataentry/gui/trace/viewSpectrogram.h"
+#include "support/LabelChecks.h"
+#include "table/gui/mainTable.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTest>
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+
+namespace
+{
+
+constexpr double kRate = 11025.0;
+
+// `seconds` of a 120 Hz vowel as the bytes of a WAVE file.
+std::string vowelWave(double seconds)
+{
+    const int n = static_cast<int>(seconds * kRate);
+    return waveFileBytes(
+        testsignals::toFloat(
+            testsignals::vowel(n, 120.0, kRate, {{700.0, 130.0}, {1220.0, 70.0}, {2600.0, 160.0}}), 0.05),
+        kRate);
+}
+
+// A document opened from a recording as the workbench opens one, and its trace window.
+struct TraceWindow : ::testing::Test {
+    MyDocument doc;
+    std::unique_ptr<mainTable> table;
+    std::unique_ptr<dataentryTraceContoller> controller;
+
+    void open(double seconds)
+    {
+        int error = 0;
+        ASSERT_TRUE(doc.readFromData(vowelWave(seconds), "stk", &error));
+        doc.buildDataTableDictionary();
+        table = std::make_unique<mainTable>(&doc);
+        controller = std::make_unique<dataentryTraceContoller>(&doc, table.get());
+        controller->window()->show();
+        QApplication::processEvents();
+    }
+    bool spectrogramReady()
+    {
+        return waitFor([&] {
+            return !controller->_viewSpectrogram()->isComputing() &&
+                   controller->_viewSpectrogram()->getHandle();
+        });
+    }
+    int value(int column, int row) const { return cellValue(doc, column, row); }
+    // A press and one move at the same point; the release comes separately.
+    static void drag(QWidget& view, QPointF at)
+    {
+        sendMouse(view, QEvent::MouseButtonPress, at, Qt::LeftButton, Qt::LeftButton);
+        sendMouse(view, QEvent::MouseMove, at, Qt::NoButton, Qt::LeftButton);
+    }
+    static void release(QWidget& view, QPointF at)
+    {
+        sendMouse(view, QEvent::MouseButtonRelease, at, Qt::LeftButton, Qt::NoButton);
+    }
+};
+
+} // namespace
+
+TEST_F(TraceWindow, OpensAtItsDefaultSizeAndTheF3ButtonChoosesF3AndA3F)
+{
+    doc.m_nA5F = 7;
+    open(1.0);
+    // The headless entry's default spectrogram is the window's own.
+    EXPECT_EQ(controller->_viewSpectrogram()->size(),
+              QSize(TraceDataEntry::kDefaultSpectrogramWidth, TraceDataEntry::kDefaultSpectrogramHeight));
+    EXPECT_TRUE(controller->button(dataentryTraceContoller::F0)->isChecked());
+    EXPECT_TRUE(controller->_viewPitch()->_bActiveF0());
+    EXPECT_TRUE(controller->_viewPitch()->m_bHavePitch());
+
+    doc.m_ColorTracing[3] = Color::rgb(0.0, 0.5, 1.0, 1.0);
+    QTest::mouseClick(controller->button(dataentryTraceContoller::F3), Qt::LeftButton);
+    for (int b = 0; b < dataentryTraceContoller::ButtonCount; ++b)
+        EXPECT_EQ(controller->button(static_cast<dataentryTraceContoller::Button>(b))->isChecked(),
+                  b == dataentryTraceContoller::F3 || b == dataentryTraceContoller::A3F)
+            << b;
+    EXPECT_FALSE(controller->_viewPitch()->_bActiveF0());
+    EXPECT_TRUE(controller->_viewSpectrogram()->isActive(2));
+    EXPECT_TRUE(controller->_viewAmplitudes()->isActive(2));
+    EXPECT_EQ(controller->_viewAmplitudes()->tracingColor(2), toQColor(doc.m_ColorTracing[3]));
+    EXPECT_EQ(doc.m_nF3, 1);
+    EXPECT_EQ(doc.m_nA3F, 1);
+
+    // A5F is never written back; the others follow the buttons.
+    QTest::mouseClick(controller->button(dataentryTraceContoller::A5F), Qt::LeftButton);
+    EXPECT_EQ(doc.m_nA5F, 7);
+    EXPECT_EQ(doc.m_nF3, 0);
+    EXPECT_TRUE(controller->_viewAmplitudes()->isActive(4));
+    EXPECT_FALSE(controller->_viewSpectrogram()->isActive(2));
+}
+
+TEST_F(TraceWindow, DragsWriteTheirRowsAndColumnsAndUndoRestores)
+{
+    open(1.0);
+    ASSERT_TRUE(spectrogramReady());
+    viewPitch& pitch = *controller->_viewPitch();
+    viewSpectrogram& spectrogram = *controller->_viewSpectrogram();
+    viewAmplitudes& amplitudes = *controller->_viewAmplitudes();
+    const int columns = doc.getChannel(0)->m_nColumnNum;
+
+    // A press and a release at one point in table column c of a view; the value of `row` while
+    // the button is down (the release clamps it to the row's limits).
+    const auto trace = [&](QWidget& view, int column, double y, int row) {
+        const QPointF at((column - 0.5) * view.width() / columns, y);
+        drag(view, at);
+        const int drawn = value(column, row);
+        EXPECT_EQ(table->selectedColumnSpan(), std::make_pair(column, column));
+        release(view, at);
+        return drawn;
+    };
+    const auto cell = [&](int column, int row) {
+        return doc._dataTableDictionary.cellAt(column * 10LL, row);
+    };
+
+    // Pitch: the top edge is 3000 while dragging, then clamped to f0's limits.
+    EXPECT_EQ(trace(pitch, 11, 0.0, Row::f0), 3000);
+    EXPECT_EQ(value(11, Row::f0), std::min(3000, cell(11, Row::f0)->_nMaxValue()));
+    trace(pitch, 11, pitch.height(), Row::f0);
+    EXPECT_EQ(value(11, Row::f0), std::max(0, cell(11, Row::f0)->_nMinValue()));
+
+    // Spectrogram, F1: 5000 at the top and 0 at the bottom; tracing f1 traces a1f from the
+    // spectrogram level under the pointer.
+    QTest::mouseClick(controller->button(dataentryTraceContoller::F1), Qt::LeftButton);
+    EXPECT_EQ(trace(spectrogram, 21, 0.0, Row::f1), 5000);
+    EXPECT_EQ(trace(spectrogram, 21, spectrogram.height(), Row::f1), 0);
+    const double y700 = spectrogram.height() * (1.0 - 700.0 / 5000.0);
+    const int a1f = trace(spectrogram, 21, y700, Row::a1f);
+    EXPECT_EQ(value(21, Row::f1), 700);
+    const SpectrogramComputation& s = *spectrogram.getHandle();
+    const double expected =
+        s.GetSpectrogramAmplitue(s.m_nDisplayVerticalRange, s.m_nDisplayRange, doc.m_nSpecDynamicRange, 90.0,
+                                 static_cast<int>(spectrogram.height() - y700),
+                                 static_cast<int>(20.5 * spectrogram.width() / columns));
+    EXPECT_EQ(a1f, static_cast<int>(expected));
+    EXPECT_GT(a1f, 70); // the first formant is loud
+
+    // Amplitudes, A2F: 90 at the top edge, 0 at the bottom, 45 half way.
+    QTest::mouseClick(controller->button(dataentryTraceContoller::A2F), Qt::LeftButton);
+    EXPECT_EQ(trace(amplitudes, 31, 0.0, Row::a2f), 90);
+    EXPECT_EQ(trace(amplitudes, 31, amplitudes.height(), Row::a2f), 0);
+    const int before = value(31, Row::a2f);
+    trace(amplitudes, 31, amplitudes.height() / 2.0, Row::a2f);
+    EXPECT_EQ(value(31, Row::a2f), 45);
+    EXPECT_TRUE(table->_bSynthesize);
+
+    // Undo through the window restores the value the drag replaced, and the views take the
+    // restored cells.
+    controller->undo();
+    EXPECT_EQ(value(31, Row::a2f), before);
+    controller->setupViews();
+    trace(amplitudes, 31, 0.0, Row::a2f);
+    EXPECT_EQ(value(31, Row::a2f), std::min(90, cell(31, Row::a2f)->_nMaxValue()));
+}
+
+TEST_F(TraceWindow, EnterAllDataEqualsTheCommandLineByteForByte)
+{
+    const auto folder =
+        std::filesystem::temp_directory_path() / ("tessaphon-trace-" + std::to_string(::getpid()));
+    std::filesystem::create_directories(folder);
+    const std::string wav = (folder / "vowel.wav").string();
+    std::ofstream(wav, std::ios::binary) << vowelWave(2.0);
+    open(2.0);
+    // Ctrl+E before the spectrogram is ready waits for it.
+    QTest::keyClick(controller->window(), Qt::Key_E, Qt::ControlModifier);
+    ASSERT_TRUE(spectrogramReady());
+    ASSERT_TRUE(waitFor([&] { return !controller->enterAllDataPending(); }));
+    EXPECT_TRUE(doc.canUndo());
+    EXPECT_NEAR(value(100, Row::f0), 1200, 40);
+    EXPECT_NEAR(value(100, Row::f1), 700, 40);
+    std::string error;
+    const std::string windowCopy = (folder / "window.stk").string();
+    ASSERT_TRUE(doc.writeSafelyToURL(windowCopy, "stk", &error)) << error;
+
+    const std::string cliCopy = (folder / "cli.stk").string();
+    const std::string command = std::string(TESSAPHON_CLI) + " trace " + wav + " -o " + cliCopy;
+    ASSERT_EQ(std::system(command.c_str()), 0);
+    const std::string a = slurp(windowCopy);
+    EXPECT_FALSE(a.empty());
+    EXPECT_TRUE(a == slurp(cliCopy));
+    std::filesystem::remove_all(folder);
+}
+
+TEST_F(TraceWindow, EntryErrorsShowTheirSheets)
+{
+    // A 2 s recording loaded into a 1 s grid: the pitch track is longer than the grid.
+    open(1.0);
+    int error = 0;
+    ASSERT_EQ(doc.Read_WAVE_FileType(vowelWave(2.0)), 0) << error;
+    controller->analysisSettingsChanged();
+    ASSERT_TRUE(spectrogramReady());
+    ASSERT_FALSE(doc.canUndo());
+    controller->actionEnterAllData();
+    ASSERT_NE(controller->sheet(), nullptr);
+    EXPECT_EQ(controller->sheet()->text(), "Error in entering data values");
+    EXPECT_TRUE(doc.canUndo()); // the undo step was saved before the entry
+    EXPECT_GT(value(50, Row::f0), 0);
+    controller->sheet()->done(0);
+
+    // Formant tracking off: its own sheet, nothing entered, no undo step.
+    MyDocument other;
+    other.m_bSpecDrawFormantTracking = 0;
+    int e = 0;
+    ASSERT_TRUE(other.readFromData(vowelWave(0.5), "stk", &e));
+    other.buildDataTableDictionary();
+    dataentryTraceContoller off(&other, nullptr);
+    off.actionEnterAllData();
+    ASSERT_NE(off.sheet(), nullptr);
+    EXPECT_EQ(off.sheet()->text(), "Formant tracking is not on. Automatic formants are not available");
+    EXPECT_EQ(off.sheet()->informativeText(),
+              "Close this window. Use Options->Spectrogram and turn on formant tracking.");
+    EXPECT_FALSE(other.canUndo());
+}
+
+TEST_F(TraceWindow, ClosingWhileTheSpectrogramIsComputingIsSafe)
+{
+    // A long recording keeps the worker busy; the window and then the document go away.
+    auto longDoc = std::make_unique<MyDocument>();
+    int error = 0;
+    ASSERT_TRUE(longDoc->readFromData(vowelWave(30.0), "stk", &error));
+    longDoc->buildDataTableDictionary();
+    auto window = std::make_unique<dataentryTraceContoller>(longDoc.get(), nullptr);
+    window->window()->show();
+    window->window()->resize(1600, 900); // a resize restarts the computation later
+    QApplication::processEvents();
+    EXPECT_TRUE(window->_viewSpectrogram()->isComputing());
+    window.reset();
+    longDoc.reset();
+    QTest::qWait(300);
+
+    // A trace window opened by its table, computing when the table (the document's window) goes.
+    int e = 0;
+    ASSERT_TRUE(doc.readFromData(vowelWave(30.0), "stk", &e));
+    doc.buildDataTableDictionary();
+    auto owner = std::make_unique<mainTable>(&doc);
+    mainTable::setTraceDataEntryFactory(
+        [](mainTable* t) -> DataEntryController* { return new dataentryTraceContoller(t->document(), t); });
+    owner->_dataentryTrace();
+    mainTable::setTraceDataEntryFactory({});
+    auto* opened = dynamic_cast<dataentryTraceContoller*>(owner->traceDataEntry());
+    ASSERT_NE(opened, nullptr);
+    EXPECT_TRUE(opened->window()->windowTitle().startsWith("data entry by tracing over a model:: "));
+    EXPECT_TRUE(opened->_viewSpectrogram()->isComputing());
+    owner.reset();
+    QTest::qWait(300);
+}
+
+TEST_F(TraceWindow, ViewOldDataShowsPlaceholdersAndIsRemembered)
+{
+    open(0.5);
+    const std::string config = ConfigurationFile::defaultPath();
+    ASSERT_TRUE(ConfigurationFile::write(config, doc));
+    QTest::mouseClick(controller->_ViewOldData(), Qt::LeftButton);
+    EXPECT_FALSE(controller->_ViewOldData()->isChecked());
+    EXPECT_EQ(doc._bShowGridData, 0);
+    TraceTrackLists& lists = controller->_viewAmplitudes()->lists();
+    ASSERT_GT(lists.columnCount(0), 2);
+    EXPECT_EQ(lists._arrayGridValues[0][1]->_nValue(), -1);
+    // The flag went into the configuration file, which still reads as a whole.
+    MyDocument reader;
+    ASSERT_TRUE(ConfigurationFile::read(config, reader, ConfigurationFile::Scope::NewDocument));
+    EXPECT_EQ(reader._bShowGridData, 0);
+    QTest::mouseClick(controller->_ViewOldData(), Qt::LeftButton);
+    ASSERT_TRUE(ConfigurationFile::read(config, reader, ConfigurationFile::Scope::NewDocument));
+    EXPECT_EQ(reader._bShowGridData, 1);
+    EXPECT_EQ(lists._arrayGridValues[0][1], lists._arrayTracedValues[0][1]);
+}
+
+TEST_F(TraceWindow, GridLabelsStayClearOfEachOtherAndOfTheCaptions)
+{
+    open(10.0);
+    const auto check = [&](const char* when) {
+        for (const TraceView* view : std::initializer_list<const TraceView*>{
+                 controller->_viewPitch(), controller->_viewSpectrogram(), controller->_viewAmplitudes()}) {
+            const std::vector<GridLabel> labels = view->gridLabels(QFontMetrics(view->font()));
+            EXPECT_GE(labels.size(), 3u) << when;
+            expectLabelsClear(labels, view->rect(), {view->captionBox()}, when);
+        }
+    };
+    // Ten seconds fill the pitch view's top edge with time labels up to its caption.
+    check("default size");
+    QTest::mouseClick(controller->button(dataentryTraceContoller::F3), Qt::LeftButton);
+    check("F3 active");
+    controller->window()->resize(560, 300);
+    QApplication::processEvents();
+    check("narrow");
+    controller->timeAxis()->zoomIn();
+    QApplication::processEvents();
+    check("zoomed in");
+}

@@ -1,0 +1,64 @@
+#pragma once
+// A shown parameter table over a document of 10 ms frames whose frame k (1-based) has f0
+// 1000 + k, so that every frame can be recognised wherever it ends up; alerts are recorded
+// instead of shown. For the tests of the table's frame, row and selection commands.
+#include "TableClicks.h"
+#include "document/MyDocument.h"
+#include "table/gui/Alert.h"
+#include "table/gui/mainTable.h"
+
+#include <QTest>
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <vector>
+
+struct RecordedAlert {
+    QString title, message, button;
+};
+
+struct FramesInTable : ::testing::Test {
+    MyDocument doc;
+    std::unique_ptr<mainTable> table;
+    std::vector<RecordedAlert> alerts;
+
+    void open(int frames, int width, int height)
+    {
+        Channels& c = *doc.getChannel(0);
+        c.m_dLengthMS = 10.0 * frames;
+        c.m_nColumnNum = frames;
+        doc.buildDataTableDictionary();
+        for (int k = 1; k <= frames; ++k)
+            setValue(k, Row::f0, 1000 + k);
+        table = std::make_unique<mainTable>(&doc);
+        table->resize(width, height);
+        table->show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(table.get()));
+        Alert::setHandler([this](const QString& t, const QString& m, const QString& b) {
+            alerts.push_back({t, m, b});
+        });
+    }
+    void TearDown() override
+    {
+        table.reset();
+        Alert::setHandler({});
+    }
+
+    CellRef cell(int frame, int row) const
+    {
+        return doc._dataTableDictionary.cellAt(static_cast<long long>(frame) * 10, row);
+    }
+    int value(int frame, int row) const { return cell(frame, row)->_nValue(); }
+    void setValue(int frame, int row, int v) const
+    {
+        cell(frame, row)->set_nValue(v);
+        cell(frame, row)->setInttoStringValue(v);
+    }
+    std::vector<int> f0s() const
+    {
+        std::vector<int> values;
+        for (int k = 1; k <= doc.getChannel(0)->m_nColumnNum; ++k)
+            values.push_back(value(k, Row::f0));
+        return values;
+    }
+};
