@@ -1,5 +1,6 @@
 #include "configuration/ConfigurationFile.h"
 
+#include "document/AtomicFile.h"
 #include "document/Log.h"
 #include "document/MyDocument.h"
 
@@ -13,6 +14,7 @@
 #include <fstream>
 #include <iterator>
 #include <system_error>
+#include <utility>
 
 #ifndef TESSAPHON_VERSION
 #define TESSAPHON_VERSION "0.1.0"
@@ -31,7 +33,6 @@ struct Image {
     std::int32_t interval = 0, parameterNumber = 0, showGridData = 0, doInterpolate = 0, doAnchor = 0;
     std::array<Color, 10> background{}, tracing{};
     std::array<ParameterDefinition, kParameterCount> parameters{};
-    MyDocument* analysis = nullptr; // the analysis settings are transferred in place
 };
 
 // Writes values little-endian.
@@ -108,6 +109,30 @@ public:
     bool failed() const { return bad; }
 };
 
+// Reads like the Reader it wraps but keeps nothing: a section is checked in full before any of it
+// reaches the document.
+class Checker
+{
+public:
+    explicit Checker(Reader& r) : reader(r) {}
+    Reader& reader;
+    void i32(const std::int32_t&)
+    {
+        std::int32_t v;
+        reader.i32(v);
+    }
+    void flag(const std::uint8_t&)
+    {
+        std::uint8_t v;
+        reader.flag(v);
+    }
+    void real(const double&)
+    {
+        double v;
+        reader.real(v);
+    }
+};
+
 template <class Archive> void transferColor(Archive& a, Color& c)
 {
     a.real(c.red);
@@ -119,7 +144,9 @@ template <class Archive> void transferColor(Archive& a, Color& c)
     c.isSet = set != 0;
 }
 
-template <class Archive> void transferAnalysis(Archive& a, MyDocument& d)
+// The analysis settings are fields of the document itself, transferred in place; the Checker
+// reads them from a const document and changes nothing.
+template <class Archive, class Document> void transferAnalysis(Archive& a, Document& d)
 {
     a.i32(d.m_nFFTWindowLengthSelector), a.i32(d.m_nFFTWindowLength), a.i32(d.m_nFFTAppliedWindowLength);
     a.i32(d.m_nFFTfrequencyRange), a.i32(d.m_nFFTAverageStepSize), a.i32(d.m_nLPCNumberofCoefficients);
@@ -138,7 +165,7 @@ template <class Archive> void transferAnalysis(Archive& a, MyDocument& d)
     a.i32(d.m_nPitchFreqGrid), a.flag(d.m_bPitchDrawTimeGrid), a.i32(d.m_nPitchTimeGrid);
 }
 
-// The body after the header, the same code for writing and reading.
+// The body after the header up to the analysis settings, the same code for writing and reading.
 template <class Archive> void transfer(Archive& a, Image& image)
 {
     a.real(image.lengthMS);
@@ -157,7 +184,6 @@ template <class Archive> void transfer(Archive& a, Image& image)
         a.u16(p.mColor.red), a.u16(p.mColor.green), a.u16(p.mColor.blue);
         transferColor(a, p.nsSetColor);
     }
-    transferAnalysis(a, *image.analysis);
 }
 
 std::uint32_t checksum(const char* data, std::size_t size)
@@ -237,9 +263,6 @@ std::string ConfigurationFile::encode(const MyDocument& doc)
     std::copy_n(doc.m_bgColor.begin(), 10, image.background.begin());
     std::copy_n(doc.m_ColorTracing.begin(), 10, image.tracing.begin());
     std::copy_n(c.m_Parameters.begin(), kParameterCount, image.parameters.begin());
-    // The writer reads through the same code as the reader writes, so it needs a mutable
-    // document; it changes nothing.
-    image.analysis = const_cast<MyDocument*>(&doc);
 
     Writer w;
     std::string version = versionText();
@@ -249,6 +272,9 @@ std::string ConfigurationFile::encode(const MyDocument& doc)
     w.u32(kLayoutVersion);
     w.u32(0); // total size, filled in below
     transfer(w, image);
+    // The writer goes through the same code as the reader, which needs mutable fields; it
+    // changes nothing.
+    transferAnalysis(w, const_cast<MyDocument&>(doc));
     const std::uint32_t total = static_cast<std::uint32_t>(w.bytes.size() + 4);
     for (int i = 0; i < 4; ++i)
         w.bytes[kVersionBytes + 8 + i] = static_cast<char>((total >> (8 * i)) & 0xff);
@@ -268,22 +294,21 @@ bool ConfigurationFile::decode(const std::string& bytes, MyDocument& doc, Scope 
     if (tail.u32() != checksum(bytes.data(), bytes.size() - 4))
         return false;
 
-    // The analysis settings are read straight into the document; a copy of the current ones
-    // puts them back when the file turns out damaged or when they are not to be replaced.
-    Writer backup;
-    transferAnalysis(backup, doc);
+    // The whole body is read into scratch (the analysis settings only checked) before anything of
+    // the document changes.
     Image image;
-    image.analysis = &doc;
     Reader body(bytes, kHeaderBytes);
     transfer(body, image);
-    const bool sound = !body.failed() && body.pos == bytes.size() - 4 && plausible(image);
-    if (!sound || scope == Scope::NewDocument) {
-        Reader restore(backup.bytes, 0);
-        transferAnalysis(restore, doc);
-    }
-    if (!sound)
+    const std::size_t analysisAt = body.pos;
+    Checker check(body);
+    transferAnalysis(check, std::as_const(doc));
+    if (body.failed() || body.pos != bytes.size() - 4 || !plausible(image))
         return false;
     applyNewDocumentSettings(image, doc);
+    if (scope == Scope::Everything) {
+        Reader analysis(bytes, analysisAt);
+        transferAnalysis(analysis, doc);
+    }
     return true;
 }
 
@@ -307,23 +332,9 @@ bool ConfigurationFile::write(const std::string& path, const MyDocument& doc, st
     const fs::path target(path);
     if (target.has_parent_path())
         fs::create_directories(target.parent_path(), ec);
-    const fs::path temporary = target.string() + ".tmp";
-    {
-        std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
-        const std::string bytes = encode(doc);
-        out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-        if (!out) {
-            if (error)
-                *error = "cannot write " + temporary.string() + ": " + std::strerror(errno);
-            fs::remove(temporary, ec);
-            return false;
-        }
-    }
-    fs::rename(temporary, target, ec);
-    if (ec) {
+    if (const int failure = writeFileAtomically(path, encode(doc)); failure != 0) {
         if (error)
-            *error = "cannot replace " + path + ": " + ec.message();
-        fs::remove(temporary, ec);
+            *error = "cannot write " + path + ": " + std::strerror(failure);
         return false;
     }
     return true;

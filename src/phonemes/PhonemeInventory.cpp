@@ -56,93 +56,48 @@ bool parseKind(const std::string& text, Phoneme::Kind& kind)
     return false;
 }
 
-// The numeric columns in the order of the default table; the range of a parameter column is
-// its parameter's.
+// The numeric columns, in the order of the default table: where each value goes and the range
+// it may take (a parameter column's range is its parameter's; a second target may also be 0).
 struct Column {
     const char* name;
     int row; // parameter row giving the limits, or -1
     double low, high;
     bool zeroAllowed;
+    void (*set)(Phoneme&, double);
 };
-constexpr Column kColumns[] = {
-    {"voiced", -1, 0, 1, false},    {"inh", -1, 0, 5000, false},    {"min", -1, 0, 5000, false},
-    {"f1", Row::f1, 0, 0, false},   {"f2", Row::f2, 0, 0, false},   {"f3", Row::f3, 0, 0, false},
-    {"b1", Row::b1, 0, 0, false},   {"b2", Row::b2, 0, 0, false},   {"b3", Row::b3, 0, 0, false},
-    {"f1b", Row::f1, 0, 0, true},   {"f2b", Row::f2, 0, 0, true},   {"f3b", Row::f3, 0, 0, true},
-    {"av", Row::av, 0, 0, false},   {"ah", Row::ah, 0, 0, false},   {"af", Row::af, 0, 0, false},
-    {"ab", Row::ab, 0, 0, false},   {"a2f", Row::a2f, 0, 0, false}, {"a3f", Row::a3f, 0, 0, false},
-    {"a4f", Row::a4f, 0, 0, false}, {"a5f", Row::a5f, 0, 0, false}, {"a6f", Row::a6f, 0, 0, false},
-    {"b6f", Row::b6f, 0, 0, false}, {"fnz", Row::fnz, 0, 0, false}, {"k", -1, 0, 1, false},
-    {"burst", -1, 0, 1000, false},  {"vot", -1, 0, 1000, false},
+int whole(double v)
+{
+    return static_cast<int>(v);
+}
+const Column kColumns[] = {
+    {"voiced", -1, 0, 1, false, [](Phoneme& p, double v) { p.voiced = v != 0; }},
+    {"inh", -1, 0, 5000, false, [](Phoneme& p, double v) { p.inherentMS = whole(v); }},
+    {"min", -1, 0, 5000, false, [](Phoneme& p, double v) { p.minimumMS = whole(v); }},
+    {"f1", Row::f1, 0, 0, false, [](Phoneme& p, double v) { p.f[0] = whole(v); }},
+    {"f2", Row::f2, 0, 0, false, [](Phoneme& p, double v) { p.f[1] = whole(v); }},
+    {"f3", Row::f3, 0, 0, false, [](Phoneme& p, double v) { p.f[2] = whole(v); }},
+    {"b1", Row::b1, 0, 0, false, [](Phoneme& p, double v) { p.b[0] = whole(v); }},
+    {"b2", Row::b2, 0, 0, false, [](Phoneme& p, double v) { p.b[1] = whole(v); }},
+    {"b3", Row::b3, 0, 0, false, [](Phoneme& p, double v) { p.b[2] = whole(v); }},
+    {"f1b", Row::f1, 0, 0, true, [](Phoneme& p, double v) { p.fEnd[0] = whole(v); }},
+    {"f2b", Row::f2, 0, 0, true, [](Phoneme& p, double v) { p.fEnd[1] = whole(v); }},
+    {"f3b", Row::f3, 0, 0, true, [](Phoneme& p, double v) { p.fEnd[2] = whole(v); }},
+    {"av", Row::av, 0, 0, false, [](Phoneme& p, double v) { p.av = whole(v); }},
+    {"ah", Row::ah, 0, 0, false, [](Phoneme& p, double v) { p.ah = whole(v); }},
+    {"af", Row::af, 0, 0, false, [](Phoneme& p, double v) { p.af = whole(v); }},
+    {"ab", Row::ab, 0, 0, false, [](Phoneme& p, double v) { p.ab = whole(v); }},
+    {"a2f", Row::a2f, 0, 0, false, [](Phoneme& p, double v) { p.a[0] = whole(v); }},
+    {"a3f", Row::a3f, 0, 0, false, [](Phoneme& p, double v) { p.a[1] = whole(v); }},
+    {"a4f", Row::a4f, 0, 0, false, [](Phoneme& p, double v) { p.a[2] = whole(v); }},
+    {"a5f", Row::a5f, 0, 0, false, [](Phoneme& p, double v) { p.a[3] = whole(v); }},
+    {"a6f", Row::a6f, 0, 0, false, [](Phoneme& p, double v) { p.a[4] = whole(v); }},
+    {"b6f", Row::b6f, 0, 0, false, [](Phoneme& p, double v) { p.b6f = whole(v); }},
+    {"fnz", Row::fnz, 0, 0, false, [](Phoneme& p, double v) { p.fnz = whole(v); }},
+    {"k", -1, 0, 1, false, [](Phoneme& p, double v) { p.k = v; }},
+    {"burst", -1, 0, 1000, false, [](Phoneme& p, double v) { p.burstMS = whole(v); }},
+    {"vot", -1, 0, 1000, false, [](Phoneme& p, double v) { p.votMS = whole(v); }},
 };
 constexpr int kColumnCount = sizeof kColumns / sizeof kColumns[0];
-
-void store(Phoneme& p, int column, double v)
-{
-    const int n = static_cast<int>(v);
-    switch (column) {
-    case 0:
-        p.voiced = n != 0;
-        break;
-    case 1:
-        p.inherentMS = n;
-        break;
-    case 2:
-        p.minimumMS = n;
-        break;
-    case 3:
-    case 4:
-    case 5:
-        p.f[column - 3] = n;
-        break;
-    case 6:
-    case 7:
-    case 8:
-        p.b[column - 6] = n;
-        break;
-    case 9:
-    case 10:
-    case 11:
-        p.fEnd[column - 9] = n;
-        break;
-    case 12:
-        p.av = n;
-        break;
-    case 13:
-        p.ah = n;
-        break;
-    case 14:
-        p.af = n;
-        break;
-    case 15:
-        p.ab = n;
-        break;
-    case 16:
-    case 17:
-    case 18:
-    case 19:
-    case 20:
-        p.a[column - 16] = n;
-        break;
-    case 21:
-        p.b6f = n;
-        break;
-    case 22:
-        p.fnz = n;
-        break;
-    case 23:
-        p.k = v;
-        break;
-    case 24:
-        p.burstMS = n;
-        break;
-    case 25:
-        p.votMS = n;
-        break;
-    default:
-        break;
-    }
-}
 
 class TableReader
 {
@@ -192,7 +147,7 @@ public:
         if (!parseKind(fields[m_where[2]], p.kind))
             fail("unknown kind \"" + fields[m_where[2]] + "\" of " + p.arpa);
         for (int c = 0; c < kColumnCount; ++c)
-            store(p, c, number(fields[m_where[c + 3]], kColumns[c], p.arpa));
+            kColumns[c].set(p, number(fields[m_where[c + 3]], kColumns[c], p.arpa));
         if (p.minimumMS > p.inherentMS)
             fail(p.arpa + ": minimum duration " + std::to_string(p.minimumMS) + " ms above the inherent " +
                  std::to_string(p.inherentMS) + " ms");

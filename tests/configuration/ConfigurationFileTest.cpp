@@ -132,6 +132,52 @@ TEST(ConfigurationFile, DamagedShortOrForeignFilesChangeNothing)
     EXPECT_EQ(doc.getChannel(1)->m_nColumnNum, 20);
 }
 
+// A file whose checksum is right but whose last setting no document can hold (a flag of 2) is
+// refused before any setting reaches the document, the analysis settings included.
+TEST(ConfigurationFile, BadValueAfterAGoodChecksumChangesNothing)
+{
+    MyDocument source;
+    customize(source);
+    source.m_bPitchDrawTimeGrid = 1;
+    std::string bytes = ConfigurationFile::encode(source);
+    // The last analysis field (an int32) comes just before the checksum, the flag before it.
+    const std::size_t flagAt = bytes.size() - 4 - 4 - 4;
+    ASSERT_EQ(bytes[flagAt], 1);
+    bytes[flagAt] = 2;
+    std::uint32_t hash = 2166136261u; // FNV-1a over all but the checksum itself
+    for (std::size_t i = 0; i + 4 < bytes.size(); ++i)
+        hash = (hash ^ static_cast<unsigned char>(bytes[i])) * 16777619u;
+    for (int i = 0; i < 4; ++i)
+        bytes[bytes.size() - 4 + i] = static_cast<char>((hash >> (8 * i)) & 0xff);
+
+    MyDocument doc;
+    doc.m_nSpecDynamicRange = 55;
+    const std::string before = ConfigurationFile::encode(doc);
+    EXPECT_FALSE(ConfigurationFile::decode(bytes, doc, ConfigurationFile::Scope::Everything));
+    EXPECT_EQ(ConfigurationFile::encode(doc), before);
+    EXPECT_EQ(doc.m_nSpecDynamicRange, 55);
+}
+
+// Writing replaces the file atomically: its permissions stay and no temporary file is left.
+TEST(ConfigurationFile, WriteKeepsTheModeAndLeavesNoTemporaryFile)
+{
+    TemporaryConfigHome home;
+    const std::filesystem::path path = home.folder / "kept.cfg";
+    MyDocument doc;
+    ASSERT_TRUE(ConfigurationFile::write(path.string(), doc));
+    std::filesystem::permissions(path,
+                                 std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+    customize(doc);
+    ASSERT_TRUE(ConfigurationFile::write(path.string(), doc));
+    EXPECT_EQ(std::filesystem::status(path).permissions() & std::filesystem::perms::all,
+              std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+    EXPECT_EQ(slurp(path.string()), ConfigurationFile::encode(doc));
+    std::size_t entries = 0;
+    for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(home.folder))
+        ++entries;
+    EXPECT_EQ(entries, 1u) << "only the configuration itself";
+}
+
 TEST(ConfigurationFile, HooksWriteWhenMissingAndFeedNewDocuments)
 {
     TemporaryConfigHome home;

@@ -3,6 +3,7 @@
 #include "continuum/Continuum.h"
 #include "continuum/ContinuumWriter.h"
 #include "document/DocumentException.h"
+#include "document/FileIdentity.h"
 #include "document/MyDocument.h"
 
 #include <QCheckBox>
@@ -183,6 +184,69 @@ bool ContinuumDialog::mayReplace(const std::vector<std::string>& outputs)
                QMessageBox::Yes | QMessageBox::Cancel) == QMessageBox::Yes;
 }
 
+bool ContinuumDialog::formSettings(ContinuumSettings& settings)
+{
+    settings.steps = m_pSteps->value();
+    settings.scale = static_cast<FrequencyScale::Kind>(m_pScale->currentData().toInt());
+    if (m_pAllDiffering->isChecked())
+        return true;
+    for (int row = 0; row < m_pRows->count(); ++row)
+        if (m_pRows->item(row)->checkState() == Qt::Checked)
+            settings.rows.push_back(row);
+    if (settings.rows.empty()) {
+        message(tr("Choose the rows to interpolate."));
+        return false;
+    }
+    return true;
+}
+
+std::shared_ptr<ContinuumDialog::Work> ContinuumDialog::prepareWork(const QString& secondPath,
+                                                                    const QString& folder)
+{
+    QString error;
+    std::unique_ptr<MyDocument> second = readDocument(secondPath, error);
+    if (!second) {
+        message(error);
+        return nullptr;
+    }
+    ContinuumSettings settings;
+    if (!formSettings(settings))
+        return nullptr;
+    auto work = std::make_shared<Work>();
+    try {
+        work->continuum = std::make_unique<Continuum>(m_document, *second, settings);
+    } catch (const DocumentException& e) {
+        message(tr("“%1” cannot make a continuum with this document: %2")
+                    .arg(QFileInfo(secondPath).fileName(), QString::fromStdString(e.reason())));
+        return nullptr;
+    } catch (const std::bad_alloc&) {
+        message(tr("Not enough memory for this continuum."));
+        return nullptr;
+    }
+    const QFileInfo a(m_strDocumentPath.isEmpty() ? QStringLiteral("untitled.stk") : m_strDocumentPath);
+    work->writer = std::make_unique<ContinuumWriter>(
+        *work->continuum, folder.toStdString(), a.completeBaseName().toStdString(), m_pWave->isChecked());
+    return work;
+}
+
+bool ContinuumDialog::outputsAllowed(const Work& work, const QString& secondPath, const QString& folder)
+{
+    // One file reached two ways (a link, another spelling) is one: the same rule as the command line.
+    for (const std::string& output : work.writer->outputs())
+        for (const QString& input : {m_strDocumentPath, secondPath})
+            if (!input.isEmpty() && sameFile(output, input.toStdString())) {
+                message(tr("The continuum would write over “%1”; choose another folder.").arg(input));
+                return false;
+            }
+    std::error_code made;
+    std::filesystem::create_directories(folder.toStdString(), made);
+    if (made) {
+        message(tr("The folder “%1” cannot be made: %2").arg(folder, QString::fromStdString(made.message())));
+        return false;
+    }
+    return mayReplace(work.writer->outputs());
+}
+
 bool ContinuumDialog::start()
 {
     if (m_work)
@@ -193,64 +257,25 @@ bool ContinuumDialog::start()
         message(tr("Choose the last step's document and the folder."));
         return false;
     }
-    QString error;
-    std::unique_ptr<MyDocument> second = readDocument(secondPath, error);
-    if (!second) {
-        message(error);
-        return false;
-    }
-    ContinuumSettings settings;
-    settings.steps = m_pSteps->value();
-    settings.scale = static_cast<FrequencyScale::Kind>(m_pScale->currentData().toInt());
-    if (!m_pAllDiffering->isChecked()) {
-        for (int row = 0; row < m_pRows->count(); ++row)
-            if (m_pRows->item(row)->checkState() == Qt::Checked)
-                settings.rows.push_back(row);
-        if (settings.rows.empty()) {
-            message(tr("Choose the rows to interpolate."));
-            return false;
-        }
-    }
-    auto work = std::make_shared<Work>();
-    try {
-        work->continuum = std::make_unique<Continuum>(m_document, *second, settings);
-    } catch (const DocumentException& e) {
-        message(tr("“%1” cannot make a continuum with this document: %2")
-                    .arg(QFileInfo(secondPath).fileName(), QString::fromStdString(e.reason())));
-        return false;
-    } catch (const std::bad_alloc&) {
-        message(tr("Not enough memory for this continuum."));
-        return false;
-    }
-    const QFileInfo a(m_strDocumentPath.isEmpty() ? QStringLiteral("untitled.stk") : m_strDocumentPath);
-    work->writer = std::make_unique<ContinuumWriter>(
-        *work->continuum, folder.toStdString(), a.completeBaseName().toStdString(), m_pWave->isChecked());
-    for (const std::string& output : work->writer->outputs())
-        for (const QString& input : {m_strDocumentPath, secondPath})
-            if (!input.isEmpty() && QFileInfo(QString::fromStdString(output)).absoluteFilePath() ==
-                                        QFileInfo(input).absoluteFilePath()) {
-                message(tr("The continuum would write over “%1”; choose another folder.").arg(input));
-                return false;
-            }
-    std::error_code made;
-    std::filesystem::create_directories(folder.toStdString(), made);
-    if (made) {
-        message(tr("The folder “%1” cannot be made: %2").arg(folder, QString::fromStdString(made.message())));
-        return false;
-    }
-    if (!mayReplace(work->writer->outputs()))
+    std::shared_ptr<Work> work = prepareWork(secondPath, folder);
+    if (!work || !outputsAllowed(*work, secondPath, folder))
         return false;
 
     m_work = work;
     m_pStatus->clear();
-    m_pProgress->setRange(0, settings.steps);
+    m_pProgress->setRange(0, work->continuum->steps());
     m_pProgress->setValue(0);
     m_pProgress->setVisible(true);
     m_pButtons->button(QDialogButtonBox::Cancel)->setFocus();
     for (QAbstractButton* button : m_pButtons->buttons())
         if (m_pButtons->buttonRole(button) == QDialogButtonBox::AcceptRole)
             button->setEnabled(false);
+    runWork(work);
+    return true;
+}
 
+void ContinuumDialog::runWork(const std::shared_ptr<Work>& work)
+{
     QPointer<ContinuumDialog> self(this);
     QThread* thread = QThread::create([work, self] {
         QString failure;
@@ -277,7 +302,6 @@ bool ContinuumDialog::start()
     });
     connect(thread, &QThread::finished, thread, &QObject::deleteLater);
     thread->start();
-    return true;
 }
 
 void ContinuumDialog::stepDone(int done)

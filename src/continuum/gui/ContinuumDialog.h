@@ -12,6 +12,7 @@
 #include <memory>
 
 class MyDocument;
+struct ContinuumSettings;
 class QCheckBox;
 class QComboBox;
 class QDialogButtonBox;
@@ -57,6 +58,12 @@ private:
     void stepDone(int done);
     void finished(const QString& error);
     bool mayReplace(const std::vector<std::string>& outputs);
+    // The steps of start(): the settings of the form, the continuum and its writer, the refusal of
+    // outputs that are inputs (by file identity), and the worker thread.
+    bool formSettings(ContinuumSettings& settings);
+    std::shared_ptr<Work> prepareWork(const QString& secondPath, const QString& folder);
+    bool outputsAllowed(const Work& work, const QString& secondPath, const QString& folder);
+    void runWork(const std::shared_ptr<Work>& work);
     void message(const QString& text);
 
     MyDocument& m_document;

@@ -84,3 +84,24 @@ TEST(ContinuumDialog, RefusesADocumentOfAnotherLengthWithAMessage)
         << message.toStdString();
     EXPECT_FALSE(std::filesystem::exists(folder.path / "ba-continuum"));
 }
+
+// The last step's document reached through a link to its folder is still the file a step would
+// replace: the dialog refuses before it asks anything or writes.
+TEST(ContinuumDialog, RefusesToWriteOverAnInputReachedThroughALink)
+{
+    Folder folder;
+    auto a = makeDocument(20, 1200);
+    auto b = makeDocument(20, 2200);
+    std::string error;
+    ASSERT_TRUE(b->writeSafelyToURL((folder / "ba_7.stk").toStdString(), "stk", &error)) << error;
+    std::filesystem::create_directory_symlink(folder.path, folder.path / "link");
+
+    ContinuumDialog dialog(*a, folder / "ba.stk");
+    dialog.secondDocumentField()->setText(folder / "ba_7.stk");
+    dialog.stepsField()->setValue(7);
+    dialog.folderField()->setText(folder / "link");
+    EXPECT_FALSE(dialog.start());
+    const QString message = dialog.findChild<QLabel*>(QStringLiteral("status"))->text();
+    EXPECT_TRUE(message.contains(QStringLiteral("write over"))) << message.toStdString();
+    EXPECT_FALSE(std::filesystem::exists(folder.path / "ba_1.stk"));
+}

@@ -86,7 +86,8 @@ protected:
     virtual QString valueText(int value) const { return QString::number(value); }
     // The pitch view saves an undo step on any press inside it, active track or not.
     virtual bool pressNeedsActiveTrack() const { return true; }
-    // The pitch and amplitude views keep the points of the current drag.
+    // Whether the view keeps the points of the current drag in its trace lists: all three do, the
+    // spectrogram view its formant lists too.
     virtual bool keepsDragTrace() const { return true; }
     // The pitch view commits on every release.
     virtual bool releaseNeedsActiveTrack() const { return true; }

@@ -1,6 +1,5 @@
 #include "dataentry/gui/trace/viewAmplitudes.h"
 
-#include "dataentry/TraceDataEntry.h"
 #include "dataentry/gui/trace/dataentryTraceContoller.h"
 #include "dataentry/gui/trace/viewSpectrogram.h"
 #include "document/MyDocument.h"
@@ -20,17 +19,6 @@ void viewAmplitudes::remoteTraceValue(double amplitude, int column, int index)
         return;
     m_lists.setValue(index, column, static_cast<int>(std::trunc(amplitude)));
     updateColumn(column);
-}
-
-void viewAmplitudes::enterValues(const SpectrogramComputation& spectrogram, int formantFrames,
-                                 const ShortRect& rect)
-{
-    if (!_pDoc || formantFrames <= 0)
-        return;
-    TraceDataEntry::enterAmplitudes(*_pDoc, m_lists, spectrogram, rect);
-    if (_mainTableID())
-        _mainTableID()->refreshTable();
-    update();
 }
 
 TraceView::ValueGrid viewAmplitudes::valueGrid() const

@@ -5,9 +5,6 @@
 // time (remoteTraceValue). Main thread only.
 #include "dataentry/gui/trace/TraceView.h"
 
-class SpectrogramComputation;
-struct ShortRect;
-
 class viewAmplitudes : public TraceView
 {
     Q_OBJECT
@@ -17,9 +14,6 @@ public:
     // Stores an amplitude traced in the spectrogram view in slot `index` at list index
     // `column`, as a drag here would, and redraws.
     void remoteTraceValue(double amplitude, int column, int index);
-    // The spectrogram level under each formant into a1f .. a5f (TraceDataEntry::enterAmplitudes),
-    // then the table refreshed.
-    void enterValues(const SpectrogramComputation& spectrogram, int formantFrames, const ShortRect& rect);
 
 protected:
     ValueGrid valueGrid() const override;

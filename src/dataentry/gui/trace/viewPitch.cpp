@@ -1,6 +1,5 @@
 #include "dataentry/gui/trace/viewPitch.h"
 
-#include "dataentry/TraceDataEntry.h"
 #include "display/gui/AnalysisTracks.h"
 #include "document/MyDocument.h"
 #include "table/gui/mainTable.h"
@@ -26,16 +25,6 @@ void viewPitch::DoPitchCepstral()
     if (!_pDoc)
         return;
     m_pitch.DoPitchCepstral(*_pDoc->getChannel(2), PitchSettings::fromDocument(*_pDoc));
-}
-
-void viewPitch::enterValues()
-{
-    if (!_pDoc)
-        return;
-    TraceDataEntry::enterPitch(*_pDoc, m_lists, m_pitch);
-    if (_mainTableID())
-        _mainTableID()->refreshTable();
-    update();
 }
 
 TraceView::ValueGrid viewPitch::valueGrid() const

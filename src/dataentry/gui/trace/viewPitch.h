@@ -16,8 +16,6 @@ public:
     void setup() override;
     // Computes the model's pitch track with the document's settings.
     void DoPitchCepstral();
-    // The pitch track into f0 (see TraceDataEntry::enterPitch), then the table refreshed.
-    void enterValues();
     void setColor(const QColor& color) { TraceView::setColor(color, 0); }
     bool _bActiveF0() const { return isActive(0); }
 

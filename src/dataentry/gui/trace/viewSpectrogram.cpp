@@ -70,16 +70,6 @@ void viewSpectrogram::resizeEvent(QResizeEvent* event)
         m_resizeSettled.start();
 }
 
-void viewSpectrogram::enterValues()
-{
-    if (!_pDoc || !m_result)
-        return;
-    TraceDataEntry::enterFormants(*_pDoc, m_lists, m_result->computation);
-    if (_mainTableID())
-        _mainTableID()->refreshTable();
-    update();
-}
-
 void viewSpectrogram::afterDragValue(int column, const QPointF& p)
 {
     if (!m_result || !_pDoc || !_containerID())

@@ -29,8 +29,6 @@ public:
     void setupAfterUndo() { TraceView::setup(); }
     // Starts the background computation for the view's current size.
     void DoSpectrogramOperation();
-    // The formant frames into f1 .. f5 (TraceDataEntry::enterFormants), then the table refreshed.
-    void enterValues();
 
     // The finished spectrogram (nullptr before the first one), its formant frame count and its
     // display rectangle.
