@@ -9,6 +9,7 @@
 #include "document/MyDocument.h"
 #include "labels/gui/DocumentLabels.h"
 #include "labels/gui/LabelAttachment.h"
+#include "stimulus/StimulusOutputFile.h"
 #include "table/gui/mainTable.h"
 
 #include <QApplication>
@@ -20,6 +21,7 @@
 #include <QSettings>
 
 #include <algorithm>
+#include <filesystem>
 
 namespace
 {
@@ -32,6 +34,11 @@ WorkbenchApplication::WorkbenchApplication(QObject* parent)
     : QObject(parent), m_pAutosave(std::make_unique<Autosave>())
 {
     ConfigurationFile::install();
+    // The audio output settings of Save Audio live beside the configuration file.
+    StimulusOutputFile::setDefaultPath(
+        (std::filesystem::path(ConfigurationFile::defaultPath()).parent_path() /
+         StimulusOutputFile::kFileName)
+            .string());
     // Whatever ends the event loop, unsaved changes are copied first.
     connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, this,
             &WorkbenchApplication::autosaveAll);

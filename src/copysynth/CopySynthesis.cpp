@@ -223,6 +223,7 @@ CopySynthesisResult copySynthesize(const float* samples, std::size_t count, doub
     levels.matchFrication(r.frames, 2);
     levels.matchHighBand(r.frames);
     levels.matchTotal(r.frames, 2);
+    levels.smoothVoicing(r.frames);
     if (!e.report(0.9))
         return cancelledResult();
     r.report.peakLevel = levels.limitPeak(r.frames);

@@ -9,9 +9,9 @@
 // One entry point serves the command-line tool, the workbench and the Python module, and one
 // function turns its result into a document, so all three produce the same bytes.
 //
-// Threads: copySynthesize() may run on a worker thread, but it runs the synthesizer, whose
-// process-wide state allows one synthesis at a time: no other synthesis may run meanwhile.
-// applyCopySynthesis() belongs to the document's thread. Units: samples full scale +-1, rates in
+// Threads: copySynthesize() may run on a worker thread (the synthesizer's carried-over state is
+// the thread's own, and it is set and put back around each of its runs); applyCopySynthesis()
+// belongs to the document's thread. Units: samples full scale +-1, rates in
 // Hz, times in ms; frame values in the units of the parameter rows (f0 in 0.1 Hz, dB, Hz).
 #include "document/ParameterDefinition.h"
 

@@ -109,6 +109,29 @@ std::vector<double> LevelMatching::levelsOf(const Rendering& r) const
     return frameLevels(r.samples.data(), r.samples.size(), m_nRate, m_target.centres, m_dWindow);
 }
 
+// av varies from frame to frame as the corrections go; a voice whose periods alternate in
+// strength sounds rough and reads as half its pitch. Each voiced frame takes the mean of itself
+// and its voiced neighbours.
+void LevelMatching::smoothVoicing(std::vector<FrameValues>& frames) const
+{
+    const std::size_t n = m_target.centres.size();
+    std::vector<int> av(n);
+    for (std::size_t f = 0; f < n; ++f)
+        av[f] = frames[f][Row::av];
+    for (std::size_t f = 0; f < n; ++f) {
+        if (!m_target.voiced[f] || av[f] < audible(Row::av))
+            continue;
+        double sum = 0.0;
+        int count = 0;
+        for (std::size_t g = f > 0 ? f - 1 : 0; g <= std::min(n - 1, f + 1); ++g)
+            if (m_target.voiced[g] && av[g] >= audible(Row::av)) {
+                sum += av[g];
+                ++count;
+            }
+        frames[f][Row::av] = static_cast<int>(std::lround(sum / count));
+    }
+}
+
 void LevelMatching::matchVoicing(std::vector<FrameValues>& frames, int passes) const
 {
     const std::size_t n = m_target.centres.size();

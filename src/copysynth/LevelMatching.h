@@ -31,6 +31,8 @@ public:
     // Voicing levels: gain and av so that each voiced frame's synthesis has the recording's
     // level.
     void matchVoicing(std::vector<FrameValues>& frames, int passes) const;
+    // av averaged over each voiced frame and its voiced neighbours.
+    void smoothVoicing(std::vector<FrameValues>& frames) const;
     // Frication in unvoiced frames: af and a2f..a5f, ab from the recording's band levels.
     void matchFrication(std::vector<FrameValues>& frames, int passes) const;
     // Voicing through the parallel F4 and F5 where the cascade falls short there.
