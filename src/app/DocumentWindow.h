@@ -82,6 +82,18 @@ public slots:
     void makeContinuum();
     void newFromText();
 
+    // --- labels and interchange (DocumentWindowLabels.cpp) ---
+    // File > Load Labels...: a TextGrid of the recording's segments for this document.
+    void loadLabels();
+    // False (with an alert naming the file and the line) when the TextGrid is refused.
+    bool loadLabelsFrom(const QString& path);
+    // The TextGrid x.TextGrid beside a recording x.wav, when there is one.
+    void loadLabelsBeside(const QString& recordingPath);
+    // File > Import...: a .klp or .tsv file as a new document; File > Export...: this one.
+    void importFile();
+    bool exportTo(const QString& path);
+    void exportFile();
+
 protected:
     void closeEvent(QCloseEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
@@ -89,6 +101,8 @@ protected:
 
 private:
     void createMenus();
+    void createLabelMenus(QMenu* file);
+    void createViewMenu();
     void createStatusBar();
     void setUpAutosave();
     // After a change: a copy within the autosave interval (not postponed by later changes).

@@ -200,6 +200,7 @@ bool DocumentWindow::loadModelRecordingFrom(const QString& path)
               tr("Its sample data holds %1 of the %2 it declares.")
                   .arg(QString::fromStdString(countedText(m_pDoc->waveSamplesPresent(), "sample", "samples")))
                   .arg(m_pDoc->waveSamplesDeclared()));
+    loadLabelsBeside(path);
     return true;
 }
 

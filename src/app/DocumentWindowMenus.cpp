@@ -41,6 +41,7 @@ void DocumentWindow::createMenus()
     file->addAction(tr("Rec&ord Model..."), this, &DocumentWindow::recordModel);
     m_pSaveModel = file->addAction(tr("Save Mo&del Audio..."), this, &DocumentWindow::saveModelAudio);
     file->addAction(tr("Make Co&ntinuum..."), this, &DocumentWindow::makeContinuum);
+    createLabelMenus(file);
     file->addSeparator();
     file->addAction(tr("&Load Configuration..."), this, &DocumentWindow::loadConfiguration);
     file->addAction(tr("Save Con&figuration..."), this, &DocumentWindow::saveConfiguration);
@@ -57,6 +58,7 @@ void DocumentWindow::createMenus()
     edit->addAction(tr("Select &All"), QKeySequence::SelectAll, m_pTable, &QTableView::selectAll);
     edit->addSeparator();
     edit->addAction(tr("&Parameters..."), m_pTable, &mainTable::_editRows);
+    createViewMenu();
 
     QMenu* frames = menuBar()->addMenu(tr("F&rames"));
     frames->addAction(tr("&Add Frames..."), m_pTable, &mainTable::_editAddColumns);

@@ -8,6 +8,8 @@
 #include "display/gui/SpectrogramPitchWindow.h"
 #include "document/CountedText.h"
 #include "document/MyDocument.h"
+#include "labels/gui/DocumentLabels.h"
+#include "labels/gui/LabelAttachment.h"
 #include "stimulus/StimulusOutputFile.h"
 #include "table/gui/mainTable.h"
 
@@ -42,10 +44,13 @@ WorkbenchApplication::WorkbenchApplication(QObject* parent)
     connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, this,
             &WorkbenchApplication::autosaveAll);
     mainTable::setGraphicalDataEntryFactory([](mainTable* table) -> DataEntryController* {
-        return new dataentryGraphicalController(table->document(), table);
+        auto* controller = new dataentryGraphicalController(table->document(), table);
+        attachLabels(*controller, DocumentLabels::of(table));
+        return controller;
     });
     mainTable::setTraceDataEntryFactory([](mainTable* table) -> DataEntryController* {
         auto* controller = new dataentryTraceContoller(table->document(), table);
+        attachLabels(*controller, DocumentLabels::of(table));
         // Ctrl+S in the trace window saves the document as its own window does.
         QPointer<DocumentWindow> owner = qobject_cast<DocumentWindow*>(table->window());
         controller->setSaveCommand([owner] {
@@ -59,7 +64,9 @@ WorkbenchApplication::WorkbenchApplication(QObject* parent)
             return new FFTLPCWindow(table, startSample, table->window());
         },
         [](mainTable* table, int channel) -> QWidget* {
-            return new SpectrogramPitchWindow(table, channel, table->window());
+            auto* window = new SpectrogramPitchWindow(table, channel, table->window());
+            attachLabels(*window, DocumentLabels::of(table));
+            return window;
         });
 }
 
@@ -151,8 +158,10 @@ DocumentWindow* WorkbenchApplication::openFile(const QString& path)
     if (!opened)
         return nullptr;
     opened->setFileNameProposed(nameProposed);
-    if (opened->document()->getChannel(2)->hasAudio())
+    if (opened->document()->getChannel(2)->hasAudio()) {
         opened->setModelPath(absolute);
+        opened->loadLabelsBeside(absolute);
+    }
     if (pristine) {
         opened->move(pristine->pos());
         pristine->close();

@@ -8,6 +8,7 @@
 #include "document/MyDocument.h"
 #include "support/TestChannels.h"
 #include "support/TestFiles.h"
+#include "support/WorkbenchFixture.h"
 #include "table/gui/DataEntryController.h"
 #include "table/gui/mainTable.h"
 
@@ -117,18 +118,6 @@ inline void writeRecording(const QString& path, int period = 100)
         ramps[i] = static_cast<float>(i % period) / (4.0f * period);
     std::ofstream(path.toStdString(), std::ios::binary) << waveFileBytes(ramps, 11025);
 }
-
-struct Workbench {
-    QTemporaryDir folder;
-    WorkbenchApplication app;
-    Workbench()
-    {
-        QCoreApplication::setOrganizationName("Tessaphon");
-        QCoreApplication::setApplicationName("Tessaphon");
-        app.setQuietAlerts(true);
-    }
-    QString path(const QString& name) const { return folder.filePath(name); }
-};
 
 struct StateFolder {
     QTemporaryDir dir;

@@ -28,12 +28,18 @@ const ButtonRole kButtons[DataEntryControls::ButtonCount] = {
 
 } // namespace
 
-DataEntryControls::Stack DataEntryControls::stack(int w, int h)
+DataEntryControls::Stack DataEntryControls::stack(int w, int h, int labelHeight)
 {
-    const int H = h - 26;
+    const int H = h - 26 - labelHeight;
     const int width = w - (kMargin + 5);
-    return {QRect(kMargin, 5, width, H / 4), QRect(kMargin, H / 4 + 5, width, (2 * H) / 4),
-            QRect(kMargin, (2 * H) / 4 + H / 4 + 5, width, H / 4 - 5)};
+    const QRect lower(kMargin, (2 * H) / 4 + H / 4 + 5, width, H / 4 - 5);
+    return {QRect(kMargin, 5, width, H / 4), QRect(kMargin, H / 4 + 5, width, (2 * H) / 4), lower,
+            QRect(kMargin, lower.bottom() + 1, width, labelHeight)};
+}
+
+int DataEntryControls::labelHeight(const QWidget* strip)
+{
+    return strip && !strip->isHidden() ? strip->sizeHint().height() : 0;
 }
 
 DataEntryControls::DataEntryControls(QWidget* parent, int wellWidth, QObject* context,

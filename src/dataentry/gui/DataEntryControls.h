@@ -25,11 +25,14 @@ public:
     static constexpr int kGap = 2;
 
     // The three views' places in a window content of w x h: the height less a bottom strip of
-    // 26, right of the margin.
+    // 26, right of the margin; with a label strip `labelHeight` tall (0: none), the views leave
+    // it room under the lower one (`labels`).
     struct Stack {
-        QRect upper, middle, lower;
+        QRect upper, middle, lower, labels;
     };
-    static Stack stack(int w, int h);
+    static Stack stack(int w, int h, int labelHeight = 0);
+    // The height a label strip asks for: its size hint while it is shown, else 0 (no strip: 0).
+    static int labelHeight(const QWidget* strip);
 
     // Makes the buttons and wells on `parent`. A click on button b runs pressed(b) (the radio
     // behaviour is the caller's); a colour chosen in a well's dialog runs chosen(well, colour).

@@ -166,8 +166,12 @@ QVariant ParameterTableModel::headerData(int section, Qt::Orientation orientatio
     if (role == Qt::DisplayRole)
         return section == 0 ? QStringLiteral("param")
                             : QString::number(static_cast<long long>(section) * m_nInterval);
-    if (role == Qt::ToolTipRole && section > 0)
-        return tr("Frame %1: %2 ms").arg(section).arg(static_cast<long long>(section) * m_nInterval);
+    if (role == Qt::ToolTipRole && section > 0) {
+        const QString frame =
+            tr("Frame %1: %2 ms").arg(section).arg(static_cast<long long>(section) * m_nInterval);
+        const QString note = m_frameNote ? m_frameNote(section) : QString();
+        return note.isEmpty() ? frame : frame + QLatin1Char('\n') + note;
+    }
     if (role == Qt::FontRole)
         return m_cellFont;
     return {};

@@ -224,16 +224,30 @@ bool dataentryGraphicalController::eventFilter(QObject* watched, QEvent* event)
     return QObject::eventFilter(watched, event);
 }
 
+void dataentryGraphicalController::setLabelStrip(QWidget* strip)
+{
+    m_labelStrip = strip;
+    relayout();
+}
+
+void dataentryGraphicalController::relayout()
+{
+    specialWindowDidResize(m_content->width(), m_content->height());
+}
+
 void dataentryGraphicalController::specialWindowDidResize(int w, int h)
 {
-    const DataEntryControls::Stack plots = DataEntryControls::stack(w, h);
+    const DataEntryControls::Stack plots =
+        DataEntryControls::stack(w, h, DataEntryControls::labelHeight(m_labelStrip));
     m_viewF0->setPosition(plots.upper);
     m_viewFormants->setPosition(plots.middle);
     m_viewOthers->setPosition(plots.lower);
+    if (m_labelStrip)
+        m_labelStrip->setGeometry(plots.labels);
     m_timeAxis->setViewWidth(plots.upper.width());
     // The scroll bar under the plots, in the strip the plots leave free.
     const int gap = DataEntryControls::kGap;
-    const int barTop = plots.lower.bottom() + 1 + gap;
+    const int barTop = plots.labels.bottom() + 1 + gap; // the lower plot's bottom without labels
     m_scrollBar->setGeometry(DataEntryControls::kMargin, barTop, plots.upper.width(),
                              std::clamp(h - barTop - gap, 0, 18));
     m_controls->place(plots);

@@ -12,6 +12,7 @@
 
 #include <QColor>
 #include <QObject>
+#include <QPointer>
 
 #include <array>
 #include <memory>
@@ -76,6 +77,10 @@ public:
 
     // Lays the plots and the controls out for a content area of w x h.
     void specialWindowDidResize(int w, int h);
+    // The label strip under the views (made by the labels' code, a child of the window's
+    // content): laid out at its size hint while shown; relayout() after its height changes.
+    void setLabelStrip(QWidget* strip);
+    void relayout();
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -97,6 +102,7 @@ private:
     viewOthers* m_viewOthers = nullptr;
     TimeAxisZoom* m_timeAxis = nullptr;
     QScrollBar* m_scrollBar = nullptr;
+    QPointer<QWidget> m_labelStrip;
     std::optional<DataEntryControls> m_controls;
     QAction* m_undo = nullptr;
     QAction* m_redo = nullptr;

@@ -363,13 +363,27 @@ bool dataentryTraceContoller::eventFilter(QObject* watched, QEvent* event)
     return QObject::eventFilter(watched, event);
 }
 
+void dataentryTraceContoller::setLabelStrip(QWidget* strip)
+{
+    m_labelStrip = strip;
+    relayout();
+}
+
+void dataentryTraceContoller::relayout()
+{
+    specialWindowDidResize(m_window->width(), m_window->height());
+}
+
 void dataentryTraceContoller::specialWindowDidResize(int w, int h)
 {
     // The views share the height less the bottom strip in the proportion 1 : 2 : 1.
-    const DataEntryControls::Stack views = DataEntryControls::stack(w, h);
+    const DataEntryControls::Stack views =
+        DataEntryControls::stack(w, h, DataEntryControls::labelHeight(m_labelStrip));
     m_viewPitch->setPosition(views.upper);
     m_viewSpectrogram->setPosition(views.middle);
     m_viewAmplitudes->setPosition(views.lower);
+    if (m_labelStrip)
+        m_labelStrip->setGeometry(views.labels);
     m_controls->place(views);
     const int width = views.upper.width();
     const int stripTop = h - kStrip + 2;

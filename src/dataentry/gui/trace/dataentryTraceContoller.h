@@ -100,6 +100,10 @@ public:
     bool enterAllDataPending() const { return m_bEnterPending; }
 
     void specialWindowDidResize(int w, int h);
+    // The label strip under the views (made by the labels' code, a child of the window's
+    // content): laid out at its size hint while shown; relayout() after its height changes.
+    void setLabelStrip(QWidget* strip);
+    void relayout();
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -132,6 +136,7 @@ private:
     QString m_statusText;
     TimeAxisZoom* m_timeAxis = nullptr;
     QScrollBar* m_scrollBar = nullptr;
+    QPointer<QWidget> m_labelStrip;
     QPointer<QMessageBox> m_sheet;
     std::function<void()> m_save;
     bool m_bEnterPending = false;
