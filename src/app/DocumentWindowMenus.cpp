@@ -3,6 +3,7 @@
 
 #include "app/WorkbenchApplication.h"
 #include "document/MyDocument.h"
+#include "stimulus/gui/AudioOutputPanel.h"
 #include "table/gui/mainTable.h"
 
 #include <QAction>
@@ -105,6 +106,8 @@ void DocumentWindow::createMenus()
     options->addAction(tr("FFT/&LPC..."), m_pTable, &mainTable::_optionsFFTLPC);
     options->addAction(tr("&Spectrogram..."), m_pTable, &mainTable::_optionsSpectrogram);
     options->addAction(tr("P&itch..."), m_pTable, &mainTable::_optionsPitch);
+    options->addSeparator();
+    options->addAction(tr("&Audio Output..."), this, [this] { AudioOutputPanel(this).run(this); });
 
     for (QMenu* menu : {file, edit, frames, play, analysis, options})
         connect(menu, &QMenu::aboutToShow, this, &DocumentWindow::updateActions);

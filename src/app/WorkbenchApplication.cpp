@@ -7,6 +7,7 @@
 #include "display/gui/FFTLPCWindow.h"
 #include "display/gui/SpectrogramPitchWindow.h"
 #include "document/MyDocument.h"
+#include "stimulus/StimulusOutputFile.h"
 #include "table/gui/mainTable.h"
 
 #include <QApplication>
@@ -18,6 +19,7 @@
 #include <QSettings>
 
 #include <algorithm>
+#include <filesystem>
 
 namespace
 {
@@ -30,6 +32,11 @@ WorkbenchApplication::WorkbenchApplication(QObject* parent)
     : QObject(parent), m_pAutosave(std::make_unique<Autosave>())
 {
     ConfigurationFile::install();
+    // The audio output settings of Save Audio live beside the configuration file.
+    StimulusOutputFile::setDefaultPath(
+        (std::filesystem::path(ConfigurationFile::defaultPath()).parent_path() /
+         StimulusOutputFile::kFileName)
+            .string());
     // Whatever ends the event loop, unsaved changes are copied first.
     connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, this,
             &WorkbenchApplication::autosaveAll);

@@ -28,6 +28,7 @@ class AudioPlayer;
 class FrozenColumnView;
 class MyDocument;
 class PlayCursor;
+struct StimulusOutput;
 
 class mainTable : public QTableView
 {
@@ -148,7 +149,9 @@ public slots:
     void _analysisSpectrogramPitchModel();
     // Writes channel 0 as a WAVE file, asking where (save panel "Save Audio as").
     void _fileSaveAudio();
-    // The same without the panel; the outcome is only logged ("yes" / "no").
+    // The same without the panel; the outcome is only logged ("yes" / "no"). With audio output
+    // settings (Options > Audio Output...) the file is shaped by them, and a refusal (a level
+    // that would clip) is shown as an alert.
     bool saveAudioTo(const QString& path);
 
     // Applies the parameter records to the cells (see TableEditing), after stopping a
@@ -208,6 +211,8 @@ protected:
     void updateGeometries() override;
 
 private:
+    // Save Audio under the audio output settings.
+    bool saveShapedAudio(const QString& path, const StimulusOutput& output);
     // Runs `body`, showing a failure as an alert with `button`; false when it failed.
     bool guarded(const QString& button, const std::function<void()>& body);
     void typedValue(int row, int column, const QString& text);
