@@ -57,7 +57,6 @@ void BM_DocumentMemoryWithFullUndoAndRedo(benchmark::State& state)
             document->saveRedo();
         }
         state.counters["VmRSS_MB"] = residentMB();
-        state.counters["snapshot_KB"] = document->_arrayUndo.back().size() / 1024.0;
     }
 }
 BENCHMARK(BM_DocumentMemoryWithFullUndoAndRedo)->Unit(benchmark::kMillisecond)->Iterations(1);

@@ -25,7 +25,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (read && document.getChannel(0)->m_nColumnNum > fuzz::kRoundTripFrames)
         return 0;
     MyDocument undone;
-    undone._arrayUndo.push_back(bytes);
+    undone._arrayUndo.push_back(DocumentSnapshot::ofText(bytes));
     undone._nUndoRedoIndex = 1;
     try {
         undone.doUndo();

@@ -1,5 +1,7 @@
 #include "document/DataTableDictionary.h"
 
+#include "document/TableColumnSource.h"
+
 #include <charconv>
 #include <utility>
 
@@ -16,7 +18,7 @@ DataTableDictionary& DataTableDictionary::operator=(const DataTableDictionary& o
     m_waiting = other.m_waiting;
     m_nPending = other.m_nPending;
     m_nInterval = other.m_nInterval;
-    m_maker = other.m_maker;
+    m_source = other.m_source;
     // The index points into this dictionary's own map.
     m_byIndex.assign(other.m_byIndex.size(), nullptr);
     for (auto& [key, column] : m_map)
@@ -75,7 +77,7 @@ void DataTableDictionary::setIndexed(const std::string& key, CellArray* column) 
 
 CellArray* DataTableDictionary::make(long long index, const std::string& key) const
 {
-    CellArray cells = m_maker(index); // a failure leaves the column announced
+    CellArray cells = m_source->column(index); // a failure leaves the column announced
     CellArray& stored = m_map[key] = std::move(cells);
     forget(index);
     m_byIndex[static_cast<std::size_t>(index)] = &stored;
@@ -87,7 +89,7 @@ void DataTableDictionary::forget(long long index) const
     m_waiting[static_cast<std::size_t>(index)] = false;
     if (--m_nPending == 0) {
         m_waiting = {};
-        m_maker = nullptr; // with the data it made the columns from
+        m_source = nullptr; // with the data it made the columns from
     }
 }
 
@@ -146,20 +148,46 @@ void DataTableDictionary::removeAllObjects()
     m_waiting = {};
     m_byIndex = {};
     m_nPending = 0;
-    m_maker = nullptr;
+    m_source = nullptr;
 }
 
-void DataTableDictionary::setPendingColumns(std::size_t columns, long long interval, ColumnMaker maker)
+void DataTableDictionary::setPendingColumns(std::size_t columns, long long interval,
+                                            std::shared_ptr<const TableColumnSource> source)
 {
     removeAllObjects();
-    if (columns == 0 || interval < 1 || !maker)
+    if (columns == 0 || interval < 1 || !source)
         return;
     m_waiting.assign(columns, true);
     m_byIndex.assign(columns, nullptr);
     m_nPending = columns;
     m_nInterval = interval;
-    m_maker = std::move(maker);
+    m_source = std::move(source);
     m_map.reserve(columns);
+}
+
+DataTableDictionary::Peek DataTableDictionary::peek(long long key) const
+{
+    if (const CellArray* column = indexed(key))
+        return {column, -1};
+    // A key inside the announced range that the index does not hold is not in the map either.
+    const bool inIndex = m_nInterval >= 1 && key >= 0 && key % m_nInterval == 0 &&
+                         static_cast<std::size_t>(key / m_nInterval) < m_byIndex.size();
+    if (!inIndex && !m_map.empty()) {
+        const auto it = m_map.find(keyFor(key));
+        if (it != m_map.end())
+            return {&it->second, -1};
+    }
+    return {nullptr, pendingIndex(key)};
+}
+
+bool DataTableDictionary::allPending(long long first, long long count) const
+{
+    if (m_nPending == 0 || first < 0 || static_cast<std::size_t>(first + count) > m_waiting.size())
+        return false;
+    for (long long index = first; index < first + count; ++index)
+        if (!m_waiting[static_cast<std::size_t>(index)])
+            return false;
+    return true;
 }
 
 CellRef DataTableDictionary::cellAt(long long key, int row) const

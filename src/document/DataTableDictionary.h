@@ -12,21 +12,19 @@
 // Main thread only: a lookup may make a column, also through the const interface.
 #include "document/ImageAndTextCell.h"
 
-#include <functional>
+#include <memory>
 #include <string>
 #include <unordered_map>
 #include <vector>
 
 using CellArray = std::vector<CellRef>;
+struct TableColumnSource;
 
 class DataTableDictionary
 {
 public:
-    // Makes the cells of column k (the column keyed k x interval). May throw std::bad_alloc.
-    using ColumnMaker = std::function<CellArray(long long column)>;
-
     DataTableDictionary() = default;
-    // A copy shares the cells (they are shared objects) and the announced columns' maker.
+    // A copy shares the cells (they are shared objects) and the announced columns' source.
     DataTableDictionary(const DataTableDictionary& other);
     DataTableDictionary& operator=(const DataTableDictionary& other);
     DataTableDictionary(DataTableDictionary&&) = default;
@@ -48,10 +46,26 @@ public:
     void reserve(std::size_t columns) { m_map.reserve(columns); }
 
     // Announces the columns k = 0 .. columns - 1 under the keys k x interval (interval >= 1),
-    // each made by `maker` when first looked up. Replaces everything the dictionary held.
-    void setPendingColumns(std::size_t columns, long long interval, ColumnMaker maker);
+    // each made from `source` when first looked up. Replaces everything the dictionary held.
+    void setPendingColumns(std::size_t columns, long long interval,
+                           std::shared_ptr<const TableColumnSource> source);
     // Columns announced and not made yet.
     std::size_t pendingCount() const { return m_nPending; }
+
+    // A column as it stands, for readers that must not make columns (saving, undo snapshots):
+    // the made column, or else the index of the announced column (its cells are those `source`
+    // would make), or neither when the key names no column.
+    struct Peek {
+        const CellArray* cells = nullptr;
+        long long pending = -1;
+    };
+    Peek peek(long long key) const;
+    // What the announced columns are made from (null when none is waiting).
+    const TableColumnSource* pendingSource() const { return m_nPending > 0 ? m_source.get() : nullptr; }
+    // The interval of the announced keys.
+    long long pendingInterval() const { return m_nInterval; }
+    // Whether the announced columns first .. first + count - 1 are all still to be made.
+    bool allPending(long long first, long long count) const;
 
     // The cell of a column and row, or nullptr when either is missing.
     CellRef cellAt(long long key, int row) const;
@@ -79,5 +93,5 @@ private:
     mutable std::vector<CellArray*> m_byIndex;
     mutable std::size_t m_nPending = 0;
     long long m_nInterval = 0;
-    mutable ColumnMaker m_maker;
+    mutable std::shared_ptr<const TableColumnSource> m_source;
 };

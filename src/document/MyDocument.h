@@ -12,6 +12,7 @@
 #include "document/Channels.h"
 #include "document/Color.h"
 #include "document/DataTableDictionary.h"
+#include "document/DocumentSnapshot.h"
 
 #include <array>
 #include <cstdint>
@@ -195,8 +196,8 @@ public:
                  m_nA8F = 0;
 
     // Undo and redo: snapshots before and after edits, oldest first, one shared position.
-    std::vector<std::string> _arrayUndo;
-    std::vector<std::string> _arrayRedo;
+    std::vector<DocumentSnapshot> _arrayUndo;
+    std::vector<DocumentSnapshot> _arrayRedo;
     std::int32_t _nUndoRedoManCount = 10;
     std::int32_t _nUndoRedoIndex = -1;
     std::uint8_t _bDoRevert = 0;
@@ -256,7 +257,15 @@ public:
     void setAnalysisDefaults(double sampleRate);
 
 private:
-    void fillDataTableDictionary(int columns, int interval, bool fromGrid);
+    // Builds the table data from the frames given (an image of the grid, or none: every frame
+    // then holds the records' values), as buildDataTableDictionary does from the grid.
+    void buildTableDataFrom(FrameImage frames);
+    void fillDataTableDictionary(int columns, int interval, FrameImage frames);
+    void restoreSnapshot(const DocumentSnapshot& snapshot);
+    void appendSnapshot(std::vector<DocumentSnapshot>& list);
+
+    // The frames of the snapshot recorded last: blocks a new snapshot holds unchanged are shared.
+    FrameImage m_lastRecorded;
 
     std::string m_strFileURL;
     std::string m_strFileType = "stk";

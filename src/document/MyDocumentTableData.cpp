@@ -2,6 +2,7 @@
 #include "document/MyDocument.h"
 
 #include "document/DocumentException.h"
+#include "document/TableColumnSource.h"
 
 #include <algorithm>
 #include <array>
@@ -45,81 +46,113 @@ CellDefinition MyDocument::frameCellDefinition(const ParameterDefinition& p, con
     return d;
 }
 
+CellArray TableColumnSource::column(long long col) const
+{
+    CellArray cells = ImageAndTextCell::newColumn(kParameterCount);
+    const std::uint64_t anchorBits = col > 0 ? anchors(col) : 0;
+    for (int row = 0; row < kParameterCount; ++row) {
+        ImageAndTextCell& cell = *cells[row];
+        cell.set_bSelected(shown[row]);
+        if (col == 0) {
+            cell.adoptDefinition(nameModel[row]);
+            continue;
+        }
+        const int v = value(col, row);
+        cell.adoptDefinition(frameModel[row]);
+        cell.set_nValue(v);
+        cell.set_bAnchor((anchorBits >> row) & 1u);
+        cell.setInttoStringValue(v);
+    }
+    return cells;
+}
+
+static_assert(kParameterCount <= 64, "a frame's anchor flags are one 64-bit word");
+
+namespace
+{
+
+// The frames 0 .. columns - 1 of channel 0 as the table data shows them: the grid's values (the
+// records' values past its end) and the anchor list's flags. Runs of equal blocks, as in a
+// document declared long that holds a few frames, share one block.
+FrameImage gridImage(const Channels& c, int columns)
+{
+    std::vector<std::uint64_t> anchorRows(static_cast<std::size_t>(columns), 0);
+    for (std::size_t i = 0; i + 1 < c.m_pAnchorPosition.size(); i += 2) {
+        const int row = c.m_pAnchorPosition[i];
+        const int frame = c.m_pAnchorPosition[i + 1];
+        if (row >= 0 && row < kParameterCount && frame >= 0 && frame < columns)
+            anchorRows[static_cast<std::size_t>(frame)] |= std::uint64_t{1} << row;
+    }
+    const DataGrid& grid = c.m_snppDataImage_Col_Row; // read only: stores nothing
+    FrameImage::Builder image(columns);
+    for (std::size_t b = 0; b < image.blockCount(); ++b) {
+        FrameImage::Block& block = image.open();
+        for (int frame = image.firstFrame(b); frame < image.endFrame(b); ++frame) {
+            const int at = frame - image.firstFrame(b);
+            const bool inGrid = static_cast<std::size_t>(frame) < grid.size();
+            for (int row = 0; row < kParameterCount; ++row)
+                block.setValue(at, row,
+                               inGrid ? grid[static_cast<std::size_t>(frame)][row]
+                                      : c.m_Parameters[row].nValue);
+            block.anchors[static_cast<std::size_t>(at)] = anchorRows[static_cast<std::size_t>(frame)];
+        }
+        image.close(b, nullptr, nullptr);
+    }
+    return image.take();
+}
+
+// The frames of a new document: every frame holds the records' values, so one block serves all.
+FrameImage recordImage(const Channels& c, int columns)
+{
+    auto block = std::make_shared<FrameImage::Block>();
+    for (int frame = 0; frame < FrameImage::kBlockFrames; ++frame)
+        for (int row = 0; row < kParameterCount; ++row)
+            block->setValue(frame, row, c.m_Parameters[row].nValue);
+    FrameImage::Builder image(columns);
+    for (std::size_t b = 0; b < image.blockCount(); ++b)
+        image.share(b, block);
+    return image.take();
+}
+
+} // namespace
+
 void MyDocument::buildDataTableDictionary()
 {
-    Channels& c = *m_Channel[0];
-    const int interval = updateInterval();
-    const int columns = c.m_nColumnNum < 0 ? 0 : c.m_nColumnNum;
-    const bool fromGrid = m_bReadFile != 0;
+    updateInterval(); // repairs an interval below 1 before anything is built
+    const Channels& c = *m_Channel[0];
+    const int columns = std::max(c.m_nColumnNum, 0);
     if (columns > kMaxFrames)
         throw DocumentException::tooManyFrames(columns, kMaxFrames);
+    _dataTableDictionary.removeAllObjects(); // the old cells go before the new columns' data comes
+    FrameImage frames;
     try {
-        fillDataTableDictionary(columns, interval, fromGrid);
+        frames = m_bReadFile != 0 ? gridImage(c, columns) : recordImage(c, columns);
+    } catch (const std::bad_alloc&) {
+        throw DocumentException::memoryError();
+    }
+    buildTableDataFrom(std::move(frames));
+}
+
+void MyDocument::buildTableDataFrom(FrameImage frames)
+{
+    const int interval = updateInterval();
+    const int columns = std::max(m_Channel[0]->m_nColumnNum, 0);
+    if (columns > kMaxFrames)
+        throw DocumentException::tooManyFrames(columns, kMaxFrames);
+    _dataTableDictionary.removeAllObjects();
+    try {
+        fillDataTableDictionary(columns, interval, std::move(frames));
     } catch (const std::bad_alloc&) {
         _dataTableDictionary.removeAllObjects();
         throw DocumentException::memoryError();
     }
 }
 
-namespace
-{
-
-// What the columns of the table data are made from, taken when the table data is built: the
-// grid's values (a copy: the grid may be read into again while columns are still to be made),
-// the anchor flags and, per row, the shown flag and the shared definitions of the name and
-// frame cells. A column made from it later is the column an immediate build would have made.
-struct ColumnSource {
-    std::array<ImageAndTextCell, kParameterCount> nameModel, frameModel;
-    std::array<bool, kParameterCount> shown{};
-    std::array<int, kParameterCount> recordValue{};
-    DataGrid grid;                         // empty for a new document; holds only stored columns
-    std::vector<std::uint64_t> anchorRows; // by frame: bit r set = an anchor on row r
-
-    CellArray column(long long col) const
-    {
-        CellArray cells = ImageAndTextCell::newColumn(kParameterCount);
-        const long long frame = col - 1;
-        const bool gridColumn = col > 0 && static_cast<std::size_t>(frame) < grid.size();
-        const std::uint64_t anchors =
-            col > 0 && static_cast<std::size_t>(frame) < anchorRows.size() ? anchorRows[frame] : 0;
-        for (int row = 0; row < kParameterCount; ++row) {
-            ImageAndTextCell& cell = *cells[row];
-            cell.set_bSelected(shown[row]);
-            if (col == 0) {
-                cell.adoptDefinition(nameModel[row]);
-                continue;
-            }
-            const int value = gridColumn ? grid[frame][row] : recordValue[row];
-            cell.adoptDefinition(frameModel[row]);
-            cell.set_nValue(value);
-            cell.set_bAnchor((anchors >> row) & 1u);
-            cell.setInttoStringValue(value);
-        }
-        return cells;
-    }
-};
-
-static_assert(kParameterCount <= 64, "a frame's anchor flags are one 64-bit word");
-
-} // namespace
-
-void MyDocument::fillDataTableDictionary(int columns, int interval, bool fromGrid)
+void MyDocument::fillDataTableDictionary(int columns, int interval, FrameImage frames)
 {
     Channels& c = *m_Channel[0];
-    _dataTableDictionary.removeAllObjects(); // the old cells go before the new columns' data comes
-    auto source = std::make_shared<ColumnSource>();
-
-    if (fromGrid) {
-        // A copy of the grid costs its stored columns only: a truncated long document stays small.
-        source->grid = c.m_snppDataImage_Col_Row;
-        source->anchorRows.assign(static_cast<std::size_t>(columns), 0);
-        for (std::size_t i = 0; i + 1 < c.m_pAnchorPosition.size(); i += 2) {
-            const int row = c.m_pAnchorPosition[i];
-            const int frame = c.m_pAnchorPosition[i + 1];
-            if (row >= 0 && row < kParameterCount && frame >= 0 && frame < columns)
-                source->anchorRows[frame] |= std::uint64_t{1} << row;
-        }
-    }
+    auto source = std::make_shared<TableColumnSource>();
+    source->frames = std::move(frames);
 
     // One shared definition per row for the name column and one for the frame columns: every
     // cell of a row takes it from these models instead of setting its fields one by one.
@@ -138,5 +171,5 @@ void MyDocument::fillDataTableDictionary(int columns, int interval, bool fromGri
     // The columns are made when first looked up: opening a long document makes only what its
     // window shows.
     _dataTableDictionary.setPendingColumns(static_cast<std::size_t>(columns) + 1, interval,
-                                           [source](long long col) { return source->column(col); });
+                                           std::move(source));
 }

@@ -9,6 +9,7 @@
 #include "document/DocumentException.h"
 #include "document/MyDocument.h"
 #include "document/ParameterDocumentText.h"
+#include "document/TableReader.h"
 
 #include <algorithm>
 #include <charconv>
@@ -55,113 +56,6 @@ private:
     int m_nCount = 0;
 };
 
-// What the writer needs of one cell. A frame column missing from the table data (the column
-// count changed without a rebuild) is written from the parameter record.
-struct FrameCell {
-    int value;
-    bool selected;
-    bool anchor;
-};
-
-FrameCell frameCell(const ImageAndTextCell& c)
-{
-    return {c._nValue(), c._bSelected(), c._bAnchor()};
-}
-
-// The cells the writer reads, column by column (k = 0 the row headers, 1 .. frames() the
-// frames), rows in order. A document whose table data has not been built (read but never
-// shown) is written from what the table data would be built with: the grid's values and anchor
-// list when it has a grid, else the parameter records, without building it.
-class TableReader
-{
-public:
-    explicit TableReader(MyDocument& document) : m_channel(*document.getChannel(0))
-    {
-        const int interval = document.updateInterval();
-        const int frames = std::max(m_channel.m_nColumnNum, 0);
-        m_nFrames = frames;
-        if (document._dataTableDictionary.empty()) {
-            // The same limit as building the table data, which would refuse it.
-            if (frames > MyDocument::kMaxFrames)
-                throw DocumentException::tooManyFrames(frames, MyDocument::kMaxFrames);
-            if (!m_channel.m_snppDataImage_Col_Row.empty())
-                collectAnchors();
-            return;
-        }
-        m_columns.resize(static_cast<std::size_t>(frames) + 1);
-        for (int k = 0; k <= frames; ++k)
-            m_columns[k] = document._dataTableDictionary.objectForKey(static_cast<long long>(k) * interval);
-    }
-    int frames() const { return m_nFrames; }
-
-    // Cells must be asked for in order (column by column, rows in order) when the table data
-    // is not built.
-    FrameCell cell(int column, int row)
-    {
-        const ParameterDefinition& p = m_channel.m_Parameters[row];
-        if (m_columns.empty())
-            return unbuiltCell(column, row);
-        const CellArray* cells = m_columns[column];
-        if (cells && static_cast<std::size_t>(row) < cells->size() && (*cells)[row])
-            return frameCell(*(*cells)[row]);
-        return {p.nValue, p.bSelected != 0, false};
-    }
-    // The cells of a whole frame column when it has every row, or nullptr.
-    const CellArray* fullColumn(int column) const
-    {
-        if (m_columns.empty())
-            return nullptr;
-        const CellArray* cells = m_columns[column];
-        if (!cells || cells->size() < static_cast<std::size_t>(kParameterCount))
-            return nullptr;
-        for (int row = 0; row < kParameterCount; ++row)
-            if (!(*cells)[row])
-                return nullptr;
-        return cells;
-    }
-    // The row header's selection flag (column "0").
-    bool rowSelected(int row) const
-    {
-        if (m_columns.empty() || !m_columns[0] || static_cast<std::size_t>(row) >= m_columns[0]->size() ||
-            !(*m_columns[0])[row])
-            return m_channel.m_Parameters[row].bSelected != 0;
-        return (*m_columns[0])[row]->_bSelected();
-    }
-
-private:
-    // The anchor list as cell numbers (frame x rows + row) in writing order.
-    void collectAnchors()
-    {
-        const auto& list = m_channel.m_pAnchorPosition;
-        for (std::size_t i = 0; i + 1 < list.size(); i += 2) {
-            const long long row = list[i], frame = list[i + 1];
-            if (row >= 0 && row < kParameterCount && frame >= 0 && frame < m_nFrames)
-                m_anchors.push_back(frame * kParameterCount + row);
-        }
-        std::sort(m_anchors.begin(), m_anchors.end());
-    }
-
-    FrameCell unbuiltCell(int column, int row)
-    {
-        const ParameterDefinition& p = m_channel.m_Parameters[row];
-        const DataGrid& grid = m_channel.m_snppDataImage_Col_Row;
-        const std::size_t frame = static_cast<std::size_t>(column - 1);
-        const bool fromGrid = !grid.empty();
-        const long long number = static_cast<long long>(frame) * kParameterCount + row;
-        while (m_nNextAnchor < m_anchors.size() && m_anchors[m_nNextAnchor] < number)
-            ++m_nNextAnchor;
-        const bool anchor = m_nNextAnchor < m_anchors.size() && m_anchors[m_nNextAnchor] == number;
-        const int value = fromGrid && frame < grid.size() ? grid[frame][row] : p.nValue;
-        return {value, p.bSelected != 0, anchor};
-    }
-
-    const Channels& m_channel;
-    int m_nFrames = 0;
-    std::vector<const CellArray*> m_columns; // empty when the table data is not built
-    std::vector<long long> m_anchors;
-    std::size_t m_nNextAnchor = 0;
-};
-
 // The shortest decimal text that reads back as the same double, and a tab.
 void appendExactNumber(std::string& text, double value)
 {
@@ -202,6 +96,33 @@ void writeSettings(MyDocument& document, std::string& text, int anchors, int mar
 
 } // namespace
 
+namespace
+{
+
+// The lines before the anchors: settings, configuration, colours and the selection flags.
+void writeHead(MyDocument& document, const TableReader& table, long long anchors, int marker,
+               std::string& head)
+{
+    writeSettings(document, head, static_cast<int>(std::min<long long>(anchors, INT_MAX)), marker);
+    TenPerLine flags(head);
+    for (int row = 0; row < kParameterCount; ++row) {
+        MyDocument::EnterNumber(head, table.rowSelected(row) ? 1 : 0, false);
+        flags.entryWritten();
+    }
+    flags.close();
+}
+
+// The names line of the rows written.
+void writeNames(const Channels& c, const TableReader& table, bool allRows, std::string& head)
+{
+    for (int row = 0; row < kParameterCount; ++row)
+        if (allRows || table.rowSelected(row))
+            MyDocument::EnterParameter(head, c.m_Parameters[row].strName);
+    MyDocument::EnterNumber(head, 0, true);
+}
+
+} // namespace
+
 void writeParameterText(MyDocument& document, bool allRows, ParameterTextUse use, std::string& text)
 {
     TableReader table(document);
@@ -218,11 +139,12 @@ void writeParameterText(MyDocument& document, bool allRows, ParameterTextUse use
     int anchors = 0;
     constexpr std::size_t kLongestLine = kParameterCount * 12 + 2; // "-2147483648\t" a value
     char line[kLongestLine];
+    FrameCell cells[kParameterCount];
     for (int k = 1; k <= table.frames(); ++k) {
-        const CellArray* column = table.fullColumn(k);
+        table.readColumn(k, cells);
         char* out = line;
         for (int row = 0; row < kParameterCount; ++row) {
-            const FrameCell cell = column ? frameCell(*(*column)[row]) : table.cell(k, row);
+            const FrameCell& cell = cells[row];
             if (cell.anchor && (snapshot || cell.selected)) {
                 const char* name = c.m_Parameters[row].strName;
                 anchorEntries += name ? name : "";
@@ -243,22 +165,23 @@ void writeParameterText(MyDocument& document, bool allRows, ParameterTextUse use
 
     std::string head;
     head.reserve(anchorEntries.size() + 1024);
-    writeSettings(document, head, anchors, snapshot ? kSnapshotMarker : kFileMarker);
-    TenPerLine flags(head);
-    for (int row = 0; row < kParameterCount; ++row) {
-        MyDocument::EnterNumber(head, table.rowSelected(row) ? 1 : 0, false);
-        flags.entryWritten();
-    }
-    flags.close();
+    writeHead(document, table, anchors, snapshot ? kSnapshotMarker : kFileMarker, head);
     if (anchors > 0) {
         entries.close();
         head += anchorEntries;
     }
-    for (int row = 0; row < kParameterCount; ++row)
-        if (allRows || table.rowSelected(row))
-            MyDocument::EnterParameter(head, c.m_Parameters[row].strName);
-    MyDocument::EnterNumber(head, 0, true);
+    writeNames(c, table, allRows, head);
     text.insert(0, head);
+}
+
+FrameImage writeSnapshotImage(MyDocument& document, const FrameImage& previous, std::string& head)
+{
+    TableReader table(document);
+    FrameImage frames = table.image(previous);
+    head.clear();
+    writeHead(document, table, frames.anchorCount(), kSnapshotMarker, head);
+    writeNames(*document.getChannel(0), table, true, head);
+    return frames;
 }
 
 void MyDocument::EnterNumber(std::string& text, int number, bool bCRLFOnly)

@@ -341,15 +341,17 @@ long long fillGrid(Channels& channel, const ParsedDocument& doc)
 
 } // namespace
 
-int readParameterText(MyDocument& document, std::string_view text, ParameterTextUse use, std::string& reason)
+namespace
+{
+
+// Puts what was parsed into the document: the grid first (when memory runs out the settings stay
+// as they were), then the settings, colours, flags and anchors, then the values through
+// `fill`, which answers how many it clamped.
+template <typename Fill>
+int applyDocument(MyDocument& document, ParsedDocument& doc, ParameterTextUse use, std::string& reason,
+                  Fill fill)
 {
     Channels& c = *document.getChannel(0);
-    ParsedDocument doc;
-    reason.clear();
-    if (!parseDocument(c, text, use, doc, reason))
-        return -1;
-
-    // Build the grid first: when memory runs out the settings stay as they were.
     const int columns = c.m_nColumnNum;
     c.m_nColumnNum = doc.frames;
     try {
@@ -376,7 +378,7 @@ int readParameterText(MyDocument& document, std::string_view text, ParameterText
     c.m_pAnchorPosition = std::move(doc.anchors);
     c.m_nNumberofAnchors = static_cast<std::int32_t>(c.m_pAnchorPosition.size() / 2);
     c.m_nParameterNumber = doc.knownRows;
-    const long long clamped = fillGrid(c, doc);
+    const long long clamped = fill(c);
     c.m_bHaveData = 1;
     c.m_bSynthesize = 1;
     if (use == ParameterTextUse::File) {
@@ -387,4 +389,52 @@ int readParameterText(MyDocument& document, std::string_view text, ParameterText
         document.setFileType("stk");
     }
     return 0;
+}
+
+} // namespace
+
+int readParameterText(MyDocument& document, std::string_view text, ParameterTextUse use, std::string& reason)
+{
+    ParsedDocument doc;
+    reason.clear();
+    if (!parseDocument(*document.getChannel(0), text, use, doc, reason))
+        return -1;
+    return applyDocument(document, doc, use, reason, [&doc](Channels& c) { return fillGrid(c, doc); });
+}
+
+int readSnapshotImage(MyDocument& document, std::string_view head, const FrameImage& frames,
+                      std::string& reason, bool* gridIsImage)
+{
+    ParsedDocument doc;
+    reason.clear();
+    if (!parseDocument(*document.getChannel(0), head, ParameterTextUse::Snapshot, doc, reason))
+        return -1;
+    // The frames stand for the value lines and anchor entries the text would have held after
+    // the head: field j of a frame is the written row j, named in the head's names line.
+    doc.valueLines = static_cast<std::size_t>(std::min(frames.frames(), doc.frames));
+    const std::size_t fields = std::min<std::size_t>(doc.columnRows.size(), kParameterCount);
+    for (std::size_t k = 0; k < doc.valueLines; ++k) {
+        const std::uint64_t anchors = frames.anchors(static_cast<int>(k));
+        for (std::size_t j = 0; anchors != 0 && j < fields; ++j)
+            if ((anchors >> j) & 1u && doc.columnRows[j] >= 0) {
+                doc.anchors.push_back(doc.columnRows[j]);
+                doc.anchors.push_back(static_cast<std::int32_t>(k));
+            }
+    }
+    bool identity = fields == kParameterCount;
+    for (std::size_t j = 0; identity && j < fields; ++j)
+        identity = doc.columnRows[j] == static_cast<int>(j);
+    const bool whole = static_cast<int>(doc.valueLines) == frames.frames() && frames.frames() == doc.frames;
+    *gridIsImage = identity && whole && !frames.hasWideValues();
+    return applyDocument(document, doc, ParameterTextUse::Snapshot, reason, [&](Channels& c) {
+        long long clamped = 0;
+        for (std::size_t k = 0; k < doc.valueLines; ++k) {
+            GridColumn& column = c.m_snppDataImage_Col_Row[k];
+            for (std::size_t j = 0; j < fields; ++j)
+                if (const int row = doc.columnRows[j]; row >= 0)
+                    column[static_cast<std::size_t>(row)] = gridValue(
+                        c.m_Parameters[row], frames.value(static_cast<int>(k), static_cast<int>(j)), clamped);
+        }
+        return clamped;
+    });
 }

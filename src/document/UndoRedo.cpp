@@ -2,51 +2,61 @@
 // one after it (redo list); each list keeps the ten most recent, oldest first, and both share
 // one position. A new edit never clears the lists: it only drops their oldest entries. Undo at
 // position k restores the state before the k-th remembered edit, redo the state after it.
+// A snapshot holds the whole document, but the frames an edit left alone are shared with the
+// snapshots before it (DocumentSnapshot), so an edit costs about what it changed.
 #include "document/DocumentException.h"
 #include "document/MyDocument.h"
 #include "document/ParameterDocumentText.h"
 
 #include <algorithm>
 
-namespace
+// Appends a snapshot of the whole document: the head of its snapshot text and an image of its
+// frames, whose blocks the table data has not changed since the last snapshot are shared with
+// it. A full list drops its oldest entry.
+void MyDocument::appendSnapshot(std::vector<DocumentSnapshot>& list)
 {
-
-// Appends a snapshot of the whole document (the text Save_STK_FileType writes with all rows).
-// A full list drops its oldest entry, whose storage the new snapshot reuses.
-void appendSnapshot(MyDocument& document, std::vector<std::string>& list, int depth)
-{
-    const std::size_t keep = static_cast<std::size_t>(std::max(depth, 1));
-    std::string text;
-    if (list.size() >= keep) {
-        text = std::move(list.front());
+    const std::size_t keep = static_cast<std::size_t>(std::max(_nUndoRedoManCount, 1));
+    std::string head;
+    FrameImage frames = writeSnapshotImage(*this, m_lastRecorded, head);
+    if (list.size() >= keep)
         list.erase(list.begin(), list.begin() + static_cast<std::ptrdiff_t>(list.size() - keep + 1));
-    }
-    writeParameterText(document, true, ParameterTextUse::Snapshot, text);
-    list.push_back(std::move(text));
+    m_lastRecorded = frames;
+    list.push_back(DocumentSnapshot::ofImage(std::move(head), std::move(frames)));
 }
 
-// Reads a snapshot and rebuilds the table data from the grid it filled.
-void restoreSnapshot(MyDocument& document, const std::string& snapshot)
+// Reads a snapshot and rebuilds the table data from the grid it filled (from the snapshot's own
+// frames when the grid holds exactly those, which spares copying the grid).
+void MyDocument::restoreSnapshot(const DocumentSnapshot& snapshot)
 {
-    if (!document.Read_STK_FileTypeDoUndo(snapshot))
-        throw DocumentException("Error in reading the file", document.lastReadError());
-    const std::uint8_t readFile = document.m_bReadFile;
-    document.m_bReadFile = 1; // values and anchors come from the grid just read
-    document.buildDataTableDictionary();
-    document.m_bReadFile = readFile;
+    bool gridIsImage = false;
+    const bool read = snapshot.isImage() ? readSnapshotImage(*this, snapshot.text(), snapshot.frames(),
+                                                             m_strReadError, &gridIsImage) == 0
+                                         : Read_STK_FileTypeDoUndo(snapshot.text());
+    if (!read)
+        throw DocumentException("Error in reading the file", lastReadError());
+    const std::uint8_t readFile = m_bReadFile;
+    m_bReadFile = 1; // values and anchors come from the grid just read
+    try {
+        if (gridIsImage)
+            buildTableDataFrom(snapshot.frames());
+        else
+            buildDataTableDictionary();
+    } catch (...) {
+        m_bReadFile = readFile;
+        throw;
+    }
+    m_bReadFile = readFile;
 }
-
-} // namespace
 
 void MyDocument::saveUndo()
 {
-    appendSnapshot(*this, _arrayUndo, _nUndoRedoManCount);
+    appendSnapshot(_arrayUndo);
     _nUndoRedoIndex = static_cast<std::int32_t>(_arrayUndo.size());
 }
 
 void MyDocument::saveRedo()
 {
-    appendSnapshot(*this, _arrayRedo, _nUndoRedoManCount);
+    appendSnapshot(_arrayRedo);
     _nUndoRedoIndex = static_cast<std::int32_t>(_arrayRedo.size());
 }
 
@@ -76,7 +86,7 @@ void MyDocument::doUndo()
     // (a change recorded with saveRedo alone), undo restores the newest "before" state.
     const std::size_t i =
         std::min<std::size_t>(static_cast<std::size_t>(_nUndoRedoIndex), _arrayUndo.size() - 1);
-    restoreSnapshot(*this, _arrayUndo[i]);
+    restoreSnapshot(_arrayUndo[i]);
 }
 
 void MyDocument::doRedo()
@@ -86,7 +96,7 @@ void MyDocument::doRedo()
     const std::size_t i =
         std::min<std::size_t>(static_cast<std::size_t>(_nUndoRedoIndex), _arrayRedo.size() - 1);
     ++_nUndoRedoIndex;
-    restoreSnapshot(*this, _arrayRedo[i]);
+    restoreSnapshot(_arrayRedo[i]);
 }
 
 bool MyDocument::Read_STK_FileTypeDoUndo(const std::string& snapshot)
@@ -111,6 +121,7 @@ bool MyDocument::doRevertDocumentToSaved()
     buildDataTableDictionary();
     _arrayUndo.clear();
     _arrayRedo.clear();
+    m_lastRecorded = {};
     _nUndoRedoIndex = -1;
     updateChangeCount(ChangeCleared);
     return true;

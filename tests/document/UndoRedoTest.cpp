@@ -168,7 +168,7 @@ TEST(UndoRedo, DamagedSnapshotsAndUnevenListsFailCleanly)
 {
     auto document = makeDocument(30.0);
     edit(*document, 1, Row::av, 40);
-    document->_arrayUndo[0] = "not a snapshot";
+    document->_arrayUndo[0] = DocumentSnapshot::ofText("not a snapshot");
     try {
         document->doUndo();
         FAIL() << "no exception";

@@ -1,0 +1,101 @@
+#include "document/FrameImage.h"
+
+#include <algorithm>
+#include <bit>
+#include <climits>
+#include <unordered_set>
+
+int FrameImage::Block::value(int frame, int row) const
+{
+    const std::int16_t narrow = values[static_cast<std::size_t>(frame)][static_cast<std::size_t>(row)];
+    if (wide.empty())
+        return narrow;
+    const auto key = static_cast<std::uint32_t>(frame * kParameterCount + row);
+    const auto it =
+        std::lower_bound(wide.begin(), wide.end(), std::pair<std::uint32_t, std::int32_t>{key, INT_MIN});
+    return it != wide.end() && it->first == key ? it->second : narrow;
+}
+
+void FrameImage::Block::setValue(int frame, int row, int value)
+{
+    if (value >= INT16_MIN && value <= INT16_MAX) {
+        values[static_cast<std::size_t>(frame)][static_cast<std::size_t>(row)] =
+            static_cast<std::int16_t>(value);
+        return;
+    }
+    // Blocks are filled frame by frame, rows in order, so wide values arrive in order.
+    values[static_cast<std::size_t>(frame)][static_cast<std::size_t>(row)] = 0;
+    wide.emplace_back(static_cast<std::uint32_t>(frame * kParameterCount + row), value);
+}
+
+FrameImage::Builder::Builder(int frames)
+{
+    m_nFrames = std::max(frames, 0);
+    m_blocks.resize(static_cast<std::size_t>((m_nFrames + kBlockFrames - 1) / kBlockFrames));
+}
+
+int FrameImage::Builder::endFrame(std::size_t b) const
+{
+    return std::min(firstFrame(b) + kBlockFrames, m_nFrames);
+}
+
+void FrameImage::Builder::share(std::size_t b, BlockRef block)
+{
+    m_blocks[b] = std::move(block);
+}
+
+FrameImage::Block& FrameImage::Builder::open()
+{
+    if (!m_open)
+        m_open = std::make_shared<Block>();
+    else
+        *m_open = Block{};
+    return *m_open;
+}
+
+void FrameImage::Builder::close(std::size_t b, const BlockRef& candidate1, const BlockRef& candidate2)
+{
+    const BlockRef before = b > 0 ? m_blocks[b - 1] : nullptr;
+    for (const BlockRef& same : {candidate1, candidate2, before}) {
+        if (same && *same == *m_open) {
+            m_blocks[b] = same; // the block written is reused for the next one
+            return;
+        }
+    }
+    m_blocks[b] = std::move(m_open);
+}
+
+FrameImage FrameImage::Builder::take()
+{
+    m_open.reset();
+    FrameImage image;
+    image.m_nFrames = m_nFrames;
+    image.m_blocks = std::move(m_blocks);
+    return image;
+}
+
+long long FrameImage::anchorCount() const
+{
+    long long count = 0;
+    for (int frame = 0; frame < m_nFrames; ++frame)
+        count += std::popcount(anchors(frame));
+    return count;
+}
+
+bool FrameImage::hasWideValues() const
+{
+    return std::any_of(m_blocks.begin(), m_blocks.end(), [](const BlockRef& b) { return !b->wide.empty(); });
+}
+
+std::size_t FrameImage::bytesNotIn(const FrameImage& other) const
+{
+    std::unordered_set<const Block*> shared;
+    for (const BlockRef& b : other.m_blocks)
+        shared.insert(b.get());
+    std::unordered_set<const Block*> counted;
+    std::size_t bytes = 0;
+    for (const BlockRef& b : m_blocks)
+        if (!shared.count(b.get()) && counted.insert(b.get()).second)
+            bytes += sizeof(Block) + b->wide.capacity() * sizeof(b->wide[0]);
+    return bytes;
+}

@@ -1,0 +1,318 @@
+// Undo and redo keep their snapshots as shared blocks of frames. These tests hold them to the
+// plain behaviour: two lists of whole-document snapshot texts, ten deep, one shared position.
+// A reference history kept here with snapshot texts runs beside the document through random
+// sequences of typed edits, whole-row changes, unrecorded changes, added and removed frames,
+// undos and redos, and after every step the document must be exactly the one the reference
+// restores. And on a document of an hour, an edit must cost what it changes.
+#include "document/UndoStep.h"
+#include "table/FrameEditing.h"
+#include "table/TableEditing.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace
+{
+
+// The old undo and redo: whole snapshot texts, restored by reading them and building the table
+// data from the grid read.
+class TextHistory
+{
+public:
+    void record(const std::string& before, const std::string& after)
+    {
+        save(m_undo, before);
+        save(m_redo, after);
+    }
+    void undo(MyDocument& doc)
+    {
+        if (m_nIndex <= 0)
+            return;
+        --m_nIndex;
+        if (m_undo.empty())
+            return;
+        restore(doc, m_undo[std::min<std::size_t>(static_cast<std::size_t>(m_nIndex), m_undo.size() - 1)]);
+    }
+    void redo(MyDocument& doc)
+    {
+        if (m_nIndex == -1 || m_nIndex >= static_cast<int>(m_redo.size()))
+            return;
+        const std::size_t i = std::min<std::size_t>(static_cast<std::size_t>(m_nIndex), m_redo.size() - 1);
+        ++m_nIndex;
+        restore(doc, m_redo[i]);
+    }
+    int index() const { return m_nIndex; }
+    std::size_t undoCount() const { return m_undo.size(); }
+    std::size_t redoCount() const { return m_redo.size(); }
+
+private:
+    void save(std::vector<std::string>& list, const std::string& text)
+    {
+        if (list.size() >= 10)
+            list.erase(list.begin());
+        list.push_back(text);
+        m_nIndex = static_cast<int>(list.size());
+    }
+    static void restore(MyDocument& doc, const std::string& text)
+    {
+        ASSERT_TRUE(doc.Read_STK_FileTypeDoUndo(text));
+        const std::uint8_t readFile = doc.m_bReadFile;
+        doc.m_bReadFile = 1;
+        doc.buildDataTableDictionary();
+        doc.m_bReadFile = readFile;
+    }
+
+    std::vector<std::string> m_undo, m_redo;
+    int m_nIndex = -1;
+};
+
+void makeFrames(MyDocument& doc, int frames)
+{
+    Channels& c = *doc.getChannel(0);
+    c.m_dLengthMS = 10.0 * frames;
+    c.m_nColumnNum = frames;
+    doc.SetUpDataGridMemory();
+    doc.buildDataTableDictionary();
+}
+
+// Everything of a document an undo or redo may touch, as text, for comparing two documents.
+std::string describe(MyDocument& doc)
+{
+    std::ostringstream out;
+    const Channels& c = *doc.getChannel(0);
+    out.precision(17);
+    out << "frames " << c.m_nColumnNum << " length " << c.m_dLengthMS << " rate " << c.m_dSampleRate
+        << " interval " << c.m_nUpdateIntervalMS << " cascade " << int(c.m_bCascade_Parallel) << " rows "
+        << c.m_nParameterNumber << " columns " << doc._dataTableDictionary.count() << "\nanchors";
+    for (int a : c.m_pAnchorPosition)
+        out << ' ' << a;
+    out << "\nshown";
+    for (int row = 0; row < kParameterCount; ++row)
+        out << ' ' << int(c.m_Parameters[row].bSelected);
+    out << "\ncolours";
+    for (int i = 0; i < 10; ++i)
+        out << ' ' << doc.m_bgColor[i].red << ',' << doc.m_bgColor[i].green << ',' << doc.m_bgColor[i].blue;
+    const DataGrid& grid = c.m_snppDataImage_Col_Row;
+    out << "\ngrid " << grid.size() << " stored " << grid.storedColumns() << '\n';
+    for (const GridColumn& column : grid)
+        for (int row = 0; row < kParameterCount; ++row)
+            out << column[row] << ' ';
+    // The snapshot text holds every value and anchor of the table data; the file text the
+    // frame cells' own shown flags.
+    out << '\n' << doc.Save_STK_FileType(true) << '\n' << doc.parameterDocumentText(false);
+    return out.str();
+}
+
+// A document edited through the real operations with its own undo and redo, and a twin edited
+// the same way whose undo and redo are the reference's.
+struct Twins {
+    MyDocument doc, twin;
+    TextHistory reference;
+    std::mt19937 random;
+
+    explicit Twins(unsigned seed, int frames) : random(seed)
+    {
+        makeFrames(doc, frames);
+        makeFrames(twin, frames);
+    }
+    int pick(int low, int high) { return std::uniform_int_distribution<int>(low, high)(random); }
+    int frames() const { return doc.getChannel(0)->m_nColumnNum; }
+
+    // Runs an operation on both documents; `change` answers whether it recorded an undo step,
+    // and the reference then records the texts before and after it.
+    template <typename Change> void both(Change change)
+    {
+        const std::string before = twin.Save_STK_FileType(true);
+        const bool recorded = change(doc);
+        change(twin);
+        if (recorded)
+            reference.record(before, twin.Save_STK_FileType(true));
+    }
+
+    void typedEdit()
+    {
+        const int row = pick(0, kParameterCount - 1), column = pick(1, std::max(frames(), 1));
+        const int value = pick(-50, 6000);
+        const bool anchor = pick(0, 3) == 0;
+        both([&](MyDocument& d) {
+            d.getChannel(0)->m_bDoAnchor = anchor;
+            return typeValue(d, row, column, value) != TypedEntryOutcome::Unchanged;
+        });
+    }
+    // A whole track at once, as Enter All Data and a long stroke change it.
+    void wholeRow()
+    {
+        const int row = pick(0, kParameterCount - 1), base = pick(0, 4000), slope = pick(-3, 3);
+        both([&](MyDocument& d) {
+            asOneUndoStep(d, [&] {
+                CellArray cells = rowCellsArray(d, row);
+                for (std::size_t k = 0; k < cells.size(); ++k)
+                    if (cells[k]) {
+                        const int v = base + slope * static_cast<int>(k);
+                        cells[k]->set_nValue(v);
+                        cells[k]->setInttoStringValue(v);
+                    }
+            });
+            return true;
+        });
+    }
+    // Changes no undo step records: anchors cleared, a row hidden or shown, a cell set.
+    void unrecorded()
+    {
+        const int kind = pick(0, 2), row = pick(0, kParameterCount - 1),
+                  column = pick(1, std::max(frames(), 1));
+        const int value = pick(0, 40000); // beyond 16 bits now and then
+        both([&](MyDocument& d) {
+            if (kind == 0)
+                removeAnchors(d, row, row + 3);
+            else if (CellRef name = d._dataTableDictionary.cellAt(0, row); kind == 1 && name)
+                name->set_bSelected(!name->_bSelected());
+            else if (CellRef cell = d._dataTableDictionary.cellAt(10LL * column, row)) {
+                cell->set_nValue(value);
+                cell->setInttoStringValue(value);
+            }
+            return false;
+        });
+    }
+    void addFrames()
+    {
+        const int place = pick(0, 2), ms = pick(1, 700) * 10, after = pick(1, std::max(frames(), 1));
+        both([&](MyDocument& d) {
+            d._nindexModifyColumn = place;
+            d._nDurationModifyColumn = ms;
+            modifyColumns(d, after);
+            return true;
+        });
+    }
+    void removeFrames()
+    {
+        const int first = pick(1, std::max(frames(), 1));
+        const int last = std::min(first + pick(0, 400), frames());
+        both([&](MyDocument& d) {
+            removeColumns(d, first, last);
+            return true;
+        });
+    }
+};
+
+} // namespace
+
+TEST(UndoHistory, RandomEditsUndosAndRedosRestoreWhatWholeSnapshotsRestore)
+{
+    for (unsigned seed = 1; seed <= 6; ++seed) {
+        // Over 256 frames: several blocks, some shared and some not.
+        Twins t(seed, 300 + 150 * static_cast<int>(seed));
+        for (int step = 0; step < 90; ++step) {
+            const int action = t.pick(0, 99);
+            if (action < 30)
+                t.typedEdit();
+            else if (action < 40)
+                t.wholeRow();
+            else if (action < 48)
+                t.unrecorded();
+            else if (action < 53)
+                t.addFrames();
+            else if (action < 58)
+                t.removeFrames();
+            else if (action < 82) {
+                t.doc.doUndo();
+                t.reference.undo(t.twin);
+            } else {
+                t.doc.doRedo();
+                t.reference.redo(t.twin);
+            }
+            ASSERT_EQ(t.doc._nUndoRedoIndex, t.reference.index()) << "seed " << seed << " step " << step;
+            ASSERT_EQ(t.doc._arrayUndo.size(), t.reference.undoCount());
+            ASSERT_EQ(t.doc._arrayRedo.size(), t.reference.redoCount());
+            ASSERT_EQ(t.doc.canUndo(), t.reference.index() > 0);
+            const std::string got = describe(t.doc), expected = describe(t.twin);
+            ASSERT_TRUE(got == expected)
+                << "seed " << seed << " step " << step << " action " << action << "\n"
+                << got.substr(0, 400) << "\nexpected\n"
+                << expected.substr(0, 400);
+        }
+        EXPECT_EQ(t.doc._arrayUndo.size(), 10u) << "the lists stay ten deep";
+    }
+}
+
+TEST(UndoHistory, AnEditOnAnHourCostsTheBlocksItChangesAndMakesNoColumns)
+{
+    // One hour of frames whose values change from frame to frame, as read from a file.
+    MyDocument doc;
+    Channels& c = *doc.getChannel(0);
+    c.m_dLengthMS = 3600000.0;
+    c.m_nColumnNum = MyDocument::kMaxFrames;
+    doc.SetUpDataGridMemory();
+    for (int k = 0; k < MyDocument::kMaxFrames; ++k)
+        c.m_snppDataImage_Col_Row[static_cast<std::size_t>(k)][Row::f1] =
+            static_cast<std::int16_t>(300 + k % 400);
+    doc.m_bReadFile = 1;
+    doc.buildDataTableDictionary();
+    const DataTableDictionary& data = doc._dataTableDictionary;
+    for (long long k = 0; k <= 40; ++k) // the columns a window shows
+        ASSERT_NE(data.objectForKey(k * 10), nullptr);
+    const std::size_t pending = data.pendingCount();
+
+    ASSERT_EQ(typeValue(doc, Row::f1, 200000, 1234), TypedEntryOutcome::Stored);
+    ASSERT_EQ(typeValue(doc, Row::f2, 3, 1700), TypedEntryOutcome::Stored);
+    EXPECT_EQ(data.pendingCount(), pending - 1) << "only the column typed into was made";
+    // Each snapshot holds one block of its own beside the ones it shares: the block of the
+    // frame changed.
+    const std::size_t block = sizeof(FrameImage::Block);
+    EXPECT_EQ(doc._arrayRedo[0].frames().bytesNotIn(doc._arrayUndo[0].frames()), block);
+    EXPECT_EQ(doc._arrayUndo[1].frames().bytesNotIn(doc._arrayRedo[0].frames()), 0u);
+    EXPECT_EQ(doc._arrayRedo[1].frames().bytesNotIn(doc._arrayUndo[1].frames()), block);
+    // Writing the document reads the columns not made without making them.
+    const std::string text = doc.parameterDocumentText(true);
+    EXPECT_EQ(data.pendingCount(), pending - 1);
+    EXPECT_NE(text.find("\t1234\t"), std::string::npos);
+    std::istringstream lastLine(text.substr(text.rfind("\r\n", text.size() - 3) + 2));
+    std::string field;
+    for (int row = 0; row <= Row::f1; ++row)
+        std::getline(lastLine, field, '\t');
+    EXPECT_EQ(field, std::to_string(300 + 359999 % 400)) << "the last frame, never made";
+
+    doc.doUndo();
+    doc.doUndo();
+    EXPECT_EQ(data.cellAt(2000000, Row::f1)->_nValue(), 300 + 199999 % 400);
+    EXPECT_EQ(data.cellAt(30, Row::f2)->_nValue(), 1500);
+    EXPECT_EQ(c.m_snppDataImage_Col_Row[199999][Row::f1], 300 + 199999 % 400);
+    doc.doRedo();
+    doc.doRedo();
+    EXPECT_EQ(data.cellAt(2000000, Row::f1)->_nValue(), 1234);
+    EXPECT_EQ(data.cellAt(30, Row::f2)->_nValue(), 1700);
+    EXPECT_EQ(data.cellAt(3600000, Row::f1)->_nValue(), 300 + 359999 % 400);
+    EXPECT_GT(data.pendingCount(), pending - 10) << "a restore makes no columns either";
+}
+
+TEST(UndoHistory, ValuesBeyondSixteenBitsAndRunsOfEqualFramesAreKept)
+{
+    // A value no 16-bit grid cell holds comes back through undo clamped to its row's limit, as
+    // reading the snapshot text gives it; equal stretches of frames share one block.
+    Twins t(7, 2000);
+    t.both([&](MyDocument& d) {
+        asOneUndoStep(d, [&] {
+            for (int k : {1, 700, 1999}) {
+                CellRef cell = d._dataTableDictionary.cellAt(10LL * k, Row::f0);
+                cell->set_nValue(k == 700 ? -70000 : 70000);
+                cell->setInttoStringValue(cell->_nValue());
+            }
+        });
+        return true;
+    });
+    t.doc.doUndo();
+    t.reference.undo(t.twin);
+    t.doc.doRedo();
+    t.reference.redo(t.twin);
+    EXPECT_EQ(describe(t.doc), describe(t.twin));
+    EXPECT_EQ(t.doc._dataTableDictionary.cellAt(7000, Row::f0)->_nValue(),
+              t.doc.getChannel(0)->m_Parameters[Row::f0].nMinValue);
+    EXPECT_TRUE(t.doc._arrayRedo[0].frames().hasWideValues());
+    // 2000 frames are eight blocks: the undo image of an untouched new document holds one.
+    EXPECT_EQ(t.doc._arrayUndo[0].frames().bytesNotIn(FrameImage{}), sizeof(FrameImage::Block));
+}
