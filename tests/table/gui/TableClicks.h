@@ -1,11 +1,14 @@
 #pragma once
 // Mouse clicks on a shown parameter table as a user makes them: on a parameter's name (the
-// frozen names over column 0), on a frame's header, on a cell.
+// frozen names over column 0), on a frame's header, on a cell; and typing into a cell.
 #include "table/gui/FrozenColumnView.h"
 #include "table/gui/mainTable.h"
 
+#include <QCoreApplication>
 #include <QHeaderView>
+#include <QLineEdit>
 #include <QTest>
+#include <gtest/gtest.h>
 
 inline void clickName(mainTable& table, int row, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
 {
@@ -26,4 +29,21 @@ inline void clickCell(mainTable& table, int row, int column, Qt::KeyboardModifie
 {
     const QPoint at = table.visualRect(table.model()->index(row, column)).center();
     QTest::mouseClick(table.viewport(), Qt::LeftButton, modifiers, at);
+}
+
+// Types text into a cell through the keyboard: the edit key, the text, Return.
+inline void typeIntoCell(mainTable& table, int row, int column, const QString& text)
+{
+    const QModelIndex index = table.model()->index(row, column);
+    table.setCurrentIndex(index);
+    table.scrollTo(index);
+    table.activateWindow();
+    table.setFocus();
+    QTest::keyClick(&table, Qt::Key_F2); // the edit key opens the cell's editor
+    auto* editor = qobject_cast<QLineEdit*>(table.indexWidget(index));
+    ASSERT_NE(editor, nullptr);
+    editor->selectAll();
+    QTest::keyClicks(editor, text);
+    QTest::keyClick(editor, Qt::Key_Return);
+    QCoreApplication::processEvents(); // the editor commits on the next turn of the loop
 }

@@ -72,21 +72,7 @@ struct TableFixture {
         }));
     }
     // Types text into a cell through the keyboard, as a user does.
-    void type(int row, int column, const QString& text)
-    {
-        const QModelIndex index = table->model()->index(row, column);
-        table->setCurrentIndex(index);
-        table->scrollTo(index);
-        table->activateWindow();
-        table->setFocus();
-        QTest::keyClick(table.get(), Qt::Key_F2); // the edit key opens the cell's editor
-        auto* editor = qobject_cast<QLineEdit*>(table->indexWidget(index));
-        ASSERT_NE(editor, nullptr);
-        editor->selectAll();
-        QTest::keyClicks(editor, text);
-        QTest::keyClick(editor, Qt::Key_Return);
-        QCoreApplication::processEvents(); // the editor commits on the next turn of the loop
-    }
+    void type(int row, int column, const QString& text) { typeIntoCell(*table, row, column, text); }
     void waitForPlaybackEnd()
     {
         for (int i = 0; i < 200 && mainTable::sharedPlayer()->isPlaying(); ++i)
