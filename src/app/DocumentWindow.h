@@ -89,6 +89,14 @@ protected:
 
 private:
     void createMenus();
+    // One menu each (DocumentWindowMenus.cpp); the data-entry menu only with a data-entry window.
+    QMenu* createFileMenu();
+    QMenu* createEditMenu();
+    QMenu* createFramesMenu();
+    QMenu* createPlayMenu();
+    void createDataEntryMenu();
+    QMenu* createAnalysisMenu();
+    QMenu* createOptionsMenu();
     void createStatusBar();
     void setUpAutosave();
     // After a change: a copy within the autosave interval (not postponed by later changes).

@@ -1,8 +1,11 @@
 #include "document/MyDocument.h"
 
 #include "document/DocumentException.h"
+#include "document/SynthesisHook.h"
 
 #include <algorithm>
+#include <cmath>
+#include <cstdio>
 #include <iterator>
 #include <new>
 
@@ -18,6 +21,11 @@ MyDocument::ConfigurationHook& configurationWriter()
     static MyDocument::ConfigurationHook hook;
     return hook;
 }
+SynthesisFunction& synthesisFunction()
+{
+    static SynthesisFunction function = nullptr;
+    return function;
+}
 } // namespace
 
 void MyDocument::setConfigurationLoader(ConfigurationHook loader)
@@ -28,6 +36,28 @@ void MyDocument::setConfigurationLoader(ConfigurationHook loader)
 void MyDocument::setConfigurationWriter(ConfigurationHook writer)
 {
     configurationWriter() = std::move(writer);
+}
+
+void setSynthesisFunction(SynthesisFunction function)
+{
+    synthesisFunction() = function;
+}
+
+void MyDocument::Synthesize()
+{
+    if (!synthesisFunction())
+        throw DocumentException("Synthesis", "no synthesizer is installed in this program");
+    synthesisFunction()(*this);
+}
+
+void MyDocument::CopyCurrentToPrevious()
+{
+    m_Channel[1]->Duplicate(*m_Channel[0]);
+}
+
+void MyDocument::MoveCurrentToPrevious()
+{
+    m_Channel[1]->DuplicateTakingSamples(*m_Channel[0]);
 }
 
 void MyDocument::saveConfig()
@@ -202,4 +232,14 @@ int MyDocument::synthesisSampleRate() const
     const bool highFormants = std::any_of(std::begin(kHighFormantRows), std::end(kHighFormantRows),
                                           [&c](int row) { return c.m_Parameters[row].bSelected != 0; });
     return highFormants ? 22050 : 11025;
+}
+
+std::string MyDocument::clippingReport() const
+{
+    if (m_nClippedSamples <= 0)
+        return {};
+    char text[96];
+    std::snprintf(text, sizeof text, "%lld samples clipped (peak %.1f dB)",
+                  static_cast<long long>(m_nClippedSamples), 20.0 * std::log10(m_dPeakLevel));
+    return text;
 }

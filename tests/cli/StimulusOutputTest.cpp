@@ -4,7 +4,7 @@
 #include "stimulus/SignalProbe.h"
 
 #include "document/MyDocument.h"
-#include "support/TestDocument.h"
+#include "support/TestDocuments.h"
 
 #include <gtest/gtest.h>
 #include <sndfile.h>

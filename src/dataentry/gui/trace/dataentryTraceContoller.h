@@ -1,5 +1,5 @@
 #pragma once
-// The trace window: three views on the grid's time axis over the analysis of the model
+// The trace window (a DataEntryWindow): three views on the grid's time axis over the analysis of the model
 // utterance (viewPitch: the pitch track and f0; viewSpectrogram: the spectrogram with formant
 // tracks and f1 .. f5; viewAmplitudes: a1f .. a5f, av, apv in dB), thirteen track buttons that
 // act as one radio group (choosing a formant also chooses its amplitude), six colour wells,
@@ -12,20 +12,16 @@
 // default 800 x 400 frame are fixed (the spectrogram view is 695 x 187, which the headless
 // entry uses as its default). The controller owns its window; the table owns the controller.
 // Main thread only.
-#include "dataentry/gui/DataEntryControls.h"
-#include "table/gui/DataEntryController.h"
+#include "dataentry/gui/DataEntryWindow.h"
 
 #include <QColor>
 #include <QMessageBox>
-#include <QObject>
 #include <QPointer>
 
 #include <array>
 #include <functional>
 #include <memory>
-#include <optional>
 
-class MyDocument;
 class mainTable;
 class viewPitch;
 class viewSpectrogram;
@@ -33,19 +29,12 @@ class viewAmplitudes;
 class TraceView;
 class QCheckBox;
 class QLabel;
-class QScrollBar;
-class TimeAxisZoom;
-
-class QPushButton;
 class QWidget;
 
-class dataentryTraceContoller : public QObject, public DataEntryController
+class dataentryTraceContoller : public DataEntryWindow
 {
     Q_OBJECT
 public:
-    using Button = DataEntryControls::Button;
-    using enum DataEntryControls::Button;
-
     dataentryTraceContoller(MyDocument* doc, mainTable* table, QObject* parent = nullptr);
     ~dataentryTraceContoller() override;
 
@@ -53,10 +42,8 @@ public:
     void setupViews() override;
     QWidget* window() override;
 
-    void setmaintableID(mainTable* table);
     // What Ctrl+S runs (the document window's save); none: Ctrl+S does nothing.
     void setSaveCommand(std::function<void()> save) { m_save = std::move(save); }
-    MyDocument* document() const { return m_pDoc; }
 
     void actionTrace(Button button);
     void actionColor(int well, const QColor& color);
@@ -64,22 +51,12 @@ public:
     void actionViewOldData(bool show);
     QColor getControlColor(const std::string& key) const;
 
-    void undo();
-    void redo();
-    void _PlayCurrent();
-    void _PlayPrevious();
-    void _PlayAudio();
-
     viewPitch* _viewPitch() const { return m_viewPitch; }
     viewSpectrogram* _viewSpectrogram() const { return m_viewSpectrogram; }
     viewAmplitudes* _viewAmplitudes() const { return m_viewAmplitudes; }
-    QPushButton* button(Button b) const { return m_controls->button(b); }
     QPushButton* _EnterAllData() const { return m_enterAllData; }
     QCheckBox* _ViewOldData() const { return m_viewOldData; }
     QLabel* statusLabel() const { return m_status; }
-    // The zoom and scroll position the three views share, and its scroll bar.
-    TimeAxisZoom* timeAxis() const { return m_timeAxis; }
-    QScrollBar* scrollBar() const { return m_scrollBar; }
     // The last sheet shown (nullptr when none is open).
     QMessageBox* sheet() const { return m_sheet; }
     // Enter All Data was asked for while the spectrogram was computing: it runs on arrival.
@@ -97,21 +74,16 @@ private:
     void showSheet(const QString& title, const QString& message, const QString& buttonText);
     void spectrogramComputing(bool computing);
     void enterAllDataNow();
-    void forward(void (mainTable::*command)());
     std::array<TraceView*, 3> views() const;
+    std::array<DataEntryPlot*, 3> plots() const override;
 
-    MyDocument* m_pDoc = nullptr;
-    mainTable* m_mainTableID = nullptr;
     std::unique_ptr<QWidget> m_window;
     viewPitch* m_viewPitch = nullptr;
     viewSpectrogram* m_viewSpectrogram = nullptr;
     viewAmplitudes* m_viewAmplitudes = nullptr;
-    std::optional<DataEntryControls> m_controls;
     QPushButton* m_enterAllData = nullptr;
     QCheckBox* m_viewOldData = nullptr;
     QLabel* m_status = nullptr;
-    TimeAxisZoom* m_timeAxis = nullptr;
-    QScrollBar* m_scrollBar = nullptr;
     QPointer<QMessageBox> m_sheet;
     std::function<void()> m_save;
     bool m_bEnterPending = false;
