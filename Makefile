@@ -43,6 +43,9 @@ test-asan: deps
 bench: build
 	@for b in $(BUILD)/bin/bench_*; do echo "== $$b"; $$b --benchmark_repetitions=5 --benchmark_report_aggregates_only=true; done
 	@echo "== tessaphon-cli, whole processes"; bash bench/cli_bench.sh $(BUILD)
+	@if [ -d $(BUILD)/python/tessaphon ]; then \
+		echo "== Python module"; PYTHONPATH=$(BUILD)/python /usr/bin/python3 bench/python_bench.py $(BUILD); \
+	fi
 
 # Each fuzz target runs for FUZZ_SECONDS on its seeds (made by the program itself) and on the
 # inputs kept in fuzz/corpus/<target>/, which the tests replay. New inputs go to the build's
@@ -59,14 +62,17 @@ fuzz: deps
 			$$corpus fuzz/corpus/$$name || exit 1; \
 	done
 
-# Installs the programs, man pages, desktop entry, MIME type and icon under PREFIX (default
-# ~/.local), then refreshes the desktop's caches there so the menu and file manager see them.
+# Installs the programs, man pages, desktop entry, MIME type, icon and Python module under PREFIX
+# (default ~/.local), then refreshes the desktop's caches there so the menu and file manager see them.
 install: build
 	cmake --install $(BUILD) --prefix $(PREFIX)
 	-@command -v update-mime-database >/dev/null && update-mime-database $(PREFIX)/share/mime
 	-@command -v update-desktop-database >/dev/null && update-desktop-database $(PREFIX)/share/applications
 	-@command -v gtk-update-icon-cache >/dev/null && gtk-update-icon-cache -q -t $(PREFIX)/share/icons/hicolor
 	@echo "Installed under $(PREFIX); make sure $(PREFIX)/bin is on your PATH."
+	@if [ -d $(PREFIX)/lib/python3/dist-packages/tessaphon ]; then \
+		echo "Python module: PYTHONPATH=$(PREFIX)/lib/python3/dist-packages python3 -c 'import tessaphon'"; \
+	fi
 
 clean:
 	rm -rf $(BUILD) $(FUZZ_BUILD) $(ASAN_BUILD)

@@ -5,6 +5,8 @@
 function(tessaphon_library name)
     cmake_parse_arguments(ARG "QT" "" "SOURCES;DEPENDS" ${ARGN})
     add_library(${name} STATIC ${ARG_SOURCES})
+    # Position-independent, so that the Python module (a shared object) links the same libraries.
+    set_target_properties(${name} PROPERTIES POSITION_INDEPENDENT_CODE ON)
     target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
     if(ARG_DEPENDS)
         target_link_libraries(${name} PUBLIC ${ARG_DEPENDS})

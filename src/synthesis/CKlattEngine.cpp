@@ -12,12 +12,21 @@
 
 namespace klatt_state
 {
-double nlast = 0.0;
-double natural_vwave = 0.0;
-double impulsive_vwave = 0.0;
-std::int32_t skew = 0;
-std::int64_t time_count = 0;
-std::uint64_t noise_state = 1;
+thread_local double nlast = 0.0;
+thread_local double natural_vwave = 0.0;
+thread_local double impulsive_vwave = 0.0;
+thread_local std::int32_t skew = 0;
+thread_local std::int64_t time_count = 0;
+thread_local std::uint64_t noise_state = 1;
+
+// Every piece of the state back to its value at program start.
+void reset()
+{
+    nlast = natural_vwave = impulsive_vwave = 0.0;
+    skew = 0;
+    time_count = 0;
+    noise_state = 1;
+}
 
 // Four numbers per step: four interleaved states each jump four places ahead, so that they do
 // not wait for each other. The sequence is the one a single state stepping one place gives.
@@ -211,6 +220,11 @@ void pitchSynchronousReset(klatt_global_t& g, klatt_frame_t& f)
 }
 
 CKlattEngine::CKlattEngine() = default;
+
+void CKlattEngine::resetCarriedState()
+{
+    klatt_state::reset();
+}
 CKlattEngine::~CKlattEngine() = default;
 
 double CKlattEngine::DBtoLIN(int dB)

@@ -128,6 +128,12 @@ public:
     // samples and the peak into globals->clipped_samples and peak_magnitude. Rewrites frame fields.
     void parwave(klatt_global_t* globals, klatt_frame_t* frame, int* output);
 
+    // Puts the calling thread's carried-over state (noise memory, pulse accumulators, skew sign,
+    // flutter counter, noise generator) back to its values at program start, so that the next
+    // run equals a fresh program's first. The workbench never calls it; the Python module does
+    // before each synthesis, so that every call gives the samples tessaphon-cli writes.
+    static void resetCarriedState();
+
     // dB to linear gain: amptable[dB] * 0.001, and 0 for any dB outside 0..87.
     static double DBtoLIN(int dB);
 

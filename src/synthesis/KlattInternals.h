@@ -7,16 +7,21 @@
 #include <cmath>
 #include <cstdint>
 
-// Process-wide state. It outlives every run and is never reset, not even by parwave_init, so
-// a second synthesis of the same frames need not repeat the first bit for bit. Intended.
+// State carried from run to run. It outlives every run and is never reset, not even by
+// parwave_init, so a second synthesis of the same frames need not repeat the first bit for bit.
+// Intended. Each thread has its own, so that syntheses on several threads at once (the Python
+// module's) never share it; a program that synthesizes on one thread sees one process-wide state.
 namespace klatt_state
 {
-extern double nlast;              // noise low-pass memory
-extern double natural_vwave;      // natural pulse accumulator
-extern double impulsive_vwave;    // the impulsive source's last excitation
-extern std::int32_t skew;         // alternate-period skew; its sign says which way the next period goes
-extern std::int64_t time_count;   // flutter counter, one step per frame
-extern std::uint64_t noise_state; // noise generator
+extern thread_local double nlast;           // noise low-pass memory
+extern thread_local double natural_vwave;   // natural pulse accumulator
+extern thread_local double impulsive_vwave; // the impulsive source's last excitation
+extern thread_local std::int32_t skew; // alternate-period skew; its sign says which way the next period goes
+extern thread_local std::int64_t time_count;   // flutter counter, one step per frame
+extern thread_local std::uint64_t noise_state; // noise generator
+
+// Every piece of the state above back to its value at program start.
+void reset();
 
 // The noise generator: a 64-bit linear congruential generator whose high bits give uniform
 // integers 0..2^31-1, the range of the C library's rand(). rand() takes a lock on every call,

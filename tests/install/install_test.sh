@@ -2,11 +2,13 @@
 # Installs the build into a temporary prefix and checks what a desktop and a shell see there:
 # the programs run, the desktop entry is valid and opens documents and recordings, *.stk maps to
 # the parameter document type, the icon is there in both forms, and the man page of tessaphon-cli
-# has a section for every command the program offers.
-#   install_test.sh BUILD_DIR WITH_GUI
+# has a section for every command the program offers; with a Python interpreter given, the
+# module imports from PREFIX/lib/python3/dist-packages and synthesizes.
+#   install_test.sh BUILD_DIR WITH_GUI [PYTHON]
 set -euo pipefail
 build=$1
 gui=$2
+python=${3:-}
 prefix=$(mktemp -d)
 trap 'rm -rf "$prefix"' EXIT
 fail() { echo "FAIL: $*" >&2; exit 1; }
@@ -57,5 +59,14 @@ if [ "$gui" = "ON" ]; then
     header=$(od -An -tx1 -N24 "$png" | tr -d ' \n')
     [ "${header:0:16}" = "89504e470d0a1a0a" ] || fail "the 256 px icon is not a PNG"
     [ "${header:32:16}" = "0000010000000100" ] || fail "the PNG icon is not 256 x 256"
+fi
+if [ -n "$python" ]; then
+    site="$prefix/lib/python3/dist-packages"
+    [ -f "$site/tessaphon/__init__.py" ] || fail "no Python package tessaphon under $site"
+    PYTHONPATH="$site" "$python" -c "
+import sys, tessaphon
+samples = tessaphon.synthesize(tessaphon.Document.new(length_ms=100))
+sys.exit(0 if tessaphon.__file__.startswith('$site') and len(samples) == 1102 else 1)" ||
+        fail "the installed Python module does not import and synthesize"
 fi
 echo "install: 1 passed, 0 failed"
