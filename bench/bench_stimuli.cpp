@@ -92,8 +92,9 @@ std::vector<std::string> continuumArguments(const std::string& folder)
     const fs::path a = workFolder() / "ba.stk", b = workFolder() / "da.stk";
     writeDocument(a, 1000, 1000, 1200);
     writeDocument(b, 1000, 1200, 2200);
-    return {"continuum", a.string(), b.string(), "--steps", "11", "--scale", "bark", "-o",
-            (workFolder() / folder).string()};
+    return {"continuum", a.string(), b.string(),
+            "--steps",   "11",       "--scale",
+            "bark",      "-o",       (workFolder() / folder).string()};
 }
 
 void BM_Continuum11Steps(benchmark::State& state)

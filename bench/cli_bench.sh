@@ -88,7 +88,6 @@ fi
 run_case "phonemes: 10 words of text to a document" "$CLI" phonemes --text \
     "The quick brown fox jumps over the lazy dog today." -o "$WORK/text.stk"
 run_case "formants 10 s, 1000 x 400" "$CLI" formants "$WORK/10s.wav" --columns 1000 --rows 400
-
 # Copy synthesis of a 10 s recording (RECORDING=path, else the 10 s synthesis above): the trace
 # path and, when the build has it, copysynth, recording to document; then the figures judging a
 # synthesis of the traced document.

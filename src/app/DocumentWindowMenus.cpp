@@ -2,7 +2,9 @@
 #include "app/DocumentWindow.h"
 
 #include "app/WorkbenchApplication.h"
+#include "copysynth/gui/CopySynthesisCommand.h"
 #include "document/MyDocument.h"
+#include "stimulus/gui/AudioOutputPanel.h"
 #include "table/gui/mainTable.h"
 
 #include <QAction>
@@ -15,6 +17,7 @@ void DocumentWindow::createMenus()
 {
     QMenu* file = createFileMenu();
     QMenu* edit = createEditMenu();
+    createViewMenu();
     QMenu* frames = createFramesMenu();
     QMenu* play = createPlayMenu();
     createDataEntryMenu();
@@ -52,6 +55,7 @@ QMenu* DocumentWindow::createFileMenu()
     file->addAction(tr("Rec&ord Model..."), this, &DocumentWindow::recordModel);
     m_pSaveModel = file->addAction(tr("Save Mo&del Audio..."), this, &DocumentWindow::saveModelAudio);
     file->addAction(tr("Make Co&ntinuum..."), this, &DocumentWindow::makeContinuum);
+    createLabelMenus(file);
     file->addSeparator();
     file->addAction(tr("&Load Configuration..."), this, &DocumentWindow::loadConfiguration);
     file->addAction(tr("Save Con&figuration..."), this, &DocumentWindow::saveConfiguration);
@@ -114,6 +118,9 @@ void DocumentWindow::createDataEntryMenu()
         if (mainTable::hasTraceDataEntry())
             m_pTrace = entry->addAction(tr("&Trace Over Model..."), QKeySequence(tr("Ctrl+T")), m_pTable,
                                         &mainTable::_dataentryTrace);
+        m_pCopySynthesis = entry->addAction(tr("&Automatic Copy Synthesis"), QKeySequence(tr("Ctrl+Shift+E")),
+                                            this, [this] { CopySynthesisCommand::start(*m_pTable, this); });
+        connect(entry, &QMenu::aboutToShow, this, &DocumentWindow::updateActions);
     }
 }
 
@@ -141,6 +148,8 @@ QMenu* DocumentWindow::createOptionsMenu()
     options->addAction(tr("FFT/&LPC..."), m_pTable, &mainTable::_optionsFFTLPC);
     options->addAction(tr("&Spectrogram..."), m_pTable, &mainTable::_optionsSpectrogram);
     options->addAction(tr("P&itch..."), m_pTable, &mainTable::_optionsPitch);
+    options->addSeparator();
+    options->addAction(tr("&Audio Output..."), this, [this] { AudioOutputPanel(this).run(this); });
     return options;
 }
 
@@ -156,6 +165,8 @@ void DocumentWindow::updateActions()
     m_pSaveModel->setEnabled(model);
     if (m_pTrace)
         m_pTrace->setEnabled(model);
+    if (m_pCopySynthesis)
+        m_pCopySynthesis->setEnabled(model);
     if (m_pSpectrogramModel)
         m_pSpectrogramModel->setEnabled(model);
     // The first frame cannot be analysed from the table: column 1 is not enough.

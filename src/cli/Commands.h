@@ -9,3 +9,4 @@ void addSliceCommands(CLI::App& app);
 void addContinuumCommand(CLI::App& app);
 void addInterchangeCommands(CLI::App& app);
 void addPhonemesCommand(CLI::App& app);
+void addCopySynthCommand(CLI::App& app);

@@ -37,6 +37,7 @@ int main(int argc, char** argv)
     addSliceCommands(app);
     addContinuumCommand(app);
     addInterchangeCommands(app);
+    addCopySynthCommand(app);
     addPhonemesCommand(app);
 
     try {

@@ -1,5 +1,6 @@
 #include "document/MyDocument.h"
 
+#include "document/CountedText.h"
 #include "document/DocumentException.h"
 #include "document/SynthesisHook.h"
 
@@ -238,8 +239,21 @@ std::string MyDocument::clippingReport() const
 {
     if (m_nClippedSamples <= 0)
         return {};
-    char text[96];
-    std::snprintf(text, sizeof text, "%lld samples clipped (peak %.1f dB)",
-                  static_cast<long long>(m_nClippedSamples), 20.0 * std::log10(m_dPeakLevel));
-    return text;
+    char peak[48];
+    std::snprintf(peak, sizeof peak, " clipped (peak %.1f dB)", 20.0 * std::log10(m_dPeakLevel));
+    return countedText(m_nClippedSamples, "sample", "samples") + peak;
+}
+
+bool MyDocument::isSilent() const
+{
+    // A sample below one step of 16 bits is written to a WAVE file as 0.
+    return m_nSynthesizedSamples > 0 && m_dPeakLevel < 1.0 / 32768.0;
+}
+
+std::string MyDocument::synthesisWarning() const
+{
+    if (isSilent())
+        return "the synthesis is silent: no sample reaches one step of 16 bits (look at gain and the "
+               "amplitudes)";
+    return clippingReport();
 }

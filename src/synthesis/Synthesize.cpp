@@ -285,6 +285,7 @@ void synthesizeDocument(MyDocument& document)
     Log::line("end synthesize");
     document.m_nClippedSamples = buffers->globals->clipped_samples;
     document.m_dPeakLevel = buffers->globals->peak_magnitude / 32768.0;
+    document.m_nSynthesizedSamples = static_cast<std::int64_t>(capacity);
     buffers.reset();
     channel.m_bSynthesize = 0;
     channel.m_bSampleRateChanged = 0;

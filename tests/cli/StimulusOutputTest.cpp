@@ -1,13 +1,13 @@
 // The output options of synth and continuum as a user runs them, the files checked from
 // outside (libsndfile): rates, levels, ramps, figures in the manifests, refusals, new folders.
 #include "CliRunner.h"
-#include "stimulus/SignalProbe.h"
+#include "support/AudioFileProbe.h"
+#include "support/SignalProbe.h"
 
 #include "document/MyDocument.h"
 #include "support/TestDocuments.h"
 
 #include <gtest/gtest.h>
-#include <sndfile.h>
 
 #include <map>
 #include <sstream>
@@ -24,20 +24,11 @@ void saveVowel(const std::string& path, int frames, int f2, int av)
     ASSERT_TRUE(document->writeSafelyToURL(path, "stk", &error)) << error;
 }
 
-struct Audio {
-    SF_INFO info{};
-    std::vector<float> samples;
-};
+using Audio = probe::AudioFile;
 
 Audio readAudio(const std::string& path)
 {
-    Audio a;
-    if (SNDFILE* f = sf_open(path.c_str(), SFM_READ, &a.info)) {
-        a.samples.resize(static_cast<std::size_t>(a.info.frames));
-        sf_read_float(f, a.samples.data(), a.info.frames);
-        sf_close(f);
-    }
-    return a;
+    return probe::readAudioFile(path);
 }
 
 // A CSV file as rows of named fields.

@@ -1,14 +1,15 @@
 // Stimulus files as other programs read them (libsndfile): sample values, widths, formats,
 // levels against their targets, the figures against the files, refusals.
-#include "SignalProbe.h"
+#include "support/AudioFileProbe.h"
+#include "support/SignalProbe.h"
 
 #include "document/DocumentException.h"
 #include "document/PcmWaveWriter.h"
 #include "stimulus/PendingStimuli.h"
 #include "stimulus/StimulusFile.h"
+#include "stimulus/StimulusOutputFile.h"
 
 #include <gtest/gtest.h>
-#include <sndfile.h>
 
 #include <filesystem>
 #include <fstream>
@@ -27,24 +28,11 @@ struct Folder {
     std::string operator/(const char* name) const { return (path / name).string(); }
 };
 
-struct ReadBack {
-    SF_INFO info{};
-    std::vector<int> values; // 32-bit full scale
-    std::vector<float> samples;
-};
+using ReadBack = probe::AudioFile;
 
 ReadBack readBack(const std::string& path)
 {
-    ReadBack r;
-    SNDFILE* f = sf_open(path.c_str(), SFM_READ, &r.info);
-    if (!f)
-        return r;
-    r.values.resize(static_cast<std::size_t>(r.info.frames));
-    sf_read_int(f, r.values.data(), r.info.frames);
-    sf_close(f);
-    for (const int v : r.values)
-        r.samples.push_back(static_cast<float>(v / 2147483648.0));
-    return r;
+    return probe::readAudioFile(path);
 }
 
 std::string bytesOf(const std::string& path)
@@ -167,4 +155,37 @@ TEST(StimulusFile, PlainFiguresCountTheWrappedSamplesAndPendingStimuliComeBackWh
         EXPECT_EQ(back.rate(), 22050);
         EXPECT_THROW(pending.take(3), DocumentException); // taken once
     }
+}
+
+TEST(StimulusOutputFile, SettingsRoundTripAndADamagedFileChangesNothing)
+{
+    StimulusOutput o;
+    for (const auto& [name, value] :
+         std::vector<std::pair<std::string, std::string>>{{"rate", "48000"},
+                                                          {"normalize", "peak:-1.5"},
+                                                          {"allow-clip", ""},
+                                                          {"ramp", "7.5"},
+                                                          {"pad", "10,20"},
+                                                          {"bits", "24"},
+                                                          {"format", "flac"}})
+        ASSERT_TRUE(o.set(name, value, nullptr)) << name;
+    StimulusOutput back;
+    ASSERT_TRUE(StimulusOutputFile::decode(StimulusOutputFile::encode(o), back));
+    EXPECT_EQ(back.commandLine(), o.commandLine());
+    EXPECT_EQ(back.summary(), o.summary());
+    // The defaults written out read back as plain output: Save Audio keeps its own bytes.
+    StimulusOutput plain;
+    ASSERT_TRUE(StimulusOutputFile::decode(StimulusOutputFile::encode(StimulusOutput{}), plain));
+    EXPECT_TRUE(plain.plain());
+    for (const char* damaged : {"rate 44100\nbits 12\n", "speed 2\n", "normalize loud\n"}) {
+        StimulusOutput kept = back;
+        EXPECT_FALSE(StimulusOutputFile::decode(damaged, kept)) << damaged;
+        EXPECT_EQ(kept.commandLine(), back.commandLine()) << damaged;
+    }
+    // Without a place for the file: plain output, and storing says why it cannot.
+    StimulusOutputFile::setDefaultPath("");
+    EXPECT_TRUE(StimulusOutputFile::load().plain());
+    std::string why;
+    EXPECT_FALSE(StimulusOutputFile::store(o, &why));
+    EXPECT_FALSE(why.empty());
 }

@@ -1,5 +1,5 @@
 // The resampler, the ramps, the silence and the gain rules, measured on generated signals.
-#include "SignalProbe.h"
+#include "support/SignalProbe.h"
 
 #include "document/DocumentException.h"
 #include "stimulus/Stimulus.h"

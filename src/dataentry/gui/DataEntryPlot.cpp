@@ -20,7 +20,7 @@ void DataEntryPlot::setTimeAxis(TimeAxisZoom* axis)
     if (m_axis != &m_ownAxis)
         disconnect(m_axis, nullptr, this, nullptr);
     m_axis = axis ? axis : &m_ownAxis;
-    connect(m_axis, &TimeAxisZoom::changed, this, qOverload<>(&QWidget::update));
+    connect(m_axis, &TimeAxisZoom::changed, this, [this] { timeAxisChanged(); });
     update();
 }
 
@@ -51,6 +51,7 @@ void DataEntryPlot::mousePressEvent(QMouseEvent* event)
         return;
     startDrag();
     m_arraytrace.clear();
+    m_stroke.reset();
     _pDoc->saveUndo();
     m_bDrawing = true;
 }

@@ -12,6 +12,7 @@
 //   frame under the pointer k = trunc(x * N / W), table column k + 1;
 //   value under the pointer v = trunc((H - y) * full scale / H), not clamped to the limits.
 // Subclasses: TrackPlotView (graphical window), TraceView (trace window). Main thread only.
+#include "dataentry/StrokePlayback.h"
 #include "dataentry/gui/TimeAxisZoom.h"
 
 #include <QPointF>
@@ -39,6 +40,8 @@ public:
 
     // The pointer positions of the current drag (empty between drags).
     const std::vector<QPointF>& _arraytrace() const { return m_arraytrace; }
+    // The table columns the last stroke went over.
+    const StrokeSpan& lastStroke() const { return m_stroke; }
     virtual bool hasActiveTrack() const = 0;
     // The value at the top edge.
     virtual double fullScale() const = 0;
@@ -68,6 +71,8 @@ protected:
     virtual bool finishDrag() { return hasActiveTrack(); }
     virtual void commitDrag() = 0;
     virtual void afterCommit() {}
+    // The shared time axis zoomed or scrolled: the view repaints.
+    virtual void timeAxisChanged() { update(); }
 
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
@@ -79,6 +84,7 @@ protected:
     TimeAxisZoom* m_axis = &m_ownAxis;
     std::vector<QPointF> m_arraytrace;
     int m_nFollowedColumn = -1; // the table column the table shows selected
+    StrokeSpan m_stroke;        // the columns of the current or last drag (dragTo adds them)
 
 private:
     bool m_bDrawing = false; // a press started a drag

@@ -16,6 +16,7 @@ void DataEntryWindow::makeTimeAxis(QWidget* barParent)
     m_timeAxis = new TimeAxisZoom(this);
     m_timeAxis->setFrameSource([this] { return m_pDoc ? m_pDoc->getChannel(0)->m_nColumnNum : 0; });
     m_scrollBar = new QScrollBar(Qt::Horizontal, barParent);
+    m_scrollBar->setFocusPolicy(Qt::NoFocus); // Space and the play keys stay the window's
     m_timeAxis->attach(m_scrollBar);
     for (DataEntryPlot* plot : plots()) {
         plot->setTimeAxis(m_timeAxis);
@@ -53,6 +54,11 @@ void DataEntryWindow::redo()
 void DataEntryWindow::_PlayCurrent()
 {
     forward(&mainTable::_PlayCurrent);
+}
+
+void DataEntryWindow::_PlaySelection()
+{
+    forward(&mainTable::_PlaySelection);
 }
 
 void DataEntryWindow::_PlayPrevious()

@@ -39,6 +39,7 @@ public:
     void undo();
     void redo();
     void _PlayCurrent();
+    void _PlaySelection();
     void _PlayPrevious();
     void _PlayAudio();
 

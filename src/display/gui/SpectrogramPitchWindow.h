@@ -26,6 +26,7 @@ public:
     spectrogramView* spectrogram() const { return m_pSpectrogram; }
     pitchView* pitch() const { return m_pPitch; }
     int channel() const { return m_nChannel; }
+    MyDocument* document() const { return m_pDoc; }
 
     // The picture of both views over `size` units (points for files and paper).
     void drawPicture(QPainter& painter, const QSizeF& size, bool forScreen) const;

@@ -28,6 +28,7 @@ class AudioPlayer;
 class FrozenColumnView;
 class MyDocument;
 class PlayCursor;
+struct StimulusOutput;
 
 class mainTable : public QTableView
 {
@@ -116,6 +117,10 @@ public:
     // in their titles, with the document's modified marker. Called again after every change.
     void setDocumentTitle(const QString& name);
 
+    // After the grid was replaced outside the table's own commands (the undo step saved by the
+    // caller): the columns rebuilt, a synthesis due, the data-entry windows set up again.
+    void afterGridReplaced() { afterSnapshotRestored(); }
+
     DataEntryController* graphicalDataEntry() const { return m_pDataentryGraphical.get(); }
     DataEntryController* traceDataEntry() const { return m_pDataentryTrace.get(); }
 
@@ -148,7 +153,9 @@ public slots:
     void _analysisSpectrogramPitchModel();
     // Writes channel 0 as a WAVE file, asking where (save panel "Save Audio as").
     void _fileSaveAudio();
-    // The same without the panel; the outcome is only logged ("yes" / "no").
+    // The same without the panel; the outcome is only logged ("yes" / "no"). With audio output
+    // settings (Options > Audio Output...) the file is shaped by them, and a refusal (a level
+    // that would clip) is shown as an alert.
     bool saveAudioTo(const QString& path);
 
     // Applies the parameter records to the cells (see TableEditing), after stopping a
@@ -164,6 +171,9 @@ public slots:
     // never synthesized.
     void PlayDocument(int channel);
     void PlaySelection();
+    // Plays the frames of table columns first..last of the current synthesis at once (no
+    // delay: nothing is waiting to close), synthesizing first when needed.
+    void playFrames(int first, int last);
 
     void addAnchor(int row, int column);
     void removeAnchor(int row, int column);
@@ -204,10 +214,14 @@ signals:
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void updateGeometries() override;
 
 private:
+    // Save Audio under the audio output settings.
+    bool saveShapedAudio(const QString& path, const StimulusOutput& output);
     // Runs `body`, showing a failure as an alert with `button`; false when it failed.
     bool guarded(const QString& button, const std::function<void()>& body);
     void typedValue(int row, int column, const QString& text);

@@ -6,13 +6,18 @@
 #include "table/gui/mainTable.h"
 
 #include "audio/AudioPlayer.h"
+#include "document/DocumentException.h"
 #include "document/Log.h"
 #include "document/MyDocument.h"
+#include "stimulus/StimulusFile.h"
+#include "stimulus/StimulusOutputFile.h"
 #include "table/gui/Alert.h"
 
 #include <QApplication>
 #include <QFileDialog>
+#include <QGridLayout>
 #include <QHeaderView>
+#include <QLabel>
 #include <QPaintEvent>
 #include <QPainter>
 #include <QSaveFile>
@@ -194,8 +199,13 @@ void mainTable::_PlaySelection()
 
 void mainTable::PlaySelection()
 {
+    const auto [first, last] = selectedColumnSpan();
+    playFrames(first, last);
+}
+
+void mainTable::playFrames(int first, int last)
+{
     try {
-        auto [first, last] = selectedColumnSpan();
         first = std::max(first, 1); // the name column stands for no samples
         if (last < first)
             return;
@@ -229,7 +239,7 @@ void mainTable::PlaySelection()
         if (player->isPlaying())
             emit playbackStarted(ch.m_dSampleRate, static_cast<double>(to - from), static_cast<double>(from));
     } catch (const std::exception& e) {
-        Log::line(std::string("PlaySelection: ") + e.what()); // swallowed, as for the other plays
+        Log::line(std::string("playFrames: ") + e.what()); // swallowed, as for the other plays
     }
 }
 
@@ -245,6 +255,9 @@ bool mainTable::saveAudioTo(const QString& path)
             Log::line("no");
             return false;
         }
+        const StimulusOutput output = StimulusOutputFile::load();
+        if (!output.plain())
+            return saveShapedAudio(path, output);
         const std::string bytes = m_pDoc->save_Wave_FileType();
         QSaveFile file(path);
         ok = file.open(QIODevice::WriteOnly) &&
@@ -259,16 +272,45 @@ bool mainTable::saveAudioTo(const QString& path)
     return ok;
 }
 
+bool mainTable::saveShapedAudio(const QString& path, const StimulusOutput& output)
+{
+    // Resampled, levelled, ramped: the settings of Options > Audio Output...
+    const Channels& c = *m_pDoc->getChannel(0);
+    try {
+        const StimulusFigures figures = saveStimulus(path.toStdString(), c.samples(), c.sampleCount(),
+                                                     static_cast<int>(c.m_dSampleRate), output);
+        Log::line("yes: " + figures.csvFields());
+        return true;
+    } catch (const std::exception& e) {
+        const auto* refusal = dynamic_cast<const DocumentException*>(&e);
+        Alert::show(window(), QStringLiteral("Audio not saved"),
+                    refusal ? QString::fromStdString(refusal->name() + ": " + refusal->reason())
+                            : QString::fromStdString(e.what()),
+                    QStringLiteral("OK"));
+        Log::line("no");
+        return false;
+    }
+}
+
 void mainTable::_fileSaveAudio()
 {
+    const StimulusOutput output = StimulusOutputFile::load();
+    const bool flac = output.format == StimulusOutput::Format::Flac;
     QFileDialog panel(window(), QStringLiteral("save as wav"));
+    panel.setOption(QFileDialog::DontUseNativeDialog); // for the line of settings below
     panel.setAcceptMode(QFileDialog::AcceptSave);
     panel.setFileMode(QFileDialog::AnyFile);
-    panel.setNameFilter(tr("WAVE audio (*.wav)"));
-    panel.setDefaultSuffix(QStringLiteral("wav"));
+    panel.setNameFilter(flac ? tr("FLAC audio (*.flac)") : tr("WAVE audio (*.wav)"));
+    panel.setDefaultSuffix(flac ? QStringLiteral("flac") : QStringLiteral("wav"));
     panel.setDirectory(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
     panel.setLabelText(QFileDialog::FileName, QStringLiteral("Save Audio as"));
-    panel.selectFile(QStringLiteral("audio.wav"));
+    panel.selectFile(flac ? QStringLiteral("audio.flac") : QStringLiteral("audio.wav"));
+    if (auto* grid = qobject_cast<QGridLayout*>(panel.layout())) {
+        auto* settings = new QLabel(
+            tr("Audio output: %1 (Options > Audio Output...)").arg(QString::fromStdString(output.summary())));
+        settings->setObjectName(QStringLiteral("audioOutput"));
+        grid->addWidget(settings, grid->rowCount(), 0, 1, grid->columnCount());
+    }
     panel.setWindowModality(Qt::WindowModal);
     if (panel.exec() != QDialog::Accepted || panel.selectedFiles().isEmpty())
         return;

@@ -1,8 +1,8 @@
-// The table's two selections: parameter rows, picked by their names, and frame columns,
-// picked by their headers or by selectaColumn. They are kept apart from the view's cell
-// selection, which only shows them: a cell clicked or reached with the keys selects neither
-// a row nor a frame, so a frame command never takes a row for "every frame" and a row
-// command never takes a frame for "every row".
+// The table's two selections: parameter rows, picked by their names or by clicking one of
+// their cells, and frame columns, picked by their headers or by selectaColumn. They are kept
+// apart from the view's cell selection, which only shows them: a clicked cell selects its row
+// but never its frame, and a cell reached with the keys selects neither, so a frame command
+// never takes a row for "every frame" and a row command never takes a frame for "every row".
 #include "table/gui/mainTable.h"
 
 #include "table/gui/FrozenColumnView.h"
@@ -126,6 +126,32 @@ void mainTable::pressName(int row, Qt::KeyboardModifiers modifiers)
     m_columns = {};
     press(m_rows, row, modifiers);
     showSelection();
+}
+
+void mainTable::mousePressEvent(QMouseEvent* event)
+{
+    // The view's own cell selection lets the rows go; a Shift-click extends them from their anchor.
+    const IndexSelection rowsBefore = m_rows;
+    QTableView::mousePressEvent(event);
+    m_rows = rowsBefore;
+    const QModelIndex index = indexAt(event->position().toPoint());
+    if (event->button() != Qt::LeftButton || !index.isValid() || index.column() < 1 ||
+        !(index.flags() & Qt::ItemIsEnabled))
+        return;
+    // The clicked cell stays the current one, ready for typing; its row is the selection.
+    pressName(index.row(), event->modifiers());
+}
+
+void mainTable::mouseReleaseEvent(QMouseEvent* event)
+{
+    // Releasing over a cell that was already shown selected narrows the view's selection to it;
+    // the rows the press selected stay.
+    const IndexSelection rowsBefore = m_rows;
+    QTableView::mouseReleaseEvent(event);
+    if (m_rows.items.empty() && !rowsBefore.items.empty()) {
+        m_rows = rowsBefore;
+        showSelection();
+    }
 }
 
 void mainTable::pressHeader(int column, Qt::KeyboardModifiers modifiers)

@@ -1,6 +1,7 @@
 // The graphical data-entry window driven with real mouse events under the offscreen platform;
 // the checks are on the document's cells and undo lists.
 #include "DataEntryTestSupport.h"
+#include "audio/AudioPlayer.h"
 #include "dataentry/gui/graphical/dataentryGraphicalController.h"
 #include "dataentry/gui/graphical/viewF0.h"
 #include "dataentry/gui/graphical/viewFormants.h"
@@ -9,11 +10,18 @@
 
 #include <gtest/gtest.h>
 
+#include <QAction>
 #include <QApplication>
 #include <QImage>
+#include <QMainWindow>
+#include <QMenu>
+#include <QMenuBar>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QTest>
 
+#include <cmath>
+#include <map>
 #include <memory>
 
 namespace
@@ -222,4 +230,85 @@ TEST(GraphicalEntryFromTheTable, FollowsThePointerEditsTheTablesOwnCellsAndUndoe
     EXPECT_EQ(cellValue(doc, 4, Row::f0), 2000);
     dragThrough(plot, {{70, 50}, {70, 50}});
     EXPECT_EQ(cellValue(doc, 4, Row::f0), 1500);
+}
+
+TEST(GraphicalEntryFromTheTable, PlayKeysWorkWhateverWasClickedAndTheMenuShowsThem)
+{
+    MyDocument doc;
+    mainTable table(&doc);
+    dataentryGraphicalController controller(&doc, &table);
+    QWidget* window = controller.window();
+    window->show();
+    window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window));
+
+    // A clicked track button keeps no focus: Space plays and leaves the buttons as they were.
+    QTest::mouseClick(controller.button(dataentryGraphicalController::F2), Qt::LeftButton);
+    EXPECT_FALSE(controller.button(dataentryGraphicalController::F2)->hasFocus());
+    QSignalSpy synthesized(&table, &mainTable::synthesized);
+    QTest::keyClick(QApplication::focusWidget() ? QApplication::focusWidget() : window, Qt::Key_Space);
+    EXPECT_TRUE(synthesized.wait(3000)) << "Space synthesized and played the table";
+    EXPECT_TRUE(controller.button(dataentryGraphicalController::F2)->isChecked());
+    EXPECT_FALSE(controller.button(dataentryGraphicalController::F0)->isChecked());
+
+    // The Play menu names the same keys as the document window's.
+    std::map<QString, QString> keys;
+    for (QAction* menu : static_cast<QMainWindow*>(window)->menuBar()->actions())
+        if (menu->menu())
+            for (QAction* action : menu->menu()->actions())
+                keys[action->text()] = action->shortcut().toString();
+    EXPECT_EQ(keys["Play Current"], "Space");
+    EXPECT_EQ(keys["Play Selection"], "Shift+Space");
+    EXPECT_EQ(keys["Play Previous"], "Ctrl+Shift+Space");
+    EXPECT_EQ(keys["Play Model"], "Ctrl+M");
+}
+
+TEST(GraphicalEntryFromTheTable, PlayAfterEachStrokeIsRememberedAndPlaysTheUtteranceOrTheStroke)
+{
+    // 10 s: a stroke plays its own frames with 300 ms around them.
+    MyDocument doc;
+    setTestFrames(doc, 1000);
+    mainTable table(&doc);
+    auto controller = std::make_unique<dataentryGraphicalController>(&doc, &table);
+    controller->window()->show();
+    QApplication::processEvents();
+    QAction* option = controller->playAfterStrokeAction();
+    ASSERT_NE(option, nullptr);
+    EXPECT_FALSE(option->isChecked()) << "off by default";
+    QSignalSpy started(&table, &mainTable::playbackStarted);
+    viewF0& plot = *controller->_viewF0();
+    const auto stroke = [&](double from, double to) {
+        dragThrough(plot, {{from, 20}, {(from + to) / 2, 25}, {to, 30}});
+    };
+    stroke(100, 120);
+    QTest::qWait(200);
+    EXPECT_EQ(started.count(), 0) << "nothing plays while the option is off";
+
+    option->trigger();
+    ASSERT_TRUE(option->isChecked());
+    stroke(100, 120);
+    ASSERT_EQ(started.count(), 1) << "played on release, at once";
+    const StrokeSpan& span = plot.lastStroke();
+    ASSERT_FALSE(span.empty());
+    const Channels& c = *doc.getChannel(0);
+    const double perFrame = std::floor(10 * c.m_dSampleRate / 1000);
+    EXPECT_DOUBLE_EQ(started.last().at(2).toDouble(), (span.first() - 30 - 1) * perFrame);
+    EXPECT_DOUBLE_EQ(started.last().at(1).toDouble(), (span.last() - span.first() + 61) * perFrame);
+
+    // Remembered for the next window; a document of 3 s or less is played whole.
+    controller.reset();
+    MyDocument shortDoc;
+    setTestFrames(shortDoc, 300);
+    mainTable shortTable(&shortDoc);
+    dataentryGraphicalController next(&shortDoc, &shortTable);
+    next.window()->show();
+    QApplication::processEvents();
+    EXPECT_TRUE(next.playAfterStrokeAction()->isChecked());
+    QSignalSpy whole(&shortTable, &mainTable::playbackStarted);
+    dragThrough(*next._viewF0(), {{50, 20}, {60, 20}});
+    ASSERT_EQ(whole.count(), 1);
+    EXPECT_DOUBLE_EQ(whole.last().at(2).toDouble(), 0.0);
+    EXPECT_DOUBLE_EQ(whole.last().at(1).toDouble(), shortDoc.getChannel(0)->m_dwFileLength);
+    next.playAfterStrokeAction()->setChecked(false);
+    mainTable::sharedPlayer()->stopPlay();
 }

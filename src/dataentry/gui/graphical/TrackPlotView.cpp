@@ -108,6 +108,7 @@ void TrackPlotView::dragTo(const QPointF& p)
         return;
     const int value = valueAt(p.y());
     followInTable(frame);
+    m_stroke.add(frame + 1);
     m_arraytrace.push_back(p);
     bool changed = false;
     for (Track& track : m_tracks) {

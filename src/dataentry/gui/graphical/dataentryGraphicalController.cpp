@@ -1,6 +1,8 @@
 #include "dataentry/gui/graphical/dataentryGraphicalController.h"
 
+#include "dataentry/gui/DataEntryMenus.h"
 #include "dataentry/gui/DataEntrySupport.h"
+#include "dataentry/gui/PlayAfterStroke.h"
 #include "dataentry/gui/TimeAxisZoom.h"
 #include "dataentry/gui/graphical/viewF0.h"
 #include "dataentry/gui/graphical/viewFormants.h"
@@ -83,7 +85,7 @@ void dataentryGraphicalController::makeControls()
 {
     // Radio behaviour is ours: a click on the pressed button keeps it pressed.
     m_controls.emplace(
-        m_content, kWellWidth, true, this, [this](Button b) { actionParameter(b); },
+        m_content, kWellWidth, this, [this](Button b) { actionParameter(b); },
         [this](int well, const QColor& color) { actionColor(well, color); });
     m_content->installEventFilter(this);
     m_window->installEventFilter(this);
@@ -96,15 +98,16 @@ void dataentryGraphicalController::makeMenus()
     m_undo->setShortcut(QKeySequence::Undo);
     m_redo = edit->addAction(QStringLiteral("Redo"), this, &dataentryGraphicalController::redo);
     m_redo->setShortcut(QKeySequence::Redo);
-    QMenu* play = m_window->menuBar()->addMenu(QStringLiteral("&Play"));
-    play->addAction(QStringLiteral("Play Current"), this, &dataentryGraphicalController::_PlayCurrent);
-    play->addAction(QStringLiteral("Play Previous"), this, &dataentryGraphicalController::_PlayPrevious);
-    m_playAudio =
-        play->addAction(QStringLiteral("Play Model"), this, &dataentryGraphicalController::_PlayAudio);
-    QMenu* view = m_window->menuBar()->addMenu(QStringLiteral("&View"));
-    view->addActions(m_timeAxis->makeActions(m_window.get()));
+    m_playAudio = addPlayMenu(m_window.get(), this);
+    m_playAfterStroke = addViewMenu(m_window.get(), m_timeAxis);
+    for (TrackPlotView* plot : views())
+        connect(plot, &TrackPlotView::committed, this, [this, plot] {
+            if (m_playAfterStroke->isChecked())
+                PlayAfterStroke::play(m_mainTableID, m_pDoc, plot->lastStroke());
+        });
     connect(edit, &QMenu::aboutToShow, this, &dataentryGraphicalController::validateMenus);
-    connect(play, &QMenu::aboutToShow, this, &dataentryGraphicalController::validateMenus);
+    if (auto* play = qobject_cast<QMenu*>(m_playAudio->parent()))
+        connect(play, &QMenu::aboutToShow, this, &dataentryGraphicalController::validateMenus);
 }
 
 void dataentryGraphicalController::validateMenus()
@@ -177,16 +180,30 @@ bool dataentryGraphicalController::eventFilter(QObject* watched, QEvent* event)
     return QObject::eventFilter(watched, event);
 }
 
+void dataentryGraphicalController::setLabelStrip(QWidget* strip)
+{
+    m_labelStrip = strip;
+    relayout();
+}
+
+void dataentryGraphicalController::relayout()
+{
+    specialWindowDidResize(m_content->width(), m_content->height());
+}
+
 void dataentryGraphicalController::specialWindowDidResize(int w, int h)
 {
-    const DataEntryControls::Stack plots = DataEntryControls::stack(w, h);
+    const DataEntryControls::Stack plots =
+        DataEntryControls::stack(w, h, DataEntryControls::labelHeight(m_labelStrip));
     m_viewF0->setPosition(plots.upper);
     m_viewFormants->setPosition(plots.middle);
     m_viewOthers->setPosition(plots.lower);
+    if (m_labelStrip)
+        m_labelStrip->setGeometry(plots.labels);
     m_timeAxis->setViewWidth(plots.upper.width());
     // The scroll bar under the plots, in the strip the plots leave free.
     const int gap = DataEntryControls::kGap;
-    const int barTop = plots.lower.bottom() + 1 + gap;
+    const int barTop = plots.labels.bottom() + 1 + gap; // the lower plot's bottom without labels
     m_scrollBar->setGeometry(DataEntryControls::kMargin, barTop, plots.upper.width(),
                              std::clamp(h - barTop - gap, 0, 18));
     m_controls->place(plots);

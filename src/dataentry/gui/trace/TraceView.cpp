@@ -103,6 +103,7 @@ void TraceView::dragTo(const QPointF& p)
     if (column < 0)
         return;
     followInTable(column + 1);
+    m_stroke.add(column + 1);
     if (keepsDragTrace())
         m_arraytrace.push_back(p);
     const int value = valueAt(p.y());

@@ -4,15 +4,17 @@
 // tracks and f1 .. f5; viewAmplitudes: a1f .. a5f, av, apv in dB), thirteen track buttons that
 // act as one radio group (choosing a formant also chooses its amplitude), six colour wells,
 // Enter All Data (the whole automatic analysis into the grid at once) and View Old Data.
-// Undo, redo and play go to the table that opened it; Ctrl+S saves the document. The views share
-// one time axis: Ctrl++, Ctrl+-, Ctrl+0 (fit all) and Ctrl+wheel zoom it, the scroll bar in the
-// bottom strip scrolls it.
+// Undo, redo and play go to the table that opened it (its Edit and Play menus show the keys);
+// Ctrl+S saves the document. The views share one time axis: View's Ctrl++, Ctrl+-, Ctrl+0 (fit
+// all) and Ctrl+wheel zoom it, the scroll bar in the bottom strip scrolls it. View > Play After
+// Each Stroke plays the document after each drag (PlayAfterStroke).
 //
-// The window has no menu bar: its content is its whole frame, so the views' sizes in the
-// default 800 x 400 frame are fixed (the spectrogram view is 695 x 187, which the headless
-// entry uses as its default). The controller owns its window; the table owns the controller.
-// Main thread only.
+// The window opens at 800 x 400 with its menu bar; the views share its content. Enter All Data
+// reads an analysis of its own, not the picture on screen, so the views' sizes never change
+// what is entered. The controller owns its window; the table owns the controller. Main thread
+// only. The menus are made in dataentryTraceMenus.cpp.
 #include "dataentry/gui/DataEntryWindow.h"
+#include "display/gui/SpectrogramWorker.h"
 
 #include <QColor>
 #include <QMessageBox>
@@ -29,6 +31,8 @@ class viewAmplitudes;
 class TraceView;
 class QCheckBox;
 class QLabel;
+class QAction;
+class QMainWindow;
 class QWidget;
 
 class dataentryTraceContoller : public DataEntryWindow
@@ -40,6 +44,8 @@ public:
 
     // DataEntryController: after undo, redo and revert.
     void setupViews() override;
+    // The analysis settings or the model changed: the views' analyses are computed again.
+    void analysisSettingsChanged() override;
     QWidget* window() override;
 
     // What Ctrl+S runs (the document window's save); none: Ctrl+S does nothing.
@@ -48,21 +54,32 @@ public:
     void actionTrace(Button button);
     void actionColor(int well, const QColor& color);
     void actionEnterAllData();
+    // Every parameter estimated from the model, as one undo step (see CopySynthesisCommand).
+    void actionCopySynthesis();
     void actionViewOldData(bool show);
     QColor getControlColor(const std::string& key) const;
 
+    QAction* playAfterStrokeAction() const { return m_playAfterStroke; }
     viewPitch* _viewPitch() const { return m_viewPitch; }
     viewSpectrogram* _viewSpectrogram() const { return m_viewSpectrogram; }
     viewAmplitudes* _viewAmplitudes() const { return m_viewAmplitudes; }
     QPushButton* _EnterAllData() const { return m_enterAllData; }
+    QPushButton* _AutomaticCopySynthesis() const { return m_copySynthesis; }
     QCheckBox* _ViewOldData() const { return m_viewOldData; }
     QLabel* statusLabel() const { return m_status; }
+    // The status line's whole text (the label shows it elided when it is too long).
+    QString statusText() const { return m_statusText; }
     // The last sheet shown (nullptr when none is open).
     QMessageBox* sheet() const { return m_sheet; }
-    // Enter All Data was asked for while the spectrogram was computing: it runs on arrival.
+    // Enter All Data was asked for and waits for its analysis (computed in the background with
+    // at least one frame per document frame, whatever the window's size): it runs on arrival.
     bool enterAllDataPending() const { return m_bEnterPending; }
 
     void specialWindowDidResize(int w, int h);
+    // The label strip under the views (made by the labels' code, a child of the window's
+    // content): laid out at its size hint while shown; relayout() after its height changes.
+    void setLabelStrip(QWidget* strip);
+    void relayout();
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -70,21 +87,29 @@ protected:
 private:
     void windowDidLoad();
     void makeControls();
-    void makeShortcuts();
+    void makeMenus();
+    void strokeCommitted(const TraceView* view);
     void showSheet(const QString& title, const QString& message, const QString& buttonText);
     void spectrogramComputing(bool computing);
-    void enterAllDataNow();
+    void showStatus(const QString& text);
+    void enterAllDataNow(const SpectrogramComputation& analysis);
     std::array<TraceView*, 3> views() const;
     std::array<DataEntryPlot*, 3> plots() const override;
 
-    std::unique_ptr<QWidget> m_window;
+    std::unique_ptr<QMainWindow> m_window;
+    QWidget* m_content = nullptr; // the window's central widget, which the views share
+    QAction* m_playAfterStroke = nullptr;
     viewPitch* m_viewPitch = nullptr;
     viewSpectrogram* m_viewSpectrogram = nullptr;
     viewAmplitudes* m_viewAmplitudes = nullptr;
     QPushButton* m_enterAllData = nullptr;
+    QPushButton* m_copySynthesis = nullptr; // Automatic Copy Synthesis, through the table
     QCheckBox* m_viewOldData = nullptr;
     QLabel* m_status = nullptr;
+    QString m_statusText;
+    QPointer<QWidget> m_labelStrip;
     QPointer<QMessageBox> m_sheet;
     std::function<void()> m_save;
     bool m_bEnterPending = false;
+    SpectrogramWorker m_entryAnalysis;
 };

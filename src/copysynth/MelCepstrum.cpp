@@ -1,0 +1,84 @@
+// Mel cepstra of frames for comparing a synthesis with its recording.
+#include "copysynth/MelCepstrum.h"
+
+#include "copysynth/SignalTools.h"
+
+#include <cmath>
+#include <complex>
+
+namespace
+{
+
+constexpr int kFilters = 40;
+constexpr double kPi = 3.14159265358979323846;
+
+double mel(double hz)
+{
+    return 2595.0 * std::log10(1.0 + hz / 700.0);
+}
+
+double hertz(double m)
+{
+    return 700.0 * (std::pow(10.0, m / 2595.0) - 1.0);
+}
+
+} // namespace
+
+MelCepstrum::MelCepstrum(double rate, double topHz)
+    : m_dRate(rate), m_nLength(static_cast<int>(0.025 * rate)), m_nFftSize(fftSizeFor(m_nLength)),
+      m_filters(kFilters), m_dct(kMelCoefficients * kFilters)
+{
+    for (int c = 1; c <= kMelCoefficients; ++c)
+        for (int k = 0; k < kFilters; ++k)
+            m_dct[(c - 1) * kFilters + k] = std::cos(kPi / kFilters * (k + 0.5) * c) / kFilters;
+    double edges[kFilters + 2];
+    for (int i = 0; i < kFilters + 2; ++i)
+        edges[i] = hertz(mel(60.0) + (mel(topHz) - mel(60.0)) * i / (kFilters + 1));
+    for (int k = 0; k < kFilters; ++k) {
+        const double lo = edges[k], centre = edges[k + 1], hi = edges[k + 2];
+        for (int bin = 0; bin <= m_nFftSize / 2; ++bin) {
+            const double f = bin * rate / m_nFftSize;
+            const double w = std::min((f - lo) / (centre - lo), (hi - f) / (hi - centre));
+            if (w > 0.0)
+                m_filters[k].emplace_back(bin, w);
+        }
+    }
+}
+
+std::vector<MelFrame> MelCepstrum::frames(const float* x, std::size_t count,
+                                          const std::vector<double>& centres,
+                                          const std::vector<bool>* wanted) const
+{
+    const Fft fft(m_nFftSize);
+    const std::vector<double> window = hannWindow(m_nLength);
+    std::vector<double> segment(m_nLength), power(m_nFftSize / 2 + 1), logs(kFilters);
+    std::vector<std::complex<double>> work(m_nFftSize);
+    std::vector<MelFrame> out(centres.size());
+    for (std::size_t f = 0; f < centres.size(); ++f) {
+        if (wanted && !(*wanted)[f])
+            continue;
+        windowedSegment(x, count, centres[f] * m_dRate, m_nLength, window, segment.data());
+        fft.powerSpectrum(segment.data(), m_nLength, work.data(), power.data());
+        for (int k = 0; k < kFilters; ++k) {
+            double sum = 0.0;
+            for (const auto& [bin, w] : m_filters[k])
+                sum += power[bin] * w;
+            logs[k] = 0.5 * std::log(sum + 1e-10);
+        }
+        for (int c = 1; c <= kMelCoefficients; ++c) {
+            double sum = 0.0;
+            for (int k = 0; k < kFilters; ++k)
+                sum += logs[k] * m_dct[(c - 1) * kFilters + k];
+            out[f][c - 1] = sum;
+        }
+    }
+    return out;
+}
+
+double MelCepstrum::distance(const MelFrame& a, const MelFrame& b)
+{
+    double sum = 0.0;
+    for (int c = 0; c < kMelCoefficients; ++c)
+        sum += (a[c] - b[c]) * (a[c] - b[c]);
+    return 10.0 / std::log(10.0) * std::sqrt(2.0 * sum);
+}

@@ -1,0 +1,57 @@
+#pragma once
+// Small signal tools of the copy synthesis, all re-entrant (no static work arrays, unlike the
+// analysis library's routines), so an estimation may run on a worker thread:
+// - Fft: complex radix-2 transform of one size, twiddles computed once;
+// - resampled(): band-limited resampling by windowed-sinc interpolation;
+// - frame levels and band levels of a signal on the copy synthesis's frame grid.
+// Units: samples full scale +-1, rates in Hz, levels in dB (10 log10 of the mean square; a
+// silent frame is kSilentDb).
+#include <complex>
+#include <cstddef>
+#include <vector>
+
+constexpr double kSilentDb = -150.0;
+
+// Level in dB of a mean square; kSilentDb for zero.
+double levelDb(double meanSquare);
+
+class Fft
+{
+public:
+    explicit Fft(int size); // size a power of two, 2 or more
+    int size() const { return m_nSize; }
+    // In-place forward transform (no scaling). `data` holds size() values.
+    void forward(std::complex<double>* data) const;
+    // In-place inverse transform, scaled by 1 / size().
+    void inverse(std::complex<double>* data) const;
+    // Power spectrum |X(k)|^2, k = 0 .. size()/2, of `count` real values (zero-padded or cut to
+    // size()), written to `power` (size()/2 + 1 values). `work` is scratch of size() values.
+    void powerSpectrum(const double* real, int count, std::complex<double>* work, double* power) const;
+    // Autocorrelations r[0..lags-1] of two real signals of `count` values (zero-padded to size(),
+    // which must be at least count + lags for the result to be free of wrap-around), with one
+    // forward and one inverse transform for both. `work` is scratch of size() values.
+    void autocorrelationPair(const double* a, const double* b, int count, std::complex<double>* work,
+                             int lags, double* ra, double* rb) const;
+
+private:
+    template <bool Inverse> void transform(std::complex<double>* data) const;
+
+    int m_nSize;
+    std::vector<std::complex<double>> m_twiddles;
+    std::vector<int> m_bitReverse;
+};
+
+// The smallest power of two that is at least n (and at least 2).
+int fftSizeFor(int n);
+
+// `count` samples at `fromRate` resampled to `toRate` by windowed-sinc interpolation, low-passed
+// below the lower Nyquist frequency. Equal rates give a copy.
+std::vector<float> resampled(const float* samples, std::size_t count, double fromRate, double toRate);
+
+// The periodic Hann window of length n.
+std::vector<double> hannWindow(int n);
+
+// Copies `length` samples centred on `centre` (sample index, may lie near or past the ends:
+// missing samples read as 0) into `out`, multiplied by `window` (length values).
+void windowedSegment(const float* samples, std::size_t count, double centre, int length,
+                     const std::vector<double>& window, double* out);

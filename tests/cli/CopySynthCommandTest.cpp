@@ -1,0 +1,92 @@
+// tessaphon-cli copysynth run as a user runs it: the document it writes, the files it refuses,
+// and what it says about a damaged, empty or silent recording.
+#include "cli/CliRunner.h"
+#include "support/TestChannels.h"
+#include "support/TestSignals.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+
+namespace
+{
+
+constexpr double kRate = 11025.0;
+
+std::string writeWave(const TempDir& dir, const std::string& name, const std::vector<float>& samples)
+{
+    const std::string path = dir / name;
+    std::ofstream(path, std::ios::binary) << waveFileBytes(samples, kRate);
+    return path;
+}
+
+std::vector<float> vowel()
+{
+    return signals::toFloat(
+        signals::vowel(11025, 120.0, kRate, {{700.0, 130.0}, {1220.0, 70.0}, {2600.0, 160.0}}), 0.2);
+}
+
+std::unique_ptr<MyDocument> readDocument(const std::string& path)
+{
+    auto document = std::make_unique<MyDocument>();
+    int code = 0;
+    EXPECT_TRUE(document->readFromBytes(slurp(path), "stk", &code)) << path;
+    return document;
+}
+
+} // namespace
+
+TEST(CopySynthCommand, WritesADocumentOfTheRecordingsLength)
+{
+    TempDir dir;
+    const std::string wav = writeWave(dir, "vowel.wav", vowel());
+    const CliResult r = runCli("copysynth " + wav);
+    ASSERT_EQ(r.exitCode, 0) << r.err;
+    EXPECT_EQ(r.out, "");
+    EXPECT_EQ(r.err, ""); // quiet on success, no bar when not on a terminal
+    const auto document = readDocument(dir / "vowel.stk");
+    const Channels& grid = *document->getChannel(0);
+    EXPECT_EQ(grid.m_nColumnNum, 100);
+    EXPECT_EQ(document->synthesisSampleRate(), 11025);
+    int voiced = 0;
+    for (int c = 0; c < grid.m_nColumnNum; ++c)
+        voiced += grid.m_snppDataImage_Col_Row[c][1] > 0;
+    EXPECT_GT(voiced, 90);
+
+    // The default output exists now: kept unless --force; -o names another one.
+    const CliResult again = runCli("copysynth " + wav);
+    EXPECT_EQ(again.exitCode, 2);
+    EXPECT_NE(again.err.find("vowel.stk"), std::string::npos) << again.err;
+    EXPECT_EQ(runCli("copysynth " + wav + " --force").exitCode, 0);
+    ASSERT_EQ(runCli("copysynth " + wav + " --rate 22050 -o " + (dir / "high.stk")).exitCode, 0);
+    EXPECT_EQ(readDocument(dir / "high.stk")->synthesisSampleRate(), 22050);
+    EXPECT_EQ(runCli("copysynth " + wav + " -o " + wav).exitCode, 2); // never over its input
+    EXPECT_EQ(slurp(wav), waveFileBytes(vowel(), kRate));
+}
+
+TEST(CopySynthCommand, DamagedEmptyAndSilentRecordings)
+{
+    TempDir dir;
+    const std::string damaged = dir / "damaged.wav";
+    std::ofstream(damaged, std::ios::binary) << waveFileBytes(vowel(), kRate).substr(0, 30);
+    const std::string empty = writeWave(dir, "empty.wav", {});
+    for (const std::string& path : {damaged, empty, dir / "missing.wav"}) {
+        const CliResult r = runCli("copysynth " + path + " -o " + (dir / "out.stk"));
+        EXPECT_EQ(r.exitCode, 2) << path;
+        EXPECT_EQ(std::count(r.err.begin(), r.err.end(), '\n'), 1) << r.err;
+        EXPECT_NE(r.err.find(path), std::string::npos) << r.err;
+        EXPECT_FALSE(std::filesystem::exists(dir / "out.stk"));
+    }
+    const std::string silent = writeWave(dir, "silent.wav", std::vector<float>(5000, 0.0f));
+    const CliResult r = runCli("copysynth " + silent);
+    EXPECT_EQ(r.exitCode, 0);
+    EXPECT_NE(r.err.find("silent"), std::string::npos) << r.err;
+    const auto document = readDocument(dir / "silent.stk");
+    for (int c = 0; c < document->getChannel(0)->m_nColumnNum; ++c)
+        EXPECT_EQ(document->getChannel(0)->m_snppDataImage_Col_Row[c][1], 0);
+
+    EXPECT_EQ(runCli("copysynth " + silent + " --rate 16000 --force").exitCode, 1);
+    EXPECT_EQ(runCli("copysynth " + silent + " --pitch-low 300 --pitch-high 100 --force").exitCode, 1);
+}

@@ -1,0 +1,152 @@
+// The estimate of signals whose parameters are known: the synthesizer's own output, copy
+// synthesized, gives back its f0, formants and levels.
+#include "copysynth/CopySynthesisFixture.h"
+
+#include <gtest/gtest.h>
+
+using namespace copytest;
+
+namespace
+{
+
+double relativeError(double estimate, double truth)
+{
+    return std::fabs(estimate - truth) / truth;
+}
+
+// Frames [first, last) of the result that are voiced.
+int voicedFrames(const CopySynthesisResult& r, int first, int last)
+{
+    int n = 0;
+    for (int c = first; c < last; ++c)
+        n += r.frames[c][Row::av] > 0;
+    return n;
+}
+
+} // namespace
+
+// A steady vowel with a falling pitch: f0 within 1 %, f1 .. f3 within 6 %, every frame voiced,
+// the synthesis of the estimate at the recording's level without clipping.
+TEST(CopySynthesisSignals, VowelGivesBackItsPitchFormantsAndLevel)
+{
+    std::vector<FrameValues> frames;
+    for (int c = 0; c < 80; ++c)
+        frames.push_back(vowelFrame(130.0 - 0.4 * c, 60));
+    const std::vector<float> input = render(frames);
+    const CopySynthesisResult r = estimate(input);
+    // 79 frames of 110 samples last 788 ms: 78 columns of 10 ms.
+    ASSERT_EQ(r.frames.size(), 78u);
+    const int rows[3] = {Row::f1, Row::f2, Row::f3};
+    for (int c = 5; c < 70; ++c) {
+        SCOPED_TRACE(c);
+        ASSERT_GT(r.frames[c][Row::av], 0);
+        // Column c is heard from c x 10 ms on, the input's frame k from k x 110 samples on.
+        const int k = static_cast<int>((c + 0.5) * 11.025 / 11.0);
+        EXPECT_LT(relativeError(r.frames[c][Row::f0], frames[k][Row::f0]), 0.01);
+        for (int row : rows)
+            EXPECT_LT(relativeError(r.frames[c][row], frames[c][row]), 0.06) << "row " << row;
+    }
+    const Rendering out = renderFrames(r.frames, r.sampleRate, r.intervalMS);
+    EXPECT_EQ(out.clippedSamples, 0);
+    EXPECT_LT(medianLevelError(input, out.samples), 2.0);
+    EXPECT_FALSE(r.report.silent);
+    EXPECT_GT(r.report.voicedShare, 0.9);
+}
+
+// Two formants closer than the analysis can part (f2 and f3 220 Hz apart) and a fourth missing
+// from a low ceiling: every frame keeps its formants in order, 200 Hz apart, none at a row's
+// minimum.
+TEST(CopySynthesisSignals, FormantsMissingFromTheAnalysisAreFilledInOrder)
+{
+    std::vector<FrameValues> frames;
+    for (int c = 0; c < 60; ++c)
+        frames.push_back(vowelFrame(110.0, 60, {300, 2000, 2220, 3400, 4300}));
+    CopySynthesisOptions options;
+    options.maxFormantHz = 3500.0;
+    const CopySynthesisResult r = estimate(render(frames), options);
+    for (const FrameValues& v : r.frames) {
+        const int f[5] = {v[Row::f1], v[Row::f2], v[Row::f3], v[Row::f4], v[Row::f5]};
+        for (int k = 1; k < 5; ++k)
+            EXPECT_GE(f[k], f[k - 1] + 200);
+        EXPECT_GT(f[2], kFactoryParameters[Row::f3].minValue);
+        EXPECT_LE(f[4], kFactoryParameters[Row::f5].maxValue);
+        EXPECT_NEAR(v[Row::f1], 300, 30);
+    }
+}
+
+// A voice whose period alternates (skew) and whose second harmonic is strong invites halving or
+// doubling the pitch: the track stays within 5 % of the truth in every voiced frame.
+TEST(CopySynthesisSignals, NoOctaveJumps)
+{
+    std::vector<FrameValues> frames;
+    for (int c = 0; c < 100; ++c) {
+        FrameValues v = vowelFrame(100.0 + c, 60, {250, 2200, 2900, 3500, 4200}); // F1 near 2 x f0
+        v[Row::skew] = 6;
+        frames.push_back(v);
+    }
+    const CopySynthesisResult r = estimate(render(frames));
+    for (int c = 5; c < 95; ++c) {
+        SCOPED_TRACE(c);
+        ASSERT_GT(r.frames[c][Row::av], 0);
+        EXPECT_LT(relativeError(r.frames[c][Row::f0], frames[c][Row::f0]), 0.05);
+    }
+}
+
+// Vowel, fricative (noise through the parallel branch), silence, vowel: the voicing decision
+// changes on the right frames (within one), the fricative is frication and the silence silent.
+TEST(CopySynthesisSignals, FricativeAndSilenceKeepTheirPlaces)
+{
+    std::vector<FrameValues> frames;
+    for (int c = 0; c < 40; ++c)
+        frames.push_back(vowelFrame(120.0, 60));
+    for (int c = 0; c < 20; ++c) {
+        FrameValues v = vowelFrame(120.0, 0, {400, 1600, 2600, 3300, 3750});
+        v[Row::af] = 60;
+        v[Row::a3f] = 50;
+        v[Row::a4f] = 55;
+        v[Row::a5f] = 60;
+        frames.push_back(v);
+    }
+    for (int c = 0; c < 30; ++c)
+        frames.push_back(vowelFrame(120.0, 0));
+    for (int c = 0; c < 40; ++c)
+        frames.push_back(vowelFrame(120.0, 60));
+    const std::vector<float> input = render(frames);
+    const CopySynthesisResult r = estimate(input);
+    EXPECT_EQ(voicedFrames(r, 2, 39), 37);
+    EXPECT_EQ(voicedFrames(r, 42, 59), 0);
+    EXPECT_EQ(voicedFrames(r, 62, 89), 0);
+    EXPECT_EQ(voicedFrames(r, 92, 128), 36);
+    for (int c = 43; c < 58; ++c)
+        EXPECT_GT(r.frames[c][Row::af], 30) << c;
+    for (int c = 62; c < 88; ++c)
+        EXPECT_EQ(r.frames[c][Row::af], 0) << c;
+    const Rendering out = renderFrames(r.frames, r.sampleRate, r.intervalMS);
+    EXPECT_LT(medianLevelError(input, out.samples), 2.5);
+}
+
+// A vowel at full scale: the estimate's synthesis stays below full scale and no frame is
+// louder than the recording's loudest.
+TEST(CopySynthesisSignals, LoudVowelDoesNotClip)
+{
+    std::vector<FrameValues> frames;
+    for (int c = 0; c < 60; ++c) {
+        FrameValues v = vowelFrame(150.0, 60, {300, 800, 2500, 3300, 3750});
+        v[Row::b1] = 40;
+        v[Row::b2] = 40;
+        frames.push_back(v);
+    }
+    std::vector<float> input = render(frames);
+    float peak = 0.0f;
+    for (float x : input)
+        peak = std::max(peak, std::fabs(x));
+    for (float& x : input)
+        x *= 0.99f / peak;
+    const CopySynthesisResult r = estimate(input);
+    const Rendering out = renderFrames(r.frames, r.sampleRate, r.intervalMS);
+    EXPECT_EQ(out.clippedSamples, 0);
+    EXPECT_LT(out.peak, 1.0);
+    const std::vector<double> in = levels(input, kRate), synth = levels(out.samples, kRate);
+    EXPECT_LE(*std::max_element(synth.begin(), synth.end()), *std::max_element(in.begin(), in.end()) + 1.0);
+    EXPECT_LT(medianLevelError(input, out.samples), 2.5);
+}

@@ -1,0 +1,125 @@
+// The Audio Output panel driven as a user drives it: typed and chosen values, OK and Cancel,
+// a rate out of range refused in the panel, the settings kept in their file.
+#include "stimulus/gui/AudioOutputPanel.h"
+#include "stimulus/StimulusOutputFile.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QDoubleSpinBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTest>
+#include <QTimer>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <unistd.h>
+
+namespace
+{
+
+namespace fs = std::filesystem;
+
+struct SettingsFile {
+    fs::path folder = fs::temp_directory_path() / ("tessaphon-audio-output-" + std::to_string(::getpid()));
+    SettingsFile() { StimulusOutputFile::setDefaultPath((folder / StimulusOutputFile::kFileName).string()); }
+    ~SettingsFile()
+    {
+        StimulusOutputFile::setDefaultPath("");
+        fs::remove_all(folder);
+    }
+};
+
+// Replaces the text of a field the way a user does: select all, type.
+void typeInto(QWidget* field, const QString& text)
+{
+    field->setFocus();
+    QTest::keyClick(field, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClicks(field, text);
+}
+
+// Once the panel's modal loop runs: what the user does, then a press of `which`.
+void actLater(AudioOutputPanel& panel, std::function<void()> act, QDialogButtonBox::StandardButton which)
+{
+    QTimer::singleShot(0, &panel, [&panel, act, which] {
+        act();
+        QTest::mouseClick(panel.findChild<QDialogButtonBox*>()->button(which), Qt::LeftButton);
+    });
+}
+
+template <typename T> T* child(AudioOutputPanel& panel, const char* name)
+{
+    return panel.findChild<T*>(QString::fromLatin1(name));
+}
+
+} // namespace
+
+TEST(AudioOutputPanel, TypedSettingsAreKeptOnOKOnlyAndShownAgain)
+{
+    SettingsFile settings;
+    {
+        AudioOutputPanel panel;
+        actLater(
+            panel,
+            [&] {
+                typeInto(child<QComboBox>(panel, "rate")->lineEdit(), QStringLiteral("44100"));
+                child<QComboBox>(panel, "level")->setFocus();
+                QTest::keyClick(child<QComboBox>(panel, "level"), Qt::Key_Down); // RMS
+                typeInto(child<QDoubleSpinBox>(panel, "levelDb"), QStringLiteral("-20"));
+                typeInto(child<QDoubleSpinBox>(panel, "ramp"), QStringLiteral("10"));
+                typeInto(child<QDoubleSpinBox>(panel, "padAfter"), QStringLiteral("250"));
+                child<QComboBox>(panel, "format")->setFocus();
+                QTest::keyClick(child<QComboBox>(panel, "format"), Qt::Key_Down); // FLAC
+                EXPECT_EQ(child<QLabel>(panel, "summary")->text().toStdString(),
+                          "Save Audio writes: 44100 Hz, RMS -20 dBFS, 10 ms ramps, 0/250 ms silence, "
+                          "16-bit FLAC");
+            },
+            QDialogButtonBox::Ok);
+        EXPECT_EQ(panel.run(nullptr), 1000);
+    }
+    const StimulusOutput kept = StimulusOutputFile::load();
+    EXPECT_EQ(kept.rate, 44100);
+    EXPECT_EQ(kept.level, StimulusOutput::Level::Rms);
+    EXPECT_EQ(kept.levelDb, -20.0);
+    EXPECT_EQ(kept.rampMS, 10.0);
+    EXPECT_EQ(kept.padBeforeMS, 0.0);
+    EXPECT_EQ(kept.padAfterMS, 250.0);
+    EXPECT_EQ(kept.format, StimulusOutput::Format::Flac);
+    EXPECT_FALSE(kept.plain());
+
+    // Opened again it shows what was kept; changes then cancelled are not kept.
+    AudioOutputPanel again;
+    actLater(
+        again,
+        [&] {
+            EXPECT_EQ(child<QComboBox>(again, "rate")->currentText(), QStringLiteral("44100"));
+            EXPECT_EQ(child<QDoubleSpinBox>(again, "ramp")->value(), 10.0);
+            typeInto(child<QDoubleSpinBox>(again, "ramp"), QStringLiteral("50"));
+        },
+        QDialogButtonBox::Cancel);
+    EXPECT_EQ(again.run(nullptr), 1001);
+    EXPECT_EQ(StimulusOutputFile::load().rampMS, 10.0);
+}
+
+TEST(AudioOutputPanel, ARateOutOfRangeIsRefusedInThePanel)
+{
+    SettingsFile settings;
+    AudioOutputPanel panel;
+    QTimer::singleShot(0, &panel, [&] {
+        typeInto(child<QComboBox>(panel, "rate")->lineEdit(), QStringLiteral("7000"));
+        QTest::mouseClick(panel.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok), Qt::LeftButton);
+        EXPECT_TRUE(panel.isVisible()); // still open, saying why
+        EXPECT_TRUE(child<QLabel>(panel, "refusal")->isVisible());
+        EXPECT_TRUE(child<QLabel>(panel, "refusal")->text().contains(QStringLiteral("8000")));
+        // Back to the synthesis rate: accepted, and plain output is what is kept.
+        child<QComboBox>(panel, "rate")->setCurrentIndex(0);
+        QTest::mouseClick(panel.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok), Qt::LeftButton);
+    });
+    EXPECT_EQ(panel.run(nullptr), 1000);
+    EXPECT_TRUE(StimulusOutputFile::load().plain());
+    EXPECT_TRUE(fs::exists(settings.folder / StimulusOutputFile::kFileName));
+}
