@@ -20,6 +20,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <malloc.h>
 #include <unistd.h>
 
 namespace
@@ -43,13 +44,15 @@ double statusMB(const char* field)
     return 0.0;
 }
 
-// Measures how far the peak resident memory rises over a step: reset the peak to what is
+// Measures how far the peak resident memory rises over a step: hand memory freed by earlier
+// steps back to the system (or the step would reuse it unseen), reset the peak to what is
 // resident now, run the step, read the peak.
 class PeakWatch
 {
 public:
     PeakWatch()
     {
+        malloc_trim(0);
         std::ofstream("/proc/self/clear_refs") << "5";
         m_dStart = statusMB("VmRSS:");
     }

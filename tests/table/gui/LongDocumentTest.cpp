@@ -1,5 +1,6 @@
 // A document of an hour in the table: typing, undo, redo and saving touch what they change and
 // the columns on screen, never the whole document, and lose nothing.
+#include "document/MyDocument.h"
 #include "support/TestFiles.h"
 #include "table/gui/TableClicks.h"
 
