@@ -1,55 +1,127 @@
 #include "dataentry/TraceTrackLists.h"
 
 #include "document/MyDocument.h"
+#include "document/TableColumnSource.h"
 
 #include <stdexcept>
 #include <string>
 
+TraceTrackLists::TraceTrackLists(std::vector<int> rows) : m_rows(std::move(rows))
+{
+    makeLists();
+}
+
+TraceTrackLists::TraceTrackLists(const TraceTrackLists& other)
+{
+    *this = other;
+}
+
+TraceTrackLists& TraceTrackLists::operator=(const TraceTrackLists& other)
+{
+    if (this == &other)
+        return *this;
+    _bViewGridData = other._bViewGridData;
+    m_rows = other.m_rows;
+    m_pDoc = other.m_pDoc;
+    m_nColumns = other.m_nColumns;
+    m_nInterval = other.m_nInterval;
+    m_bShowsGrid = other.m_bShowsGrid;
+    m_live = other.m_live;
+    m_placeholders = other.m_placeholders;
+    makeLists(); // the lists answer for this object, not the other
+    return *this;
+}
+
+void TraceTrackLists::makeLists()
+{
+    _arrayTracedValues.clear();
+    _arrayGridValues.clear();
+    for (int slot = 0; slot < slotCount(); ++slot) {
+        _arrayTracedValues.emplace_back(this, slot, false);
+        _arrayGridValues.emplace_back(this, slot, true);
+    }
+}
+
 void TraceTrackLists::setup(MyDocument& doc)
 {
-    const int interval = doc.updateInterval();
-    _arrayTracedValues.assign(m_rows.size(), {});
-    _arrayGridValues.assign(m_rows.size(), {});
+    m_pDoc = &doc;
+    m_nInterval = doc.updateInterval();
     const std::size_t count = doc._dataTableDictionary.count();
-    if (count < 2)
-        return;
-    for (std::size_t k = 1; k < count; ++k) {
-        const CellArray* column = doc._dataTableDictionary.objectForKey(static_cast<long long>(k) * interval);
-        CellRef placeholder;
-        if (!_bViewGridData) {
-            placeholder = std::make_shared<ImageAndTextCell>();
-            placeholder->set_nValue(-1);
-        }
-        for (std::size_t slot = 0; slot < m_rows.size(); ++slot) {
-            const auto row = static_cast<std::size_t>(m_rows[slot]);
-            CellRef cell = column && row < column->size() ? (*column)[row] : nullptr;
-            _arrayTracedValues[slot].push_back(cell);
-            _arrayGridValues[slot].push_back(_bViewGridData ? cell : placeholder);
-        }
+    m_nColumns = count < 2 ? 0 : static_cast<int>(count - 1);
+    m_bShowsGrid = _bViewGridData;
+    m_placeholders.clear();
+    m_live.assign(m_bShowsGrid ? 0 : m_rows.size(),
+                  std::vector<char>(static_cast<std::size_t>(m_nColumns), 0));
+}
+
+CellRef TraceTrackLists::placeholder(std::size_t index) const
+{
+    CellRef& cell = m_placeholders[index];
+    if (!cell) {
+        cell = std::make_shared<ImageAndTextCell>();
+        cell->set_nValue(-1);
     }
+    return cell;
+}
+
+std::size_t TraceTrackLists::CellList::size() const
+{
+    return static_cast<std::size_t>(m_pOwner->m_nColumns);
+}
+
+CellRef TraceTrackLists::CellList::operator[](std::size_t index) const
+{
+    const TraceTrackLists& o = *m_pOwner;
+    if (index >= size())
+        throw std::out_of_range("index " + std::to_string(index) + " beyond the " + std::to_string(size()) +
+                                " frame columns");
+    if (m_bShown && !o.m_bShowsGrid && !o.m_live[static_cast<std::size_t>(m_nSlot)][index])
+        return o.placeholder(index);
+    return o.m_pDoc->_dataTableDictionary.cellAt(o.keyOf(index), o.row(m_nSlot));
+}
+
+bool TraceTrackLists::CellList::value(std::size_t index, int& value) const
+{
+    const TraceTrackLists& o = *m_pOwner;
+    if (index >= size())
+        return false;
+    if (m_bShown && !o.m_bShowsGrid && !o.m_live[static_cast<std::size_t>(m_nSlot)][index]) {
+        value = -1;
+        return true;
+    }
+    return o.m_pDoc->_dataTableDictionary.valueAt(o.keyOf(index), o.row(m_nSlot), value);
 }
 
 void TraceTrackLists::setValue(int slot, int index, int value)
 {
-    std::vector<CellRef>& traced = _arrayTracedValues.at(static_cast<std::size_t>(slot));
-    if (index < 0 || index >= static_cast<int>(traced.size()))
+    if (index < 0 || index >= m_nColumns)
         throw std::out_of_range("index " + std::to_string(index) + " beyond the " +
-                                std::to_string(traced.size()) + " frame columns");
-    const CellRef& cell = traced[static_cast<std::size_t>(index)];
+                                std::to_string(m_nColumns) + " frame columns");
+    const CellRef cell =
+        _arrayTracedValues.at(static_cast<std::size_t>(slot))[static_cast<std::size_t>(index)];
     if (!cell)
         return;
     cell->set_nValue(value);
-    if (!_bViewGridData)
-        _arrayGridValues[static_cast<std::size_t>(slot)][static_cast<std::size_t>(index)] = cell;
+    if (!m_bShowsGrid)
+        m_live[static_cast<std::size_t>(slot)][static_cast<std::size_t>(index)] = 1;
 }
 
 void TraceTrackLists::writeBack(MyDocument& doc, int slot, bool clamp) const
 {
-    const int interval = doc.updateInterval();
     const auto rowIndex = static_cast<std::size_t>(row(slot));
-    const std::vector<CellRef>& traced = _arrayTracedValues.at(static_cast<std::size_t>(slot));
-    for (std::size_t k = 1; k <= traced.size(); ++k) {
-        const CellRef& cell = traced[k - 1];
+    const DataTableDictionary& data = doc._dataTableDictionary;
+    const TableColumnSource* source = data.pendingSource();
+    for (std::size_t index = 0; index < static_cast<std::size_t>(m_nColumns); ++index) {
+        const DataTableDictionary::Peek column = data.peek(keyOf(index));
+        if (column.pending > 0 && source) {
+            // A column not made holds its value as its text, within the limits of its row's
+            // cells unless the limits changed since: only such a value needs its cell made.
+            const int value = source->value(column.pending, row(slot));
+            const ImageAndTextCell& model = source->frameModel[rowIndex];
+            if (!clamp || (value <= model._nMaxValue() && value >= model._nMinValue()))
+                continue;
+        }
+        const CellRef cell = _arrayTracedValues.at(static_cast<std::size_t>(slot))[index];
         if (!cell)
             continue;
         int value = cell->_nValue();
@@ -62,8 +134,5 @@ void TraceTrackLists::writeBack(MyDocument& doc, int slot, bool clamp) const
             cell->set_nValue(value);
         }
         cell->setIntValue(value);
-        CellArray* column = doc._dataTableDictionary.objectForKey(static_cast<long long>(k) * interval);
-        if (column && rowIndex < column->size())
-            (*column)[rowIndex] = cell;
     }
 }

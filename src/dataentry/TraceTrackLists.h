@@ -6,9 +6,15 @@
 // row (shared, not copied: changing it changes the table). _arrayGridValues[slot] is what the
 // view shows: the same cells when the grid's old values are shown, otherwise one placeholder
 // of value -1 per column (shared by all slots of that column) until the column is traced or
-// entered, when the live cell takes its place. Main thread only.
+// entered, when the live cell takes its place.
+//
+// The lists hold no cells of their own: an entry is looked up when it is asked for, and views
+// read values through value(), which makes no column of the table data. So a window over a
+// document of an hour costs what it draws and what is traced, not the document's length.
+// Main thread only.
 #include "document/DataTableDictionary.h"
 
+#include <unordered_map>
 #include <vector>
 
 class MyDocument;
@@ -16,18 +22,40 @@ class MyDocument;
 class TraceTrackLists
 {
 public:
-    explicit TraceTrackLists(std::vector<int> rows) : m_rows(std::move(rows)) {}
+    // One slot's list, traced or shown. Entries are answered from the table data as it stands.
+    class CellList
+    {
+    public:
+        CellList(const TraceTrackLists* owner, int slot, bool shown)
+            : m_pOwner(owner), m_nSlot(slot), m_bShown(shown)
+        {
+        }
+        std::size_t size() const;
+        bool empty() const { return size() == 0; }
+        // The entry at `index` (its table column made now if it was not); null for a missing
+        // column. Out of range throws std::out_of_range.
+        CellRef operator[](std::size_t index) const;
+        // The entry's value without making its column: false for a missing cell.
+        bool value(std::size_t index, int& value) const;
 
-    // Rebuilds both lists from the table data (repairing an update interval below 1 to 10).
-    // A missing column key leaves a null cell at its index.
+    private:
+        const TraceTrackLists* m_pOwner;
+        int m_nSlot;
+        bool m_bShown;
+    };
+
+    explicit TraceTrackLists(std::vector<int> rows);
+    TraceTrackLists(const TraceTrackLists& other);
+    TraceTrackLists& operator=(const TraceTrackLists& other);
+
+    // Takes the document's frame columns anew (repairing an update interval below 1 to 10):
+    // the lists cover table columns 1 .. count - 1 of its table data, and when the old values
+    // are hidden every entry of the display lists is a placeholder again.
     void setup(MyDocument& doc);
 
     int slotCount() const { return static_cast<int>(m_rows.size()); }
     int row(int slot) const { return m_rows[static_cast<std::size_t>(slot)]; }
-    int columnCount(int slot) const
-    {
-        return static_cast<int>(_arrayTracedValues[static_cast<std::size_t>(slot)].size());
-    }
+    int columnCount(int) const { return m_nColumns; }
 
     // Sets the value of the slot's cell at list index `index` and shows it in the display list
     // when the old values are hidden. An index at or beyond the list's end throws
@@ -38,9 +66,19 @@ public:
     void writeBack(MyDocument& doc, int slot, bool clamp) const;
 
     bool _bViewGridData = true;
-    std::vector<std::vector<CellRef>> _arrayTracedValues;
-    std::vector<std::vector<CellRef>> _arrayGridValues;
+    std::vector<CellList> _arrayTracedValues;
+    std::vector<CellList> _arrayGridValues;
 
 private:
+    void makeLists();
+    long long keyOf(std::size_t index) const { return static_cast<long long>(index + 1) * m_nInterval; }
+    CellRef placeholder(std::size_t index) const;
+
     std::vector<int> m_rows;
+    MyDocument* m_pDoc = nullptr;
+    int m_nColumns = 0;
+    long long m_nInterval = 10;
+    bool m_bShowsGrid = true;              // _bViewGridData when the lists were set up
+    std::vector<std::vector<char>> m_live; // hidden old values: per slot, index traced since set-up
+    mutable std::unordered_map<std::size_t, CellRef> m_placeholders; // made when asked for
 };

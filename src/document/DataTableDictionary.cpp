@@ -180,6 +180,21 @@ DataTableDictionary::Peek DataTableDictionary::peek(long long key) const
     return {nullptr, pendingIndex(key)};
 }
 
+bool DataTableDictionary::valueAt(long long key, int row, int& value) const
+{
+    const Peek column = peek(key);
+    if (column.cells) {
+        if (row < 0 || static_cast<std::size_t>(row) >= column.cells->size() || !(*column.cells)[row])
+            return false;
+        value = (*column.cells)[row]->_nValue();
+        return true;
+    }
+    if (column.pending < 0 || row < 0 || row >= kParameterCount)
+        return false;
+    value = column.pending == 0 ? 0 : m_source->value(column.pending, row); // names hold 0
+    return true;
+}
+
 bool DataTableDictionary::allPending(long long first, long long count) const
 {
     if (m_nPending == 0 || first < 0 || static_cast<std::size_t>(first + count) > m_waiting.size())

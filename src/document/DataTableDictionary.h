@@ -60,6 +60,10 @@ public:
         long long pending = -1;
     };
     Peek peek(long long key) const;
+    // The value in `row` of the column keyed `key` as it stands, without making the column;
+    // false when there is no such column or cell. For views that read many columns and
+    // change few.
+    bool valueAt(long long key, int row, int& value) const;
     // What the announced columns are made from (null when none is waiting).
     const TableColumnSource* pendingSource() const { return m_nPending > 0 ? m_source.get() : nullptr; }
     // The interval of the announced keys.

@@ -11,6 +11,7 @@
 #include <QPainterPath>
 
 #include <algorithm>
+#include <climits>
 #include <cmath>
 
 namespace
@@ -28,27 +29,16 @@ TrackPlotView::TrackPlotView(int scale, std::initializer_list<TrackDefinition> t
     }
 }
 
-std::vector<CellRef> TrackPlotView::rowCells(int row, int frames) const
+bool TrackPlotView::frameValue(int frame, int row, int& value) const
 {
-    std::vector<CellRef> cells(static_cast<std::size_t>(frames));
-    const int interval = _pDoc->updateInterval();
-    for (int k = 0; k < frames; ++k)
-        cells[k] = _pDoc->_dataTableDictionary.cellAt(static_cast<long long>(k + 1) * interval, row);
-    return cells;
+    if (!_pDoc || frame < 0 || frame >= frameCount())
+        return false;
+    return _pDoc->_dataTableDictionary.valueAt(static_cast<long long>(frame + 1) * _pDoc->updateInterval(),
+                                               row, value);
 }
 
 void TrackPlotView::setup()
 {
-    const int frames = frameCount();
-    for (Track& track : m_tracks) {
-        track.cells.clear();
-        track.gate.clear();
-        if (!_pDoc)
-            continue;
-        track.cells = rowCells(track.row, frames);
-        if (track.gateRow >= 0)
-            track.gate = rowCells(track.gateRow, frames);
-    }
     update();
 }
 
@@ -89,8 +79,6 @@ void TrackPlotView::updateFrame(int frame)
 
 void TrackPlotView::startDrag()
 {
-    // Take the cells afresh: an edit in the table may have replaced some since the last set-up,
-    // and committing stale cells would undo that edit.
     setup();
     m_nFollowedColumn = -1;
 }
@@ -111,10 +99,15 @@ void TrackPlotView::dragTo(const QPointF& p)
     m_stroke.add(frame + 1);
     m_arraytrace.push_back(p);
     bool changed = false;
+    const long long key = static_cast<long long>(frame + 1) * _pDoc->updateInterval();
     for (Track& track : m_tracks) {
-        if (!track.active || frame >= static_cast<int>(track.cells.size()) || !track.cells[frame])
+        // The cell the table shows (its column made now if it was not yet).
+        const CellRef cell = track.active && frame < frameCount()
+                                 ? _pDoc->_dataTableDictionary.cellAt(key, track.row)
+                                 : nullptr;
+        if (!cell)
             continue;
-        track.cells[frame]->set_nValue(value);
+        cell->set_nValue(value);
         changed = true;
     }
     const QPoint pixel = p.toPoint();
@@ -148,20 +141,16 @@ bool TrackPlotView::finishDrag()
 
 void TrackPlotView::commitActiveTracks()
 {
+    // The stroke changed the values of the cells of its columns; their texts follow.
+    const StrokeSpan& stroke = lastStroke();
     const int interval = _pDoc->updateInterval();
     for (const Track& track : m_tracks) {
-        if (!track.active)
+        if (!track.active || stroke.first() < 1)
             continue;
-        for (std::size_t k = 0; k < track.cells.size(); ++k) {
-            const CellRef& cell = track.cells[k];
-            if (!cell)
-                continue;
-            cell->setInttoStringValue(cell->_nValue());
-            CellArray* column =
-                _pDoc->_dataTableDictionary.objectForKey(static_cast<long long>(k + 1) * interval);
-            if (column && track.row < static_cast<int>(column->size()))
-                (*column)[track.row] = cell;
-        }
+        for (int column = stroke.first(); column <= stroke.last(); ++column)
+            if (const CellRef cell =
+                    _pDoc->_dataTableDictionary.cellAt(static_cast<long long>(column) * interval, track.row))
+                cell->setInttoStringValue(cell->_nValue());
     }
 }
 
@@ -236,21 +225,39 @@ void TrackPlotView::drawTrack(QPainter& painter, const Track& track, int first, 
     const int w = width();
     const int h = height();
     QPainterPath path;
-    last = std::min(last, static_cast<int>(track.cells.size()) - 1);
-    for (int k = first; k <= last; ++k) {
-        const CellRef& cell = track.cells[k];
-        if (!cell)
+    // The heights already drawn at the current pixel column: a point drawn again would change
+    // nothing, and a long document puts hundreds of frames on one column. Points wholly above
+    // or below the view are not drawn either.
+    constexpr int kAbove = kPointSize + 1; // a point this far above still reaches in
+    std::vector<char> drawn(static_cast<std::size_t>(h + kAbove + 1), 0);
+    std::vector<int> marked;
+    int column = INT_MIN;
+    for (int k = std::max(first, 0); k <= last; ++k) {
+        int value = 0;
+        if (!frameValue(k, track.row, value))
             continue;
         if (track.gateRow >= 0) {
-            const bool voiced = k < static_cast<int>(track.gate.size()) && track.gate[k] &&
-                                track.gate[k]->_nValue() > kGateMinimum;
-            if (!voiced)
+            int gate = 0;
+            if (!frameValue(k, track.gateRow, gate) || gate <= kGateMinimum)
                 continue;
         }
         const int x = m_axis->pixelOf(k, frames, w);
-        const int y = h - static_cast<int>(static_cast<long long>(cell->_nValue()) * h / m_nScale);
-        painter.fillRect(x, y, kPointSize, kPointSize, track.color);
-        path.addEllipse(x, y, kPointSize, kPointSize);
+        const long long y = h - static_cast<long long>(value) * h / m_nScale;
+        if (y < -kAbove || y > h)
+            continue;
+        if (x != column) {
+            for (int i : marked)
+                drawn[static_cast<std::size_t>(i)] = 0;
+            marked.clear();
+            column = x;
+        }
+        const int at = static_cast<int>(y) + kAbove;
+        if (drawn[static_cast<std::size_t>(at)])
+            continue;
+        drawn[static_cast<std::size_t>(at)] = 1;
+        marked.push_back(at);
+        painter.fillRect(x, static_cast<int>(y), kPointSize, kPointSize, track.color);
+        path.addEllipse(x, static_cast<int>(y), kPointSize, kPointSize);
     }
     painter.strokePath(path, QPen(track.color));
 }

@@ -4,8 +4,12 @@
 // points over a time grid and a value grid. The user draws the active track with the mouse:
 // each drag position sets the value of the frame under the pointer in the document's own
 // cells (the cells the table shows, not copies), and releasing the mouse commits the edit:
-// texts, cells stored back, table refreshed, redo step recorded. Mouse down records the undo
-// step, so one drag is one undo step.
+// texts of the stroke's cells, table refreshed, redo step recorded. Mouse down records the
+// undo step, so one drag is one undo step.
+//
+// The view reads values from the table data as they stand, without making its columns: only
+// the frames a stroke touches get cells, so opening the window over a document of an hour
+// costs what is drawn. Several frames falling on one pixel draw one point a position.
 //
 // The frame and value under the pointer are DataEntryPlot's mapping, _nScale its full scale.
 //
@@ -37,13 +41,13 @@ public:
     struct Track : TrackDefinition {
         QColor color = Qt::black;
         bool active = false;
-        std::vector<CellRef> cells; // index k: the cell of table column k + 1 (nullptr: missing)
-        std::vector<CellRef> gate;  // the gate row's cells, likewise
     };
 
-    // Takes the cells of every track from the table data again and redraws. Called when the
-    // window opens, after undo, redo and revert (which replace the cells), and before a drag.
+    // Redraws from the table data as it stands. Called when the window opens, after undo, redo
+    // and revert (which replace the cells), and before a drag.
     void setup();
+    // The value of a track's row at frame k (table column k + 1); false for a missing cell.
+    bool frameValue(int frame, int row, int& value) const;
     // Makes the track of that parameter name the active one; any other name leaves the view
     // with no active track. Redraws.
     void activeParameter(const std::string& name);
@@ -73,7 +77,7 @@ protected:
 
     virtual ValueGrid valueGrid() const = 0;
     virtual bool timeLabels() const { return false; }
-    virtual bool drawsTrack(const Track& track) const { return !track.cells.empty(); }
+    virtual bool drawsTrack(const Track&) const { return _pDoc != nullptr; }
     virtual void drawCaption(QPainter&) {}
     // The length of the time axis in whole ms (0 without a length).
     double lengthMS() const;
@@ -94,7 +98,6 @@ private:
     void followInTable(int frame);
     void drawTrack(QPainter& painter, const Track& track, int first, int last) const;
     void drawTrace(QPainter& painter, const QRect& clip) const;
-    std::vector<CellRef> rowCells(int row, int frames) const;
 
     int m_nScale;
     std::vector<Track> m_tracks;

@@ -194,7 +194,7 @@ void TraceView::drawSlot(QPainter& painter, int slot, int first, int last) const
 {
     if (slot >= static_cast<int>(m_lists._arrayGridValues.size()))
         return;
-    const std::vector<CellRef>& shown = m_lists._arrayGridValues[static_cast<std::size_t>(slot)];
+    const TraceTrackLists::CellList& shown = m_lists._arrayGridValues[static_cast<std::size_t>(slot)];
     last = std::min(last, static_cast<int>(shown.size()) - 1);
     const int frames = frameCount();
     const int w = width();
@@ -209,18 +209,18 @@ void TraceView::drawSlot(QPainter& painter, int slot, int first, int last) const
     QPainterPath line;
     bool joined = false;
     for (int k = first; k <= last; ++k) {
-        const CellRef& cell = shown[static_cast<std::size_t>(k)];
+        int value = 0;
         // Placeholders (-1) and missing cells are not drawn; a line does not run to or from 0
         // (an unvoiced frame, a formant not found).
-        if (!cell || cell->_nValue() < 0) {
+        if (!shown.value(static_cast<std::size_t>(k), value) || value < 0) {
             joined = false;
             continue;
         }
         // The point sits in the middle of its column.
         const double x = m_axis->xOf(k + 0.5, frames, w);
-        const double y = h - cell->_nValue() * h / m_nScale;
+        const double y = h - value * h / m_nScale;
         painter.fillRect(QRectF(x - side / 2.0, y - side / 2.0, side, side), color);
-        if (cell->_nValue() == 0) {
+        if (value == 0) {
             joined = false;
             continue;
         }
