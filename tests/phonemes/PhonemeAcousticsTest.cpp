@@ -77,5 +77,10 @@ TEST(PhonemeAcoustics, FricativeEnergyPeaksWhereTheirPlaceOfArticulationPutsIt)
     const double peak22 =
         spectralPeakHz(synthesize(s22, 22050), 22050.0, sSegment.startMS + 50, sSegment.endMS() - 50);
     RecordProperty("s peak 22050", std::to_string(peak22));
-    EXPECT_GT(peak22, 4500.0);
+    // At 22050 Hz the peak is the sixth parallel formant at the top of its row, 4999 Hz, give or
+    // take a bin of noise. Nothing within the parameters' limits lifts it above 5 kHz: no parallel
+    // formant goes higher; the bypass adds noise whose level falls with frequency (the noise
+    // source and the output low-pass), so it adds most below 5 kHz; the cascade's seventh and
+    // eighth formants filter voicing and aspiration only, after the lower formants.
+    EXPECT_NEAR(peak22, 4999.0, 100.0);
 }
