@@ -101,6 +101,14 @@ protected:
 
 private:
     void createMenus();
+    // One menu each (DocumentWindowMenus.cpp); the data-entry menu only with a data-entry window.
+    QMenu* createFileMenu();
+    QMenu* createEditMenu();
+    QMenu* createFramesMenu();
+    QMenu* createPlayMenu();
+    void createDataEntryMenu();
+    QMenu* createAnalysisMenu();
+    QMenu* createOptionsMenu();
     void createLabelMenus(QMenu* file);
     void createViewMenu();
     void createStatusBar();

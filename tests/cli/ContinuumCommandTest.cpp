@@ -2,7 +2,7 @@
 #include "CliRunner.h"
 
 #include "document/MyDocument.h"
-#include "support/TestDocument.h"
+#include "support/TestDocuments.h"
 
 #include <gtest/gtest.h>
 

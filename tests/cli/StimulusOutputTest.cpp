@@ -5,7 +5,7 @@
 #include "support/SignalProbe.h"
 
 #include "document/MyDocument.h"
-#include "support/TestDocument.h"
+#include "support/TestDocuments.h"
 
 #include <gtest/gtest.h>
 

@@ -2,7 +2,7 @@
 #include "continuum/ContinuumWriter.h"
 #include "document/DocumentException.h"
 #include "document/MyDocument.h"
-#include "support/TestDocument.h"
+#include "support/TestDocuments.h"
 #include "support/TestFiles.h"
 
 #include <gtest/gtest.h>

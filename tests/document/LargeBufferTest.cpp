@@ -3,6 +3,7 @@
 #include "document/AtomicFile.h"
 #include "document/BulkMemory.h"
 #include "support/DocumentTestSupport.h"
+#include "support/TestDocuments.h"
 
 #include <gtest/gtest.h>
 
@@ -87,7 +88,7 @@ TEST(LargeBuffers, ADuplicateHoldsTheSourcesSamplesAndZerosWhereTheSourceHasNone
 TEST(LargeBuffers, ALengthDeclaredFarBeyondTheTextCostsOnlyTheFramesItHolds)
 {
     // One hour declared, three value lines present.
-    auto small = makeDocument(30.0, 10);
+    auto small = makeTestDocument(3, 10, 1);
     Channels* c = small->getChannel(0);
     setValue(*small, 2, Row::f1, 777);
     std::string text = small->parameterDocumentText(true);
@@ -130,7 +131,7 @@ TEST(LargeBuffers, ALengthDeclaredFarBeyondTheTextCostsOnlyTheFramesItHolds)
 
 TEST(LargeBuffers, TheWaveImageInPiecesIsTheWholeImageAndAFailedPieceStopsTheFile)
 {
-    auto document = makeDocument(3000.0, 10); // 33075 samples: several pieces
+    auto document = makeTestDocument(300, 10, 1); // 33075 samples: several pieces
     Channels* c = document->getChannel(0);
     c->m_hData = MemoryBlock::newHandle(33075 * sizeof(float));
     c->m_dwFileLength = 33075.5; // a fractional length writes one sample more, which is 0

@@ -1,4 +1,5 @@
 #include "support/DocumentTestSupport.h"
+#include "support/TestDocuments.h"
 #include "support/TestFiles.h"
 
 #include <gtest/gtest.h>
@@ -30,7 +31,7 @@ int fieldCount(const std::string& line)
 // A document with edits in every kind of field the file carries.
 std::unique_ptr<MyDocument> editedDocument()
 {
-    auto document = makeDocument(125.0, 5); // 25 frames of 5 ms
+    auto document = makeTestDocument(25, 5, 1); // 25 frames of 5 ms
     Channels* c = document->getChannel(0);
     c->m_dSampleRate = 22050.0;
     c->m_bCascade_Parallel = 0;
@@ -52,7 +53,7 @@ std::unique_ptr<MyDocument> editedDocument()
 
 TEST(StkFile, FactoryDocumentLayout)
 {
-    auto document = makeDocument(200.0);
+    auto document = makeTestDocument(20, 10, 1);
     EXPECT_FALSE(document->isDocumentEdited());
     const std::string text = document->Save_STK_FileType50(true);
     EXPECT_TRUE(document->isDocumentEdited()); // saving the text marks the document changed
@@ -239,7 +240,7 @@ TEST(StkFile, AbsurdDocumentsAreRefusedAndLeaveTheDocumentAlone)
         {"200\t11025\t10\t\r\nx\r\n", "second line"},
     };
     for (const auto& c : cases) {
-        auto document = makeDocument(300.0);
+        auto document = makeTestDocument(30, 10, 1);
         setValue(*document, 2, Row::f2, 1777);
         document->getChannel(0)->m_snppDataImage_Col_Row[1][Row::f2] = 1777;
         EXPECT_EQ(document->Read_STK_FileType(c.text), -1) << c.text;
@@ -296,7 +297,7 @@ TEST(StkFile, AtomicSaveAndItsFailures)
 
     // The disk refuses the data half-way (file size limit): the old file stays whole and no
     // temporary file is left behind.
-    auto bigger = makeDocument(20000.0);
+    auto bigger = makeTestDocument(2000, 10, 1);
     rlimit old{};
     getrlimit(RLIMIT_FSIZE, &old);
     std::signal(SIGXFSZ, SIG_IGN);

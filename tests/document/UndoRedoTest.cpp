@@ -1,5 +1,6 @@
 #include "document/DocumentException.h"
 #include "support/DocumentTestSupport.h"
+#include "support/TestDocuments.h"
 
 #include <gtest/gtest.h>
 
@@ -25,7 +26,7 @@ int shownValue(MyDocument& document, int frame, int row)
 
 TEST(UndoRedo, ElevenEditsKeepTenAndWalkBothWays)
 {
-    auto document = makeDocument(100.0);
+    auto document = makeTestDocument(10, 10, 1);
     EXPECT_FALSE(document->canUndo());
     EXPECT_FALSE(document->canRedo());
     document->doUndo(); // nothing to undo: no effect
@@ -71,7 +72,7 @@ TEST(UndoRedo, ElevenEditsKeepTenAndWalkBothWays)
 
 TEST(UndoRedo, SnapshotsRestoreFramesSelectionAndEveryAnchor)
 {
-    auto document = makeDocument(50.0);
+    auto document = makeTestDocument(5, 10, 1);
     Channels* c = document->getChannel(0);
     document->m_bver50 = 1;                              // as read from a file
     frameCell(*document, 2, Row::oq)->set_bAnchor(true); // anchor on a hidden row
@@ -166,7 +167,7 @@ TEST(UndoRedo, AFractionalLengthComesBackExactly)
 
 TEST(UndoRedo, DamagedSnapshotsAndUnevenListsFailCleanly)
 {
-    auto document = makeDocument(30.0);
+    auto document = makeTestDocument(3, 10, 1);
     edit(*document, 1, Row::av, 40);
     document->_arrayUndo[0] = "not a snapshot";
     try {
@@ -180,7 +181,7 @@ TEST(UndoRedo, DamagedSnapshotsAndUnevenListsFailCleanly)
 
     // A change recorded with saveRedo alone leaves the redo list longer than the undo list:
     // undo then restores the newest "before" state instead of reading past the list.
-    auto uneven = makeDocument(30.0);
+    auto uneven = makeTestDocument(3, 10, 1);
     edit(*uneven, 1, Row::av, 41);
     setValue(*uneven, 2, Row::av, 42);
     uneven->saveRedo();
@@ -195,7 +196,7 @@ TEST(UndoRedo, RevertGoesBackToTheLastSave)
     namespace fs = std::filesystem;
     const fs::path path =
         fs::temp_directory_path() / ("tessaphon-revert-" + std::to_string(::getpid()) + ".stk");
-    auto document = makeDocument(60.0);
+    auto document = makeTestDocument(6, 10, 1);
     EXPECT_FALSE(document->canRevert());
     EXPECT_FALSE(document->doRevertDocumentToSaved());
 

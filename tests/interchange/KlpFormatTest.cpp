@@ -1,6 +1,7 @@
 #include "document/ParameterDefinition.h"
 #include "interchange/Interchange.h"
 #include "support/DocumentTestSupport.h"
+#include "support/TestDocuments.h"
 
 #include <gtest/gtest.h>
 
@@ -125,7 +126,7 @@ TEST(KlpImport, RefusesWhatItCannotReadNamingTheLine)
 
 TEST(KlpExport, RoundTripsEveryRowTheLayoutHolds)
 {
-    auto document = makeDocument(120.0, 5);
+    auto document = makeTestDocument(24, 5, 1);
     // A different value in every frame of some rows, a constant in others, off the defaults.
     for (int frame = 1; frame <= 24; ++frame) {
         setValue(*document, frame, Row::f0, 900 + 7 * frame);

@@ -18,6 +18,8 @@
 #include <QTimer>
 #include <gtest/gtest.h>
 
+#include <vector>
+
 namespace
 {
 // Once the panel's modal loop runs: what the user does in it, then a press of `which`.
@@ -263,4 +265,64 @@ TEST(optionAnalysis, PitchPanelWritesTheDisplayFieldsIntoTheCalculationRange)
     panel.actionDefault();
     EXPECT_EQ(panel._StepSize->text(), "10");
     EXPECT_EQ(panel._CalculationHigh->text(), "500");
+}
+
+// OK on an analysis panel that was not changed gives back every setting the panel shows: nothing
+// is lost or rounded on the way through the text fields, the menus and the check boxes.
+TEST(optionAnalysis, OkWithoutAChangeKeepsEverySetting)
+{
+    MyDocument doc;
+    doc.m_nFFTWindowLengthSelector = 5, doc.m_nFFTWindowLength = 1024, doc.m_nFFTAppliedWindowLength = 40;
+    doc.m_nFFTfrequencyRange = 4000, doc.m_nFFTAverageStepSize = 3, doc.m_nLPCNumberofCoefficients = 18;
+    doc.m_bFFTDrawLPC = 0, doc.m_bFFTAbsolute = 0, doc.m_nFFTAbsoluteRange = 60, doc.m_bFFTInches = 0;
+    doc.m_bFFTColor = 0, doc.m_dFFTWidth = 7.5, doc.m_dFFTHeight = 3.5, doc.m_bFFTDrawFrequencyGrid = 0;
+    doc.m_nFFTFrequencyGrid = 500, doc.m_bFFTDrawDBGrid = 1, doc.m_nFFTDBGrid = 20;
+    doc.m_nSpecWindowLengthSelector = 4, doc.m_nSpecWindowLength = 512, doc.m_nSpecDynamicRange = 60;
+    doc.m_nSpecfrequencyRange = 4000, doc.m_dPreEmphasis = 0.5, doc.m_bSpecDrawFormantTracking = 0;
+    doc.m_nSpecLPCNumberofCoefficients = 16, doc.m_bSpecDrawFrequencyGrid = 1, doc.m_nSpecFrequencyGrid = 500;
+    doc.m_bSpecDrawTimeGrid = 0, doc.m_nSpecTimeGrid = 100, doc.m_bSpecInches = 0, doc.m_dSpecWidth = 5.5;
+    doc.m_dSpecHeight = 2.5;
+    const auto settings = [&doc] {
+        return std::vector<double>{double(doc.m_nFFTWindowLengthSelector),
+                                   double(doc.m_nFFTWindowLength),
+                                   double(doc.m_nFFTAppliedWindowLength),
+                                   double(doc.m_nFFTfrequencyRange),
+                                   double(doc.m_nFFTAverageStepSize),
+                                   double(doc.m_nLPCNumberofCoefficients),
+                                   double(doc.m_bFFTDrawLPC),
+                                   double(doc.m_bFFTAbsolute),
+                                   double(doc.m_nFFTAbsoluteRange),
+                                   double(doc.m_bFFTInches),
+                                   double(doc.m_bFFTColor),
+                                   doc.m_dFFTWidth,
+                                   doc.m_dFFTHeight,
+                                   double(doc.m_bFFTDrawFrequencyGrid),
+                                   double(doc.m_nFFTFrequencyGrid),
+                                   double(doc.m_bFFTDrawDBGrid),
+                                   double(doc.m_nFFTDBGrid),
+                                   double(doc.m_nSpecWindowLengthSelector),
+                                   double(doc.m_nSpecWindowLength),
+                                   double(doc.m_nSpecDynamicRange),
+                                   double(doc.m_nSpecfrequencyRange),
+                                   doc.m_dPreEmphasis,
+                                   double(doc.m_bSpecDrawFormantTracking),
+                                   double(doc.m_nSpecLPCNumberofCoefficients),
+                                   double(doc.m_bSpecDrawFrequencyGrid),
+                                   double(doc.m_nSpecFrequencyGrid),
+                                   double(doc.m_bSpecDrawTimeGrid),
+                                   double(doc.m_nSpecTimeGrid),
+                                   double(doc.m_bSpecInches),
+                                   doc.m_dSpecWidth,
+                                   doc.m_dSpecHeight};
+    };
+    const std::vector<double> before = settings();
+    optionFFTLPC fft;
+    pressLater(&fft, QDialogButtonBox::Ok);
+    EXPECT_EQ(fft.showInWindow(nullptr, &doc), 1000);
+    optionSpectrogram spectrogram;
+    pressLater(&spectrogram, QDialogButtonBox::Ok);
+    EXPECT_EQ(spectrogram.showInWindow(nullptr, &doc), 1000);
+    const std::vector<double> after = settings();
+    for (std::size_t i = 0; i < before.size(); ++i)
+        EXPECT_EQ(after[i], before[i]) << "setting " << i;
 }

@@ -1,24 +1,11 @@
 #pragma once
-// Helpers shared by the document tests: documents of a given size with their table data, cell
-// edits as the table makes them, and little-endian byte building for WAVE images.
+// Helpers shared by the document tests: cell edits as the table makes them, and little-endian
+// byte building for WAVE images (documents of a given size: TestDocuments.h).
 #include "document/MyDocument.h"
 
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <vector>
-
-inline std::unique_ptr<MyDocument> makeDocument(double lengthMS, int intervalMS = 10)
-{
-    auto document = std::make_unique<MyDocument>();
-    Channels* c = document->getChannel(0);
-    c->m_dLengthMS = lengthMS;
-    c->m_nUpdateIntervalMS = intervalMS;
-    c->m_nColumnNum = static_cast<int>(lengthMS / intervalMS);
-    document->SetUpDataGridMemory();
-    document->buildDataTableDictionary();
-    return document;
-}
 
 // The cell of frame k (1-based, as the table data keys it) and a row.
 inline CellRef frameCell(MyDocument& document, int frame, int row)

@@ -4,6 +4,7 @@
 #include "document/Log.h"
 #include "document/MyDocument.h"
 #include "support/DocumentTestSupport.h"
+#include "support/TestDocuments.h"
 
 #include <gtest/gtest.h>
 
@@ -271,7 +272,7 @@ TEST_F(SynthesizeTest, UndoKeepsTheLengthOfADocumentMadeFromARecording)
 TEST_F(SynthesizeTest, ADocumentWithoutTableDataIsSynthesizedFromItsGrid)
 {
     // A read document whose table data was never built sounds as it does once it is built.
-    auto source = makeDocument(300.0, 10);
+    auto source = makeTestDocument(30, 10, 1);
     for (int k = 1; k <= 30; ++k) {
         setValue(*source, k, Row::f0, 900 + 13 * k);
         setValue(*source, k, Row::f2, 1200 + 31 * k);

@@ -1,7 +1,7 @@
 // File > Make Continuum...: the dialog driven through its fields, the work on its worker thread.
 #include "continuum/gui/ContinuumDialog.h"
 #include "document/MyDocument.h"
-#include "support/TestDocument.h"
+#include "support/TestDocuments.h"
 
 #include <QCheckBox>
 #include <QComboBox>

@@ -267,7 +267,7 @@ TEST(GraphicalEntryFromTheTable, PlayAfterEachStrokeIsRememberedAndPlaysTheUtter
 {
     // 10 s: a stroke plays its own frames with 300 ms around them.
     MyDocument doc;
-    makeLong(doc, 1000);
+    setTestFrames(doc, 1000);
     mainTable table(&doc);
     auto controller = std::make_unique<dataentryGraphicalController>(&doc, &table);
     controller->window()->show();
@@ -298,7 +298,7 @@ TEST(GraphicalEntryFromTheTable, PlayAfterEachStrokeIsRememberedAndPlaysTheUtter
     // Remembered for the next window; a document of 3 s or less is played whole.
     controller.reset();
     MyDocument shortDoc;
-    makeLong(shortDoc, 300);
+    setTestFrames(shortDoc, 300);
     mainTable shortTable(&shortDoc);
     dataentryGraphicalController next(&shortDoc, &shortTable);
     next.window()->show();

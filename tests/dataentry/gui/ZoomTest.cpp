@@ -41,7 +41,7 @@ struct GraphicalZoom : ::testing::Test {
 
     void SetUp() override
     {
-        makeLong(doc, 6000);
+        setTestFrames(doc, 6000);
         controller = std::make_unique<dataentryGraphicalController>(&doc, nullptr);
         QWidget* window = controller->window();
         window->show();
@@ -229,7 +229,7 @@ struct TraceZoom : ::testing::Test {
 
     void SetUp() override
     {
-        makeLong(doc, 200);
+        setTestFrames(doc, 200);
         table = std::make_unique<mainTable>(&doc);
         controller = std::make_unique<dataentryTraceContoller>(&doc, table.get());
         controller->window()->show();

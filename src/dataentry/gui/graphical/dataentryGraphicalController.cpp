@@ -40,7 +40,7 @@ constexpr int kWellWidth = 30;
 } // namespace
 
 dataentryGraphicalController::dataentryGraphicalController(MyDocument* doc, mainTable* table, QObject* parent)
-    : QObject(parent), m_pDoc(doc)
+    : DataEntryWindow(doc, parent)
 {
     m_window = std::make_unique<QMainWindow>();
     m_content = new QWidget(m_window.get());
@@ -48,15 +48,7 @@ dataentryGraphicalController::dataentryGraphicalController(MyDocument* doc, main
     m_viewF0 = new viewF0(m_content);
     m_viewFormants = new viewFormants(m_content);
     m_viewOthers = new viewOthers(m_content);
-    m_timeAxis = new TimeAxisZoom(this);
-    m_timeAxis->setFrameSource([this] { return m_pDoc ? m_pDoc->getChannel(0)->m_nColumnNum : 0; });
-    m_scrollBar = new QScrollBar(Qt::Horizontal, m_content);
-    m_scrollBar->setFocusPolicy(Qt::NoFocus);
-    m_timeAxis->attach(m_scrollBar);
-    for (TrackPlotView* view : views()) {
-        view->setTimeAxis(m_timeAxis);
-        m_timeAxis->watch(view);
-    }
+    makeTimeAxis(m_content);
     // An edited amplitude decides which F0 and formant points show: every plot repaints the
     // strip of an edited frame.
     for (TrackPlotView* source : views())
@@ -84,13 +76,9 @@ QWidget* dataentryGraphicalController::window()
     return m_window.get();
 }
 
-void dataentryGraphicalController::setmaintableID(mainTable* table)
+std::array<DataEntryPlot*, 3> dataentryGraphicalController::plots() const
 {
-    m_mainTableID = table;
-    for (TrackPlotView* view : views()) {
-        view->set_mainTableID(table);
-        view->setDocument(m_pDoc);
-    }
+    return {m_viewF0, m_viewFormants, m_viewOthers};
 }
 
 void dataentryGraphicalController::makeControls()
@@ -177,38 +165,6 @@ void dataentryGraphicalController::actionColor(int well, const QColor& color)
         m_viewF0->setColor(color);
     else
         m_viewFormants->setColor(color, well - 1);
-}
-
-void dataentryGraphicalController::forward(void (mainTable::*command)())
-{
-    if (m_mainTableID)
-        (m_mainTableID->*command)();
-}
-
-void dataentryGraphicalController::undo()
-{
-    forward(&mainTable::undo);
-}
-void dataentryGraphicalController::redo()
-{
-    forward(&mainTable::redo);
-}
-void dataentryGraphicalController::_PlayCurrent()
-{
-    forward(&mainTable::_PlayCurrent);
-}
-void dataentryGraphicalController::_PlaySelection()
-{
-    forward(&mainTable::_PlaySelection);
-}
-
-void dataentryGraphicalController::_PlayPrevious()
-{
-    forward(&mainTable::_PlayPrevious);
-}
-void dataentryGraphicalController::_PlayAudio()
-{
-    forward(&mainTable::_PlayAudio);
 }
 
 bool dataentryGraphicalController::eventFilter(QObject* watched, QEvent* event)

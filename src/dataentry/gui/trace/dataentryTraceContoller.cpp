@@ -54,7 +54,7 @@ constexpr int kStatusWidth = 250;  // the pointer's readout and the entry's repo
 } // namespace
 
 dataentryTraceContoller::dataentryTraceContoller(MyDocument* doc, mainTable* table, QObject* parent)
-    : QObject(parent), m_pDoc(doc)
+    : DataEntryWindow(doc, parent)
 {
     m_window = std::make_unique<QMainWindow>();
     m_window->setAttribute(Qt::WA_DeleteOnClose, false);
@@ -63,15 +63,7 @@ dataentryTraceContoller::dataentryTraceContoller(MyDocument* doc, mainTable* tab
     m_viewPitch = new viewPitch(m_content);
     m_viewSpectrogram = new viewSpectrogram(m_content);
     m_viewAmplitudes = new viewAmplitudes(m_content);
-    m_timeAxis = new TimeAxisZoom(this);
-    m_timeAxis->setFrameSource([this] { return m_pDoc ? m_pDoc->getChannel(0)->m_nColumnNum : 0; });
-    m_scrollBar = new QScrollBar(Qt::Horizontal, m_content);
-    m_scrollBar->setFocusPolicy(Qt::NoFocus);
-    m_timeAxis->attach(m_scrollBar);
-    for (TraceView* view : views()) {
-        view->setTimeAxis(m_timeAxis);
-        m_timeAxis->watch(view);
-    }
+    makeTimeAxis(m_content);
     // The readout named the time under the pointer before the axis moved.
     connect(m_timeAxis, &TimeAxisZoom::changed, this, [this] {
         if (!m_viewSpectrogram->isComputing())
@@ -107,11 +99,9 @@ QWidget* dataentryTraceContoller::window()
     return m_window.get();
 }
 
-void dataentryTraceContoller::setmaintableID(mainTable* table)
+std::array<DataEntryPlot*, 3> dataentryTraceContoller::plots() const
 {
-    m_mainTableID = table;
-    for (TraceView* view : views())
-        view->set_mainTableID(table);
+    return {m_viewPitch, m_viewSpectrogram, m_viewAmplitudes};
 }
 
 void dataentryTraceContoller::makeControls()
@@ -318,40 +308,6 @@ void dataentryTraceContoller::actionViewOldData(bool show)
     m_viewAmplitudes->setup();
     // Remembered for the next windows; a missing or foreign configuration is left alone.
     ConfigurationFile::writeShowGridData(ConfigurationFile::defaultPath(), show);
-}
-
-void dataentryTraceContoller::forward(void (mainTable::*command)())
-{
-    if (m_mainTableID)
-        (m_mainTableID->*command)();
-}
-
-void dataentryTraceContoller::undo()
-{
-    if (m_pDoc && m_pDoc->canUndo())
-        forward(&mainTable::undo);
-}
-void dataentryTraceContoller::redo()
-{
-    if (m_pDoc && m_pDoc->canRedo())
-        forward(&mainTable::redo);
-}
-void dataentryTraceContoller::_PlayCurrent()
-{
-    forward(&mainTable::_PlayCurrent);
-}
-void dataentryTraceContoller::_PlaySelection()
-{
-    forward(&mainTable::_PlaySelection);
-}
-void dataentryTraceContoller::_PlayPrevious()
-{
-    forward(&mainTable::_PlayPrevious);
-}
-void dataentryTraceContoller::_PlayAudio()
-{
-    if (m_pDoc && m_pDoc->getChannel(2)->hasAudio())
-        forward(&mainTable::_PlayAudio);
 }
 
 bool dataentryTraceContoller::eventFilter(QObject* watched, QEvent* event)

@@ -1,5 +1,5 @@
 #pragma once
-// The trace window: three views on the grid's time axis over the analysis of the model
+// The trace window (a DataEntryWindow): three views on the grid's time axis over the analysis of the model
 // utterance (viewPitch: the pitch track and f0; viewSpectrogram: the spectrogram with formant
 // tracks and f1 .. f5; viewAmplitudes: a1f .. a5f, av, apv in dB), thirteen track buttons that
 // act as one radio group (choosing a formant also chooses its amplitude), six colour wells,
@@ -13,21 +13,17 @@
 // reads an analysis of its own, not the picture on screen, so the views' sizes never change
 // what is entered. The controller owns its window; the table owns the controller. Main thread
 // only. The menus are made in dataentryTraceMenus.cpp.
-#include "dataentry/gui/DataEntryControls.h"
+#include "dataentry/gui/DataEntryWindow.h"
 #include "display/gui/SpectrogramWorker.h"
-#include "table/gui/DataEntryController.h"
 
 #include <QColor>
 #include <QMessageBox>
-#include <QObject>
 #include <QPointer>
 
 #include <array>
 #include <functional>
 #include <memory>
-#include <optional>
 
-class MyDocument;
 class mainTable;
 class viewPitch;
 class viewSpectrogram;
@@ -35,21 +31,14 @@ class viewAmplitudes;
 class TraceView;
 class QCheckBox;
 class QLabel;
-class QScrollBar;
-class TimeAxisZoom;
-
 class QAction;
 class QMainWindow;
-class QPushButton;
 class QWidget;
 
-class dataentryTraceContoller : public QObject, public DataEntryController
+class dataentryTraceContoller : public DataEntryWindow
 {
     Q_OBJECT
 public:
-    using Button = DataEntryControls::Button;
-    using enum DataEntryControls::Button;
-
     dataentryTraceContoller(MyDocument* doc, mainTable* table, QObject* parent = nullptr);
     ~dataentryTraceContoller() override;
 
@@ -59,10 +48,8 @@ public:
     void analysisSettingsChanged() override;
     QWidget* window() override;
 
-    void setmaintableID(mainTable* table);
     // What Ctrl+S runs (the document window's save); none: Ctrl+S does nothing.
     void setSaveCommand(std::function<void()> save) { m_save = std::move(save); }
-    MyDocument* document() const { return m_pDoc; }
 
     void actionTrace(Button button);
     void actionColor(int well, const QColor& color);
@@ -72,27 +59,16 @@ public:
     void actionViewOldData(bool show);
     QColor getControlColor(const std::string& key) const;
 
-    void undo();
-    void redo();
-    void _PlayCurrent();
-    void _PlaySelection();
-    void _PlayPrevious();
-    void _PlayAudio();
     QAction* playAfterStrokeAction() const { return m_playAfterStroke; }
-
     viewPitch* _viewPitch() const { return m_viewPitch; }
     viewSpectrogram* _viewSpectrogram() const { return m_viewSpectrogram; }
     viewAmplitudes* _viewAmplitudes() const { return m_viewAmplitudes; }
-    QPushButton* button(Button b) const { return m_controls->button(b); }
     QPushButton* _EnterAllData() const { return m_enterAllData; }
     QPushButton* _AutomaticCopySynthesis() const { return m_copySynthesis; }
     QCheckBox* _ViewOldData() const { return m_viewOldData; }
     QLabel* statusLabel() const { return m_status; }
     // The status line's whole text (the label shows it elided when it is too long).
     QString statusText() const { return m_statusText; }
-    // The zoom and scroll position the three views share, and its scroll bar.
-    TimeAxisZoom* timeAxis() const { return m_timeAxis; }
-    QScrollBar* scrollBar() const { return m_scrollBar; }
     // The last sheet shown (nullptr when none is open).
     QMessageBox* sheet() const { return m_sheet; }
     // Enter All Data was asked for and waits for its analysis (computed in the background with
@@ -117,25 +93,20 @@ private:
     void spectrogramComputing(bool computing);
     void showStatus(const QString& text);
     void enterAllDataNow(const SpectrogramComputation& analysis);
-    void forward(void (mainTable::*command)());
     std::array<TraceView*, 3> views() const;
+    std::array<DataEntryPlot*, 3> plots() const override;
 
-    MyDocument* m_pDoc = nullptr;
-    mainTable* m_mainTableID = nullptr;
     std::unique_ptr<QMainWindow> m_window;
     QWidget* m_content = nullptr; // the window's central widget, which the views share
     QAction* m_playAfterStroke = nullptr;
     viewPitch* m_viewPitch = nullptr;
     viewSpectrogram* m_viewSpectrogram = nullptr;
     viewAmplitudes* m_viewAmplitudes = nullptr;
-    std::optional<DataEntryControls> m_controls;
     QPushButton* m_enterAllData = nullptr;
     QPushButton* m_copySynthesis = nullptr; // Automatic Copy Synthesis, through the table
     QCheckBox* m_viewOldData = nullptr;
     QLabel* m_status = nullptr;
     QString m_statusText;
-    TimeAxisZoom* m_timeAxis = nullptr;
-    QScrollBar* m_scrollBar = nullptr;
     QPointer<QWidget> m_labelStrip;
     QPointer<QMessageBox> m_sheet;
     std::function<void()> m_save;

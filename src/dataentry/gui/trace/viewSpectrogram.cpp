@@ -69,7 +69,7 @@ void viewSpectrogram::DoSpectrogramOperation()
 
 void viewSpectrogram::timeAxisChanged()
 {
-    TraceView::timeAxisChanged();
+    DataEntryPlot::timeAxisChanged();
     m_zoomSettled.start();
 }
 

@@ -1,15 +1,12 @@
-// The table's two selections: parameter rows, picked by their names or by clicking one of
-// their cells, and frame columns, picked by their headers or by selectaColumn. They are kept
-// apart from the view's cell selection, which only shows them: a clicked cell selects its row
-// but never its frame, and a cell reached with the keys selects neither, so a frame command
-// never takes a row for "every frame" and a row command never takes a frame for "every row".
-#include "table/gui/mainTable.h"
+#include "table/gui/TableSelection.h"
 
 #include "table/gui/FrozenColumnView.h"
+#include "table/gui/ParameterTableModel.h"
 
 #include <QHeaderView>
 #include <QItemSelectionModel>
 #include <QMouseEvent>
+#include <QTableView>
 
 #include <algorithm>
 
@@ -52,49 +49,51 @@ template <typename Add> void forEachRun(const std::set<int>& items, int limit, A
 }
 } // namespace
 
-void mainTable::setUpSelection()
+TableSelection::TableSelection(QTableView& view, ParameterTableModel& model, FrozenColumnView& frozen)
+    : QObject(&view), m_view(view), m_model(model), m_frozen(frozen)
 {
     // The header and the names select through pressHeader and pressName, not through the
     // view's own column selection (which would mix rows and frames in one cell selection).
-    for (QTableView* view : {static_cast<QTableView*>(this), static_cast<QTableView*>(m_pFrozen)}) {
-        disconnect(view->horizontalHeader(), &QHeaderView::sectionPressed, view, nullptr);
-        disconnect(view->horizontalHeader(), &QHeaderView::sectionEntered, view, nullptr);
+    for (QTableView* v : {&m_view, static_cast<QTableView*>(&m_frozen)}) {
+        disconnect(v->horizontalHeader(), &QHeaderView::sectionPressed, v, nullptr);
+        disconnect(v->horizontalHeader(), &QHeaderView::sectionEntered, v, nullptr);
     }
-    connect(horizontalHeader(), &QHeaderView::sectionPressed, this,
+    connect(m_view.horizontalHeader(), &QHeaderView::sectionPressed, this,
             [this](int column) { pressHeader(column, m_pressModifiers); });
-    connect(horizontalHeader(), &QHeaderView::sectionEntered, this, [this](int column) {
+    connect(m_view.horizontalHeader(), &QHeaderView::sectionEntered, this, [this](int column) {
         if (column < 1 || m_columns.anchor < 0)
             return;
         m_columns.items = m_columns.beforeDrag;
         insertSpan(m_columns.items, m_columns.anchor, column);
-        showSelection();
+        show();
     });
-    horizontalHeader()->viewport()->installEventFilter(this);
-    m_pFrozen->viewport()->installEventFilter(this);
-    connect(selectionModel(), &QItemSelectionModel::selectionChanged, this, &mainTable::cellSelectionEdited);
+    m_view.horizontalHeader()->viewport()->installEventFilter(this);
+    m_frozen.viewport()->installEventFilter(this);
+    connect(m_view.selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            &TableSelection::cellSelectionEdited);
     // New columns: the old column numbers mean other frames now.
-    connect(m_pModel, &QAbstractItemModel::modelReset, this, &mainTable::forgetSelection);
+    connect(&m_model, &QAbstractItemModel::modelReset, this, &TableSelection::forget);
 }
 
-bool mainTable::eventFilter(QObject* watched, QEvent* event)
+bool TableSelection::eventFilter(QObject* watched, QEvent* event)
 {
     const bool press = event->type() == QEvent::MouseButtonPress;
     const bool move = event->type() == QEvent::MouseMove;
-    if ((press || move) && watched == horizontalHeader()->viewport()) {
+    if ((press || move) && watched == m_view.horizontalHeader()->viewport()) {
         if (press)
             m_pressModifiers = static_cast<QMouseEvent*>(event)->modifiers();
-    } else if ((press || move) && watched == m_pFrozen->viewport()) {
+    } else if ((press || move) && watched == m_frozen.viewport()) {
         auto* mouse = static_cast<QMouseEvent*>(event);
-        const int row = m_pFrozen->rowAt(mouse->position().toPoint().y());
+        const int row = m_frozen.rowAt(mouse->position().toPoint().y());
         if (press && mouse->button() == Qt::LeftButton && row >= 0)
             pressName(row, mouse->modifiers());
         else if (move && (mouse->buttons() & Qt::LeftButton) && row >= 0 && m_rows.anchor >= 0) {
             m_rows.items = m_rows.beforeDrag;
             insertSpan(m_rows.items, m_rows.anchor, row);
-            showSelection();
+            show();
         }
     }
-    return QTableView::eventFilter(watched, event);
+    return QObject::eventFilter(watched, event);
 }
 
 namespace
@@ -119,22 +118,22 @@ template <typename Selection> void press(Selection& s, int index, Qt::KeyboardMo
 }
 } // namespace
 
-void mainTable::pressName(int row, Qt::KeyboardModifiers modifiers)
+void TableSelection::pressName(int row, Qt::KeyboardModifiers modifiers)
 {
-    if (row < 0 || row >= m_pModel->rowCount())
+    if (row < 0 || row >= m_model.rowCount())
         return;
     m_columns = {};
     press(m_rows, row, modifiers);
-    showSelection();
+    show();
 }
 
-void mainTable::mousePressEvent(QMouseEvent* event)
+void TableSelection::cellPress(QMouseEvent* event, const std::function<void()>& viewPress)
 {
     // The view's own cell selection lets the rows go; a Shift-click extends them from their anchor.
     const IndexSelection rowsBefore = m_rows;
-    QTableView::mousePressEvent(event);
+    viewPress();
     m_rows = rowsBefore;
-    const QModelIndex index = indexAt(event->position().toPoint());
+    const QModelIndex index = m_view.indexAt(event->position().toPoint());
     if (event->button() != Qt::LeftButton || !index.isValid() || index.column() < 1 ||
         !(index.flags() & Qt::ItemIsEnabled))
         return;
@@ -142,99 +141,96 @@ void mainTable::mousePressEvent(QMouseEvent* event)
     pressName(index.row(), event->modifiers());
 }
 
-void mainTable::mouseReleaseEvent(QMouseEvent* event)
+void TableSelection::cellRelease(const std::function<void()>& viewRelease)
 {
     // Releasing over a cell that was already shown selected narrows the view's selection to it;
     // the rows the press selected stay.
     const IndexSelection rowsBefore = m_rows;
-    QTableView::mouseReleaseEvent(event);
+    viewRelease();
     if (m_rows.items.empty() && !rowsBefore.items.empty()) {
         m_rows = rowsBefore;
-        showSelection();
+        show();
     }
 }
 
-void mainTable::pressHeader(int column, Qt::KeyboardModifiers modifiers)
+void TableSelection::pressHeader(int column, Qt::KeyboardModifiers modifiers)
 {
-    if (column < 1 || column >= m_pModel->columnCount())
+    if (column < 1 || column >= m_model.columnCount())
         return; // the names' header selects nothing
     m_rows = {};
     press(m_columns, column, modifiers);
-    showSelection();
+    show();
 }
 
-void mainTable::selectaColumn(int tableColumn)
+void TableSelection::selectColumn(int tableColumn)
 {
-    if (tableColumn < 0 || tableColumn >= m_pModel->columnCount())
-        return;
     m_rows = {};
     m_columns = {};
     m_columns.items.insert(tableColumn);
     m_columns.anchor = tableColumn;
-    showSelection();
-    scrollTo(m_pModel->index(0, tableColumn), QAbstractItemView::EnsureVisible);
+    show();
 }
 
-void mainTable::selectAll()
+void TableSelection::selectAllRows()
 {
-    const int rows = m_pModel->rowCount();
+    const int rows = m_model.rowCount();
     if (rows == 0)
         return;
     m_columns = {};
     m_rows = {};
     insertSpan(m_rows.items, 0, rows - 1);
     m_rows.anchor = 0;
-    showSelection();
+    show();
 }
 
-std::pair<int, int> mainTable::selectedColumnSpan() const
+std::pair<int, int> TableSelection::columnSpan() const
 {
-    return spanOf(m_columns.items, m_pModel->columnCount());
+    return spanOf(m_columns.items, m_model.columnCount());
 }
 
-std::pair<int, int> mainTable::selectedRowSpan() const
+std::pair<int, int> TableSelection::rowSpan() const
 {
-    return spanOf(m_rows.items, m_pModel->rowCount());
+    return spanOf(m_rows.items, m_model.rowCount());
 }
 
-void mainTable::showSelection()
+void TableSelection::show()
 {
-    const int rows = m_pModel->rowCount();
-    const int columns = m_pModel->columnCount();
+    const int rows = m_model.rowCount();
+    const int columns = m_model.columnCount();
     QItemSelection shown;
     if (rows > 0 && columns > 0) {
         forEachRun(m_rows.items, rows, [&](int first, int last) {
-            shown.select(m_pModel->index(first, 0), m_pModel->index(last, columns - 1));
+            shown.select(m_model.index(first, 0), m_model.index(last, columns - 1));
         });
         forEachRun(m_columns.items, columns, [&](int first, int last) {
-            shown.select(m_pModel->index(0, first), m_pModel->index(rows - 1, last));
+            shown.select(m_model.index(0, first), m_model.index(rows - 1, last));
         });
     }
     // The frame headers stand out for selected frames only, not for every frame a row crosses.
-    horizontalHeader()->setHighlightSections(!m_columns.items.empty());
-    m_bShowingSelection = true;
-    selectionModel()->select(shown, QItemSelectionModel::ClearAndSelect);
-    m_bShowingSelection = false;
-    viewport()->update();
-    m_pFrozen->viewport()->update();
+    m_view.horizontalHeader()->setHighlightSections(!m_columns.items.empty());
+    m_bShowing = true;
+    m_view.selectionModel()->select(shown, QItemSelectionModel::ClearAndSelect);
+    m_bShowing = false;
+    m_view.viewport()->update();
+    m_frozen.viewport()->update();
 }
 
-void mainTable::cellSelectionEdited()
+void TableSelection::cellSelectionEdited()
 {
-    if (m_bShowingSelection || (m_rows.items.empty() && m_columns.items.empty()))
+    if (m_bShowing || (m_rows.items.empty() && m_columns.items.empty()))
         return;
-    forgetSelection();
+    forget();
     // What stays shown is the cell the user is at, if the change selected it.
-    const QModelIndex current = currentIndex();
-    m_bShowingSelection = true;
-    if (current.isValid() && selectionModel()->isSelected(current))
-        selectionModel()->select(current, QItemSelectionModel::ClearAndSelect);
+    const QModelIndex current = m_view.currentIndex();
+    m_bShowing = true;
+    if (current.isValid() && m_view.selectionModel()->isSelected(current))
+        m_view.selectionModel()->select(current, QItemSelectionModel::ClearAndSelect);
     else
-        selectionModel()->clearSelection();
-    m_bShowingSelection = false;
+        m_view.selectionModel()->clearSelection();
+    m_bShowing = false;
 }
 
-void mainTable::forgetSelection()
+void TableSelection::forget()
 {
     m_rows = {};
     m_columns = {};
