@@ -95,11 +95,7 @@ TEST(AnalysisCommands, DocumentWithoutRecordingAndBadOptionsAreRefused)
 {
     TempDir dir;
     const std::string stk = dir / "doc.stk";
-    MyDocument document;
-    document.SetUpDataGridMemory();
-    document.buildDataTableDictionary();
-    std::string error;
-    ASSERT_TRUE(document.writeSafelyToURL(stk, "stk", &error)) << error;
+    saveTestDocument(stk, 20, {});
     CliResult r = runCli("formants " + stk);
     EXPECT_EQ(r.exitCode, 2);
     EXPECT_NE(r.err.find("model utterance"), std::string::npos) << r.err;

@@ -99,8 +99,7 @@ TEST(Continuum, ChosenRowsLimitsAnchorsAndMismatches)
 
 TEST(ContinuumWriter, ManifestHoldsWhatTheDocumentsHold)
 {
-    const auto folder = std::filesystem::temp_directory_path() / ("continuum-" + std::to_string(::getpid()));
-    std::filesystem::create_directories(folder);
+    const TempDir folder;
     auto a = makeTestDocument(10);
     auto b = makeTestDocument(10);
     for (int frame = 1; frame <= 10; ++frame) {
@@ -111,8 +110,8 @@ TEST(ContinuumWriter, ManifestHoldsWhatTheDocumentsHold)
     settings.steps = 11;
     settings.scale = FrequencyScale::Bark;
     const Continuum continuum(*a, *b, settings);
-    const ContinuumWriter writer(continuum, folder.string(), "da", false);
-    EXPECT_EQ(writer.documentPath(1), (folder / "da_01.stk").string());
+    const ContinuumWriter writer(continuum, folder.path.string(), "da", false);
+    EXPECT_EQ(writer.documentPath(1), folder / "da_01.stk");
     EXPECT_EQ(ContinuumWriter::stepStem("x", 7, 7), "x_7");
     EXPECT_EQ(ContinuumWriter::stepStem("x", 7, 100), "x_007");
     for (int step = 1; step <= 11; ++step)
@@ -151,5 +150,4 @@ TEST(ContinuumWriter, ManifestHoldsWhatTheDocumentsHold)
         EXPECT_NEAR(std::stod(a2f), a2fSum / 10, 1e-3) << line;
     }
     EXPECT_FALSE(std::getline(manifest, line));
-    std::filesystem::remove_all(folder);
 }

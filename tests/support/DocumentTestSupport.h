@@ -14,6 +14,11 @@ inline CellRef frameCell(MyDocument& document, int frame, int row)
                                                 row);
 }
 
+inline int frameValue(MyDocument& document, int frame, int row)
+{
+    return frameCell(document, frame, row)->_nValue();
+}
+
 inline void setValue(MyDocument& document, int frame, int row, int value)
 {
     CellRef cell = frameCell(document, frame, row);

@@ -22,7 +22,6 @@ namespace testsignals = signals;
 #include <QTest>
 
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 
 namespace
@@ -47,16 +46,14 @@ std::string recordingWave(double seconds)
 }
 
 struct CopySynthesisWindow : ::testing::Test {
-    std::filesystem::path folder =
-        std::filesystem::temp_directory_path() / ("tessaphon-copysynth-" + std::to_string(::getpid()));
+    TempDir folder;
     MyDocument doc;
     std::unique_ptr<mainTable> table;
     std::string wav;
 
     void SetUp() override
     {
-        std::filesystem::create_directories(folder);
-        wav = (folder / "recording.wav").string();
+        wav = folder / "recording.wav";
         std::ofstream(wav, std::ios::binary) << recordingWave(1.5);
         int error = 0;
         ASSERT_TRUE(doc.readFromData(slurp(wav), "stk", &error));
@@ -66,14 +63,10 @@ struct CopySynthesisWindow : ::testing::Test {
             alerts.push_back((title + ": " + message).toStdString());
         });
     }
-    void TearDown() override
-    {
-        Alert::setHandler({});
-        std::filesystem::remove_all(folder);
-    }
+    void TearDown() override { Alert::setHandler({}); }
     std::string saved(const std::string& name)
     {
-        const std::string path = (folder / name).string();
+        const std::string path = folder / name;
         std::string error;
         EXPECT_TRUE(doc.writeSafelyToURL(path, "stk", &error)) << error;
         return slurp(path);
@@ -98,7 +91,7 @@ TEST_F(CopySynthesisWindow, TheButtonAppliesOneUndoStepThatEqualsTheCommandLine)
     EXPECT_TRUE(doc.getChannel(2)->hasAudio()); // the model stays for Play Model
     const std::string window = saved("window.stk");
 
-    const std::string cli = (folder / "cli.stk").string();
+    const std::string cli = folder / "cli.stk";
     ASSERT_EQ(std::system((std::string(TESSAPHON_CLI) + " copysynth " + wav + " -o " + cli).c_str()), 0);
     EXPECT_FALSE(window.empty());
     EXPECT_TRUE(window == slurp(cli));

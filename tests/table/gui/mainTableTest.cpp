@@ -180,18 +180,10 @@ TEST(mainTable, AnchorsFromTheContextMenuFollowTheRules)
     EXPECT_EQ(f.table->model()->data(f.table->model()->index(Row::f2, 4)).toString(), "1500");
 }
 
-TEST(mainTable, SelectionHelpersAndFailedRevert)
+// (Selecting a frame for the data-entry windows: SelectionTest.cpp.)
+TEST(mainTable, RevertWithoutASavedFileIsAnAlertWithTheCommandsButton)
 {
     TableFixture f;
-    f.table->selectaColumn(7);
-    EXPECT_EQ(f.table->selectedColumnSpan(), std::make_pair(7, 7));
-    EXPECT_EQ(f.table->selectedRowSpan(), std::make_pair(-1, -1)) << "a frame is no row";
-    f.table->selectaColumn(3);
-    EXPECT_EQ(f.table->selectedColumnSpan(), std::make_pair(3, 3)) << "the selection is not extended";
-    f.table->clearSelection();
-    EXPECT_EQ(f.table->selectedRowSpan(), std::make_pair(-1, -1));
-
-    // Revert without a saved file fails with the revert command's button.
     f.table->revertDocumentToSaved();
     ASSERT_EQ(f.alerts.size(), 1);
     EXPECT_TRUE(f.alerts[0].startsWith("Error in reading the file|"));
