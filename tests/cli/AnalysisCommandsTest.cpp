@@ -22,9 +22,7 @@ std::string vowelWave(const TempDir& dir)
 {
     const std::vector<float> samples = signals::toFloat(
         signals::vowel(22050, 120.0, kRate, {{700.0, 130.0}, {1220.0, 70.0}, {2600.0, 160.0}}), 0.05);
-    const std::string path = dir / "vowel.wav";
-    std::ofstream(path, std::ios::binary) << waveFileBytes(samples, kRate);
-    return path;
+    return writeWave(dir / "vowel.wav", samples, kRate);
 }
 
 // The CSV's header line and the first field of every row.

@@ -2,6 +2,7 @@
 // Runs tessaphon-cli as a user would and collects its exit status and output; saves the documents
 // the commands are given.
 #include "document/MyDocument.h"
+#include "support/TestChannels.h"
 #include "support/TestDocuments.h"
 #include "support/TestFiles.h"
 
@@ -10,6 +11,7 @@
 #include <array>
 #include <cstdio>
 #include <filesystem>
+#include <fstream>
 #include <sstream>
 #include <string>
 #include <sys/wait.h>
@@ -67,4 +69,11 @@ inline void saveTestDocument(const std::string& path, int frames,
         setRowValue(*document, row, value);
     std::string error;
     ASSERT_TRUE(document->writeSafelyToURL(path, "stk", &error)) << error;
+}
+
+// Writes samples as a WAVE file with the document's own writer; the path.
+inline std::string writeWave(const std::string& path, const std::vector<float>& samples, double sampleRate)
+{
+    std::ofstream(path, std::ios::binary) << waveFileBytes(samples, sampleRate);
+    return path;
 }

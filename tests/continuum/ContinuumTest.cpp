@@ -126,12 +126,8 @@ TEST(ContinuumWriter, ManifestHoldsWhatTheDocumentsHold)
         ASSERT_TRUE(std::getline(manifest, line)) << step;
         std::istringstream fields(line);
         std::string stepText, weight, name, wave, f2, a2f;
-        std::getline(fields, stepText, ',');
-        std::getline(fields, weight, ',');
-        std::getline(fields, name, ',');
-        std::getline(fields, wave, ',');
-        std::getline(fields, f2, ',');
-        std::getline(fields, a2f, ',');
+        for (std::string* field : {&stepText, &weight, &name, &wave, &f2, &a2f})
+            std::getline(fields, *field, ',');
         EXPECT_EQ(std::stoi(stepText), step);
         EXPECT_NEAR(std::stod(weight), (step - 1) / 10.0, 1e-6);
         EXPECT_EQ(wave, "");
