@@ -26,8 +26,16 @@ TEST(LongDocument, TypingUndoRedoAndSavingAnHourMakeOnlyTheColumnsShown)
     auto value = [&](int column) { return doc._dataTableDictionary.cellAt(10LL * column, Row::f1)->_nValue(); };
     const int before = value(200000);
 
-    typeIntoCell(table, Row::f1, 200000, "777");
-    typeIntoCell(table, Row::f2, 200001, "1777");
+    const auto type = [&](int row, int column, const char* text) {
+        const QModelIndex index = table.model()->index(row, column);
+        table.setCurrentIndex(index);
+        table.scrollTo(index);
+        table.activateWindow();
+        table.setFocus();
+        typeIntoCurrentCell(table, text);
+    };
+    type(Row::f1, 200000, "777");
+    type(Row::f2, 200001, "1777");
     EXPECT_EQ(value(200000), 777);
     EXPECT_GT(doc._dataTableDictionary.pendingCount(), fewerThanAll);
     ASSERT_EQ(doc._arrayUndo.size(), 2u);

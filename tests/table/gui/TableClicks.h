@@ -1,10 +1,10 @@
 #pragma once
 // Mouse clicks on a shown parameter table as a user makes them: on a parameter's name (the
-// frozen names over column 0), on a frame's header, on a cell; and typing into a cell.
+// frozen names over column 0), on a frame's header, on a cell; and typing into the current cell.
 #include "table/gui/FrozenColumnView.h"
 #include "table/gui/mainTable.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QTest>
@@ -31,19 +31,15 @@ inline void clickCell(mainTable& table, int row, int column, Qt::KeyboardModifie
     QTest::mouseClick(table.viewport(), Qt::LeftButton, modifiers, at);
 }
 
-// Types text into a cell through the keyboard: the edit key, the text, Return.
-inline void typeIntoCell(mainTable& table, int row, int column, const QString& text)
+// The edit key opens the current cell's editor; the text replaces what it shows and Return
+// commits it (on the next turn of the event loop).
+inline void typeIntoCurrentCell(mainTable& table, const QString& text)
 {
-    const QModelIndex index = table.model()->index(row, column);
-    table.setCurrentIndex(index);
-    table.scrollTo(index);
-    table.activateWindow();
-    table.setFocus();
-    QTest::keyClick(&table, Qt::Key_F2); // the edit key opens the cell's editor
-    auto* editor = qobject_cast<QLineEdit*>(table.indexWidget(index));
+    QTest::keyClick(&table, Qt::Key_F2);
+    auto* editor = qobject_cast<QLineEdit*>(table.indexWidget(table.currentIndex()));
     ASSERT_NE(editor, nullptr);
     editor->selectAll();
     QTest::keyClicks(editor, text);
     QTest::keyClick(editor, Qt::Key_Return);
-    QCoreApplication::processEvents(); // the editor commits on the next turn of the loop
+    QCoreApplication::processEvents();
 }
