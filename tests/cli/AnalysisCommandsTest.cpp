@@ -1,4 +1,5 @@
 #include "cli/CliRunner.h"
+#include "support/DocumentTestSupport.h"
 #include "support/TestChannels.h"
 #include "support/TestSignals.h"
 
@@ -130,9 +131,7 @@ TEST(AnalysisCommands, TraceEntersTheVowelsPitchFormantsAndAmplitudes)
     EXPECT_TRUE(r.out.empty());
     const std::string stk = (dir / "vowel.stk");
     MyDocument document;
-    int error = 0;
-    ASSERT_TRUE(document.readFromData(slurp(stk), "stk", &error));
-    document.buildDataTableDictionary();
+    ASSERT_TRUE(openBytes(document, slurp(stk))) << document.lastReadError();
     ASSERT_EQ(document.getChannel(0)->m_nColumnNum, 200);
 
     const auto positive = [](int v) { return v > 0; };

@@ -2,6 +2,7 @@
 #include "continuum/ContinuumWriter.h"
 #include "document/DocumentException.h"
 #include "document/MyDocument.h"
+#include "support/DocumentTestSupport.h"
 #include "support/TestDocuments.h"
 #include "support/TestFiles.h"
 
@@ -132,11 +133,8 @@ TEST(ContinuumWriter, ManifestHoldsWhatTheDocumentsHold)
         EXPECT_NEAR(std::stod(weight), (step - 1) / 10.0, 1e-6);
         EXPECT_EQ(wave, "");
         // Read the step's document back from its file and average its rows.
-        const std::string bytes = slurp(folder / name);
         MyDocument document;
-        int error = 0;
-        ASSERT_TRUE(document.readFromData(bytes, "stk", &error)) << name;
-        document.buildDataTableDictionary();
+        ASSERT_TRUE(openBytes(document, slurp(folder / name))) << name;
         double f2Sum = 0, a2fSum = 0;
         for (int frame = 0; frame < 10; ++frame) {
             f2Sum += cellValue(document, Row::f2, frame);

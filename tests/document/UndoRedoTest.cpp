@@ -113,10 +113,8 @@ TEST(UndoRedo, AFractionalLengthComesBackExactly)
 {
     // 4567 samples at 11025 Hz last 414.2403... ms: not a whole number of milliseconds.
     MyDocument document;
-    int code = 0;
     const std::string recording = waveImage(1, 1, 11025, 2, 16, pcm16(std::vector<std::int16_t>(4567, 100)));
-    ASSERT_TRUE(document.readFromData(recording, "wav", &code)) << document.lastReadError();
-    document.buildDataTableDictionary();
+    ASSERT_TRUE(openBytes(document, recording, "wav")) << document.lastReadError();
     Channels* c = document.getChannel(0);
     const double length = c->m_dLengthMS;
     ASSERT_EQ(length, 4567 * 1000.0 / 11025);

@@ -7,6 +7,7 @@ namespace testsignals = signals;
 
 #include "copysynth/gui/CopySynthesisCommand.h"
 #include "dataentry/gui/trace/dataentryTraceContoller.h"
+#include "support/DocumentTestSupport.h"
 #include "support/TestChannels.h"
 #include "support/TestFiles.h"
 #include "support/WidgetEvents.h"
@@ -55,9 +56,7 @@ struct CopySynthesisWindow : ::testing::Test {
     {
         wav = folder / "recording.wav";
         std::ofstream(wav, std::ios::binary) << recordingWave(1.5);
-        int error = 0;
-        ASSERT_TRUE(doc.readFromData(slurp(wav), "stk", &error));
-        doc.buildDataTableDictionary();
+        ASSERT_TRUE(openBytes(doc, slurp(wav))) << doc.lastReadError();
         table = std::make_unique<mainTable>(&doc);
         Alert::setHandler([this](const QString& title, const QString& message, const QString&) {
             alerts.push_back((title + ": " + message).toStdString());

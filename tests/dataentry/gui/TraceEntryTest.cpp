@@ -12,6 +12,7 @@ namespace testsignals = signals;
 #include "dataentry/gui/trace/viewAmplitudes.h"
 #include "dataentry/gui/trace/viewPitch.h"
 #include "dataentry/gui/trace/viewSpectrogram.h"
+#include "support/DocumentTestSupport.h"
 #include "support/LabelChecks.h"
 #include "table/gui/mainTable.h"
 
@@ -44,9 +45,7 @@ std::string vowelWave(double seconds)
 // `document` opened from `seconds` of the vowel as the workbench opens a recording.
 void openVowel(MyDocument& document, double seconds)
 {
-    int error = 0;
-    ASSERT_TRUE(document.readFromData(vowelWave(seconds), "stk", &error));
-    document.buildDataTableDictionary();
+    ASSERT_TRUE(openBytes(document, vowelWave(seconds))) << document.lastReadError();
 }
 
 // A document opened from a recording, and its trace window.

@@ -10,6 +10,7 @@ namespace testsignals = signals; // before Qt's `signals` keyword
 #include "display/gui/spectrogramView.h"
 #include "document/Log.h"
 #include "document/MyDocument.h"
+#include "support/DocumentTestSupport.h"
 #include "support/LabelChecks.h"
 #include "support/TestChannels.h"
 #include "support/TestFiles.h"
@@ -41,9 +42,8 @@ struct AnalysisWindows : ::testing::Test {
 
     void SetUp() override
     {
-        int error = 0;
-        ASSERT_TRUE(doc.readFromData(slurp(TESSAPHON_SOURCE_DIR "/examples/vowel-a.stk"), "stk", &error));
-        doc.buildDataTableDictionary();
+        ASSERT_TRUE(openBytes(doc, slurp(TESSAPHON_SOURCE_DIR "/examples/vowel-a.stk")))
+            << doc.lastReadError();
         Log::setSink([](const std::string&) {});
         doc.Synthesize();
         Log::setSink({});
