@@ -13,7 +13,6 @@
 #include <QClipboard>
 #include <QHeaderView>
 #include <QItemSelectionModel>
-#include <QLineEdit>
 #include <QMessageBox>
 #include <QPointer>
 #include <QSignalSpy>
@@ -79,13 +78,7 @@ struct TableFixture {
         table->scrollTo(index);
         table->activateWindow();
         table->setFocus();
-        QTest::keyClick(table.get(), Qt::Key_F2); // the edit key opens the cell's editor
-        auto* editor = qobject_cast<QLineEdit*>(table->indexWidget(index));
-        ASSERT_NE(editor, nullptr);
-        editor->selectAll();
-        QTest::keyClicks(editor, text);
-        QTest::keyClick(editor, Qt::Key_Return);
-        QCoreApplication::processEvents(); // the editor commits on the next turn of the loop
+        typeIntoCurrentCell(*table, text);
     }
     void waitForPlaybackEnd()
     {
