@@ -11,6 +11,7 @@
 #include "dataentry/gui/trace/viewAmplitudes.h"
 #include "dataentry/gui/trace/viewPitch.h"
 #include "dataentry/gui/trace/viewSpectrogram.h"
+#include "display/gui/FFTLPCWindow.h"
 #include "display/gui/PainterCanvas.h"
 #include "display/gui/SpectrogramPitchWindow.h"
 #include "display/gui/spectrogramView.h"
@@ -141,4 +142,11 @@ LabelWidgets attachLabels(SpectrogramPitchWindow& window, DocumentLabels* labels
     QObject::connect(labels, &DocumentLabels::changed, layout, &QLayout::invalidate);
     window.setPictureStrip(pictureStrip(labels));
     return widgets;
+}
+
+void attachLabels(FFTLPCWindow& window, DocumentLabels* labels)
+{
+    QPointer<DocumentLabels> guard(labels);
+    window.setSegmentNamer([guard](double ms) { return guard ? guard->segmentNote(ms) : QString(); });
+    QObject::connect(labels, &DocumentLabels::changed, &window, &FFTLPCWindow::recompute);
 }
