@@ -1,6 +1,7 @@
 #include "dataentry/gui/graphical/TrackPlotView.h"
 
 #include "dataentry/gui/DataEntrySupport.h"
+#include "dataentry/gui/PlotThinning.h"
 
 #include "display/gui/GraphGrids.h"
 #include "table/gui/mainTable.h"
@@ -141,16 +142,19 @@ bool TrackPlotView::finishDrag()
 
 void TrackPlotView::commitActiveTracks()
 {
-    // The stroke changed the values of the cells of its columns; their texts follow.
+    // The stroke changed the values of the cells of its columns; their texts follow. A column
+    // the stroke passed over without making it holds its value as its text already.
     const StrokeSpan& stroke = lastStroke();
     const int interval = _pDoc->updateInterval();
     for (const Track& track : m_tracks) {
         if (!track.active || stroke.first() < 1)
             continue;
-        for (int column = stroke.first(); column <= stroke.last(); ++column)
-            if (const CellRef cell =
-                    _pDoc->_dataTableDictionary.cellAt(static_cast<long long>(column) * interval, track.row))
-                cell->setInttoStringValue(cell->_nValue());
+        for (int column = stroke.first(); column <= stroke.last(); ++column) {
+            const CellArray* cells =
+                _pDoc->_dataTableDictionary.peek(static_cast<long long>(column) * interval).cells;
+            if (cells && track.row < static_cast<int>(cells->size()) && (*cells)[track.row])
+                (*cells)[track.row]->setInttoStringValue((*cells)[track.row]->_nValue());
+        }
     }
 }
 
@@ -225,13 +229,9 @@ void TrackPlotView::drawTrack(QPainter& painter, const Track& track, int first, 
     const int w = width();
     const int h = height();
     QPainterPath path;
-    // The heights already drawn at the current pixel column: a point drawn again would change
-    // nothing, and a long document puts hundreds of frames on one column. Points wholly above
-    // or below the view are not drawn either.
-    constexpr int kAbove = kPointSize + 1; // a point this far above still reaches in
-    std::vector<char> drawn(static_cast<std::size_t>(h + kAbove + 1), 0);
-    std::vector<int> marked;
-    int column = INT_MIN;
+    // A long document puts hundreds of frames on one pixel column: a point drawn again would
+    // change nothing.
+    PointThinning points(h, kPointSize);
     for (int k = std::max(first, 0); k <= last; ++k) {
         int value = 0;
         if (!frameValue(k, track.row, value))
@@ -243,19 +243,8 @@ void TrackPlotView::drawTrack(QPainter& painter, const Track& track, int first, 
         }
         const int x = m_axis->pixelOf(k, frames, w);
         const long long y = h - static_cast<long long>(value) * h / m_nScale;
-        if (y < -kAbove || y > h)
+        if (y < INT_MIN / 2 || y > h || !points.fresh(x, static_cast<int>(y)))
             continue;
-        if (x != column) {
-            for (int i : marked)
-                drawn[static_cast<std::size_t>(i)] = 0;
-            marked.clear();
-            column = x;
-        }
-        const int at = static_cast<int>(y) + kAbove;
-        if (drawn[static_cast<std::size_t>(at)])
-            continue;
-        drawn[static_cast<std::size_t>(at)] = 1;
-        marked.push_back(at);
         painter.fillRect(x, static_cast<int>(y), kPointSize, kPointSize, track.color);
         path.addEllipse(x, static_cast<int>(y), kPointSize, kPointSize);
     }

@@ -1,6 +1,7 @@
 #include "dataentry/gui/trace/TraceView.h"
 
 #include "dataentry/gui/DataEntrySupport.h"
+#include "dataentry/gui/PlotThinning.h"
 
 #include "display/gui/GraphGrids.h"
 #include "document/MyDocument.h"
@@ -206,32 +207,32 @@ void TraceView::drawSlot(QPainter& painter, int slot, int first, int last) const
     if (!active)
         color.setAlpha(140);
     const double side = active ? kPoint : kPoint - 1.0;
-    QPainterPath line;
-    bool joined = false;
+    // A long document puts many frames on one pixel column: what would not change the picture
+    // is left out.
+    PointThinning points(h, kPoint);
+    LineThinning line;
     for (int k = first; k <= last; ++k) {
         int value = 0;
         // Placeholders (-1) and missing cells are not drawn; a line does not run to or from 0
         // (an unvoiced frame, a formant not found).
         if (!shown.value(static_cast<std::size_t>(k), value) || value < 0) {
-            joined = false;
+            line.breakRun();
             continue;
         }
         // The point sits in the middle of its column.
         const double x = m_axis->xOf(k + 0.5, frames, w);
         const double y = h - value * h / m_nScale;
-        painter.fillRect(QRectF(x - side / 2.0, y - side / 2.0, side, side), color);
-        if (value == 0) {
-            joined = false;
-            continue;
-        }
-        if (joined)
-            line.lineTo(x, y);
-        else
-            line.moveTo(x, y);
-        joined = true;
+        const QRectF square(x - side / 2.0, y - side / 2.0, side, side);
+        if (points.fresh(static_cast<int>(std::lround(square.x())),
+                         static_cast<int>(std::lround(square.y()))))
+            painter.fillRect(square, color);
+        if (value == 0)
+            line.breakRun();
+        else if (active)
+            line.add(QPointF(x, y));
     }
     if (active)
-        painter.strokePath(line, QPen(color, 1.5));
+        painter.strokePath(line.path(), QPen(color, 1.5));
 }
 
 void TraceView::drawTrace(QPainter& painter) const
