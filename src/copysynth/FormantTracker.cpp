@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace
 {
@@ -178,12 +179,23 @@ double FormantTracker::roughness(const std::vector<FormantFrame>& frames,
     return (steps ? change / steps : 1.0) + 0.2 * (counted ? misses / counted : 1.0);
 }
 
+std::vector<FormantFrame> FormantTracker::path(const float* samples, std::size_t count, double rate,
+                                               const std::vector<double>& centres) const
+{
+    return bestPath(candidates(samples, count, rate, centres));
+}
+
 FormantTrack FormantTracker::track(const float* samples, std::size_t count, double rate,
                                    const std::vector<double>& centres, const std::vector<bool>& voiced) const
 {
+    return track(path(samples, count, rate, centres), voiced);
+}
+
+FormantTrack FormantTracker::track(std::vector<FormantFrame> path, const std::vector<bool>& voiced) const
+{
     FormantTrack result;
     result.ceiling = m_settings.ceiling;
-    result.frames = bestPath(candidates(samples, count, rate, centres));
+    result.frames = std::move(path);
     result.roughness = roughness(result.frames, voiced);
     std::array<double, kTrackedFormants> fallback{};
     for (int k = 0; k < kTrackedFormants; ++k)

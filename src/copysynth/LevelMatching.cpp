@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <complex>
+#include <future>
 
 namespace
 {
@@ -248,9 +249,6 @@ void LevelMatching::matchVoicedBalance(std::vector<FrameValues>& frames) const
     constexpr int kProbe = 60;
     constexpr int bands[2] = {2, 3}; // of bandLevels: around f4 and above
     constexpr int rows[2] = {Row::a4f, Row::a5f};
-    const auto recording = bandLevels(m_target.samples, m_target.count, m_target.rate, frames, true);
-    const Rendering cascade = renderFrames(only(frames, true, false), m_nRate, m_nInterval);
-    const auto synth = bandLevels(cascade.samples.data(), cascade.samples.size(), m_nRate, frames, true);
     std::vector<FrameValues> probe = only(frames, false, false);
     for (std::size_t f = 0; f < m_target.centres.size(); ++f)
         if (m_target.voiced[f]) {
@@ -259,8 +257,16 @@ void LevelMatching::matchVoicedBalance(std::vector<FrameValues>& frames) const
             v[Row::a1f] = v[Row::a2f] = v[Row::a3f] = 0;
             v[Row::a4f] = v[Row::a5f] = kProbe;
         }
-    const Rendering parallel = renderFrames(probe, m_nRate, m_nInterval);
-    const auto alone = bandLevels(parallel.samples.data(), parallel.samples.size(), m_nRate, probe, true);
+    // The parallel branch alone is synthesized and measured on a thread of its own meanwhile.
+    std::future<std::vector<std::vector<double>>> aloneLevels =
+        std::async(std::launch::async, [this, &probe] {
+            const Rendering parallel = renderFrames(probe, m_nRate, m_nInterval);
+            return bandLevels(parallel.samples.data(), parallel.samples.size(), m_nRate, probe, true);
+        });
+    const auto recording = bandLevels(m_target.samples, m_target.count, m_target.rate, frames, true);
+    const Rendering cascade = renderFrames(only(frames, true, false), m_nRate, m_nInterval);
+    const auto synth = bandLevels(cascade.samples.data(), cascade.samples.size(), m_nRate, frames, true);
+    const auto alone = aloneLevels.get();
     for (std::size_t f = 0; f < m_target.centres.size(); ++f) {
         if (!m_target.voiced[f])
             continue;

@@ -3,7 +3,7 @@
 // levels are measured on the same frames as the recording's, and the amplitudes are corrected
 // by the difference in dB: av in voiced frames, af with the parallel amplitudes a2f..a5f (from
 // band levels) and ab in unvoiced frames; finally `gain` is lowered until nothing clips.
-// Re-entrant apart from the synthesizer (one synthesis at a time). Units: dB, Hz, seconds.
+// Re-entrant; some stages synthesize on threads of their own. Units: dB, Hz, seconds.
 #include "copysynth/KlattRender.h"
 #include "copysynth/MelCepstrum.h"
 
