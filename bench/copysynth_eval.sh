@@ -8,9 +8,12 @@ set -euo pipefail
 BUILD=${1:-build}
 RECORDINGS=${2:-/work/shared/recordings}
 CLI=${CLI:-"$BUILD/bin/tessaphon-cli"}
+JUDGE=${JUDGE:-"$CLI"} # the build whose compare --summary judges (another: JUDGE=path)
 WORK=${WORK:-"$BUILD/copysynth-eval"}
 HERE=$(cd "$(dirname "$0")/.." && pwd)
-[ -x "$CLI" ] || { echo "no $CLI: run make build first" >&2; exit 2; }
+for program in "$CLI" "$JUDGE"; do
+    [ -x "$program" ] || { echo "no $program: run make build first" >&2; exit 2; }
+done
 ls "$RECORDINGS"/*.wav >/dev/null 2>&1 || { echo "$RECORDINGS: no .wav recordings" >&2; exit 2; }
 mkdir -p "$WORK"
 paths=("trace")
@@ -27,7 +30,7 @@ judge() { # path recording
     fi
     "$CLI" synth "$stk" -o "$wav" --force >/dev/null 2>"$base.synth.err" || { echo "failed: synth"; return; }
     local line reference
-    line=$("$CLI" compare "$rec" "$wav" --summary 2>/dev/null || echo "failed=compare")
+    line=$("$JUDGE" compare "$rec" "$wav" --summary 2>/dev/null || echo "failed: compare")
     reference=$(/usr/bin/python3 "$HERE/tools/mcd.py" "$rec" "$wav" 2>/dev/null | awk '{ print $2 }')
     echo "$line mcd_py=${reference:-?}"
 }

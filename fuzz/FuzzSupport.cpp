@@ -1,6 +1,7 @@
 #include "FuzzSupport.h"
 
 #include "support/DocumentTestSupport.h"
+#include "support/TestDocuments.h"
 
 #include <cstdio>
 #include <cstring>
@@ -14,7 +15,7 @@ namespace
 // A small document with varied values, hidden and shown rows, and anchors on both.
 std::unique_ptr<MyDocument> variedDocument()
 {
-    auto document = makeDocument(120.0, 10);
+    auto document = makeTestDocument(12, 10, 1);
     Channels* c = document->getChannel(0);
     c->m_Parameters[Row::f7].bSelected = 1;
     c->m_Parameters[Row::ah].bSelected = 0;
@@ -52,7 +53,7 @@ std::vector<std::string> waveSeeds()
 
 std::vector<std::string> documentSeeds()
 {
-    auto factory = makeDocument(200.0, 10);
+    auto factory = makeTestDocument(20, 10, 1);
     auto varied = variedDocument();
     std::string older = varied->Save_STK_FileType50(true);
     older.replace(older.find("50\t\r\n"), 2, "30");
@@ -64,7 +65,7 @@ std::vector<std::string> documentSeeds()
 
 std::vector<std::string> snapshotSeeds()
 {
-    auto factory = makeDocument(200.0, 10);
+    auto factory = makeTestDocument(20, 10, 1);
     auto varied = variedDocument();
     return {factory->Save_STK_FileType(true), varied->Save_STK_FileType(true),
             varied->Save_STK_FileType(false)};

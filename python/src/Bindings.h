@@ -9,6 +9,7 @@ void bindAudio(pybind11::module_& m);
 void bindAnalysis(pybind11::module_& m);
 void bindMaking(pybind11::module_& m);
 void bindStimulus(pybind11::module_& m);
+void bindCopySynth(pybind11::module_& m);
 
 inline constexpr const char* docDocument =
     R"(A parameter document: 48 Klatt parameters over frames of interval_ms.

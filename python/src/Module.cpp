@@ -15,4 +15,5 @@ PYBIND11_MODULE(_tessaphon, m)
     bindAnalysis(m);
     bindMaking(m);
     bindStimulus(m);
+    bindCopySynth(m);
 }

@@ -22,7 +22,7 @@ Document.__module__ = __name__
 
 __all__ = [
     "Document", "read", "synthesize", "read_wav", "write_wav", "pitch", "formants",
-    "spectrogram", "slice", "compare", "trace", "continuum",
+    "spectrogram", "slice", "compare", "trace", "continuum", "copysynth",
 ]
 
 
@@ -248,3 +248,43 @@ def continuum(a, b, steps, scale="bark", rows=None):
     """
     names = [] if rows is None else [rows] if isinstance(rows, str) else list(rows)
     return _tessaphon.continuum(a, b, int(steps), str(scale), names)
+
+
+def copysynth(samples, rate, *, output_rate=None, max_formant=None, interval_ms=10, pitch_low=60.0,
+              pitch_high=500.0, pitch_window=None, order=None, preemphasis=0.97):
+    """copysynth(samples, rate, *, output_rate=None, max_formant=None, interval_ms=10,
+    pitch_low=60.0, pitch_high=500.0, pitch_window=None, order=None, preemphasis=0.97) -> Document
+
+    Automatic copy synthesis, as the workbench's Automatic Copy Synthesis and tessaphon-cli
+    copysynth make it: every synthesis parameter of the recording estimated frame by frame
+    (voicing and f0, f1..f5 and their bandwidths, f6..f8 at 22050 Hz, noise amplitudes,
+    levels corrected by synthesizing the estimate), in a document spanning the recording.
+    The samples are taken as the 16-bit WAVE file write_wav would write, so the document
+    equals the one tessaphon-cli copysynth makes of that file. output_rate is 11025 or
+    22050 (None: 22050 for recordings at 22050 Hz or more); max_formant the formant ceiling
+    in Hz, 3000..8000 (None: the ceiling with the smoothest tracks); interval_ms the frame
+    length, 1..100; pitch_low..pitch_high the pitch search range in Hz, 30..1200;
+    pitch_window in ms (None: three periods of pitch_low); order the LPC order, 2..40
+    (None: 2 + 2 per kHz of ceiling); preemphasis 0 (off) .. 0.999. Raises ValueError for a
+    recording shorter than two frames, a rate below 8000 Hz or an argument out of range.
+    """
+    if output_rate not in (None, 11025, 22050):
+        raise ValueError(f"output_rate must be 11025 or 22050 (got {output_rate})")
+    checks = (("max_formant", max_formant, 3000.0, 8000.0), ("interval_ms", interval_ms, 1, 100),
+              ("pitch_low", pitch_low, 30.0, 1200.0), ("pitch_high", pitch_high, 30.0, 1200.0),
+              ("pitch_window", pitch_window, 5.0, 1000.0), ("order", order, 2, 40),
+              ("preemphasis", preemphasis, 0.0, 0.999))
+    for name, value, low, high in checks:
+        if value is not None and not low <= value <= high:
+            raise ValueError(f"{name} must be between {low:g} and {high:g} (got {value})")
+    if pitch_low > pitch_high:
+        raise ValueError("pitch_low must not lie above pitch_high")
+    o = _tessaphon._CopySynthesisOptions()
+    o.rate = output_rate or 0
+    o.max_formant = float(max_formant or 0.0)
+    o.interval_ms = int(interval_ms)
+    o.pitch_low, o.pitch_high = float(pitch_low), float(pitch_high)
+    o.pitch_window = float(pitch_window or 0.0)
+    o.order = int(order or 0)
+    o.preemphasis = float(preemphasis)
+    return _tessaphon.copysynth(samples, float(rate), o)

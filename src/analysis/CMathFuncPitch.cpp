@@ -45,6 +45,34 @@ void copyWindow(const float* samples, double start, double length, int windowLen
         out[i - first] = samples[i];
 }
 
+// The index of the highest cepstral value in qLow .. qHigh - 1 of c[0 .. half - 1], after
+// the values outside that range are cleared and the rest set relative to the peak (20 dB of
+// range kept).
+int cepstralPeak(double* c, int half, int qLow, int qHigh)
+{
+    std::fill(c, c + qLow, 0.0);
+    if (qHigh < half)
+        std::fill(c + qHigh, c + half, 0.0);
+
+    double peak = -1e-30;
+    for (int i = 0; i < half; ++i)
+        peak = std::max(peak, c[i]);
+    for (int i = 0; i < half; ++i)
+        c[i] = std::max(0.0, c[i] - peak + 20.0);
+
+    // A range without any positive value leaves the index at half the transform: a flat
+    // cepstrum then reports sampleRate / (fftSize / 2). Intended.
+    int index = half;
+    double best = 0.0;
+    for (int i = qLow; i < qHigh; ++i) {
+        if (c[i] > best) {
+            best = c[i];
+            index = i;
+        }
+    }
+    return index;
+}
+
 } // namespace
 
 double CMathFunc::DoPitchCepstrumNewFloat(const float* samples, double start, double length,
@@ -95,26 +123,7 @@ double CMathFunc::DoPitchCepstrumNewFloat(const float* samples, double start, do
 
     const int qLow = quefrencyIndex(sampleRate, highHz);
     const int qHigh = quefrencyIndex(sampleRate, lowHz);
-    std::fill(c, c + qLow, 0.0);
-    if (qHigh < half)
-        std::fill(c + qHigh, c + half, 0.0);
-
-    double peak = -1e-30;
-    for (int i = 0; i < half; ++i)
-        peak = std::max(peak, c[i]);
-    for (int i = 0; i < half; ++i)
-        c[i] = std::max(0.0, c[i] - peak + 20.0);
-
-    // A range without any positive value leaves the index at half the transform: a flat
-    // cepstrum then reports sampleRate / (fftSize / 2). Intended.
-    int index = half;
-    double best = 0.0;
-    for (int i = qLow; i < qHigh; ++i) {
-        if (c[i] > best) {
-            best = c[i];
-            index = i;
-        }
-    }
+    const int index = cepstralPeak(c, half, qLow, qHigh);
     const double f0 = sampleRate / std::max(index, 1);
     return (f0 >= lowHz && f0 <= highHz) ? f0 : 0.0;
 }

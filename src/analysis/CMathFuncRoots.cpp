@@ -98,6 +98,22 @@ void deflate(int n, const double* a, double root, double* quotient)
         quotient[i] = a[i] + root * quotient[i - 1];
 }
 
+// Sorts the formants by frequency, their bandwidths with them. Straight insertion: equal
+// frequencies keep their order.
+void sortFormants(RootRecord& rec)
+{
+    for (int i = 1; i < rec.formantCount; ++i) {
+        const double f = rec.frequency[i], b = rec.bandwidth[i];
+        int j = i - 1;
+        for (; j >= 0 && rec.frequency[j] > f; --j) {
+            rec.frequency[j + 1] = rec.frequency[j];
+            rec.bandwidth[j + 1] = rec.bandwidth[j];
+        }
+        rec.frequency[j + 1] = f;
+        rec.bandwidth[j + 1] = b;
+    }
+}
+
 } // namespace
 
 const RootRecord* CMathFunc::rootsub(int degree, double maxBandwidth, const double* poly, double sampleRate)
@@ -151,17 +167,7 @@ const RootRecord* CMathFunc::rootsub(int degree, double maxBandwidth, const doub
         }
         std::swap(current, quotient);
     }
-    // Straight insertion: equal frequencies keep their order.
-    for (int i = 1; i < rec.formantCount; ++i) {
-        const double f = rec.frequency[i], b = rec.bandwidth[i];
-        int j = i - 1;
-        for (; j >= 0 && rec.frequency[j] > f; --j) {
-            rec.frequency[j + 1] = rec.frequency[j];
-            rec.bandwidth[j + 1] = rec.bandwidth[j];
-        }
-        rec.frequency[j + 1] = f;
-        rec.bandwidth[j + 1] = b;
-    }
+    sortFormants(rec);
     rec.factorCount = taken;
     return &rec;
 }

@@ -125,6 +125,7 @@ void DocumentWindow::closeEvent(QCloseEvent* event)
     }
     m_pTable->stopPlayback();
     removeAutosave(); // saved, or its changes let go on purpose
+    m_bClosed = true;
     event->accept();
 }
 
@@ -182,6 +183,6 @@ void DocumentWindow::updateStatus()
     if (m_pDoc->getChannel(2)->hasAudio())
         text += tr(" · model %1 ms").arg(static_cast<long long>(m_pDoc->getChannel(2)->m_dLengthMS));
     m_pStatusGrid->setText(text);
-    // The last synthesis's clipping, until the next synthesis.
-    m_pStatusClipping->setText(QString::fromStdString(m_pDoc->clippingReport()));
+    // The last synthesis's clipping or silence, until the next synthesis.
+    m_pStatusClipping->setText(QString::fromStdString(m_pDoc->synthesisWarning()));
 }

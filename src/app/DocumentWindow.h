@@ -82,6 +82,18 @@ public slots:
     void makeContinuum();
     void newFromText();
 
+    // --- labels and interchange (DocumentWindowLabels.cpp) ---
+    // File > Load Labels...: a TextGrid of the recording's segments for this document.
+    void loadLabels();
+    // False (with an alert naming the file and the line) when the TextGrid is refused.
+    bool loadLabelsFrom(const QString& path);
+    // The TextGrid x.TextGrid beside a recording x.wav, when there is one.
+    void loadLabelsBeside(const QString& recordingPath);
+    // File > Import...: a .klp or .tsv file as a new document; File > Export...: this one.
+    void importFile();
+    bool exportTo(const QString& path);
+    void exportFile();
+
 protected:
     void closeEvent(QCloseEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
@@ -89,6 +101,16 @@ protected:
 
 private:
     void createMenus();
+    // One menu each (DocumentWindowMenus.cpp); the data-entry menu only with a data-entry window.
+    QMenu* createFileMenu();
+    QMenu* createEditMenu();
+    QMenu* createFramesMenu();
+    QMenu* createPlayMenu();
+    void createDataEntryMenu();
+    QMenu* createAnalysisMenu();
+    QMenu* createOptionsMenu();
+    void createLabelMenus(QMenu* file);
+    void createViewMenu();
     void createStatusBar();
     void setUpAutosave();
     // After a change: a copy within the autosave interval (not postponed by later changes).
@@ -104,6 +126,9 @@ private:
     QString m_strUntitledName;
     QString m_strModelPath;
     QString m_strAutosavePath; // empty until the first copy
+    // The window closed (saved, or its changes let go): no copy is written for it any more,
+    // not even by the copies made as the application quits.
+    bool m_bClosed = false;
     QTimer* m_pAutosaveTimer = nullptr;
     QLabel* m_pStatusGrid = nullptr;
     QLabel* m_pStatusPlay = nullptr;
@@ -116,6 +141,7 @@ private:
     QAction* m_pPlayModel = nullptr;
     QAction* m_pSaveModel = nullptr;
     QAction* m_pTrace = nullptr;
+    QAction* m_pCopySynthesis = nullptr;
     QAction* m_pSpectrogramModel = nullptr;
     QAction* m_pFFTLPC = nullptr;
     QAction* m_pInterpolateSelection = nullptr;

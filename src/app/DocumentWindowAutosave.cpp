@@ -27,6 +27,8 @@ void DocumentWindow::scheduleAutosave()
 bool DocumentWindow::autosaveNow()
 {
     m_pAutosaveTimer->stop();
+    if (m_bClosed)
+        return true;
     if (!m_pDoc->isDocumentEdited()) {
         removeAutosave(); // back where it was saved (undo, revert)
         return true;

@@ -6,11 +6,13 @@
 #include "audio/RecordModelDialog.h"
 #include "configuration/ConfigurationFile.h"
 #include "continuum/gui/ContinuumDialog.h"
+#include "document/CountedText.h"
 #include "document/MyDocument.h"
 #include "phonemes/gui/PhonemeTextDialog.h"
 #include "table/gui/mainTable.h"
 
 #include <QDesktopServices>
+#include <QDir>
 #include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -193,6 +195,12 @@ bool DocumentWindow::loadModelRecordingFrom(const QString& path)
     if (modelMS != gridMS)
         message += tr("; the grid is %1 ms long and keeps its time axis").arg(gridMS);
     statusBar()->showMessage(message, 15000);
+    if (m_pDoc->isWaveShort())
+        alert(tr("The recording “%1” stops early.").arg(QFileInfo(path).fileName()),
+              tr("Its sample data holds %1 of the %2 it declares.")
+                  .arg(QString::fromStdString(countedText(m_pDoc->waveSamplesPresent(), "sample", "samples")))
+                  .arg(m_pDoc->waveSamplesDeclared()));
+    loadLabelsBeside(path);
     return true;
 }
 
@@ -269,7 +277,16 @@ void DocumentWindow::newFromText()
 void DocumentWindow::makeContinuum()
 {
     ContinuumDialog dialog(*m_pDoc, filePath(), this);
-    connect(&dialog, &ContinuumDialog::continuumWritten, this,
-            [](const QString& folder) { QDesktopServices::openUrl(QUrl::fromLocalFile(folder)); });
+    QString written;
+    connect(&dialog, &ContinuumDialog::continuumWritten, this, [&written](const QString& folder) {
+        written = folder;
+        QDesktopServices::openUrl(QUrl::fromLocalFile(folder));
+    });
     dialog.exec();
+    // Said in words as well: a desktop without a file manager opens nothing.
+    if (!written.isEmpty()) {
+        const QString where = QDir(written).absolutePath();
+        statusBar()->showMessage(tr("Continuum written to %1").arg(where));
+        alert(tr("The continuum is written."), tr("Its documents are in the folder “%1”.").arg(where));
+    }
 }

@@ -2,6 +2,7 @@
 #include "app/DocumentWindow.h"
 
 #include "app/WorkbenchApplication.h"
+#include "copysynth/gui/CopySynthesisCommand.h"
 #include "document/MyDocument.h"
 #include "stimulus/gui/AudioOutputPanel.h"
 #include "table/gui/mainTable.h"
@@ -13,6 +14,20 @@
 #include <QMenuBar>
 
 void DocumentWindow::createMenus()
+{
+    QMenu* file = createFileMenu();
+    QMenu* edit = createEditMenu();
+    createViewMenu();
+    QMenu* frames = createFramesMenu();
+    QMenu* play = createPlayMenu();
+    createDataEntryMenu();
+    QMenu* analysis = createAnalysisMenu();
+    QMenu* options = createOptionsMenu();
+    for (QMenu* menu : {file, edit, frames, play, analysis, options})
+        connect(menu, &QMenu::aboutToShow, this, &DocumentWindow::updateActions);
+}
+
+QMenu* DocumentWindow::createFileMenu()
 {
     QMenu* file = menuBar()->addMenu(tr("&File"));
     file->addAction(tr("&New"), QKeySequence::New, m_pApp, [this] { m_pApp->newDocument(); });
@@ -40,13 +55,18 @@ void DocumentWindow::createMenus()
     file->addAction(tr("Rec&ord Model..."), this, &DocumentWindow::recordModel);
     m_pSaveModel = file->addAction(tr("Save Mo&del Audio..."), this, &DocumentWindow::saveModelAudio);
     file->addAction(tr("Make Co&ntinuum..."), this, &DocumentWindow::makeContinuum);
+    createLabelMenus(file);
     file->addSeparator();
     file->addAction(tr("&Load Configuration..."), this, &DocumentWindow::loadConfiguration);
     file->addAction(tr("Save Con&figuration..."), this, &DocumentWindow::saveConfiguration);
     file->addSeparator();
     QAction* quit = file->addAction(tr("&Quit"), QKeySequence::Quit, m_pApp, &WorkbenchApplication::quit);
     quit->setMenuRole(QAction::QuitRole);
+    return file;
+}
 
+QMenu* DocumentWindow::createEditMenu()
+{
     QMenu* edit = menuBar()->addMenu(tr("&Edit"));
     m_pUndo = edit->addAction(tr("&Undo"), QKeySequence::Undo, m_pTable, &mainTable::undo);
     m_pRedo = edit->addAction(tr("&Redo"), QKeySequence(tr("Ctrl+Shift+Z")), m_pTable, &mainTable::redo);
@@ -56,7 +76,11 @@ void DocumentWindow::createMenus()
     edit->addAction(tr("Select &All"), QKeySequence::SelectAll, m_pTable, &QTableView::selectAll);
     edit->addSeparator();
     edit->addAction(tr("&Parameters..."), m_pTable, &mainTable::_editRows);
+    return edit;
+}
 
+QMenu* DocumentWindow::createFramesMenu()
+{
     QMenu* frames = menuBar()->addMenu(tr("F&rames"));
     frames->addAction(tr("&Add Frames..."), m_pTable, &mainTable::_editAddColumns);
     frames->addAction(tr("&Remove Frames"), m_pTable, &mainTable::_editRemoveColumns);
@@ -68,7 +92,11 @@ void DocumentWindow::createMenus()
     m_pAnchorRemoveSelection =
         frames->addAction(tr("Remove Anchors in &Selection"), m_pTable, &mainTable::_anchorRemoveSelection);
     frames->addAction(tr("Remove All A&nchors"), m_pTable, &mainTable::_anchorRemoveAll);
+    return frames;
+}
 
+QMenu* DocumentWindow::createPlayMenu()
+{
     QMenu* play = menuBar()->addMenu(tr("&Play"));
     play->addAction(tr("Play &Current"), QKeySequence(Qt::Key_Space), m_pTable, &mainTable::_PlayCurrent);
     play->addAction(tr("Play &Selection"), QKeySequence(tr("Shift+Space")), m_pTable,
@@ -77,7 +105,11 @@ void DocumentWindow::createMenus()
                     &mainTable::_PlayPrevious);
     m_pPlayModel =
         play->addAction(tr("Play &Model"), QKeySequence(tr("Ctrl+M")), m_pTable, &mainTable::_PlayAudio);
+    return play;
+}
 
+void DocumentWindow::createDataEntryMenu()
+{
     if (mainTable::hasGraphicalDataEntry() || mainTable::hasTraceDataEntry()) {
         QMenu* entry = menuBar()->addMenu(tr("&Data Entry"));
         if (mainTable::hasGraphicalDataEntry())
@@ -86,8 +118,14 @@ void DocumentWindow::createMenus()
         if (mainTable::hasTraceDataEntry())
             m_pTrace = entry->addAction(tr("&Trace Over Model..."), QKeySequence(tr("Ctrl+T")), m_pTable,
                                         &mainTable::_dataentryTrace);
+        m_pCopySynthesis = entry->addAction(tr("&Automatic Copy Synthesis"), QKeySequence(tr("Ctrl+Shift+E")),
+                                            this, [this] { CopySynthesisCommand::start(*m_pTable, this); });
+        connect(entry, &QMenu::aboutToShow, this, &DocumentWindow::updateActions);
     }
+}
 
+QMenu* DocumentWindow::createAnalysisMenu()
+{
     QMenu* analysis = menuBar()->addMenu(tr("&Analysis"));
     if (mainTable::hasAnalysisWindows()) {
         analysis->addAction(tr("&Spectrogram and Pitch"), QKeySequence(tr("Ctrl+Shift+P")), m_pTable,
@@ -98,7 +136,11 @@ void DocumentWindow::createMenus()
         m_pFFTLPC = analysis->addAction(tr("&FFT/LPC Slice"), QKeySequence(tr("Ctrl+Shift+F")), m_pTable,
                                         &mainTable::_analysisFFTLPC);
     }
+    return analysis;
+}
 
+QMenu* DocumentWindow::createOptionsMenu()
+{
     QMenu* options = menuBar()->addMenu(tr("&Options"));
     options->addAction(tr("&Parameters..."), m_pTable, &mainTable::_optionsParameters);
     options->addAction(tr("&File..."), m_pTable, &mainTable::_optionsFile);
@@ -108,9 +150,7 @@ void DocumentWindow::createMenus()
     options->addAction(tr("P&itch..."), m_pTable, &mainTable::_optionsPitch);
     options->addSeparator();
     options->addAction(tr("&Audio Output..."), this, [this] { AudioOutputPanel(this).run(this); });
-
-    for (QMenu* menu : {file, edit, frames, play, analysis, options})
-        connect(menu, &QMenu::aboutToShow, this, &DocumentWindow::updateActions);
+    return options;
 }
 
 void DocumentWindow::updateActions()
@@ -125,6 +165,8 @@ void DocumentWindow::updateActions()
     m_pSaveModel->setEnabled(model);
     if (m_pTrace)
         m_pTrace->setEnabled(model);
+    if (m_pCopySynthesis)
+        m_pCopySynthesis->setEnabled(model);
     if (m_pSpectrogramModel)
         m_pSpectrogramModel->setEnabled(model);
     // The first frame cannot be analysed from the table: column 1 is not enough.

@@ -6,7 +6,10 @@
 #include "dataentry/gui/trace/dataentryTraceContoller.h"
 #include "display/gui/FFTLPCWindow.h"
 #include "display/gui/SpectrogramPitchWindow.h"
+#include "document/CountedText.h"
 #include "document/MyDocument.h"
+#include "labels/gui/DocumentLabels.h"
+#include "labels/gui/LabelAttachment.h"
 #include "stimulus/StimulusOutputFile.h"
 #include "table/gui/mainTable.h"
 
@@ -41,10 +44,13 @@ WorkbenchApplication::WorkbenchApplication(QObject* parent)
     connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, this,
             &WorkbenchApplication::autosaveAll);
     mainTable::setGraphicalDataEntryFactory([](mainTable* table) -> DataEntryController* {
-        return new dataentryGraphicalController(table->document(), table);
+        auto* controller = new dataentryGraphicalController(table->document(), table);
+        attachLabels(*controller, DocumentLabels::of(table));
+        return controller;
     });
     mainTable::setTraceDataEntryFactory([](mainTable* table) -> DataEntryController* {
         auto* controller = new dataentryTraceContoller(table->document(), table);
+        attachLabels(*controller, DocumentLabels::of(table));
         // Ctrl+S in the trace window saves the document as its own window does.
         QPointer<DocumentWindow> owner = qobject_cast<DocumentWindow*>(table->window());
         controller->setSaveCommand([owner] {
@@ -55,10 +61,14 @@ WorkbenchApplication::WorkbenchApplication(QObject* parent)
     });
     mainTable::setAnalysisWindowFactories(
         [](mainTable* table, double startSample) -> QWidget* {
-            return new FFTLPCWindow(table, startSample, table->window());
+            auto* window = new FFTLPCWindow(table, startSample, table->window());
+            attachLabels(*window, DocumentLabels::of(table));
+            return window;
         },
         [](mainTable* table, int channel) -> QWidget* {
-            return new SpectrogramPitchWindow(table, channel, table->window());
+            auto* window = new SpectrogramPitchWindow(table, channel, table->window());
+            attachLabels(*window, DocumentLabels::of(table));
+            return window;
         });
 }
 
@@ -150,8 +160,10 @@ DocumentWindow* WorkbenchApplication::openFile(const QString& path)
     if (!opened)
         return nullptr;
     opened->setFileNameProposed(nameProposed);
-    if (opened->document()->getChannel(2)->hasAudio())
+    if (opened->document()->getChannel(2)->hasAudio()) {
         opened->setModelPath(absolute);
+        opened->loadLabelsBeside(absolute);
+    }
     if (pristine) {
         opened->move(pristine->pos());
         pristine->close();
@@ -172,7 +184,14 @@ QStringList WorkbenchApplication::readChanges(const MyDocument& doc)
             << tr("It declares %1 frames but holds values for %2 of them; the others have default values.")
                    .arg(doc.framesDeclared())
                    .arg(doc.framesInFile());
-    if (doc.m_nClampedValues > 0)
+    if (doc.isWaveShort())
+        changes << tr("Its sample data stops early: it holds %1 of the %2 it declares.")
+                       .arg(
+                           QString::fromStdString(countedText(doc.waveSamplesPresent(), "sample", "samples")))
+                       .arg(doc.waveSamplesDeclared());
+    if (doc.m_nClampedValues == 1)
+        changes << tr("1 value did not fit the table and was set to its parameter's limits.");
+    else if (doc.m_nClampedValues > 0)
         changes << tr("%1 values did not fit the table and were set to their parameters' limits.")
                        .arg(doc.m_nClampedValues);
     return changes;

@@ -25,7 +25,7 @@ public:
 
     // nullptr when the window could not be made (its table said why in an alert).
     DocumentWindow* newDocument();
-    // Shows a document made elsewhere (File > New from Text...) as a new untitled one.
+    // Shows a document made elsewhere (File > New from Text..., File > Import...) as a new untitled one.
     DocumentWindow* newDocument(std::unique_ptr<MyDocument> doc);
     // Opens a parameter document or a WAVE file (which becomes a new document x.stk with
     // the recording as its model); an already open file is brought to front. nullptr and

@@ -1,5 +1,6 @@
 #include "cli/CliFiles.h"
 
+#include "document/CountedText.h"
 #include "document/MyDocument.h"
 
 #include <cerrno>
@@ -47,12 +48,19 @@ std::unique_ptr<MyDocument> openDocumentBytes(const std::string& path, std::stri
         throw CliInputError{path, why.empty() ? "not a WAVE file or a parameter document" : why};
     }
     if (document->isTruncated())
-        cliWarning(path, "only " + std::to_string(document->framesInFile()) + " of " +
-                             std::to_string(document->framesDeclared()) +
-                             " declared frames are present; the others hold default values");
+        cliWarning(path,
+                   "only " + std::to_string(document->framesInFile()) + " of " +
+                       countedText(document->framesDeclared(), "declared frame is", "declared frames are") +
+                       " present; the others hold default values");
+    if (document->isWaveShort())
+        cliWarning(path, "the sample data stops early: it holds " +
+                             countedText(document->waveSamplesPresent(), "sample", "samples") + " of the " +
+                             std::to_string(document->waveSamplesDeclared()) + " it declares");
     if (document->m_nClampedValues > 0)
-        cliWarning(path, std::to_string(document->m_nClampedValues) +
-                             " values did not fit the grid and were clamped to their rows' limits");
+        cliWarning(path, document->m_nClampedValues == 1
+                             ? "1 value did not fit the grid and was clamped to its row's limits"
+                             : std::to_string(document->m_nClampedValues) +
+                                   " values did not fit the grid and were clamped to their rows' limits");
     if (table == TableData::Build)
         document->buildDataTableDictionary();
     return document;

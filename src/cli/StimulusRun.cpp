@@ -3,6 +3,7 @@
 #include "cli/ProgressBar.h"
 #include "cli/TaskRunner.h"
 
+#include "document/CountedText.h"
 #include "document/DocumentException.h"
 #include "document/MyDocument.h"
 #include "stimulus/PendingStimuli.h"
@@ -132,9 +133,10 @@ StimulusFigures writeDocumentAudio(MyDocument& document, const std::string& path
     if (output.plain()) {
         // The document's own writer, piece by piece, exactly as synthesis has always been saved.
         writeWholeFile(path, [&document](const PieceWriter& write) { return document.writeWave(0, write); });
-        // The file is written all the same: the samples beyond full scale were limited.
-        if (const std::string clipping = document.clippingReport(); !clipping.empty())
-            cliWarning(path, clipping);
+        // The file is written all the same: the samples beyond full scale were limited, and a
+        // silent file is what the table asks for.
+        if (const std::string warning = document.synthesisWarning(); !warning.empty())
+            cliWarning(path, warning);
         const Channels& c = *document.getChannel(0);
         return plainFigures(c.samples(), c.sampleCount(), static_cast<int>(c.m_dSampleRate));
     }
@@ -142,8 +144,10 @@ StimulusFigures writeDocumentAudio(MyDocument& document, const std::string& path
         const Channels& c = *document.getChannel(0);
         return saveStimulus(path, c.samples(), c.sampleCount(), static_cast<int>(c.m_dSampleRate), output);
     });
+    if (document.isSilent())
+        cliWarning(path, document.synthesisWarning());
     if (figures.clipped > 0)
-        cliWarning(path, std::to_string(figures.clipped) + " samples clipped at full scale");
+        cliWarning(path, countedText(figures.clipped, "sample", "samples") + " clipped at full scale");
     return figures;
 }
 
@@ -185,10 +189,11 @@ std::vector<StimulusFigures> writeStimuli(const StimulusTasks& tasks, const Stim
                 });
             });
             if (entries[i].figures.clipped > 0)
-                bar.print(cliErrorLine(
-                              {tasks.audioPath(i), "warning: " + std::to_string(entries[i].figures.clipped) +
-                                                       " samples clipped at full scale"}) +
-                          "\n");
+                bar.print(
+                    cliErrorLine({tasks.audioPath(i),
+                                  "warning: " + countedText(entries[i].figures.clipped, "sample", "samples") +
+                                      " clipped at full scale"}) +
+                    "\n");
         } catch (const CliInputError& error) {
             bar.print(cliErrorLine(error) + "\n");
             ++failed;

@@ -173,13 +173,11 @@ void LevelMatching::matchVoicing(std::vector<FrameValues>& frames, int passes) c
     }
 }
 
-std::vector<std::vector<double>> LevelMatching::bandLevels(const float* x, std::size_t count, double rate,
-                                                           const std::vector<FrameValues>& frames,
-                                                           bool voiced) const
+std::vector<std::vector<double>> LevelMatching::levelsInBands(const float* x, std::size_t count, double rate,
+                                                              const std::vector<FrameValues>& frames,
+                                                              const BandLayout& layout) const
 {
-    // A frame's own stretch only: a longer window would hear the loud voiced neighbours of a
-    // short unvoiced stretch and ask the frication for their level.
-    const int length = std::max(8, static_cast<int>(1.5 * m_nInterval / 1000.0 * rate));
+    const int length = std::max(8, static_cast<int>(layout.windowS * rate));
     const Fft fft(fftSizeFor(length));
     const int size = fft.size();
     const std::vector<double> window = hannWindow(length);
@@ -188,20 +186,17 @@ std::vector<std::vector<double>> LevelMatching::bandLevels(const float* x, std::
         energy += w * w;
     std::vector<double> segment(length), power(size / 2 + 1);
     std::vector<std::complex<double>> work(size);
-    // The four bands end at 5.5 kHz: above it the sixth to eighth formants take over.
+    // The bands end at 5.5 kHz: above it the sixth to eighth formants take over.
     const double top = std::min({rate, m_target.rate, static_cast<double>(m_nRate), 2.0 * kHighBandHz}) / 2.0;
     std::vector<std::vector<double>> out(m_target.centres.size());
     for (std::size_t f = 0; f < m_target.centres.size(); ++f) {
-        if (m_target.voiced[f] != voiced)
+        if (m_target.voiced[f] != layout.voiced)
             continue;
-        const FrameValues& v = frames[f];
-        const double edges[kFricationBands + 1] = {
-            0.5 * (v[Row::f1] + v[Row::f2]), 0.5 * (v[Row::f2] + v[Row::f3]), 0.5 * (v[Row::f3] + v[Row::f4]),
-            0.5 * (v[Row::f4] + v[Row::f5]), top};
+        const std::vector<double> edges = layout.edges(frames[f], top);
         windowedSegment(x, count, m_target.centres[f] * rate, length, window, segment.data());
         fft.powerSpectrum(segment.data(), length, work.data(), power.data());
-        out[f].resize(kFricationBands);
-        for (int b = 0; b < kFricationBands; ++b) {
+        out[f].resize(edges.size() - 1);
+        for (std::size_t b = 0; b + 1 < edges.size(); ++b) {
             const int lo = static_cast<int>(std::ceil(edges[b] * size / rate));
             const int hi = std::min(size / 2, static_cast<int>(std::floor(edges[b + 1] * size / rate)));
             double sum = 0.0;
@@ -211,6 +206,20 @@ std::vector<std::vector<double>> LevelMatching::bandLevels(const float* x, std::
         }
     }
     return out;
+}
+
+std::vector<std::vector<double>> LevelMatching::bandLevels(const float* x, std::size_t count, double rate,
+                                                           const std::vector<FrameValues>& frames,
+                                                           bool voiced) const
+{
+    // A frame's own stretch only: a longer window would hear the loud voiced neighbours of a
+    // short unvoiced stretch and ask the frication for their level.
+    const BandLayout layout{1.5 * m_nInterval / 1000.0, voiced, [](const FrameValues& v, double top) {
+                                return std::vector<double>{
+                                    0.5 * (v[Row::f1] + v[Row::f2]), 0.5 * (v[Row::f2] + v[Row::f3]),
+                                    0.5 * (v[Row::f3] + v[Row::f4]), 0.5 * (v[Row::f4] + v[Row::f5]), top};
+                            }};
+    return levelsInBands(x, count, rate, frames, layout);
 }
 
 void LevelMatching::matchFrication(std::vector<FrameValues>& frames, int passes) const
@@ -329,7 +338,7 @@ double LevelMatching::limitPeak(std::vector<FrameValues>& frames) const
                 // A frame without sources of its own rings on from the frames before it.
                 for (std::size_t g = f, back = 0; back < 3; --g, ++back) {
                     bool lowered = false;
-                    for (int row : {Row::av, Row::af, Row::ah})
+                    for (int row : {Row::av, Row::apv, Row::af, Row::ah})
                         if (frames[g][row] >= audible(row)) {
                             frames[g][row] = std::max(0, frames[g][row] - lower);
                             lowered = true;

@@ -1,6 +1,7 @@
 #include "dataentry/TraceDataEntry.h"
 
 #include "document/MyDocument.h"
+#include "document/UndoStep.h"
 #include "table/TableEditing.h"
 
 #include <algorithm>
@@ -81,11 +82,18 @@ TraceDataEntry::Outcome TraceDataEntry::enterAllData(MyDocument& doc, TraceTrack
 {
     if (!doc.m_bSpecDrawFormantTracking)
         return Outcome::FormantTrackingOff;
-    doc.saveUndo();
-    enterPitch(doc, pitch, pitchTrack);
-    enterFormants(doc, formants, spectrogram);
-    enterAmplitudes(doc, amplitudes, spectrogram, spectrogram.m_rSpectrogram);
+    // One undo step, whatever the entry got to before a failure.
+    asOneUndoStep(doc, [&] {
+        enterPitch(doc, pitch, pitchTrack);
+        enterFormants(doc, formants, spectrogram);
+        enterAmplitudes(doc, amplitudes, spectrogram, spectrogram.m_rSpectrogram);
+    });
     return Outcome::Entered;
+}
+
+int TraceDataEntry::entryAnalysisWidth(const MyDocument& doc, int width)
+{
+    return std::max(width, doc.getChannel(0)->m_nColumnNum);
 }
 
 TraceDataEntry::Outcome TraceDataEntry::traceDocument(MyDocument& doc, int width, int height)
@@ -96,7 +104,7 @@ TraceDataEntry::Outcome TraceDataEntry::traceDocument(MyDocument& doc, int width
     PitchTrackComputation pitchTrack;
     pitchTrack.DoPitchCepstral(model, PitchSettings::fromDocument(doc));
     SpectrogramComputation spectrogram(SpectrogramSettings::fromDocument(doc));
-    spectrogram.compute(model, width, height);
+    spectrogram.compute(model, entryAnalysisWidth(doc, width), height);
     TraceTrackLists pitch = pitchLists();
     TraceTrackLists formants = formantLists();
     TraceTrackLists amplitudes = amplitudeLists();

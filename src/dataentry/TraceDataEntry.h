@@ -5,8 +5,11 @@
 // are never entered). The trace window and tessaphon-cli share this code, so a document traced
 // headlessly saves to the same bytes as one traced in the window.
 //
-// The lists are those of the window's three views (TraceTrackLists); the spectrogram is the one
-// the spectrogram view shows, whose formant frames follow its pixel size. Main thread only.
+// The lists are those of the window's three views (TraceTrackLists). The spectrogram entered
+// from is not the picture on screen (one frame per pixel column) but an analysis of its own with
+// at least one frame per document frame (entryAnalysisWidth), so that every frame is filled
+// whatever the window's size and the window and tessaphon-cli enter the same values. Main
+// thread only.
 // Functions throw std::exception subclasses; whatever was entered before stays entered.
 #include "dataentry/TraceTrackLists.h"
 #include "display/PitchTrackComputation.h"
@@ -21,6 +24,9 @@ public:
     // Pixel size of the trace window's spectrogram view in the window's default 800 x 400 frame.
     static constexpr int kDefaultSpectrogramWidth = 695;
     static constexpr int kDefaultSpectrogramHeight = 187;
+    // Frames of the analysis that an entry reads: `width`, but never fewer than the document's
+    // frames. The window asks with kDefaultSpectrogramWidth, as tessaphon-cli does by default.
+    static int entryAnalysisWidth(const MyDocument& doc, int width = kDefaultSpectrogramWidth);
     // Full scale of the amplitude panel, dB.
     static constexpr double kAmplitudeCeiling = 90.0;
 
@@ -52,13 +58,15 @@ public:
                                 const SpectrogramComputation& spectrogram, const ShortRect& rect);
 
     enum class Outcome { Entered, FormantTrackingOff };
-    // The whole entry: nothing when formant tracking is off; otherwise an undo step, then
-    // pitch, formants and amplitudes. Exceptions pass through (the undo step stays saved).
+    // The whole entry: nothing when formant tracking is off; otherwise one undo step (undo snapshot before,
+    // redo snapshot after) around pitch, formants and amplitudes. Exceptions pass through, the
+    // step saved.
     static Outcome enterAllData(MyDocument& doc, TraceTrackLists& pitch, TraceTrackLists& formants,
                                 TraceTrackLists& amplitudes, const PitchTrackComputation& pitchTrack,
                                 const SpectrogramComputation& spectrogram);
 
-    // Headless copy synthesis: the document's pitch track and a spectrogram of width x height
+    // Headless copy synthesis: the document's pitch track and a spectrogram of
+    // entryAnalysisWidth(doc, width) x height
     // of its model channel, entered with enterAllData over fresh lists. Returns the outcome.
     static Outcome traceDocument(MyDocument& doc, int width = kDefaultSpectrogramWidth,
                                  int height = kDefaultSpectrogramHeight);

@@ -40,6 +40,14 @@ int transformLength(int points)
         n *= 2;
     return n;
 }
+// Bins 0 .. n/2 - 1 up to the frequency range (and never beyond half the rate): how many.
+int binCount(int n, double sampleRate, int rangeHz)
+{
+    const double binHz = sampleRate / n;
+    const double top = std::min(static_cast<double>(std::max(rangeHz, 0)), sampleRate / 2.0);
+    return std::min(n / 2, static_cast<int>(std::floor(top / binHz + 1e-9)) + 1);
+}
+
 } // namespace
 
 void SliceComputation::clear()
@@ -54,6 +62,32 @@ void SliceComputation::clear()
 bool SliceComputation::compute(const Channels& channel, double startSample)
 {
     return compute(channel.samples(), channel.sampleCount(), channel.m_dSampleRate, startSample);
+}
+
+void SliceComputation::storeLevels(const std::vector<double>& fftPower, const std::vector<double>& lpcPower,
+                                   int voiced, double binHz)
+{
+    const int applied = m_nAppliedSamples;
+    const int windows = m_nWindows;
+    const int bins = static_cast<int>(fftPower.size());
+    // dB re full scale: the 16-bit scale and the window's gain for a sine centred on a bin.
+    double windowSum = 0.0;
+    const double* w = spectrum::windowTable(applied, 1, applied);
+    for (int i = 0; i < applied; ++i)
+        windowSum += w[i];
+    const double offset = 20.0 * std::log10(kSampleScale * windowSum / 2.0);
+    m_dFrequency.resize(bins);
+    m_dFFT.resize(bins);
+    for (int k = 0; k < bins; ++k) {
+        m_dFrequency[k] = k * binHz;
+        m_dFFT[k] = 10.0 * std::log10(fftPower[k] / windows) - offset;
+    }
+    m_bSilent = voiced == 0;
+    if (!m_bSilent) {
+        m_dLPC.resize(bins);
+        for (int k = 0; k < bins; ++k)
+            m_dLPC[k] = 10.0 * std::log10(lpcPower[k] / windows) - offset;
+    }
 }
 
 bool SliceComputation::compute(const float* samples, std::size_t count, double sampleRate, double startSample)
@@ -76,11 +110,8 @@ bool SliceComputation::compute(const float* samples, std::size_t count, double s
     m_nAppliedSamples = applied;
     m_nWindows = windows;
 
-    // Bins 0 .. n/2 - 1 up to the frequency range (and never beyond half the rate).
     const double binHz = sampleRate / n;
-    const double top =
-        std::min(static_cast<double>(std::max(m_settings.m_nFFTfrequencyRange, 0)), sampleRate / 2.0);
-    const int bins = std::min(n / 2, static_cast<int>(std::floor(top / binHz + 1e-9)) + 1);
+    const int bins = binCount(n, sampleRate, m_settings.m_nFFTfrequencyRange);
 
     CMathFunc math;
     std::vector<double> raw(applied);
@@ -115,24 +146,7 @@ bool SliceComputation::compute(const float* samples, std::size_t count, double s
         ++voiced;
     }
 
-    // dB re full scale: the 16-bit scale and the window's gain for a sine centred on a bin.
-    double windowSum = 0.0;
-    const double* w = spectrum::windowTable(applied, 1, applied);
-    for (int i = 0; i < applied; ++i)
-        windowSum += w[i];
-    const double offset = 20.0 * std::log10(kSampleScale * windowSum / 2.0);
-    m_dFrequency.resize(bins);
-    m_dFFT.resize(bins);
-    for (int k = 0; k < bins; ++k) {
-        m_dFrequency[k] = k * binHz;
-        m_dFFT[k] = 10.0 * std::log10(fftPower[k] / windows) - offset;
-    }
-    m_bSilent = voiced == 0;
-    if (!m_bSilent) {
-        m_dLPC.resize(bins);
-        for (int k = 0; k < bins; ++k)
-            m_dLPC[k] = 10.0 * std::log10(lpcPower[k] / windows) - offset;
-    }
+    storeLevels(fftPower, lpcPower, voiced, binHz);
     return true;
 }
 

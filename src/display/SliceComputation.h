@@ -60,5 +60,9 @@ public:
     bool m_bSilent = true;               // every window held only zeros
 
 private:
+    // The averaged powers of the bins (`voiced` windows held sound) as levels in dB re full
+    // scale: m_dFrequency, m_dFFT, m_bSilent and, with sound, m_dLPC.
+    void storeLevels(const std::vector<double>& fftPower, const std::vector<double>& lpcPower, int voiced,
+                     double binHz);
     void clear();
 };

@@ -25,6 +25,95 @@ std::unique_ptr<MemoryBlock> copyBlock(const std::unique_ptr<MemoryBlock>& sourc
         std::memcpy(block->bytes(), source->bytes(), source->size());
     return block;
 }
+// The two halves of Channels::copyStateFrom: the file, display and cursor fields; the labels
+// and the analysis tracks.
+void copyFileAndViewState(Channels& d, const Channels& s)
+{
+    d.m_nChannelType = s.m_nChannelType;
+    d.m_nChannelsinFile = s.m_nChannelsinFile;
+    d.m_dLengthMS = s.m_dLengthMS;
+    d.m_dSampleRate = s.m_dSampleRate;
+    d.m_dwFileLength = s.m_dwFileLength;
+    d.m_nResolutionBits = s.m_nResolutionBits;
+    d.m_nDataType = s.m_nDataType;
+    d.m_rLocation = s.m_rLocation;
+    d.m_nHeigth = s.m_nHeigth;
+    d.m_strTitle = s.m_strTitle; // shared, not copied
+    d.m_nOrder = s.m_nOrder;
+    d.m_bAnchorChannel = s.m_bAnchorChannel;
+    d.m_bShow = s.m_bShow;
+    d.m_nColorRed = s.m_nColorRed;
+    d.m_nColorGreen = s.m_nColorGreen;
+    d.m_nColorBlue = s.m_nColorBlue;
+    d.m_strUnit = s.m_strUnit; // shared, not copied
+    d.m_dGain = s.m_dGain;
+    d.m_dFilterRate = s.m_dFilterRate;
+    d.m_dReference = s.m_dReference;
+    d.m_bDrawReference = s.m_bDrawReference;
+    d.m_dADInputVoltageRangeMV = s.m_dADInputVoltageRangeMV;
+    d.m_dMaxRangeBits = s.m_dMaxRangeBits;
+    d.m_dA3Cal = s.m_dA3Cal;
+    d.m_dB2Cal = s.m_dB2Cal;
+    d.m_dC1Cal = s.m_dC1Cal;
+    d.m_dD0Cal = s.m_dD0Cal;
+    d.m_dPageMin = s.m_dPageMin;
+    d.m_dPageMax = s.m_dPageMax;
+    d.m_dPageSize = s.m_dPageSize;
+    d.m_dPageTimeMin = s.m_dPageTimeMin;
+    d.m_dPageTimeMax = s.m_dPageTimeMax;
+    d.m_dPageTimeSize = s.m_dPageTimeSize;
+    d.m_ptOldCursorLoc = s.m_ptOldCursorLoc;
+    d.m_ptNewCursorLoc = s.m_ptNewCursorLoc;
+    d.m_dCursorDataValue = s.m_dCursorDataValue;
+    d.m_dMarkerDataValue = s.m_dMarkerDataValue;
+    d.m_dCursorFileValue = s.m_dCursorFileValue;
+    d.m_dMarkerFileValue = s.m_dMarkerFileValue;
+    d.m_dCursorTime = s.m_dCursorTime;
+    d.m_dMarkerTime = s.m_dMarkerTime;
+    d.m_dDurationStartTime = s.m_dDurationStartTime;
+    d.m_dDurationStopTime = s.m_dDurationStopTime;
+    d.m_dDurationStartFile = s.m_dDurationStartFile;
+    d.m_dDurationStopFile = s.m_dDurationStopFile;
+    d.m_dDurationTime = s.m_dDurationTime;
+    d.m_dDurationFile = s.m_dDurationFile;
+    d.m_dMinUnZoom = s.m_dMinUnZoom;
+    d.m_dMaxUnZoom = s.m_dMaxUnZoom;
+}
+
+void copyLabelsAndTracks(Channels& d, const Channels& s)
+{
+    d.m_pArrayLabels.clear();
+    const std::size_t labels = std::min<std::size_t>(std::max(s.m_nLabelCount, 0), s.m_pArrayLabels.size());
+    for (std::size_t i = 0; i < labels; ++i)
+        if (s.m_pArrayLabels[i])
+            d.m_pArrayLabels.push_back(std::make_unique<Labels>(*s.m_pArrayLabels[i]));
+    d.m_nLabelCount = s.m_nLabelCount;
+
+    // Intensity and pitch are copied; velocity and acceleration get blocks of the same
+    // length that stay zero.
+    d.m_hdIntensity = copyBlock(s.m_hdIntensity, true);
+    d.m_hdPitch = copyBlock(s.m_hdPitch, true);
+    d.m_hdVelocity = copyBlock(s.m_hdVelocity, false);
+    d.m_hdAcceleration = copyBlock(s.m_hdAcceleration, false);
+    d.m_dIntensityWindowLengthMS = s.m_dIntensityWindowLengthMS;
+    d.m_dIntensityStepSizeMS = s.m_dIntensityStepSizeMS;
+    d.m_bDrawIntensity = s.m_bDrawIntensity;
+    d.m_dSmoothNumOfPoints = s.m_dSmoothNumOfPoints;
+    d.m_nVelocityColorRed = s.m_nVelocityColorRed;
+    d.m_nVelocityColorGreen = s.m_nVelocityColorGreen;
+    d.m_nVelocityColorBlue = s.m_nVelocityColorBlue;
+    d.m_dVelocitySmoothingWindow = s.m_dVelocitySmoothingWindow;
+    d.m_nAccelerationColorRed = s.m_nAccelerationColorRed;
+    d.m_nAccelerationColorGreen = s.m_nAccelerationColorGreen;
+    d.m_nAccelerationColorBlue = s.m_nAccelerationColorBlue;
+    d.m_dAccelerationSmoothingWindow = s.m_dAccelerationSmoothingWindow;
+    d.m_dPositionEstimationWindow = s.m_dPositionEstimationWindow;
+    d.m_dVelocityEstimationWindow = s.m_dVelocityEstimationWindow;
+    d.m_dAccelerationEstimationWindow = s.m_dAccelerationEstimationWindow;
+    d.m_dDCShiftWindowMS = s.m_dDCShiftWindowMS;
+    d.m_dThresholdLevelDetectPerCent = s.m_dThresholdLevelDetectPerCent;
+}
+
 } // namespace
 
 namespace
@@ -70,84 +159,6 @@ void Channels::DuplicateTakingSamples(Channels& s)
 
 void Channels::copyStateFrom(const Channels& s)
 {
-    m_nChannelType = s.m_nChannelType;
-    m_nChannelsinFile = s.m_nChannelsinFile;
-    m_dLengthMS = s.m_dLengthMS;
-    m_dSampleRate = s.m_dSampleRate;
-    m_dwFileLength = s.m_dwFileLength;
-    m_nResolutionBits = s.m_nResolutionBits;
-    m_nDataType = s.m_nDataType;
-    m_rLocation = s.m_rLocation;
-    m_nHeigth = s.m_nHeigth;
-    m_strTitle = s.m_strTitle; // shared, not copied
-    m_nOrder = s.m_nOrder;
-    m_bAnchorChannel = s.m_bAnchorChannel;
-    m_bShow = s.m_bShow;
-    m_nColorRed = s.m_nColorRed;
-    m_nColorGreen = s.m_nColorGreen;
-    m_nColorBlue = s.m_nColorBlue;
-    m_strUnit = s.m_strUnit; // shared, not copied
-    m_dGain = s.m_dGain;
-    m_dFilterRate = s.m_dFilterRate;
-    m_dReference = s.m_dReference;
-    m_bDrawReference = s.m_bDrawReference;
-    m_dADInputVoltageRangeMV = s.m_dADInputVoltageRangeMV;
-    m_dMaxRangeBits = s.m_dMaxRangeBits;
-    m_dA3Cal = s.m_dA3Cal;
-    m_dB2Cal = s.m_dB2Cal;
-    m_dC1Cal = s.m_dC1Cal;
-    m_dD0Cal = s.m_dD0Cal;
-    m_dPageMin = s.m_dPageMin;
-    m_dPageMax = s.m_dPageMax;
-    m_dPageSize = s.m_dPageSize;
-    m_dPageTimeMin = s.m_dPageTimeMin;
-    m_dPageTimeMax = s.m_dPageTimeMax;
-    m_dPageTimeSize = s.m_dPageTimeSize;
-    m_ptOldCursorLoc = s.m_ptOldCursorLoc;
-    m_ptNewCursorLoc = s.m_ptNewCursorLoc;
-    m_dCursorDataValue = s.m_dCursorDataValue;
-    m_dMarkerDataValue = s.m_dMarkerDataValue;
-    m_dCursorFileValue = s.m_dCursorFileValue;
-    m_dMarkerFileValue = s.m_dMarkerFileValue;
-    m_dCursorTime = s.m_dCursorTime;
-    m_dMarkerTime = s.m_dMarkerTime;
-    m_dDurationStartTime = s.m_dDurationStartTime;
-    m_dDurationStopTime = s.m_dDurationStopTime;
-    m_dDurationStartFile = s.m_dDurationStartFile;
-    m_dDurationStopFile = s.m_dDurationStopFile;
-    m_dDurationTime = s.m_dDurationTime;
-    m_dDurationFile = s.m_dDurationFile;
-    m_dMinUnZoom = s.m_dMinUnZoom;
-    m_dMaxUnZoom = s.m_dMaxUnZoom;
-
-    m_pArrayLabels.clear();
-    const std::size_t labels = std::min<std::size_t>(std::max(s.m_nLabelCount, 0), s.m_pArrayLabels.size());
-    for (std::size_t i = 0; i < labels; ++i)
-        if (s.m_pArrayLabels[i])
-            m_pArrayLabels.push_back(std::make_unique<Labels>(*s.m_pArrayLabels[i]));
-    m_nLabelCount = s.m_nLabelCount;
-
-    // Intensity and pitch are copied; velocity and acceleration get blocks of the same
-    // length that stay zero.
-    m_hdIntensity = copyBlock(s.m_hdIntensity, true);
-    m_hdPitch = copyBlock(s.m_hdPitch, true);
-    m_hdVelocity = copyBlock(s.m_hdVelocity, false);
-    m_hdAcceleration = copyBlock(s.m_hdAcceleration, false);
-    m_dIntensityWindowLengthMS = s.m_dIntensityWindowLengthMS;
-    m_dIntensityStepSizeMS = s.m_dIntensityStepSizeMS;
-    m_bDrawIntensity = s.m_bDrawIntensity;
-    m_dSmoothNumOfPoints = s.m_dSmoothNumOfPoints;
-    m_nVelocityColorRed = s.m_nVelocityColorRed;
-    m_nVelocityColorGreen = s.m_nVelocityColorGreen;
-    m_nVelocityColorBlue = s.m_nVelocityColorBlue;
-    m_dVelocitySmoothingWindow = s.m_dVelocitySmoothingWindow;
-    m_nAccelerationColorRed = s.m_nAccelerationColorRed;
-    m_nAccelerationColorGreen = s.m_nAccelerationColorGreen;
-    m_nAccelerationColorBlue = s.m_nAccelerationColorBlue;
-    m_dAccelerationSmoothingWindow = s.m_dAccelerationSmoothingWindow;
-    m_dPositionEstimationWindow = s.m_dPositionEstimationWindow;
-    m_dVelocityEstimationWindow = s.m_dVelocityEstimationWindow;
-    m_dAccelerationEstimationWindow = s.m_dAccelerationEstimationWindow;
-    m_dDCShiftWindowMS = s.m_dDCShiftWindowMS;
-    m_dThresholdLevelDetectPerCent = s.m_dThresholdLevelDetectPerCent;
+    copyFileAndViewState(*this, s);
+    copyLabelsAndTracks(*this, s);
 }

@@ -1,8 +1,12 @@
 #include "document/MyDocument.h"
 
+#include "document/CountedText.h"
 #include "document/DocumentException.h"
+#include "document/SynthesisHook.h"
 
 #include <algorithm>
+#include <cmath>
+#include <cstdio>
 #include <iterator>
 #include <new>
 
@@ -18,6 +22,11 @@ MyDocument::ConfigurationHook& configurationWriter()
     static MyDocument::ConfigurationHook hook;
     return hook;
 }
+SynthesisFunction& synthesisFunction()
+{
+    static SynthesisFunction function = nullptr;
+    return function;
+}
 } // namespace
 
 void MyDocument::setConfigurationLoader(ConfigurationHook loader)
@@ -28,6 +37,28 @@ void MyDocument::setConfigurationLoader(ConfigurationHook loader)
 void MyDocument::setConfigurationWriter(ConfigurationHook writer)
 {
     configurationWriter() = std::move(writer);
+}
+
+void setSynthesisFunction(SynthesisFunction function)
+{
+    synthesisFunction() = function;
+}
+
+void MyDocument::Synthesize()
+{
+    if (!synthesisFunction())
+        throw DocumentException("Synthesis", "no synthesizer is installed in this program");
+    synthesisFunction()(*this);
+}
+
+void MyDocument::CopyCurrentToPrevious()
+{
+    m_Channel[1]->Duplicate(*m_Channel[0]);
+}
+
+void MyDocument::MoveCurrentToPrevious()
+{
+    m_Channel[1]->DuplicateTakingSamples(*m_Channel[0]);
 }
 
 void MyDocument::saveConfig()
@@ -202,4 +233,27 @@ int MyDocument::synthesisSampleRate() const
     const bool highFormants = std::any_of(std::begin(kHighFormantRows), std::end(kHighFormantRows),
                                           [&c](int row) { return c.m_Parameters[row].bSelected != 0; });
     return highFormants ? 22050 : 11025;
+}
+
+std::string MyDocument::clippingReport() const
+{
+    if (m_nClippedSamples <= 0)
+        return {};
+    char peak[48];
+    std::snprintf(peak, sizeof peak, " clipped (peak %.1f dB)", 20.0 * std::log10(m_dPeakLevel));
+    return countedText(m_nClippedSamples, "sample", "samples") + peak;
+}
+
+bool MyDocument::isSilent() const
+{
+    // A sample below one step of 16 bits is written to a WAVE file as 0.
+    return m_nSynthesizedSamples > 0 && m_dPeakLevel < 1.0 / 32768.0;
+}
+
+std::string MyDocument::synthesisWarning() const
+{
+    if (isSilent())
+        return "the synthesis is silent: no sample reaches one step of 16 bits (look at gain and the "
+               "amplitudes)";
+    return clippingReport();
 }

@@ -7,7 +7,8 @@
 //
 // Where things live: set-up and grid in MyDocument.cpp, table data in MyDocumentTableData.cpp,
 // parameter documents in StkFile.cpp, WAVE files in WaveFile.cpp, undo/redo/revert in
-// UndoRedo.cpp (all src/document/); Synthesize in src/synthesis/Synthesize.cpp.
+// UndoRedo.cpp (all src/document/). Synthesize runs the synthesizer installed through
+// SynthesisHook.h (src/synthesis/Synthesize.cpp in every program that links the synthesis).
 #include "document/AtomicFile.h"
 #include "document/Channels.h"
 #include "document/Color.h"
@@ -91,6 +92,12 @@ public:
         m_nFramesDeclared = declared;
     }
 
+    // Samples of the last WAVE file read: how many its data chunk holds and how many it
+    // declares. A chunk that stops early is read as far as it goes.
+    std::int64_t waveSamplesPresent() const { return m_nWaveSamplesPresent; }
+    std::int64_t waveSamplesDeclared() const { return m_nWaveSamplesDeclared; }
+    bool isWaveShort() const { return m_nWaveSamplesPresent < m_nWaveSamplesDeclared; }
+
     // --- parameter document files ---
     std::string Save_STK_FileType50(bool allRows);
     // The same text without marking the document changed: for copies that are not the
@@ -134,7 +141,7 @@ public:
     bool Read_STK_FileTypeDoUndo(const std::string& snapshot);
     bool doRevertDocumentToSaved();
 
-    // --- synthesis (src/synthesis/Synthesize.cpp) ---
+    // --- synthesis (the installed synthesizer, see SynthesisHook.h) ---
     // Reads the frames from the table data; a document whose table data has not been built
     // (one read but never shown) is synthesized from the values the table data would be built
     // with, as saving does, without building it.
@@ -152,10 +159,16 @@ public:
     int synthesisSampleRate() const;
     // "N samples clipped (peak x dB)" for the last synthesis, empty when nothing clipped.
     std::string clippingReport() const;
+    // The last synthesis came out silent: every sample below one step of 16 bits.
+    bool isSilent() const;
+    // What the user is told after a synthesis: that it is silent, else its clipping report;
+    // empty when there is nothing to say.
+    std::string synthesisWarning() const;
     // What the output limiting did in the last synthesis: samples beyond full scale, and the
     // largest magnitude before limiting (1.0 = full scale).
     std::int64_t m_nClippedSamples = 0;
     double m_dPeakLevel = 0.0;
+    std::int64_t m_nSynthesizedSamples = 0; // samples of the last synthesis, 0 before any
 
     // Values of the last document read from a file that lay outside the grid's 16-bit range
     // and were clamped to their rows' limits.
@@ -252,4 +265,6 @@ private:
     long m_nChangeCount = 0;
     int m_nFramesInFile = 0;
     int m_nFramesDeclared = 0;
+    std::int64_t m_nWaveSamplesPresent = 0;
+    std::int64_t m_nWaveSamplesDeclared = 0;
 };

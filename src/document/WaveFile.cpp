@@ -6,6 +6,7 @@
 #include "document/WaveFormat.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cmath>
 #include <cstring>
 #include <filesystem>
@@ -70,6 +71,9 @@ bool hasRiffWaveTags(std::string_view bytes)
 // Why the chunk walk refused the bytes, in words.
 std::string waveRefusal(std::string_view bytes, const WaveFormat& f)
 {
+    if (f.headerCut || (bytes.size() < 12 && bytes.substr(0, 4) == "RIFF"))
+        return "its header ends after " + std::to_string(bytes.size()) +
+               (bytes.size() == 1 ? " byte" : " bytes");
     if (!hasRiffWaveTags(bytes))
         return "not a RIFF/WAVE file";
     if (f.haveFormat && f.formatCode != 1 && f.formatCode != 3 && f.formatCode != 7)
@@ -120,6 +124,40 @@ void setUpModelChannel(Channels& model, const Channels& synthesis)
     model.m_dMaxRangeBits = 1.0;
     model.m_dGain = 1.0;
     model.m_dFilterRate = synthesis.m_dSampleRate * 0.5;
+}
+
+// Bytes no parameter document holds (it is text): NUL and the control characters other than
+// tab, line feed and carriage return, looked for in the first 4 KB.
+bool looksBinary(std::string_view bytes)
+{
+    const std::string_view head = bytes.substr(0, 4096);
+    return std::any_of(head.begin(), head.end(), [](char ch) {
+        const auto c = static_cast<unsigned char>(ch);
+        return c < 0x20 && c != '\t' && c != '\n' && c != '\r';
+    });
+}
+
+bool hasWaveName(const std::string& path)
+{
+    std::string ending = std::filesystem::path(path).extension().string();
+    std::transform(ending.begin(), ending.end(), ending.begin(),
+                   [](unsigned char c) { return std::tolower(c); });
+    return ending == ".wav" || ending == ".wave";
+}
+
+// Why bytes that neither reader took were refused, decided by what they hold, not by the file's
+// name: a RIFF image as a WAVE file, text as a parameter document, anything else in one line
+// naming the file.
+std::string refusalByContent(std::string_view bytes, const std::string& waveReason,
+                             const std::string& documentReason, const std::string& path)
+{
+    if (bytes.substr(0, 4) == "RIFF")
+        return waveReason;
+    if (!looksBinary(bytes))
+        return documentReason;
+    const std::string name = path.empty() ? "the file" : std::filesystem::path(path).filename().string();
+    return hasWaveName(path) ? name + " is not a WAVE file"
+                             : name + " is neither a WAVE file nor a parameter document";
 }
 
 } // namespace
@@ -252,6 +290,8 @@ int MyDocument::Read_WAVE_FileType(std::string_view bytes)
         return -1;
     }
 
+    m_nWaveSamplesPresent = static_cast<std::int64_t>(samples);
+    m_nWaveSamplesDeclared = static_cast<std::int64_t>(f.dataDeclared / f.blockAlign);
     model.m_dSampleRate = f.sampleRate;
     model.m_dwFileLength = samples;
     model.m_dLengthMS = lengthMS;
@@ -299,11 +339,9 @@ bool MyDocument::readFromBytes(std::string_view bytes, const std::string& typeNa
             synthesis.m_nColumnNum = model.m_nColumnNum;
             SetUpDataGridMemory();
         } else {
-            // A RIFF/WAVE image that was refused says why as a WAVE file, not as a document.
             const std::string waveReason = m_strReadError;
             if (Read_STK_FileType(bytes) != 0) {
-                if (hasRiffWaveTags(bytes))
-                    m_strReadError = waveReason;
+                m_strReadError = refusalByContent(bytes, waveReason, m_strReadError, fileURL());
                 if (errorCode)
                     *errorCode = -4;
                 return false;

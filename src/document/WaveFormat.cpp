@@ -49,18 +49,29 @@ bool parseWaveFormat(std::string_view bytes, WaveFormat& f)
     if (!tagAt(bytes, 0, "RIFF") || !tagAt(bytes, 8, "WAVE"))
         return false;
     const std::uint64_t length = bytes.size();
-    if (length < 13)
+    if (length < 13) {
+        f.headerCut = true;
         return false;
+    }
     std::uint64_t p = 12;
     while (p < length) {
         const std::uint32_t size = readLE32(bytes, p + 4);
+        // A format chunk that the file cuts short would be read as zeros (format code 0): the
+        // file is refused as a cut header instead.
+        if (p + 8 > length || (tagAt(bytes, p, "fmt ") && p + 8 + std::uint64_t(size) > length)) {
+            f.headerCut = true;
+            return false;
+        }
         if (tagAt(bytes, p, "fmt ")) {
             readFormatBlock(bytes, p + 8, size, f);
             if (f.formatCode != 1 && f.formatCode != 3 && f.formatCode != 7)
                 return false;
         } else if (tagAt(bytes, p, "data")) {
-            f.dataSize = size > length ? length : size;
             f.dataPosition = p + 8;
+            f.dataDeclared = size;
+            // Only the bytes the file holds are samples: a chunk that declares more holds fewer.
+            const std::uint64_t present = length > f.dataPosition ? length - f.dataPosition : 0;
+            f.dataSize = size > present ? present : size;
             f.haveData = true;
             return f.dataPosition < length;
         }

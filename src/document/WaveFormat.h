@@ -1,8 +1,8 @@
 #pragma once
 // The chunk walk of a RIFF/WAVE image: finds the format block and the sample data. Reads only
 // inside the given bytes. Chunk sizes are taken as they stand, without pad bytes (files written
-// by Tessaphon and its predecessors rely on that), and a data size larger than the file is cut to
-// the file size.
+// by Tessaphon and its predecessors rely on that), and a data size larger than the bytes that follow
+// the data chunk's header is cut to those bytes (`dataDeclared` keeps what the chunk said).
 #include <cstdint>
 #include <string_view>
 
@@ -15,8 +15,11 @@ struct WaveFormat {
     std::uint16_t bitsPerSample = 0;
     bool haveFormat = false;
     std::uint64_t dataPosition = 0; // byte offset of the first sample
-    std::uint64_t dataSize = 0;     // declared size, cut to the file size
+    std::uint64_t dataSize = 0;     // bytes of sample data present
+    std::uint64_t dataDeclared = 0; // the size the data chunk declares
     bool haveData = false;
+    // The file ends inside a chunk header or inside the format chunk, before any sample data.
+    bool headerCut = false;
 };
 
 // True when the bytes are RIFF/WAVE with an accepted format code and a data chunk that starts

@@ -17,7 +17,7 @@
 
 using namespace AnalysisPanelControls;
 
-optionFFTLPC::optionFFTLPC(QWidget* parent) : OptionPanel(parent)
+optionFFTLPC::optionFFTLPC(QWidget* parent) : AnalysisPanel(parent)
 {
     setWindowTitle(tr("FFT/LPC"));
     setObjectName(QStringLiteral("optionFFTLPC"));
@@ -57,16 +57,9 @@ optionFFTLPC::optionFFTLPC(QWidget* parent) : OptionPanel(parent)
     auto* outer = new QVBoxLayout(this);
     outer->addLayout(form);
     outer->addWidget(makeButtons(true));
-    connect(defaultButton(), &QPushButton::clicked, this, &optionFFTLPC::actionDefault);
+    connect(defaultButton(), &QPushButton::clicked, this, &AnalysisPanel::actionDefault);
     connect(_popupWindowLength, QOverload<int>::of(&QComboBox::activated), this,
             &optionFFTLPC::actionPtsSelector);
-}
-
-void optionFFTLPC::setup(MyDocument* doc)
-{
-    m_dAnalysisSampleRate = doc->getChannel(0)->m_dSampleRate;
-    titleLengthMenu(_popupWindowLength, m_dAnalysisSampleRate);
-    fill(*doc);
 }
 
 void optionFFTLPC::fill(const MyDocument& doc)
@@ -93,13 +86,6 @@ void optionFFTLPC::actionPtsSelector(int index)
 {
     if (m_dAnalysisSampleRate > 0.0)
         setInteger(m_nFFTAppliedWindowLength, pointsOf(index) * 1000.0 / m_dAnalysisSampleRate);
-}
-
-void optionFFTLPC::actionDefault()
-{
-    MyDocument defaults;
-    defaults.setAnalysisDefaults(m_dAnalysisSampleRate);
-    fill(defaults);
 }
 
 void optionFFTLPC::save(MyDocument* doc)

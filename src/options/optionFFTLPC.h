@@ -3,27 +3,22 @@
 // the part of it applied (ms), frequency range, averaging step, LPC order, absolute or relative
 // levels, print size and grids. Default resets the controls (not the document) with the sample
 // rate captured at set-up. Main thread only.
-#include "options/OptionPanel.h"
+#include "options/AnalysisPanel.h"
 
 class QButtonGroup;
 class QCheckBox;
-class QComboBox;
 class QLineEdit;
 
-class optionFFTLPC : public OptionPanel
+class optionFFTLPC : public AnalysisPanel
 {
     Q_OBJECT
 public:
     explicit optionFFTLPC(QWidget* parent = nullptr);
 
-    void setup(MyDocument* doc) override;
     void save(MyDocument* doc) override;
     // A length chosen: the applied length becomes the window's duration in ms.
     void actionPtsSelector(int index);
-    void actionDefault();
 
-    double m_dAnalysisSampleRate = 11025.0;
-    QComboBox* _popupWindowLength = nullptr;
     QLineEdit* m_nFFTAppliedWindowLength = nullptr;
     QLineEdit* m_nFFTfrequencyRange = nullptr;
     QLineEdit* m_nFFTAverageStepSize = nullptr;
@@ -41,5 +36,5 @@ public:
     QLineEdit* m_nDBGrid = nullptr;
 
 private:
-    void fill(const MyDocument& doc);
+    void fill(const MyDocument& doc) override;
 };

@@ -28,7 +28,7 @@ QLayout* rangeRow(QLineEdit* low, QLineEdit* high)
 }
 } // namespace
 
-optionPitch::optionPitch(QWidget* parent) : OptionPanel(parent)
+optionPitch::optionPitch(QWidget* parent) : AnalysisPanel(parent)
 {
     setWindowTitle(tr("Pitch"));
     setObjectName(QStringLiteral("optionPitch"));
@@ -66,12 +66,7 @@ optionPitch::optionPitch(QWidget* parent) : OptionPanel(parent)
     auto* outer = new QVBoxLayout(this);
     outer->addLayout(form);
     outer->addWidget(makeButtons(true));
-    connect(defaultButton(), &QPushButton::clicked, this, &optionPitch::actionDefault);
-}
-
-void optionPitch::setup(MyDocument* doc)
-{
-    fill(*doc);
+    connect(defaultButton(), &QPushButton::clicked, this, &AnalysisPanel::actionDefault);
 }
 
 void optionPitch::fill(const MyDocument& doc)
@@ -93,13 +88,6 @@ void optionPitch::fill(const MyDocument& doc)
     _Width->setText(QStringLiteral("6.0"));
     _Heigth->setText(QStringLiteral("4.0"));
     setChoice(_ColorBW, true);
-}
-
-void optionPitch::actionDefault()
-{
-    MyDocument defaults;
-    defaults.setAnalysisDefaults(defaults.getChannel(0)->m_dSampleRate);
-    fill(defaults);
 }
 
 void optionPitch::save(MyDocument* doc)

@@ -5,21 +5,19 @@
 // calculation range and then, on purpose, the display fields into the same two settings: the
 // range typed as the display range is the one that takes effect, and the stored display range
 // is never changed by this panel. Main thread only.
-#include "options/OptionPanel.h"
+#include "options/AnalysisPanel.h"
 
 class QButtonGroup;
 class QCheckBox;
 class QLineEdit;
 
-class optionPitch : public OptionPanel
+class optionPitch : public AnalysisPanel
 {
     Q_OBJECT
 public:
     explicit optionPitch(QWidget* parent = nullptr);
 
-    void setup(MyDocument* doc) override;
     void save(MyDocument* doc) override;
-    void actionDefault();
 
     QLineEdit* _WindowLength = nullptr;
     QLineEdit* _StepSize = nullptr;
@@ -39,5 +37,5 @@ public:
     QButtonGroup* _ColorBW = nullptr; // tag 1 colour
 
 private:
-    void fill(const MyDocument& doc);
+    void fill(const MyDocument& doc) override;
 };

@@ -17,7 +17,7 @@
 
 using namespace AnalysisPanelControls;
 
-optionSpectrogram::optionSpectrogram(QWidget* parent) : OptionPanel(parent)
+optionSpectrogram::optionSpectrogram(QWidget* parent) : AnalysisPanel(parent)
 {
     setWindowTitle(tr("Spectrogram"));
     setObjectName(QStringLiteral("optionSpectrogram"));
@@ -58,16 +58,9 @@ optionSpectrogram::optionSpectrogram(QWidget* parent) : OptionPanel(parent)
     outer->addLayout(form);
     outer->addWidget(_note);
     outer->addWidget(makeButtons(true));
-    connect(defaultButton(), &QPushButton::clicked, this, &optionSpectrogram::actionDefault);
+    connect(defaultButton(), &QPushButton::clicked, this, &AnalysisPanel::actionDefault);
     connect(_popupWindowLength, QOverload<int>::of(&QComboBox::activated), this,
             &optionSpectrogram::actionPtsSelector);
-}
-
-void optionSpectrogram::setup(MyDocument* doc)
-{
-    m_dAnalysisSampleRate = doc->getChannel(0)->m_dSampleRate;
-    titleLengthMenu(_popupWindowLength, m_dAnalysisSampleRate);
-    fill(*doc);
 }
 
 void optionSpectrogram::fill(const MyDocument& doc)
@@ -86,13 +79,6 @@ void optionSpectrogram::fill(const MyDocument& doc)
     setChoice(m_Inchcm, doc.m_bSpecInches != 0); // any non-zero value means inches
     m_dSpecWidth->setText(QString::number(doc.m_dSpecWidth));
     m_dSpecHeight->setText(QString::number(doc.m_dSpecHeight));
-}
-
-void optionSpectrogram::actionDefault()
-{
-    MyDocument defaults;
-    defaults.setAnalysisDefaults(m_dAnalysisSampleRate);
-    fill(defaults);
 }
 
 void optionSpectrogram::save(MyDocument* doc)

@@ -3,28 +3,23 @@
 // range, pre-emphasis ("%1.2f"), formant tracking and its LPC order, grids, print size. Default
 // resets the controls (not the document) with the sample rate captured at set-up.
 // Main thread only.
-#include "options/OptionPanel.h"
+#include "options/AnalysisPanel.h"
 
 class QButtonGroup;
 class QCheckBox;
-class QComboBox;
 class QLabel;
 class QLineEdit;
 
-class optionSpectrogram : public OptionPanel
+class optionSpectrogram : public AnalysisPanel
 {
     Q_OBJECT
 public:
     explicit optionSpectrogram(QWidget* parent = nullptr);
 
-    void setup(MyDocument* doc) override;
     void save(MyDocument* doc) override;
     void actionPtsSelector(int index) { m_nSelectedLength = index; }
-    void actionDefault();
 
-    double m_dAnalysisSampleRate = 11025.0;
     int m_nSelectedLength = 2;
-    QComboBox* _popupWindowLength = nullptr;
     QLineEdit* m_nSpecDynamicRange = nullptr;
     QLineEdit* m_nSpecfrequencyRange = nullptr;
     QLineEdit* m_dPreEmphasis = nullptr;
@@ -40,5 +35,5 @@ public:
     QLabel* _note = nullptr;
 
 private:
-    void fill(const MyDocument& doc);
+    void fill(const MyDocument& doc) override;
 };

@@ -85,8 +85,17 @@ struct SpareResampler {
     int from = 0, to = 0;
     soxr_t resampler = nullptr;
 };
+// The spares a process never took go with it at its end.
+struct SpareResamplers : std::vector<SpareResampler> {
+    ~SpareResamplers()
+    {
+        for (SpareResampler& spare : *this)
+            if (spare.resampler)
+                soxr_delete(spare.resampler);
+    }
+};
 std::mutex g_spareMutex;
-std::vector<SpareResampler> g_spares;
+SpareResamplers g_spares;
 
 soxr_t takeResampler(int fromRate, int toRate)
 {

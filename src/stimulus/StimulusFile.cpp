@@ -20,17 +20,27 @@ double toDb(double power)
     return power > 0.0 ? 10.0 * std::log10(power) : -std::numeric_limits<double>::infinity();
 }
 
-// Levels of integer samples of full scale `scale`.
-void measureStored(const std::vector<std::int32_t>& stored, double scale, StimulusFigures& figures)
+// Levels of integer samples of full scale `scale`, gathered one sample at a time.
+class StoredLevels
 {
-    double sum = 0.0, peak = 0.0;
-    for (const std::int32_t v : stored) {
-        sum += double(v) * v;
-        peak = std::max(peak, std::fabs(double(v)));
+public:
+    void add(std::int32_t v)
+    {
+        m_sum += double(v) * v;
+        m_peak = std::max(m_peak, std::fabs(double(v)));
+        ++m_count;
     }
-    figures.rmsDb = toDb(stored.empty() ? 0.0 : sum / double(stored.size()) / (scale * scale));
-    figures.peakDb = toDb(peak * peak / (scale * scale));
-}
+    void into(double scale, StimulusFigures& figures) const
+    {
+        figures.rmsDb = toDb(m_count == 0 ? 0.0 : m_sum / double(m_count) / (scale * scale));
+        figures.peakDb = toDb(m_peak * m_peak / (scale * scale));
+    }
+
+private:
+    double m_sum = 0.0;
+    double m_peak = 0.0;
+    std::size_t m_count = 0;
+};
 
 // A growing file image in memory that libsndfile writes into as if it were a file: the FLAC
 // encoder goes back to the start to fill in the stream header when it finishes.
@@ -104,17 +114,19 @@ std::vector<std::int32_t> quantize(const Stimulus& stimulus, double gainDb, int 
     std::vector<std::int32_t> stored(samples.size());
     const double gain = std::pow(10.0, gainDb / 20.0);
     long long clipped = 0;
+    StoredLevels levels;
     for (std::size_t i = 0; i < samples.size(); ++i) {
         bool limited = false;
         stored[i] = quantizeSample(samples[i], gain, bits, limited);
         clipped += limited ? 1 : 0;
+        levels.add(stored[i]);
     }
     figures = StimulusFigures{};
     figures.durationMS = stimulus.durationMS();
     figures.rate = stimulus.rate();
     figures.clipped = clipped;
     figures.gainDb = gainDb;
-    measureStored(stored, bits == 24 ? 8388608.0 : 32768.0, figures);
+    levels.into(bits == 24 ? 8388608.0 : 32768.0, figures);
     return stored;
 }
 
@@ -194,16 +206,17 @@ StimulusFigures saveStimulus(const std::string& path, const float* samples, std:
 
 StimulusFigures plainFigures(const float* samples, std::size_t count, int rate)
 {
-    std::vector<std::int32_t> stored(count);
+    // Measured as the samples are stored, without keeping them: a long synthesis is not copied.
     StimulusFigures figures;
+    StoredLevels levels;
     for (std::size_t i = 0; i < count; ++i) {
         const double v = std::trunc(double(samples[i]) * 32768.0);
         figures.clipped += v >= 32768.0 || v < -32768.0 ? 1 : 0;
-        stored[i] = static_cast<std::int16_t>(static_cast<std::uint16_t>(
-            static_cast<std::int64_t>(std::isfinite(v) && std::fabs(v) < 9e18 ? v : 0.0) & 0xffff));
+        levels.add(static_cast<std::int16_t>(static_cast<std::uint16_t>(
+            static_cast<std::int64_t>(std::isfinite(v) && std::fabs(v) < 9e18 ? v : 0.0) & 0xffff)));
     }
     figures.durationMS = rate > 0 ? double(count) * 1000.0 / rate : 0.0;
     figures.rate = rate;
-    measureStored(stored, 32768.0, figures);
+    levels.into(32768.0, figures);
     return figures;
 }

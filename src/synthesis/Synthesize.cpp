@@ -1,8 +1,11 @@
 // The synthesis driver: turns the document's table data into audio in the synthesis channel,
 // one Klatt frame per table column, and keeps the previous synthesis in channel 1.
+#include "synthesis/Synthesize.h"
+
 #include "document/DocumentException.h"
 #include "document/Log.h"
 #include "document/MyDocument.h"
+#include "document/SynthesisHook.h"
 #include "synthesis/CKlattEngine.h"
 
 #include <algorithm>
@@ -174,43 +177,11 @@ private:
     void* m_pBytes;
 };
 
-} // namespace
-
-void MyDocument::CopyCurrentToPrevious()
+// The engine's settings for one run: the natural voicing source, cascade or parallel as the
+// channel says, five cascade formants at 11025 Hz or eight at 22050 Hz.
+void setUpGlobals(klatt_global_t& g, const Channels& channel, int sampleRate, std::int64_t frameSamples)
 {
-    m_Channel[1]->Duplicate(*m_Channel[0]);
-}
-
-void MyDocument::MoveCurrentToPrevious()
-{
-    m_Channel[1]->DuplicateTakingSamples(*m_Channel[0]);
-}
-
-void MyDocument::Synthesize()
-{
-    Channels& channel = *m_Channel[0];
-
-    // Sample rate and frame length come first so that the frame buffer can be sized. It holds
-    // one second at 22050 Hz, or the whole frame when an update interval is longer than that:
-    // a long interval never overflows it. A frame whose sample count cannot be represented is
-    // refused like any other allocation failure.
-    // Any parameter of the sixth to eighth formants in use needs 22050 Hz and eight cascade
-    // formants.
-    const int sampleRate = synthesisSampleRate();
     const bool highFormants = sampleRate == 22050;
-    if (channel.m_nUpdateIntervalMS < 1)
-        channel.m_nUpdateIntervalMS = 10;
-    const std::int64_t frameSamples = std::int64_t{channel.m_nUpdateIntervalMS} * sampleRate / 1000;
-    if (frameSamples > INT32_MAX)
-        throw DocumentException::memoryError();
-
-    std::unique_ptr<int[]> frameOutput(new (std::nothrow) int[std::max(frameSamples, kFrameBufferSamples)]);
-    std::unique_ptr<klatt_global_t> globals(new (std::nothrow) klatt_global_t{});
-    std::unique_ptr<klatt_frame_t> frame(new (std::nothrow) klatt_frame_t{});
-    if (!frameOutput || !globals || !frame)
-        throw DocumentException::memoryError();
-
-    klatt_global_t& g = *globals;
     g.quiet = 1;
     g.glottal_source = 2;
     g.source_samples = CKlattEngine::natural_samples;
@@ -219,72 +190,112 @@ void MyDocument::Synthesize()
     g.output_select = 0;
     g.flutter_percent = 0;
     g.model = channel.m_bCascade_Parallel ? 1 : 2;
-
-    channel.m_bIncraseSampleRate = highFormants ? 1 : 0;
-    channel.m_dSampleRate = sampleRate;
     g.cascade_formants = highFormants ? 8 : 5;
     g.sample_rate = sampleRate;
     g.samples_per_frame = static_cast<std::int32_t>(frameSamples);
+}
+
+// A new sample block for the channel's length at its sample rate, not cleared (the run writes
+// every sample). A negative or meaningless length gives an empty block; one too large to
+// address is an allocation failure. Answers the block's capacity in samples.
+std::size_t newSampleBlock(Channels& channel)
+{
+    channel.m_dwFileLength = channel.m_dSampleRate * channel.m_dLengthMS / 1000.0;
+    channel.m_hData.reset();
+    const double length = channel.m_dwFileLength > 0.0 ? channel.m_dwFileLength : 0.0;
+    if (length >= static_cast<double>(SIZE_MAX / sizeof(float)))
+        throw DocumentException::memoryError();
+    const std::size_t capacity = static_cast<std::size_t>(length);
+    channel.m_hData = MemoryBlock::newHandle(capacity * sizeof(float));
+    if (!channel.m_hData)
+        throw DocumentException::memoryError();
+    return capacity;
+}
+
+// The buffers of one run, allocated without throwing so that a failure is the document's
+// memory error. The frame buffer holds one second at 22050 Hz, or the whole frame when an
+// update interval is longer than that: a long interval never overflows it.
+struct RunBuffers {
+    explicit RunBuffers(std::int64_t frameSamples)
+        : frameOutput(new (std::nothrow) int[std::max(frameSamples, kFrameBufferSamples)]),
+          globals(new (std::nothrow) klatt_global_t{}), frame(new (std::nothrow) klatt_frame_t{})
+    {
+        if (!frameOutput || !globals || !frame)
+            throw DocumentException::memoryError();
+    }
+    std::unique_ptr<int[]> frameOutput;
+    std::unique_ptr<klatt_global_t> globals;
+    std::unique_ptr<klatt_frame_t> frame;
+};
+
+// Runs the engine over the document's columns into the channel's block: from the table data
+// when it is built, otherwise from the values it would be built with.
+void runEngine(MyDocument& document, Channels& channel, RunBuffers& buffers, std::size_t capacity)
+{
+    klatt_global_t& g = *buffers.globals;
+    CKlattEngine engine;
+    engine.parwave_init(&g);
+    BlockLock lock(*channel.m_hData);
+    float* samples = lock.floats();
+    std::size_t written = 0;
+    if (document._dataTableDictionary.empty()) {
+        GridReader columns(channel);
+        written = synthesizeColumns(columns, channel.m_nColumnNum, engine, g, *buffers.frame,
+                                    buffers.frameOutput.get(), samples, capacity);
+    } else {
+        ColumnReader columns(document._dataTableDictionary, channel.m_nColumnNum,
+                             channel.m_nUpdateIntervalMS);
+        written = synthesizeColumns(columns, channel.m_nColumnNum, engine, g, *buffers.frame,
+                                    buffers.frameOutput.get(), samples, capacity);
+    }
+    // A document longer than its frames: the samples after the last frame are silence.
+    std::fill(samples + written, samples + capacity, 0.0f);
+}
+
+} // namespace
+
+void synthesizeDocument(MyDocument& document)
+{
+    Channels& channel = *document.getChannel(0);
+
+    // Sample rate and frame length come first so that the frame buffer can be sized. A frame
+    // whose sample count cannot be represented is refused like any other allocation failure.
+    // Any parameter of the sixth to eighth formants in use needs 22050 Hz and eight cascade
+    // formants.
+    const int sampleRate = document.synthesisSampleRate();
+    if (channel.m_nUpdateIntervalMS < 1)
+        channel.m_nUpdateIntervalMS = 10;
+    const std::int64_t frameSamples = std::int64_t{channel.m_nUpdateIntervalMS} * sampleRate / 1000;
+    if (frameSamples > INT32_MAX)
+        throw DocumentException::memoryError();
+    auto buffers = std::make_unique<RunBuffers>(frameSamples);
+    setUpGlobals(*buffers->globals, channel, sampleRate, frameSamples);
+    channel.m_bIncraseSampleRate = sampleRate == 22050 ? 1 : 0;
+    channel.m_dSampleRate = sampleRate;
 
     // The audio about to be replaced becomes the previous synthesis: its block moves to channel 1
     // rather than being copied there and then released.
     const bool hadPrevious = channel.m_hData && channel.m_hData->size() > kNoPreviousSynthesisBytes;
     if (hadPrevious)
-        MoveCurrentToPrevious();
+        document.MoveCurrentToPrevious();
+    const std::size_t capacity = newSampleBlock(channel);
 
-    channel.m_dwFileLength = channel.m_dSampleRate * channel.m_dLengthMS / 1000.0;
-    channel.m_hData.reset();
-    // A negative or meaningless length gives an empty block; one too large to address is an
-    // allocation failure.
-    const double length = channel.m_dwFileLength > 0.0 ? channel.m_dwFileLength : 0.0;
-    if (length >= static_cast<double>(SIZE_MAX / sizeof(float)))
-        throw DocumentException::memoryError();
-    const std::size_t capacity = static_cast<std::size_t>(length);
-    // Every sample is written below: the frames fill the block from its start and the rest is
-    // cleared after them, so the block is not cleared first.
-    channel.m_hData = MemoryBlock::newHandle(capacity * sizeof(float));
-    if (!channel.m_hData)
-        throw DocumentException::memoryError();
-
-    CKlattEngine engine;
     Log::line("strat synthesize");
-    engine.parwave_init(&g);
-    {
-        BlockLock lock(*channel.m_hData);
-        float* samples = lock.floats();
-        std::size_t written = 0;
-        if (_dataTableDictionary.empty()) {
-            GridReader columns(channel);
-            written = synthesizeColumns(columns, channel.m_nColumnNum, engine, g, *frame, frameOutput.get(),
-                                        samples, capacity);
-        } else {
-            ColumnReader columns(_dataTableDictionary, channel.m_nColumnNum, channel.m_nUpdateIntervalMS);
-            written = synthesizeColumns(columns, channel.m_nColumnNum, engine, g, *frame, frameOutput.get(),
-                                        samples, capacity);
-        }
-        // A document longer than its frames: the samples after the last frame are silence.
-        std::fill(samples + written, samples + capacity, 0.0f);
-    }
+    runEngine(document, channel, *buffers, capacity);
     Log::line("end synthesize");
-    m_nClippedSamples = g.clipped_samples;
-    m_dPeakLevel = g.peak_magnitude / 32768.0;
-    frameOutput.reset();
-    globals.reset();
-    frame.reset();
+    document.m_nClippedSamples = buffers->globals->clipped_samples;
+    document.m_dPeakLevel = buffers->globals->peak_magnitude / 32768.0;
+    document.m_nSynthesizedSamples = static_cast<std::int64_t>(capacity);
+    buffers.reset();
     channel.m_bSynthesize = 0;
     channel.m_bSampleRateChanged = 0;
 
     if (!hadPrevious)
-        CopyCurrentToPrevious();
+        document.CopyCurrentToPrevious();
     Log::line("done synthesize");
 }
 
-std::string MyDocument::clippingReport() const
+void installSynthesis()
 {
-    if (m_nClippedSamples <= 0)
-        return {};
-    char text[96];
-    std::snprintf(text, sizeof text, "%lld samples clipped (peak %.1f dB)",
-                  static_cast<long long>(m_nClippedSamples), 20.0 * std::log10(m_dPeakLevel));
-    return text;
+    setSynthesisFunction(&synthesizeDocument);
 }

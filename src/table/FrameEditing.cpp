@@ -1,6 +1,7 @@
 #include "table/FrameEditing.h"
 
 #include "document/DocumentException.h"
+#include "document/UndoStep.h"
 #include "table/TableEditing.h"
 
 #include <algorithm>
@@ -79,9 +80,11 @@ CellArray newFrameCells(const MyDocument& doc)
     return FrameCellMaker(doc).column(true);
 }
 
-bool modifyColumns(MyDocument& doc, int firstSelectedColumn)
+namespace
 {
-    doc.saveUndo();
+
+bool insertFrames(MyDocument& doc, int firstSelectedColumn)
+{
     const int place = doc._nindexModifyColumn;
     if (place == FramesAfterSelection && firstSelectedColumn < 0)
         return false;
@@ -121,9 +124,8 @@ bool modifyColumns(MyDocument& doc, int firstSelectedColumn)
     return true;
 }
 
-bool removeColumns(MyDocument& doc, int firstSelectedColumn, int lastSelectedColumn)
+bool deleteFrames(MyDocument& doc, int firstSelectedColumn, int lastSelectedColumn)
 {
-    doc.saveUndo();
     if (firstSelectedColumn < 0 || lastSelectedColumn < 0)
         return false;
     const int first = std::max(firstSelectedColumn, 1);
@@ -144,6 +146,18 @@ bool removeColumns(MyDocument& doc, int firstSelectedColumn, int lastSelectedCol
     }
     installTableData(doc, std::move(newData), interval);
     return true;
+}
+
+} // namespace
+
+bool modifyColumns(MyDocument& doc, int firstSelectedColumn)
+{
+    return asOneUndoStep(doc, [&] { return insertFrames(doc, firstSelectedColumn); });
+}
+
+bool removeColumns(MyDocument& doc, int firstSelectedColumn, int lastSelectedColumn)
+{
+    return asOneUndoStep(doc, [&] { return deleteFrames(doc, firstSelectedColumn, lastSelectedColumn); });
 }
 
 void removeAnchors(MyDocument& doc, int firstRow, int lastRow)

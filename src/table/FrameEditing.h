@@ -17,16 +17,16 @@
 enum FramePlace { FramesAtBeginning = 0, FramesAfterSelection = 1, FramesAtEnd = 2 };
 
 // Inserts _nDurationModifyColumn / interval new frames at _nindexModifyColumn, after
-// `firstSelectedColumn` when the place is "after the selected frame". Records an undo step
-// first, always. Returns false, having changed nothing else, when the place is "after the
-// selected frame" and nothing is selected; true when the table data was rebuilt (even with
-// no frame added, for a duration shorter than one interval). More than kMaxFrames frames or
-// one hour in all throw DocumentException "Document Too Long" before anything is built.
+// `firstSelectedColumn` when the place is "after the selected frame". Records one undo step
+// (undo snapshot before, redo snapshot after), always. Returns false, having changed nothing else, when the
+// place is "after the selected frame" and nothing is selected; true when the table data was rebuilt (even
+// with no frame added, for a duration shorter than one interval). More than kMaxFrames frames or one hour in
+// all throw DocumentException "Document Too Long" before anything is built.
 bool modifyColumns(MyDocument& doc, int firstSelectedColumn);
 
 // Removes the frames of the span firstSelectedColumn .. lastSelectedColumn (a selection of
 // frames 2 and 4 removes 2, 3 and 4; the name column counts as frame 1) and moves the later
-// frames down. Records an undo step first, always. Returns false, having changed nothing
+// frames down. Records one undo step (undo and redo snapshots), always. Returns false, having changed nothing
 // else, when nothing is selected (either index below 0).
 bool removeColumns(MyDocument& doc, int firstSelectedColumn, int lastSelectedColumn);
 

@@ -1,133 +1,4 @@
-#include "app/DocumentWindow.h"
-#include "app/RecoveryDialog.h"
-#include "app/WorkbenchApplication.h"
-#include "document/MyDocument.h"
-#include "support/TestChannels.h"
-#include "support/TestFiles.h"
-#include "table/gui/DataEntryController.h"
-#include "table/gui/mainTable.h"
-
-#include <QAction>
-#include <QApplication>
-#include <QCoreApplication>
-#include <QDir>
-#include <QFileDialog>
-#include <QFileInfo>
-#include <QLabel>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QMessageBox>
-#include <QPointer>
-#include <QPushButton>
-#include <QStatusBar>
-#include <QTemporaryDir>
-#include <QTest>
-#include <QTimer>
-#include <gtest/gtest.h>
-
-#include <fstream>
-#include <functional>
-#include <sstream>
-
-namespace
-{
-QAction* action(QWidget* window, const QString& text)
-{
-    for (QAction* a : window->findChildren<QAction*>())
-        if (a->text() == text)
-            return a;
-    return nullptr;
-}
-
-int value(DocumentWindow* w, int row, int column)
-{
-    return w->document()->_dataTableDictionary.cellAt(static_cast<long long>(column) * 10, row)->_nValue();
-}
-
-void typeInto(DocumentWindow* w, int row, int column, int number)
-{
-    QAbstractItemModel* model = w->table()->model();
-    ASSERT_TRUE(model->setData(model->index(row, column), QString::number(number), Qt::EditRole));
-}
-
-// While an answered dialog is still open (for a few seconds at most), any other modal window
-// that the answer brings up (a question the dialog asks inside its accept) is reported and
-// rejected, so that a test never hangs on it.
-void rejectStrayModals(QWidget* answered)
-{
-    auto* poll = new QTimer(qApp); // owned by the application, so a poll still running at exit goes with it
-    auto tries = std::make_shared<int>(0);
-    QPointer<QWidget> expected(answered);
-    QObject::connect(poll, &QTimer::timeout, [poll, tries, expected] {
-        QWidget* modal = QApplication::activeModalWidget();
-        auto* dialog = qobject_cast<QDialog*>(modal);
-        // Only a window that comes up while the answered one is still open is its question.
-        const bool answeredOpen = expected && expected->isVisible();
-        const bool stray = answeredOpen && dialog && modal != expected.data();
-        if (!stray && answeredOpen && ++*tries < 100)
-            return;
-        poll->stop();
-        poll->deleteLater();
-        if (stray) {
-            const auto* box = qobject_cast<QMessageBox*>(modal);
-            ADD_FAILURE() << "unexpected dialog " << modal->windowTitle().toStdString() << ": "
-                          << (box ? box->text().toStdString() : std::string());
-            dialog->reject();
-        }
-    });
-    poll->start(50);
-}
-
-// Runs `answer` on the next modal window of type T once it is up (within a few seconds);
-// anything else that comes up modally is rejected so that a test never hangs on it.
-template <typename T> void whenModal(std::function<void(T*)> answer)
-{
-    auto* poll = new QTimer(qApp); // owned by the application, so a poll still running at exit goes with it
-    auto tries = std::make_shared<int>(0);
-    QObject::connect(poll, &QTimer::timeout, [poll, tries, answer] {
-        QWidget* modal = QApplication::activeModalWidget();
-        if (!modal && ++*tries < 250)
-            return;
-        poll->stop();
-        poll->deleteLater();
-        if (auto* wanted = qobject_cast<T*>(modal)) {
-            rejectStrayModals(wanted);
-            answer(wanted);
-        } else if (auto* dialog = qobject_cast<QDialog*>(modal)) {
-            ADD_FAILURE() << "unexpected dialog " << modal->windowTitle().toStdString();
-            dialog->reject();
-        } else
-            ADD_FAILURE() << "no dialog came up";
-    });
-    poll->start(20);
-}
-
-std::string fileText(const QString& path)
-{
-    return slurp(path.toStdString());
-}
-
-// A 0.4 s recording written by the document's own wave writer.
-void writeRecording(const QString& path, int period = 100)
-{
-    std::vector<float> ramps(4410);
-    for (int i = 0; i < 4410; ++i)
-        ramps[i] = static_cast<float>(i % period) / (4.0f * period);
-    std::ofstream(path.toStdString(), std::ios::binary) << waveFileBytes(ramps, 11025);
-}
-
-struct Workbench {
-    QTemporaryDir folder;
-    WorkbenchApplication app;
-    Workbench()
-    {
-        QCoreApplication::setOrganizationName("Tessaphon");
-        QCoreApplication::setApplicationName("Tessaphon");
-        app.setQuietAlerts(true);
-    }
-    QString path(const QString& name) const { return folder.filePath(name); }
-};
-} // namespace
+#include "app/WorkbenchFixtures.h"
 
 TEST(Workbench, SaveReopenAndRevertThroughTheFileCommands)
 {
@@ -292,7 +163,7 @@ TEST(Workbench, OpeningReportsValuesThatDidNotFitAndStartsInTheDocumentsFolder)
     EXPECT_EQ(wb.app.openFolder(w), wb.folder.path());
 }
 
-TEST(Workbench, StatusLineShowsTheNextRateAndTheLastClipping)
+TEST(Workbench, StatusLineShowsTheNextRateAndTheLastClippingOrSilence)
 {
     Workbench wb;
     DocumentWindow* w = wb.app.newDocument();
@@ -316,8 +187,12 @@ TEST(Workbench, StatusLineShowsTheNextRateAndTheLastClipping)
     doc.getChannel(0)->m_Parameters[Row::f6].bSelected = 0;
     w->table()->saveParameters();
 
-    // Voicing and gain at their maximum clip; the status line says how much after saving.
+    // A plain synthesis says nothing; voicing and gain at their maximum clip, and the status line
+    // says how much after saving. The gain row is shown first: a collapsed row takes nothing typed.
+    ASSERT_TRUE(w->table()->saveAudioTo(wb.path("plain.wav")));
     EXPECT_TRUE(status("clipping").isEmpty());
+    doc.getChannel(0)->m_Parameters[Row::gain].bSelected = 1;
+    w->table()->saveParameters();
     for (int k = 1; k <= 20; ++k) {
         typeInto(w, Row::av, k, 87);
         typeInto(w, Row::gain, k, 87);
@@ -326,6 +201,12 @@ TEST(Workbench, StatusLineShowsTheNextRateAndTheLastClipping)
     EXPECT_EQ(status("clipping"), QString::fromStdString(doc.clippingReport()));
     EXPECT_TRUE(status("clipping").contains(QString("%1 samples clipped (peak ").arg(doc.m_nClippedSamples)));
     EXPECT_GT(doc.m_nClippedSamples, 0);
+
+    // The gain rule makes 4 .. 15 silent: the same place says so.
+    for (int k = 1; k <= 20; ++k)
+        typeInto(w, Row::gain, k, 10);
+    ASSERT_TRUE(w->table()->saveAudioTo(wb.path("silent.wav")));
+    EXPECT_TRUE(status("clipping").contains("silent")) << status("clipping").toStdString();
 }
 
 TEST(Workbench, DataEntryWindowTitleFollowsTheDocument)
@@ -402,127 +283,30 @@ TEST(Workbench, ATruncatedDocumentOpensWithAnAlertNamingWhatIsMissing)
         << wb.app.lastAlert().toStdString();
 }
 
-namespace
+TEST(Workbench, DamagedWaveFilesAreNamedAndAShortOneOpensWithAnAlert)
 {
-// Points the crash-recovery folder at a folder of the test's own, with a short interval.
-struct StateFolder {
-    QTemporaryDir dir;
-    QByteArray saved = qgetenv("XDG_STATE_HOME");
-    StateFolder()
-    {
-        qputenv("XDG_STATE_HOME", dir.path().toUtf8());
-        qputenv("TESSAPHON_AUTOSAVE_SECONDS", "1");
-    }
-    ~StateFolder()
-    {
-        qputenv("XDG_STATE_HOME", saved);
-        qunsetenv("TESSAPHON_AUTOSAVE_SECONDS");
-    }
-    QString folder() const { return dir.path() + "/tessaphon/autosave"; }
-    QStringList copies() const { return QDir(folder()).entryList({"*.stk"}, QDir::Files, QDir::Name); }
-};
-
-DocumentWindow* windowNamed(WorkbenchApplication& app, const QString& prefix)
-{
-    for (DocumentWindow* w : app.windows())
-        if (w->windowTitle().startsWith(prefix))
-            return w;
-    return nullptr;
-}
-} // namespace
-
-TEST(Recovery, AnEditIsCopiedAWhileAfterAndTheCopyGoesWithSaveOrClose)
-{
-    StateFolder state;
     Workbench wb;
-    DocumentWindow* w = wb.app.newDocument();
-    typeInto(w, Row::f1, 3, 700);
-    EXPECT_TRUE(state.copies().isEmpty()) << "not at once";
-    for (int i = 0; i < 250 && state.copies().isEmpty(); ++i)
-        QTest::qWait(20);
-    ASSERT_EQ(state.copies().size(), 1);
-    MyDocument back;
-    ASSERT_EQ(back.Read_STK_FileType(fileText(state.folder() + "/" + state.copies()[0])), 0);
-    EXPECT_EQ(back.getChannel(0)->m_snppDataImage_Col_Row[2][Row::f1], 700);
-    EXPECT_TRUE(w->isWindowModified()) << "a copy is not a save";
+    // Bytes that are neither a WAVE file nor a parameter document.
+    std::string noise;
+    for (int i = 0; i < 600; ++i)
+        noise += static_cast<char>((i * 7919 + 13) % 256);
+    std::ofstream(wb.path("x.wav").toStdString(), std::ios::binary) << noise;
+    EXPECT_EQ(wb.app.openFile(wb.path("x.wav")), nullptr);
+    EXPECT_TRUE(wb.app.lastAlert().contains("x.wav is not a WAVE file")) << wb.app.lastAlert().toStdString();
 
-    ASSERT_TRUE(w->saveDocumentTo(wb.path("v.stk")));
-    EXPECT_TRUE(state.copies().isEmpty());
-
-    typeInto(w, Row::f1, 4, 800);
-    ASSERT_TRUE(w->autosaveNow());
-    EXPECT_EQ(state.copies().size(), 1);
-    whenModal<QMessageBox>([](QMessageBox* box) {
-        for (QAbstractButton* b : box->buttons())
-            if (box->buttonRole(b) == QMessageBox::DestructiveRole)
-                b->click();
-    });
-    EXPECT_TRUE(w->close());
-    EXPECT_TRUE(state.copies().isEmpty()) << "closed without saving on purpose";
-}
-
-TEST(Recovery, CopiesLeftByAWorkbenchThatEndedAreRecoveredOrDiscarded)
-{
-    StateFolder state;
-    QTemporaryDir files;
-    const QString saved = files.filePath("vowel.stk");
-    {
-        WorkbenchApplication crashed;
-        crashed.setQuietAlerts(true);
-        DocumentWindow* a = crashed.newDocument();
-        typeInto(a, Row::f1, 3, 700);
-        ASSERT_TRUE(a->saveDocumentTo(saved));
-        typeInto(a, Row::f1, 3, 710);
-        DocumentWindow* b = crashed.newDocument(); // "Untitled 2"
-        typeInto(b, Row::f2, 5, 1700);
-        crashed.newDocument(); // nothing to copy
-        crashed.autosaveAll();
-        EXPECT_EQ(state.copies().size(), 2);
-        WorkbenchApplication running;
-        EXPECT_TRUE(running.autosave()->leftBehind().isEmpty())
-            << "the copies of a running workbench stay its own";
-    } // gone without closing its windows, as in a crash
-    ASSERT_EQ(state.copies().size(), 2);
-    std::ofstream((state.folder() + "/999.1-1.stk").toStdString()) << "not a document";
-
-    const QStringList old = state.copies();
-    {
-        WorkbenchApplication next;
-        next.setQuietAlerts(true);
-        whenModal<RecoveryDialog>([](RecoveryDialog* dialog) {
-            EXPECT_EQ(dialog->windowTitle(), "Recover Unsaved Documents");
-            EXPECT_EQ(dialog->list()->count(), 3);
-            QStringList lines;
-            for (int i = 0; i < dialog->list()->count(); ++i)
-                lines << dialog->list()->item(i)->text();
-            EXPECT_EQ(lines.filter("Untitled 2 — changed").size(), 1) << lines.join("|").toStdString();
-            EXPECT_EQ(lines.filter("vowel.stk — changed").size(), 1);
-            dialog->recoverButton()->click();
-        });
-        EXPECT_EQ(next.offerRecovery(), 2);
-        EXPECT_TRUE(next.lastAlert().contains("could not be recovered")) << next.lastAlert().toStdString();
-        DocumentWindow* vowel = windowNamed(next, "vowel.stk");
-        ASSERT_NE(vowel, nullptr);
-        EXPECT_EQ(vowel->filePath(), saved);
-        EXPECT_TRUE(vowel->isWindowModified());
-        EXPECT_EQ(value(vowel, Row::f1, 3), 710);
-        DocumentWindow* untitled = windowNamed(next, "Untitled 2");
-        ASSERT_NE(untitled, nullptr);
-        EXPECT_TRUE(untitled->filePath().isEmpty());
-        EXPECT_EQ(value(untitled, Row::f2, 5), 1700);
-        // The recovered documents have copies of their own; the unreadable one is kept.
-        const QStringList now = state.copies();
-        EXPECT_EQ(now.size(), 3);
-        EXPECT_TRUE(now.contains("999.1-1.stk"));
-        for (const QString& copy : old) {
-            if (copy != "999.1-1.stk")
-                EXPECT_FALSE(now.contains(copy)) << copy.toStdString();
-        }
-    }
-
-    WorkbenchApplication last;
-    whenModal<RecoveryDialog>([](RecoveryDialog* dialog) { dialog->discardButton()->click(); });
-    EXPECT_EQ(last.offerRecovery(), 0);
-    EXPECT_TRUE(last.windows().empty());
-    EXPECT_TRUE(state.copies().isEmpty());
+    // A recording cut inside its header, and one cut inside its samples.
+    writeRecording(wb.path("whole.wav"));
+    const std::string whole = fileText(wb.path("whole.wav"));
+    std::ofstream(wb.path("cut.wav").toStdString(), std::ios::binary) << whole.substr(0, 30);
+    EXPECT_EQ(wb.app.openFile(wb.path("cut.wav")), nullptr);
+    EXPECT_TRUE(wb.app.lastAlert().contains("its header ends after 30 bytes"))
+        << wb.app.lastAlert().toStdString();
+    std::ofstream(wb.path("short.wav").toStdString(), std::ios::binary)
+        << whole.substr(0, whole.size() - 2000);
+    DocumentWindow* w = wb.app.openFile(wb.path("short.wav"));
+    ASSERT_NE(w, nullptr) << "read as far as it goes";
+    EXPECT_TRUE(wb.app.lastAlert().contains("short.wav")) << wb.app.lastAlert().toStdString();
+    EXPECT_TRUE(wb.app.lastAlert().contains("holds 3410 samples of the 4410 it declares"))
+        << wb.app.lastAlert().toStdString();
+    EXPECT_EQ(w->document()->getChannel(2)->sampleCount(), 3410u);
 }

@@ -2,6 +2,7 @@
 // lands, what the amplitudes read, the range error of a pitch track longer than the grid, and
 // the placeholders of the display lists.
 #include "dataentry/TraceDataEntry.h"
+#include "dataentry/StrokePlayback.h"
 #include "document/MyDocument.h"
 
 #include <gtest/gtest.h>
@@ -149,4 +150,25 @@ TEST(TraceDataEntry, HiddenOldValuesShowPlaceholdersUntilTraced)
     MyDocument empty;
     lists.setup(empty);
     EXPECT_EQ(lists.columnCount(0), 0);
+}
+
+TEST(StrokePlayback, ShortUtterancesPlayWholeLongOnesTheStrokeWithMargins)
+{
+    StrokeSpan stroke;
+    EXPECT_EQ(StrokePlayback::columns(10000.0, 10, 1000, stroke), std::make_pair(-1, -1)) << "no stroke";
+    for (int column : {510, 500, 505})
+        stroke.add(column);
+    EXPECT_EQ(stroke.first(), 500);
+    EXPECT_EQ(stroke.last(), 510);
+    // 3 s or less: the whole utterance.
+    EXPECT_EQ(StrokePlayback::columns(3000.0, 10, 300, stroke), std::make_pair(0, 0));
+    // Longer: 300 ms before and after, in whole frames (7 ms frames: 43 of them), within the table.
+    EXPECT_EQ(StrokePlayback::columns(3001.0, 10, 1000, stroke), std::make_pair(470, 540));
+    EXPECT_EQ(StrokePlayback::columns(10000.0, 7, 1000, stroke), std::make_pair(457, 553));
+    StrokeSpan edges;
+    edges.add(2);
+    edges.add(995);
+    EXPECT_EQ(StrokePlayback::columns(10000.0, 10, 1000, edges), std::make_pair(1, 1000));
+    edges.reset();
+    EXPECT_TRUE(edges.empty());
 }

@@ -1,4 +1,5 @@
 #include "support/DocumentTestSupport.h"
+#include "support/TestDocuments.h"
 #include "support/TestFiles.h"
 
 #include <gtest/gtest.h>
@@ -30,7 +31,7 @@ int fieldCount(const std::string& line)
 // A document with edits in every kind of field the file carries.
 std::unique_ptr<MyDocument> editedDocument()
 {
-    auto document = makeDocument(125.0, 5); // 25 frames of 5 ms
+    auto document = makeTestDocument(25, 5, 1); // 25 frames of 5 ms
     Channels* c = document->getChannel(0);
     c->m_dSampleRate = 22050.0;
     c->m_bCascade_Parallel = 0;
@@ -52,7 +53,7 @@ std::unique_ptr<MyDocument> editedDocument()
 
 TEST(StkFile, FactoryDocumentLayout)
 {
-    auto document = makeDocument(200.0);
+    auto document = makeTestDocument(20, 10, 1);
     EXPECT_FALSE(document->isDocumentEdited());
     const std::string text = document->Save_STK_FileType50(true);
     EXPECT_TRUE(document->isDocumentEdited()); // saving the text marks the document changed
@@ -239,7 +240,7 @@ TEST(StkFile, AbsurdDocumentsAreRefusedAndLeaveTheDocumentAlone)
         {"200\t11025\t10\t\r\nx\r\n", "second line"},
     };
     for (const auto& c : cases) {
-        auto document = makeDocument(300.0);
+        auto document = makeTestDocument(30, 10, 1);
         setValue(*document, 2, Row::f2, 1777);
         document->getChannel(0)->m_snppDataImage_Col_Row[1][Row::f2] = 1777;
         EXPECT_EQ(document->Read_STK_FileType(c.text), -1) << c.text;
@@ -269,10 +270,8 @@ TEST(StkFile, AbsurdDocumentsAreRefusedAndLeaveTheDocumentAlone)
 TEST(StkFile, AtomicSaveAndItsFailures)
 {
     namespace fs = std::filesystem;
-    const fs::path folder = fs::temp_directory_path() / ("tessaphon-stk-" + std::to_string(::getpid()));
-    fs::remove_all(folder);
-    fs::create_directories(folder);
-    const fs::path target = folder / "utterance.stk";
+    const TempDir folder;
+    const fs::path target = folder.path / "utterance.stk";
 
     auto document = editedDocument();
     document->updateChangeCount(MyDocument::ChangeDone);
@@ -288,7 +287,7 @@ TEST(StkFile, AtomicSaveAndItsFailures)
     EXPECT_FALSE(document->isDocumentEdited());
 
     // A folder that does not exist: refused, with the file and the reason named.
-    EXPECT_FALSE(document->writeSafelyToURL((folder / "missing" / "a.stk").string(), "stk", &error));
+    EXPECT_FALSE(document->writeSafelyToURL(folder / "missing/a.stk", "stk", &error));
     EXPECT_NE(error.find("missing/a.stk"), std::string::npos) << error;
     EXPECT_NE(error.find("No such file or directory"), std::string::npos) << error;
     EXPECT_FALSE(document->canRevert());
@@ -296,7 +295,7 @@ TEST(StkFile, AtomicSaveAndItsFailures)
 
     // The disk refuses the data half-way (file size limit): the old file stays whole and no
     // temporary file is left behind.
-    auto bigger = makeDocument(20000.0);
+    auto bigger = makeTestDocument(2000, 10, 1);
     rlimit old{};
     getrlimit(RLIMIT_FSIZE, &old);
     std::signal(SIGXFSZ, SIG_IGN);
@@ -308,6 +307,5 @@ TEST(StkFile, AtomicSaveAndItsFailures)
     EXPECT_FALSE(written);
     EXPECT_NE(error.find("File too large"), std::string::npos) << error;
     EXPECT_EQ(slurp(target), saved);
-    EXPECT_EQ(std::distance(fs::directory_iterator(folder), fs::directory_iterator()), 1);
-    fs::remove_all(folder);
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder.path), fs::directory_iterator()), 1);
 }

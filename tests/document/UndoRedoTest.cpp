@@ -1,9 +1,9 @@
 #include "document/DocumentException.h"
 #include "support/DocumentTestSupport.h"
+#include "support/TestDocuments.h"
+#include "support/TestFiles.h"
 
 #include <gtest/gtest.h>
-
-#include <filesystem>
 
 namespace
 {
@@ -16,16 +16,11 @@ void edit(MyDocument& document, int frame, int row, int value)
     document.saveRedo();
 }
 
-int shownValue(MyDocument& document, int frame, int row)
-{
-    return frameCell(document, frame, row)->_nValue();
-}
-
 } // namespace
 
 TEST(UndoRedo, ElevenEditsKeepTenAndWalkBothWays)
 {
-    auto document = makeDocument(100.0);
+    auto document = makeTestDocument(10, 10, 1);
     EXPECT_FALSE(document->canUndo());
     EXPECT_FALSE(document->canRedo());
     document->doUndo(); // nothing to undo: no effect
@@ -44,7 +39,7 @@ TEST(UndoRedo, ElevenEditsKeepTenAndWalkBothWays)
     for (int i = 11; i >= 2; --i) {
         ASSERT_TRUE(document->canUndo());
         document->doUndo();
-        EXPECT_EQ(shownValue(*document, 2, Row::f1), 500 + i - 1) << i;
+        EXPECT_EQ(frameValue(*document, 2, Row::f1), 500 + i - 1) << i;
         EXPECT_TRUE(document->canRedo());
     }
     EXPECT_FALSE(document->canUndo());
@@ -54,7 +49,7 @@ TEST(UndoRedo, ElevenEditsKeepTenAndWalkBothWays)
     for (int i = 2; i <= 11; ++i) {
         ASSERT_TRUE(document->canRedo());
         document->doRedo();
-        EXPECT_EQ(shownValue(*document, 2, Row::f1), 500 + i) << i;
+        EXPECT_EQ(frameValue(*document, 2, Row::f1), 500 + i) << i;
     }
     EXPECT_FALSE(document->canRedo());
 
@@ -65,13 +60,13 @@ TEST(UndoRedo, ElevenEditsKeepTenAndWalkBothWays)
     EXPECT_EQ(document->_arrayUndo.size(), 10u);
     EXPECT_EQ(document->_nUndoRedoIndex, 10);
     document->doUndo();
-    EXPECT_EQ(shownValue(*document, 3, Row::f2), 1500);
-    EXPECT_EQ(shownValue(*document, 2, Row::f1), 509); // the state the edit was made on
+    EXPECT_EQ(frameValue(*document, 3, Row::f2), 1500);
+    EXPECT_EQ(frameValue(*document, 2, Row::f1), 509); // the state the edit was made on
 }
 
 TEST(UndoRedo, SnapshotsRestoreFramesSelectionAndEveryAnchor)
 {
-    auto document = makeDocument(50.0);
+    auto document = makeTestDocument(5, 10, 1);
     Channels* c = document->getChannel(0);
     document->m_bver50 = 1;                              // as read from a file
     frameCell(*document, 2, Row::oq)->set_bAnchor(true); // anchor on a hidden row
@@ -99,13 +94,13 @@ TEST(UndoRedo, SnapshotsRestoreFramesSelectionAndEveryAnchor)
     EXPECT_TRUE(frameCell(*document, 2, Row::oq)->_bAnchor());
     EXPECT_TRUE(frameCell(*document, 5, Row::f0)->_bAnchor());
     EXPECT_FALSE(frameCell(*document, 4, Row::f0)->_bAnchor());
-    EXPECT_EQ(shownValue(*document, 5, Row::f0), 1234);
+    EXPECT_EQ(frameValue(*document, 5, Row::f0), 1234);
     EXPECT_EQ(frameCell(*document, 5, Row::f0)->stringValue(), "1234");
 
     document->doRedo();
     EXPECT_EQ(c->m_nColumnNum, 8);
     EXPECT_EQ(document->_dataTableDictionary.count(), 9u);
-    EXPECT_EQ(shownValue(*document, 8, Row::f3), 2600);
+    EXPECT_EQ(frameValue(*document, 8, Row::f3), 2600);
     EXPECT_EQ(c->m_Parameters[Row::f0].bSelected, 0);
     EXPECT_TRUE(frameCell(*document, 6, Row::f0)->_bAnchor());
     EXPECT_FALSE(frameCell(*document, 2, Row::oq)->_bAnchor());
@@ -118,10 +113,8 @@ TEST(UndoRedo, AFractionalLengthComesBackExactly)
 {
     // 4567 samples at 11025 Hz last 414.2403... ms: not a whole number of milliseconds.
     MyDocument document;
-    int code = 0;
     const std::string recording = waveImage(1, 1, 11025, 2, 16, pcm16(std::vector<std::int16_t>(4567, 100)));
-    ASSERT_TRUE(document.readFromData(recording, "wav", &code)) << document.lastReadError();
-    document.buildDataTableDictionary();
+    ASSERT_TRUE(openBytes(document, recording, "wav")) << document.lastReadError();
     Channels* c = document.getChannel(0);
     const double length = c->m_dLengthMS;
     ASSERT_EQ(length, 4567 * 1000.0 / 11025);
@@ -131,10 +124,10 @@ TEST(UndoRedo, AFractionalLengthComesBackExactly)
     document.doUndo();
     EXPECT_EQ(c->m_dLengthMS, length);
     EXPECT_EQ(c->m_nColumnNum, 41);
-    EXPECT_EQ(shownValue(document, 4, Row::f1), 500);
+    EXPECT_EQ(frameValue(document, 4, Row::f1), 500);
     document.doRedo();
     EXPECT_EQ(c->m_dLengthMS, length);
-    EXPECT_EQ(shownValue(document, 4, Row::f1), 650);
+    EXPECT_EQ(frameValue(document, 4, Row::f1), 650);
 
     // A length changed by an edit comes back as it was on both sides of the edit.
     document.saveUndo();
@@ -166,7 +159,7 @@ TEST(UndoRedo, AFractionalLengthComesBackExactly)
 
 TEST(UndoRedo, DamagedSnapshotsAndUnevenListsFailCleanly)
 {
-    auto document = makeDocument(30.0);
+    auto document = makeTestDocument(3, 10, 1);
     edit(*document, 1, Row::av, 40);
     document->_arrayUndo[0] = "not a snapshot";
     try {
@@ -180,37 +173,36 @@ TEST(UndoRedo, DamagedSnapshotsAndUnevenListsFailCleanly)
 
     // A change recorded with saveRedo alone leaves the redo list longer than the undo list:
     // undo then restores the newest "before" state instead of reading past the list.
-    auto uneven = makeDocument(30.0);
+    auto uneven = makeTestDocument(3, 10, 1);
     edit(*uneven, 1, Row::av, 41);
     setValue(*uneven, 2, Row::av, 42);
     uneven->saveRedo();
     EXPECT_EQ(uneven->_nUndoRedoIndex, 2);
     uneven->doUndo();
-    EXPECT_EQ(shownValue(*uneven, 1, Row::av), 60);
-    EXPECT_EQ(shownValue(*uneven, 2, Row::av), 60);
+    EXPECT_EQ(frameValue(*uneven, 1, Row::av), 60);
+    EXPECT_EQ(frameValue(*uneven, 2, Row::av), 60);
 }
 
 TEST(UndoRedo, RevertGoesBackToTheLastSave)
 {
-    namespace fs = std::filesystem;
-    const fs::path path =
-        fs::temp_directory_path() / ("tessaphon-revert-" + std::to_string(::getpid()) + ".stk");
-    auto document = makeDocument(60.0);
+    const TempDir folder;
+    const std::string path = folder / "revert.stk";
+    auto document = makeTestDocument(6, 10, 1);
     EXPECT_FALSE(document->canRevert());
     EXPECT_FALSE(document->doRevertDocumentToSaved());
 
     setValue(*document, 3, Row::f2, 1800);
     frameCell(*document, 3, Row::f2)->set_bAnchor(true);
     std::string error;
-    ASSERT_TRUE(document->writeSafelyToURL(path.string(), "stk", &error)) << error;
+    ASSERT_TRUE(document->writeSafelyToURL(path, "stk", &error)) << error;
     EXPECT_TRUE(document->canRevert());
 
     edit(*document, 3, Row::f2, 900);
     edit(*document, 1, Row::f1, 700);
     ASSERT_TRUE(document->doRevertDocumentToSaved()) << document->lastReadError();
-    EXPECT_EQ(shownValue(*document, 3, Row::f2), 1800);
+    EXPECT_EQ(frameValue(*document, 3, Row::f2), 1800);
     EXPECT_TRUE(frameCell(*document, 3, Row::f2)->_bAnchor());
-    EXPECT_EQ(shownValue(*document, 1, Row::f1), 500);
+    EXPECT_EQ(frameValue(*document, 1, Row::f1), 500);
     // The reverted document starts a new history and is unchanged.
     EXPECT_FALSE(document->canUndo());
     EXPECT_FALSE(document->canRedo());
@@ -221,5 +213,4 @@ TEST(UndoRedo, RevertGoesBackToTheLastSave)
     // Another type than "stk" cannot be reverted.
     document->setFileType("wav");
     EXPECT_FALSE(document->canRevert());
-    fs::remove(path);
 }

@@ -129,14 +129,25 @@ TEST(WaveFile, ChunkWalkStereoFloatAndMuLaw)
     for (std::size_t i = 0; i < m->sampleCount(); ++i)
         ASSERT_EQ(m->samples()[i], 0.0f);
 
-    // A declared data size beyond the file is cut to the file size; samples the file does not
-    // hold are 0.
+    // A data chunk that declares more than the file holds is read as far as it goes, and the
+    // document says how many samples it holds of how many declared.
     MyDocument cut;
-    ASSERT_EQ(cut.Read_WAVE_FileType(waveImage(1, 1, 8000, 2, 16, pcm16({7, 7}), 16, 0xFFFFFFF0LL)), 0);
+    ASSERT_EQ(cut.Read_WAVE_FileType(waveImage(1, 1, 8000, 2, 16, pcm16({7, 7, 9}), 16, 0xFFFFFFF0LL)), 0);
     const Channels* k = cut.getChannel(2);
-    EXPECT_DOUBLE_EQ(k->m_dwFileLength, 48.0 / 2); // 48 bytes of file / block align 2
-    EXPECT_FLOAT_EQ(k->samples()[1], 7 / 32768.0f);
-    EXPECT_EQ(k->samples()[2], 0.0f);
+    EXPECT_DOUBLE_EQ(k->m_dwFileLength, 3.0);
+    EXPECT_DOUBLE_EQ(k->m_dLengthMS, 3 * 1000.0 / 8000);
+    EXPECT_FLOAT_EQ(k->samples()[2], 9 / 32768.0f);
+    EXPECT_TRUE(cut.isWaveShort());
+    EXPECT_EQ(cut.waveSamplesPresent(), 3);
+    EXPECT_EQ(cut.waveSamplesDeclared(), 0xFFFFFFF0LL / 2);
+    // An odd byte left over is no sample; a whole file is not short.
+    MyDocument oddByte;
+    ASSERT_EQ(oddByte.Read_WAVE_FileType(waveImage(1, 1, 8000, 2, 16, pcm16({7}) + "x", 16, 4)), 0);
+    EXPECT_DOUBLE_EQ(oddByte.getChannel(2)->m_dwFileLength, 1.0);
+    EXPECT_TRUE(oddByte.isWaveShort());
+    MyDocument whole;
+    ASSERT_EQ(whole.Read_WAVE_FileType(waveImage(1, 1, 8000, 2, 16, pcm16({7, 7}))), 0);
+    EXPECT_FALSE(whole.isWaveShort());
 }
 
 TEST(WaveFile, DamagedAndUnsupportedFilesAreRefusedUnchanged)
@@ -155,8 +166,11 @@ TEST(WaveFile, DamagedAndUnsupportedFilesAreRefusedUnchanged)
     dataFirst += pcm16({1, 2});
     const Case cases[] = {
         {"", "not a RIFF/WAVE"},
-        {"RIFF\0\0\0\0WAV", "not a RIFF/WAVE"},
-        {good.substr(0, 12), "no data chunk"},
+        {std::string("RIFF\0\0\0\0WAV", 11), "its header ends after 11 bytes"},
+        {good.substr(0, 12), "its header ends after 12 bytes"},
+        {good.substr(0, 30), "its header ends after 30 bytes"},
+        {good.substr(0, 40), "its header ends after 40 bytes"},
+        {"WAVE" + good.substr(4), "not a RIFF/WAVE"},
         {"RIFX" + good.substr(4), "not a RIFF/WAVE"},
         {waveImage(2, 1, 11025, 2, 16, pcm16({1})), "format code 2"},
         {waveImage(-2, 1, 11025, 2, 16, pcm16({1})), "format code -2"},
@@ -188,6 +202,36 @@ TEST(WaveFile, DamagedAndUnsupportedFilesAreRefusedUnchanged)
     MyDocument document;
     EXPECT_FALSE(document.readFromData(waveImage(2, 1, 11025, 2, 16, pcm16({1})), "wav", nullptr));
     EXPECT_NE(document.lastReadError().find("format code 2"), std::string::npos);
+}
+
+TEST(WaveFile, FilesNeitherReaderTakesAreNamedByWhatTheyHold)
+{
+    std::string noise;
+    for (int i = 0; i < 600; ++i)
+        noise += static_cast<char>((i * 7919 + 13) % 256);
+    struct Case {
+        const char* path;
+        std::string bytes;
+        const char* reason;
+    };
+    const Case cases[] = {
+        {"/d/x.wav", noise, "x.wav is not a WAVE file"},
+        {"/d/x.WAVE", noise, "x.WAVE is not a WAVE file"},
+        {"/d/x.stk", noise, "x.stk is neither a WAVE file nor a parameter document"},
+        // Text is read as a parameter document whatever its name, and refused as one.
+        {"/d/x.wav", "hello\r\nworld\r\n", "first line"},
+        // A RIFF image is refused as a WAVE file whatever its name.
+        {"/d/x.stk", waveImage(1, 1, 11025, 2, 16, pcm16({1, 2})).substr(0, 30),
+         "its header ends after 30 bytes"},
+    };
+    for (const Case& c : cases) {
+        MyDocument document;
+        document.setFileURL(c.path);
+        int code = 0;
+        EXPECT_FALSE(document.readFromData(c.bytes, "stk", &code)) << c.path;
+        EXPECT_EQ(code, -4);
+        EXPECT_NE(document.lastReadError().find(c.reason), std::string::npos) << document.lastReadError();
+    }
 }
 
 TEST(Channels, ReadDataDecodesEachSizeAndStaysInBounds)

@@ -1,6 +1,7 @@
 #include "document/ParameterDefinition.h"
 #include "interchange/Interchange.h"
 #include "support/DocumentTestSupport.h"
+#include "support/TestDocuments.h"
 #include "table/TableClipboard.h"
 
 #include <gtest/gtest.h>
@@ -12,7 +13,7 @@ namespace
 // Every row of every frame at a value of its own inside the row's limits.
 std::unique_ptr<MyDocument> scrambledDocument(double lengthMS, int interval)
 {
-    auto document = makeDocument(lengthMS, interval);
+    auto document = makeTestDocument(static_cast<int>(lengthMS / interval), interval, 1);
     std::mt19937 random(7);
     const Channels& c = *document->getChannel(0);
     for (int frame = 1; frame <= c.m_nColumnNum; ++frame)

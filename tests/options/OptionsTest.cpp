@@ -18,6 +18,8 @@
 #include <QTimer>
 #include <gtest/gtest.h>
 
+#include <vector>
+
 namespace
 {
 // Once the panel's modal loop runs: what the user does in it, then a press of `which`.
@@ -183,9 +185,24 @@ TEST(optionParameterSettings, EditsLimitsAndSavesOnOK)
     EXPECT_EQ(c.m_Parameters[Row::f1].nDefaultValue, 600);
     EXPECT_EQ(c.m_Parameters[Row::f2].nMaxValue, 3000);
 
+    // Default gives every row its factory limits in every column, in the panel only.
     table->resettoDefault(&doc);
-    EXPECT_EQ(table->valueAt(1, Row::f1), 200);
-    EXPECT_EQ(table->valueAt(3, Row::f1), 500);
+    for (int row = 0; row < kParameterCount; ++row) {
+        const ParameterFactoryRow& f = kFactoryParameters[row];
+        EXPECT_EQ(table->valueAt(1, row), f.minValue) << row;
+        EXPECT_EQ(table->valueAt(2, row), f.maxValue) << row;
+        EXPECT_EQ(table->valueAt(3, row), f.defaultValue) << row;
+    }
+    EXPECT_EQ(c.m_Parameters[Row::f1].nMinValue, 250);
+
+    // Run as a panel, it shows the document's limits again; Cancel keeps them.
+    pressLater(&panel, QDialogButtonBox::Cancel, [&] {
+        EXPECT_EQ(table->valueAt(1, Row::f1), 250);
+        table->model()->setData(table->model()->index(Row::f2, 2), 2500, Qt::EditRole);
+    });
+    EXPECT_EQ(panel.showInWindow(nullptr, &doc), 1001);
+    EXPECT_EQ(c.m_Parameters[Row::f2].nMaxValue, 3000);
+    EXPECT_EQ(c.m_Parameters[Row::f1].nMinValue, 250);
 }
 
 TEST(optionAnalysis, LengthMenusDefaultsAndSavingOnlyOnOK)
@@ -263,4 +280,58 @@ TEST(optionAnalysis, PitchPanelWritesTheDisplayFieldsIntoTheCalculationRange)
     panel.actionDefault();
     EXPECT_EQ(panel._StepSize->text(), "10");
     EXPECT_EQ(panel._CalculationHigh->text(), "500");
+}
+
+// OK on an analysis panel that was not changed gives back every setting the panel shows: nothing
+// is lost, rounded or swapped with another field on the way through the text fields, the menus
+// and the check boxes. Every setting holds a value of its own, so that a field saved into the
+// wrong setting shows.
+TEST(optionAnalysis, OkWithoutAChangeKeepsEverySetting)
+{
+    MyDocument doc;
+    doc.m_nFFTWindowLengthSelector = 5, doc.m_nFFTWindowLength = 1024, doc.m_nFFTAppliedWindowLength = 40;
+    doc.m_nFFTfrequencyRange = 4000, doc.m_nFFTAverageStepSize = 3, doc.m_nLPCNumberofCoefficients = 18;
+    doc.m_bFFTDrawLPC = 0, doc.m_bFFTAbsolute = 0, doc.m_nFFTAbsoluteRange = 60, doc.m_bFFTInches = 0;
+    doc.m_bFFTColor = 0, doc.m_dFFTWidth = 7.5, doc.m_dFFTHeight = 3.5, doc.m_bFFTDrawFrequencyGrid = 0;
+    doc.m_nFFTFrequencyGrid = 500, doc.m_bFFTDrawDBGrid = 1, doc.m_nFFTDBGrid = 20;
+    doc.m_nSpecWindowLengthSelector = 4, doc.m_nSpecWindowLength = 512, doc.m_nSpecDynamicRange = 60;
+    doc.m_nSpecfrequencyRange = 4000, doc.m_dPreEmphasis = 0.5, doc.m_bSpecDrawFormantTracking = 0;
+    doc.m_nSpecLPCNumberofCoefficients = 16, doc.m_bSpecDrawFrequencyGrid = 1, doc.m_nSpecFrequencyGrid = 500;
+    doc.m_bSpecDrawTimeGrid = 0, doc.m_nSpecTimeGrid = 100, doc.m_bSpecInches = 0, doc.m_dSpecWidth = 5.5;
+    doc.m_dSpecHeight = 2.5;
+    // The pitch panel writes its display fields into the calculation range: the two ranges are
+    // the same here, so that the range comes back as it was.
+    doc.m_dPitchWindowLength = 31, doc.m_dPitchStepSize = 7, doc.m_dFreqDeviation = 45;
+    doc.m_dPitchTrackingThreshHold = 12, doc.m_dCalculationLow = 65, doc.m_dCalculationHigh = 420;
+    doc.m_nPitchDisplayLow = 65, doc.m_nPitchDisplayHigh = 420, doc.m_bPitchDrawFreqGrid = 1;
+    doc.m_nPitchFreqGrid = 75, doc.m_bPitchDrawTimeGrid = 0, doc.m_nPitchTimeGrid = 250;
+    const auto settings = [&doc] {
+        const auto numbers = [](auto... v) { return std::vector<double>{double(v)...}; };
+        return numbers(
+            doc.m_nFFTWindowLengthSelector, doc.m_nFFTWindowLength, doc.m_nFFTAppliedWindowLength,
+            doc.m_nFFTfrequencyRange, doc.m_nFFTAverageStepSize, doc.m_nLPCNumberofCoefficients,
+            doc.m_bFFTDrawLPC, doc.m_bFFTAbsolute, doc.m_nFFTAbsoluteRange, doc.m_bFFTInches, doc.m_bFFTColor,
+            doc.m_dFFTWidth, doc.m_dFFTHeight, doc.m_bFFTDrawFrequencyGrid, doc.m_nFFTFrequencyGrid,
+            doc.m_bFFTDrawDBGrid, doc.m_nFFTDBGrid, doc.m_nSpecWindowLengthSelector, doc.m_nSpecWindowLength,
+            doc.m_nSpecDynamicRange, doc.m_nSpecfrequencyRange, doc.m_dPreEmphasis,
+            doc.m_bSpecDrawFormantTracking, doc.m_nSpecLPCNumberofCoefficients, doc.m_bSpecDrawFrequencyGrid,
+            doc.m_nSpecFrequencyGrid, doc.m_bSpecDrawTimeGrid, doc.m_nSpecTimeGrid, doc.m_bSpecInches,
+            doc.m_dSpecWidth, doc.m_dSpecHeight, doc.m_dPitchWindowLength, doc.m_dPitchStepSize,
+            doc.m_dFreqDeviation, doc.m_dPitchTrackingThreshHold, doc.m_dCalculationLow,
+            doc.m_dCalculationHigh, doc.m_nPitchDisplayLow, doc.m_nPitchDisplayHigh, doc.m_bPitchDrawFreqGrid,
+            doc.m_nPitchFreqGrid, doc.m_bPitchDrawTimeGrid, doc.m_nPitchTimeGrid);
+    };
+    const std::vector<double> before = settings();
+    optionFFTLPC fft;
+    pressLater(&fft, QDialogButtonBox::Ok);
+    EXPECT_EQ(fft.showInWindow(nullptr, &doc), 1000);
+    optionSpectrogram spectrogram;
+    pressLater(&spectrogram, QDialogButtonBox::Ok);
+    EXPECT_EQ(spectrogram.showInWindow(nullptr, &doc), 1000);
+    optionPitch pitch;
+    pressLater(&pitch, QDialogButtonBox::Ok);
+    EXPECT_EQ(pitch.showInWindow(nullptr, &doc), 1000);
+    const std::vector<double> after = settings();
+    for (std::size_t i = 0; i < before.size(); ++i)
+        EXPECT_EQ(after[i], before[i]) << "setting " << i;
 }

@@ -4,6 +4,7 @@ import struct
 import zlib
 
 import numpy as np
+import pytest
 
 import tessaphon
 from conftest import EXAMPLES, cli, csv_rows
@@ -140,3 +141,16 @@ def test_continuum_makes_the_tools_steps(tmp_path):
         assert (tmp_path / f"ours_{k}.stk").read_bytes() == (tmp_path / "cont" / f"vowel-a_{k}.stk").read_bytes()
     only_f1 = tessaphon.continuum(a, b, 3, rows=["f1"])
     assert (only_f1[-1]["f2"] == a["f2"]).all() and (only_f1[-1]["f1"] == 300).all()
+
+
+def test_copysynth_makes_the_tools_document(recording, tmp_path):
+    path, samples, rate = recording
+    short = samples[: int(rate * 1.5)]
+    tessaphon.write_wav(tmp_path / "short.wav", short, rate)
+    doc = tessaphon.copysynth(short, rate)
+    doc.write(tmp_path / "ours.stk")
+    cli("copysynth", tmp_path / "short.wav", "-o", tmp_path / "theirs.stk")
+    assert (tmp_path / "ours.stk").read_bytes() == (tmp_path / "theirs.stk").read_bytes()
+    assert doc.frames == int(doc.length_ms // doc.interval_ms) and abs(doc.length_ms - 1500) <= 1
+    with pytest.raises(ValueError):
+        tessaphon.copysynth(short[:10], rate)

@@ -1,23 +1,22 @@
 #pragma once
-// Helpers shared by the document tests: documents of a given size with their table data, cell
-// edits as the table makes them, and little-endian byte building for WAVE images.
+// Helpers shared by the document tests: documents opened from bytes as the workbench opens a file,
+// cell edits as the table makes them, and little-endian byte building for WAVE images (documents
+// of a given size: TestDocuments.h).
 #include "document/MyDocument.h"
 
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <vector>
 
-inline std::unique_ptr<MyDocument> makeDocument(double lengthMS, int intervalMS = 10)
+// Opens a parameter document or a recording from its bytes and builds its table data; whether it
+// could be read (the reason is the document's lastReadError()).
+inline bool openBytes(MyDocument& document, const std::string& bytes, const char* type = "stk")
 {
-    auto document = std::make_unique<MyDocument>();
-    Channels* c = document->getChannel(0);
-    c->m_dLengthMS = lengthMS;
-    c->m_nUpdateIntervalMS = intervalMS;
-    c->m_nColumnNum = static_cast<int>(lengthMS / intervalMS);
-    document->SetUpDataGridMemory();
-    document->buildDataTableDictionary();
-    return document;
+    int code = 0;
+    if (!document.readFromData(bytes, type, &code))
+        return false;
+    document.buildDataTableDictionary();
+    return true;
 }
 
 // The cell of frame k (1-based, as the table data keys it) and a row.
@@ -25,6 +24,11 @@ inline CellRef frameCell(MyDocument& document, int frame, int row)
 {
     return document._dataTableDictionary.cellAt(static_cast<long long>(frame) * document.updateInterval(),
                                                 row);
+}
+
+inline int frameValue(MyDocument& document, int frame, int row)
+{
+    return frameCell(document, frame, row)->_nValue();
 }
 
 inline void setValue(MyDocument& document, int frame, int row, int value)

@@ -4,6 +4,7 @@
 #include "document/Log.h"
 #include "document/MyDocument.h"
 #include "support/DocumentTestSupport.h"
+#include "support/TestDocuments.h"
 
 #include <gtest/gtest.h>
 
@@ -217,6 +218,34 @@ TEST_F(SynthesizeTest, SamplesBeyondFullScaleAreCountedWithTheirPeak)
     EXPECT_EQ(doc.m_nClippedSamples, 0);
 }
 
+TEST_F(SynthesizeTest, SilentSynthesisIsReportedAsClippingIs)
+{
+    EXPECT_FALSE(doc.isSilent()) << "nothing is silent before a synthesis";
+    EXPECT_EQ(doc.synthesisWarning(), "");
+    doc.Synthesize();
+    EXPECT_FALSE(doc.isSilent());
+    EXPECT_EQ(doc.synthesisWarning(), "");
+
+    // A gain between 4 and 15 (and quiet voicing) writes nothing but zeros into a WAVE file.
+    for (const auto& [row, value] : {std::pair{Row::gain, 10}, std::pair{Row::av, 0}}) {
+        setRow(Row::gain, 60);
+        setRow(Row::av, 60);
+        setRow(Row::ah, 0);
+        setRow(Row::af, 0);
+        setRow(row, value);
+        doc.Synthesize();
+        const std::string image = doc.save_Wave_FileType();
+        const bool allZero = std::all_of(image.begin() + 48, image.end(), [](char b) { return b == 0; });
+        EXPECT_EQ(doc.isSilent(), allZero) << "row " << row;
+        if (doc.isSilent())
+            EXPECT_NE(doc.synthesisWarning().find("silent"), std::string::npos) << doc.synthesisWarning();
+    }
+    setRow(Row::gain, 10);
+    doc.Synthesize();
+    ASSERT_TRUE(doc.isSilent()) << "the gain rule keeps 4..15 silent";
+    EXPECT_EQ(doc.clippingReport(), "");
+}
+
 TEST_F(SynthesizeTest, UndoKeepsTheLengthOfADocumentMadeFromARecording)
 {
     // 2 s 57 samples at 22050 Hz: 2002.58... ms, synthesized at 11025 Hz into 22078 samples.
@@ -243,7 +272,7 @@ TEST_F(SynthesizeTest, UndoKeepsTheLengthOfADocumentMadeFromARecording)
 TEST_F(SynthesizeTest, ADocumentWithoutTableDataIsSynthesizedFromItsGrid)
 {
     // A read document whose table data was never built sounds as it does once it is built.
-    auto source = makeDocument(300.0, 10);
+    auto source = makeTestDocument(30, 10, 1);
     for (int k = 1; k <= 30; ++k) {
         setValue(*source, k, Row::f0, 900 + 13 * k);
         setValue(*source, k, Row::f2, 1200 + 31 * k);

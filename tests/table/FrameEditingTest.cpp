@@ -248,3 +248,55 @@ TEST_F(FiveFrames, RemovingAnchorsClearsOnlyFlagsOfTheRowSpan)
     EXPECT_TRUE(anchoredRows().empty());
     EXPECT_EQ(undoSteps(), 0u);
 }
+
+TEST_F(FiveFrames, EachFrameEditIsOneUndoStepInBothDirections)
+{
+    const auto f0s = [&] {
+        std::vector<int> values;
+        for (int k = 1; k < static_cast<int>(doc._dataTableDictionary.count()); ++k)
+            values.push_back(doc._dataTableDictionary.cellAt(k * 10LL, Row::f0)->_nValue());
+        return values;
+    };
+    const auto typed = [&](int frame, int value) {
+        doc.saveUndo();
+        CellRef cell = doc._dataTableDictionary.cellAt(frame * 10LL, Row::f0);
+        cell->set_nValue(value);
+        cell->setInttoStringValue(value);
+        doc.saveRedo();
+    };
+    std::vector<std::vector<int>> states{f0s()};
+    typed(3, 2000);
+    states.push_back(f0s());
+    addFrames(FramesAtEnd, 20);
+    states.push_back(f0s());
+    ASSERT_EQ(states.back().size(), 7u);
+    EXPECT_TRUE(removeColumns(doc, 1, 2));
+    states.push_back(f0s());
+    ASSERT_EQ(states.back().size(), 5u);
+    typed(1, 3000);
+    states.push_back(f0s());
+    EXPECT_EQ(doc._arrayUndo.size(), doc._arrayRedo.size());
+
+    // Each Ctrl+Z undoes exactly the last edit, each redo brings exactly one back.
+    for (int step = 3; step >= 0; --step) {
+        ASSERT_TRUE(doc.canUndo()) << step;
+        doc.doUndo();
+        EXPECT_EQ(f0s(), states[step]) << "after undoing edit " << step + 1;
+        EXPECT_EQ(frameCount(), static_cast<int>(states[step].size()));
+    }
+    EXPECT_FALSE(doc.canUndo());
+    for (int step = 1; step <= 4; ++step) {
+        ASSERT_TRUE(doc.canRedo()) << step;
+        doc.doRedo();
+        EXPECT_EQ(f0s(), states[step]) << "after redoing edit " << step;
+    }
+    EXPECT_FALSE(doc.canRedo());
+
+    // Remove Frames without a selection is a step too, changing nothing: the lists stay paired.
+    EXPECT_FALSE(removeColumns(doc, -1, -1));
+    EXPECT_EQ(doc._arrayUndo.size(), doc._arrayRedo.size());
+    doc.doUndo();
+    EXPECT_EQ(f0s(), states[4]);
+    doc.doUndo();
+    EXPECT_EQ(f0s(), states[3]);
+}

@@ -72,32 +72,18 @@ ContinuumDialog::~ContinuumDialog()
         m_work->cancel = true;
 }
 
-void ContinuumDialog::buildForm(const QString& documentPath)
+QLayout* ContinuumDialog::browseRow(QLineEdit* field, void (ContinuumDialog::*choose)())
 {
-    auto* form = new QFormLayout;
-    const QFileInfo a(documentPath.isEmpty() ? QStringLiteral("untitled.stk") : documentPath);
-    form->addRow(tr("First step (A):"), new QLabel(a.fileName()));
+    auto* browse = new QPushButton(tr("Choose..."));
+    connect(browse, &QPushButton::clicked, this, choose);
+    auto* row = new QHBoxLayout;
+    row->addWidget(field);
+    row->addWidget(browse);
+    return row;
+}
 
-    m_pSecond = new QLineEdit;
-    auto* browseSecond = new QPushButton(tr("Choose..."));
-    connect(browseSecond, &QPushButton::clicked, this, &ContinuumDialog::chooseSecond);
-    auto* secondRow = new QHBoxLayout;
-    secondRow->addWidget(m_pSecond);
-    secondRow->addWidget(browseSecond);
-    form->addRow(tr("Last step (B):"), secondRow);
-
-    m_pSteps = new QSpinBox;
-    m_pSteps->setRange(2, Continuum::kMaxSteps);
-    m_pSteps->setValue(11);
-    form->addRow(tr("Steps:"), m_pSteps);
-
-    m_pScale = new QComboBox;
-    m_pScale->addItem(tr("Hertz (linear)"), int(FrequencyScale::Hz));
-    m_pScale->addItem(tr("Bark"), int(FrequencyScale::Bark));
-    m_pScale->addItem(tr("ERB-rate"), int(FrequencyScale::Erb));
-    m_pScale->addItem(tr("Mel"), int(FrequencyScale::Mel));
-    form->addRow(tr("Frequency scale:"), m_pScale);
-
+QLayout* ContinuumDialog::makeRowsChoice()
+{
     m_pAllDiffering = new QCheckBox(tr("Every row that differs between A and B"));
     m_pAllDiffering->setChecked(true);
     m_pRows = new QListWidget;
@@ -115,15 +101,34 @@ void ContinuumDialog::buildForm(const QString& documentPath)
     auto* rows = new QVBoxLayout;
     rows->addWidget(m_pAllDiffering);
     rows->addWidget(m_pRows);
-    form->addRow(tr("Rows:"), rows);
+    return rows;
+}
+
+void ContinuumDialog::buildForm(const QString& documentPath)
+{
+    auto* form = new QFormLayout;
+    const QFileInfo a(documentPath.isEmpty() ? QStringLiteral("untitled.stk") : documentPath);
+    form->addRow(tr("First step (A):"), new QLabel(a.fileName()));
+
+    m_pSecond = new QLineEdit;
+    form->addRow(tr("Last step (B):"), browseRow(m_pSecond, &ContinuumDialog::chooseSecond));
+
+    m_pSteps = new QSpinBox;
+    m_pSteps->setRange(2, Continuum::kMaxSteps);
+    m_pSteps->setValue(11);
+    form->addRow(tr("Steps:"), m_pSteps);
+
+    m_pScale = new QComboBox;
+    m_pScale->addItem(tr("Hertz (linear)"), int(FrequencyScale::Hz));
+    m_pScale->addItem(tr("Bark"), int(FrequencyScale::Bark));
+    m_pScale->addItem(tr("ERB-rate"), int(FrequencyScale::Erb));
+    m_pScale->addItem(tr("Mel"), int(FrequencyScale::Mel));
+    form->addRow(tr("Frequency scale:"), m_pScale);
+
+    form->addRow(tr("Rows:"), makeRowsChoice());
 
     m_pFolder = new QLineEdit(a.absoluteDir().filePath(a.completeBaseName() + QStringLiteral("-continuum")));
-    auto* browseFolder = new QPushButton(tr("Choose..."));
-    connect(browseFolder, &QPushButton::clicked, this, &ContinuumDialog::chooseFolder);
-    auto* folderRow = new QHBoxLayout;
-    folderRow->addWidget(m_pFolder);
-    folderRow->addWidget(browseFolder);
-    form->addRow(tr("Folder:"), folderRow);
+    form->addRow(tr("Folder:"), browseRow(m_pFolder, &ContinuumDialog::chooseFolder));
 
     m_pWave = new QCheckBox(tr("Synthesize a WAVE file for each step"));
     m_pWave->setChecked(true);

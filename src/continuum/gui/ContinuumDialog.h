@@ -17,6 +17,7 @@ class QCheckBox;
 class QComboBox;
 class QDialogButtonBox;
 class QLabel;
+class QLayout;
 class QLineEdit;
 class QListWidget;
 class QProgressBar;
@@ -53,6 +54,9 @@ protected:
 private:
     struct Work;
     void buildForm(const QString& documentPath);
+    // A field with its Choose... button; the rows to interpolate (all that differ, or a choice).
+    QLayout* browseRow(QLineEdit* field, void (ContinuumDialog::*choose)());
+    QLayout* makeRowsChoice();
     void chooseSecond();
     void chooseFolder();
     void stepDone(int done);

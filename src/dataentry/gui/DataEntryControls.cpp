@@ -28,15 +28,21 @@ const ButtonRole kButtons[DataEntryControls::ButtonCount] = {
 
 } // namespace
 
-DataEntryControls::Stack DataEntryControls::stack(int w, int h)
+DataEntryControls::Stack DataEntryControls::stack(int w, int h, int labelHeight)
 {
-    const int H = h - 26;
+    const int H = h - 26 - labelHeight;
     const int width = w - (kMargin + 5);
-    return {QRect(kMargin, 5, width, H / 4), QRect(kMargin, H / 4 + 5, width, (2 * H) / 4),
-            QRect(kMargin, (2 * H) / 4 + H / 4 + 5, width, H / 4 - 5)};
+    const QRect lower(kMargin, (2 * H) / 4 + H / 4 + 5, width, H / 4 - 5);
+    return {QRect(kMargin, 5, width, H / 4), QRect(kMargin, H / 4 + 5, width, (2 * H) / 4), lower,
+            QRect(kMargin, lower.bottom() + 1, width, labelHeight)};
 }
 
-DataEntryControls::DataEntryControls(QWidget* parent, int wellWidth, bool takeFocus, QObject* context,
+int DataEntryControls::labelHeight(const QWidget* strip)
+{
+    return strip && !strip->isHidden() ? strip->sizeHint().height() : 0;
+}
+
+DataEntryControls::DataEntryControls(QWidget* parent, int wellWidth, QObject* context,
                                      std::function<void(Button)> pressed,
                                      std::function<void(int, const QColor&)> chosen)
     : m_parent(parent), m_nWellWidth(wellWidth)
@@ -45,16 +51,14 @@ DataEntryControls::DataEntryControls(QWidget* parent, int wellWidth, bool takeFo
         auto* button = new QPushButton(QString::fromUtf8(kButtons[b].title), parent);
         button->setCheckable(true);
         button->setObjectName(QString::fromUtf8(kButtons[b].title));
-        if (!takeFocus)
-            button->setFocusPolicy(Qt::NoFocus); // Space plays; it must not press a button
+        button->setFocusPolicy(Qt::NoFocus); // Space plays; it must not press a button
         QObject::connect(button, &QPushButton::clicked, context,
                          [pressed, b] { pressed(static_cast<Button>(b)); });
         m_buttons[static_cast<std::size_t>(b)] = button;
     }
     for (int well = 0; well < kWells; ++well) {
         auto* button = new QToolButton(parent);
-        if (!takeFocus)
-            button->setFocusPolicy(Qt::NoFocus);
+        button->setFocusPolicy(Qt::NoFocus);
         button->setToolTip(well == 0 ? QStringLiteral("F0 colour") : QStringLiteral("F%1 colour").arg(well));
         QObject::connect(button, &QToolButton::clicked, context, [this, chosen, well] {
             const QColor color = QColorDialog::getColor(wellColor(well), m_parent->window());

@@ -25,17 +25,21 @@ public:
     static constexpr int kGap = 2;
 
     // The three views' places in a window content of w x h: the height less a bottom strip of
-    // 26, right of the margin.
+    // 26, right of the margin; with a label strip `labelHeight` tall (0: none), the views leave
+    // it room under the lower one (`labels`).
     struct Stack {
-        QRect upper, middle, lower;
+        QRect upper, middle, lower, labels;
     };
-    static Stack stack(int w, int h);
+    static Stack stack(int w, int h, int labelHeight = 0);
+    // The height a label strip asks for: its size hint while it is shown, else 0 (no strip: 0).
+    static int labelHeight(const QWidget* strip);
 
     // Makes the buttons and wells on `parent`. A click on button b runs pressed(b) (the radio
     // behaviour is the caller's); a colour chosen in a well's dialog runs chosen(well, colour).
-    // `takeFocus` false: neither buttons nor wells take the keyboard focus.
-    DataEntryControls(QWidget* parent, int wellWidth, bool takeFocus, QObject* context,
-                      std::function<void(Button)> pressed, std::function<void(int, const QColor&)> chosen);
+    // Neither buttons nor wells take the keyboard focus: Space and the other play keys belong
+    // to the window's shortcuts, never to a focused button.
+    DataEntryControls(QWidget* parent, int wellWidth, QObject* context, std::function<void(Button)> pressed,
+                      std::function<void(int, const QColor&)> chosen);
 
     QPushButton* button(int b) const { return m_buttons[static_cast<std::size_t>(b)]; }
     QColor wellColor(int well) const { return m_wellColors[static_cast<std::size_t>(well)]; }

@@ -151,7 +151,9 @@ QVariant ParameterTableModel::data(const QModelIndex& index, int role) const
 
 bool ParameterTableModel::setData(const QModelIndex& index, const QVariant& value, int role)
 {
-    if (role != Qt::EditRole || index.column() < 1 || !cellAt(index.row(), index.column()))
+    // A collapsed row is a hairline nobody can read: it takes no typed value.
+    if (role != Qt::EditRole || index.column() < 1 || !cellAt(index.row(), index.column()) ||
+        !rowShown(index.row()))
         return false;
     emit valueTyped(index.row(), index.column(), value.toString());
     return true;
@@ -164,8 +166,12 @@ QVariant ParameterTableModel::headerData(int section, Qt::Orientation orientatio
     if (role == Qt::DisplayRole)
         return section == 0 ? QStringLiteral("param")
                             : QString::number(static_cast<long long>(section) * m_nInterval);
-    if (role == Qt::ToolTipRole && section > 0)
-        return tr("Frame %1: %2 ms").arg(section).arg(static_cast<long long>(section) * m_nInterval);
+    if (role == Qt::ToolTipRole && section > 0) {
+        const QString frame =
+            tr("Frame %1: %2 ms").arg(section).arg(static_cast<long long>(section) * m_nInterval);
+        const QString note = m_frameNote ? m_frameNote(section) : QString();
+        return note.isEmpty() ? frame : frame + QLatin1Char('\n') + note;
+    }
     if (role == Qt::FontRole)
         return m_cellFont;
     return {};
@@ -177,5 +183,9 @@ Qt::ItemFlags ParameterTableModel::flags(const QModelIndex& index) const
         return Qt::NoItemFlags;
     if (index.column() == 0)
         return Qt::ItemIsEnabled; // the names are neither editable nor selectable
+    // The cells of a collapsed row are disabled, so that the keys step over them (the view
+    // moves the current cell past disabled cells) and nothing can be typed into them.
+    if (!rowShown(index.row()))
+        return Qt::NoItemFlags;
     return Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsEditable;
 }

@@ -12,6 +12,7 @@
 
 #include "document/DataTableDictionary.h"
 
+#include <functional>
 #include <vector>
 
 class MyDocument;
@@ -43,6 +44,9 @@ public:
     bool setData(const QModelIndex& index, const QVariant& value, int role) override;
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
     Qt::ItemFlags flags(const QModelIndex& index) const override;
+    // More lines for the tooltip of frame `frame`'s header (1 = the first frame), empty for none:
+    // the labels' boundaries that fall in the frame.
+    void setFrameNote(std::function<QString(int frame)> note) { m_frameNote = std::move(note); }
 
 signals:
     void valueTyped(int row, int column, const QString& text);
@@ -58,5 +62,6 @@ private:
     mutable std::vector<bool> m_lookedUp;
     int m_nRows = 0;
     int m_nInterval = 10;
+    std::function<QString(int)> m_frameNote;
     QFont m_cellFont;
 };

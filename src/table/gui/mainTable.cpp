@@ -9,6 +9,8 @@
 #include "table/gui/Alert.h"
 #include "table/gui/FrozenColumnView.h"
 #include "table/gui/PlayCursor.h"
+#include "table/gui/TablePlayback.h"
+#include "table/gui/TableSelection.h"
 
 #include <QContextMenuEvent>
 #include <QHeaderView>
@@ -30,7 +32,8 @@ constexpr int kHiddenRowHeight = 1;
 constexpr int kAnchorRowHeight = 10;
 } // namespace
 
-mainTable::mainTable(MyDocument* doc, QWidget* parent) : QTableView(parent), m_pDoc(doc)
+mainTable::mainTable(MyDocument* doc, QWidget* parent)
+    : QTableView(parent), m_pDoc(doc), m_pPlayback(std::make_unique<TablePlayback>(*this))
 {
     // The model starts empty; the columns are looked up once the table data is there.
     m_pModel = new ParameterTableModel(m_pDoc, this);
@@ -64,7 +67,7 @@ mainTable::mainTable(MyDocument* doc, QWidget* parent) : QTableView(parent), m_p
     });
     m_pPlayCursor = new PlayCursor(this);
     connect(this, &mainTable::playbackStarted, m_pPlayCursor, &PlayCursor::follow);
-    setUpSelection();
+    m_pSelection = new TableSelection(*this, *m_pModel, *m_pFrozen);
     m_bSetUp = guarded(QStringLiteral("Error in starting the window"), [&] {
         if (m_pDoc->_dataTableDictionary.empty())
             m_pDoc->buildDataTableDictionary();
@@ -76,6 +79,39 @@ mainTable::mainTable(MyDocument* doc, QWidget* parent) : QTableView(parent), m_p
 mainTable::~mainTable()
 {
     stopPlayback();
+}
+
+void mainTable::selectaColumn(int tableColumn)
+{
+    if (tableColumn < 0 || tableColumn >= m_pModel->columnCount())
+        return;
+    m_pSelection->selectColumn(tableColumn);
+    scrollTo(m_pModel->index(0, tableColumn), QAbstractItemView::EnsureVisible);
+}
+
+void mainTable::selectAll()
+{
+    m_pSelection->selectAllRows();
+}
+
+std::pair<int, int> mainTable::selectedColumnSpan() const
+{
+    return m_pSelection->columnSpan();
+}
+
+std::pair<int, int> mainTable::selectedRowSpan() const
+{
+    return m_pSelection->rowSpan();
+}
+
+void mainTable::mousePressEvent(QMouseEvent* event)
+{
+    m_pSelection->cellPress(event, [this, event] { QTableView::mousePressEvent(event); });
+}
+
+void mainTable::mouseReleaseEvent(QMouseEvent* event)
+{
+    m_pSelection->cellRelease([this, event] { QTableView::mouseReleaseEvent(event); });
 }
 
 void mainTable::updateGeometries()

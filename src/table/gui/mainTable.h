@@ -21,7 +21,6 @@
 
 #include <functional>
 #include <memory>
-#include <set>
 #include <vector>
 
 class AudioPlayer;
@@ -29,6 +28,8 @@ class FrozenColumnView;
 class MyDocument;
 class PlayCursor;
 struct StimulusOutput;
+class TablePlayback;
+class TableSelection;
 
 class mainTable : public QTableView
 {
@@ -90,9 +91,9 @@ public:
     void refreshTable();
     void checkDataRange(int row);
 
-    // Two selections kept apart: parameter rows, selected by clicking their names, and frame
-    // columns, selected by their headers or by selectaColumn. The frame commands read only
-    // the columns, the row commands only the rows; a click on a cell selects neither.
+    // Two selections kept apart (TableSelection): parameter rows, selected by clicking their
+    // names, and frame columns, selected by their headers or by selectaColumn. The frame commands
+    // read only the columns, the row commands only the rows; a click on a cell selects neither.
     // Spans are (first, last) in table rows / table columns, or (-1, -1) when none.
     std::pair<int, int> selectedColumnSpan() const;
     std::pair<int, int> selectedRowSpan() const;
@@ -116,6 +117,10 @@ public:
     // The name of the document as its window shows it; the open data-entry windows carry it
     // in their titles, with the document's modified marker. Called again after every change.
     void setDocumentTitle(const QString& name);
+
+    // After the grid was replaced outside the table's own commands (the undo step saved by the
+    // caller): the columns rebuilt, a synthesis due, the data-entry windows set up again.
+    void afterGridReplaced() { afterSnapshotRestored(); }
 
     DataEntryController* graphicalDataEntry() const { return m_pDataentryGraphical.get(); }
     DataEntryController* traceDataEntry() const { return m_pDataentryTrace.get(); }
@@ -167,6 +172,9 @@ public slots:
     // never synthesized.
     void PlayDocument(int channel);
     void PlaySelection();
+    // Plays the frames of table columns first..last of the current synthesis at once (no
+    // delay: nothing is waiting to close), synthesizing first when needed.
+    void playFrames(int first, int last);
 
     void addAnchor(int row, int column);
     void removeAnchor(int row, int column);
@@ -205,8 +213,9 @@ signals:
     void analysisSettingsChanged();
 
 protected:
-    bool eventFilter(QObject* watched, QEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void updateGeometries() override;
 
@@ -218,17 +227,6 @@ private:
     void typedValue(int row, int column, const QString& text);
     void updateRowHeights();
     void showAnchorMenu(const QModelIndex& index, const QPoint& globalPos);
-    // --- the row and column selections (mainTableSelection.cpp) ---
-    void setUpSelection();
-    // A press on a name (rows) or a frame header (columns), with the modifiers of the press:
-    // none selects that one, Ctrl toggles it, Shift extends from the last pressed one.
-    void pressName(int row, Qt::KeyboardModifiers modifiers);
-    void pressHeader(int column, Qt::KeyboardModifiers modifiers);
-    // Shows the two selections in the view's selection model.
-    void showSelection();
-    // The user changed the cell selection (a cell clicked, keys): rows and columns let go.
-    void cellSelectionEdited();
-    void forgetSelection();
     QRect columnStrip(int tableColumn) const;
     void setAnchorFlag(int row, int column, bool anchor);
     void schedulePlay(int channel);
@@ -250,21 +248,12 @@ private:
     FrozenColumnView* m_pFrozen = nullptr;
     PlayCursor* m_pPlayCursor = nullptr;
     int m_nPlayColumn = -1;
-    // The samples of a selection being played (the player reads them; kept until the next
-    // playback or the table goes).
-    std::vector<float> m_selectionSamples;
+    // Playing the document (see TablePlayback).
+    std::unique_ptr<TablePlayback> m_pPlayback;
     QString m_strDocumentTitle;  // empty until the window names the document
     QPointer<QWidget> m_pFFTLPC; // the document's FFT/LPC window
     bool m_bSetUp = false;
 
-    // One of the two selections: the indices and where the last plain or Ctrl press was.
-    struct IndexSelection {
-        std::set<int> items;
-        int anchor = -1;
-        std::set<int> beforeDrag; // what a Ctrl drag adds to
-    };
-    IndexSelection m_rows;
-    IndexSelection m_columns;
-    Qt::KeyboardModifiers m_pressModifiers;
-    bool m_bShowingSelection = false;
+    // The row and column selections (see TableSelection), a child of the table.
+    TableSelection* m_pSelection = nullptr;
 };

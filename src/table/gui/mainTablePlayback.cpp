@@ -1,17 +1,14 @@
-// The table's play commands (the whole synthesis, the previous one, the model, or the part
-// of the synthesis under the selected frames), the play cursor's column and the save-audio
-// command. One
-// AudioPlayer serves the whole application; the table remembers which table's samples it
-// plays so that a table going away (or re-synthesizing) can stop it first.
+// The table's play commands (the playing itself is TablePlayback's), the play cursor's column
+// and the save-audio command.
 #include "table/gui/mainTable.h"
 
-#include "audio/AudioPlayer.h"
 #include "document/DocumentException.h"
 #include "document/Log.h"
 #include "document/MyDocument.h"
 #include "stimulus/StimulusFile.h"
 #include "stimulus/StimulusOutputFile.h"
 #include "table/gui/Alert.h"
+#include "table/gui/TablePlayback.h"
 
 #include <QApplication>
 #include <QFileDialog>
@@ -23,44 +20,17 @@
 #include <QSaveFile>
 #include <QScrollBar>
 #include <QStandardPaths>
-#include <QTimer>
 
 #include <algorithm>
 
-namespace
-{
-// What the shared player is playing: the table, the channel and the block kept locked.
-QPointer<mainTable> g_playingTable;
-int g_playingChannel = -1;
-MemoryBlock* g_lockedBlock = nullptr;
-
-// Unlocks the played block when it still belongs to the channel it was taken from.
-void releasePlayedBlock()
-{
-    if (g_playingTable && g_lockedBlock && g_playingChannel >= 0) {
-        Channels* channel = g_playingTable->document()->getChannel(g_playingChannel);
-        if (channel->m_hData.get() == g_lockedBlock)
-            g_lockedBlock->unlock();
-    }
-    g_lockedBlock = nullptr;
-    g_playingChannel = -1;
-    g_playingTable = nullptr;
-}
-} // namespace
-
 AudioPlayer* mainTable::sharedPlayer()
 {
-    static QPointer<AudioPlayer> player;
-    if (!player) {
-        player = new AudioPlayer(qApp);
-        QObject::connect(player, &AudioPlayer::playbackStopped, player, [] { releasePlayedBlock(); });
-    }
-    return player;
+    return TablePlayback::sharedPlayer();
 }
 
 mainTable* mainTable::playingTable()
 {
-    return g_playingTable;
+    return TablePlayback::playingTable();
 }
 
 QRect mainTable::columnStrip(int tableColumn) const
@@ -118,10 +88,7 @@ void mainTable::paintEvent(QPaintEvent* event)
 
 void mainTable::stopPlayback()
 {
-    if (g_playingTable != this)
-        return;
-    sharedPlayer()->stopClean();
-    releasePlayedBlock();
+    m_pPlayback->stop();
 }
 
 void mainTable::_PlayCurrent()
@@ -141,11 +108,7 @@ void mainTable::_PlayAudio()
 
 void mainTable::schedulePlay(int channel)
 {
-    AudioPlayer* player = sharedPlayer();
-    if (player->isPlaying())
-        player->stopPlay();
-    // Deferred so that the menu closes before a synthesis starts.
-    QTimer::singleShot(100, this, [this, channel] { PlayDocument(channel); });
+    m_pPlayback->schedule(channel);
 }
 
 void mainTable::synthesizeIfNeeded()
@@ -161,81 +124,23 @@ void mainTable::synthesizeIfNeeded()
 
 void mainTable::PlayDocument(int channel)
 {
-    try {
-        Channels* ch = m_pDoc->getChannel(channel);
-        if (channel == 0)
-            synthesizeIfNeeded();
-        if (!ch->hasAudio())
-            return; // nothing to play, nothing to report
-        AudioPlayer* player = sharedPlayer();
-        if (player->isPlaying())
-            player->stopPlay();
-        releasePlayedBlock();
-        player->CreateDefaultAU();
-        player->setDelegate(this);
-        g_lockedBlock = ch->m_hData.get();
-        g_lockedBlock->lock();
-        g_playingTable = this;
-        g_playingChannel = channel;
-        // Never more samples than the block holds, whatever the recorded length says.
-        const double length = std::min(ch->m_dwFileLength, static_cast<double>(ch->sampleCount()));
-        player->setData(g_lockedBlock->bytes(), length, 0);
-        player->setSampleRate(ch->m_dSampleRate);
-        player->startPlay();
-        if (player->isPlaying())
-            emit playbackStarted(ch->m_dSampleRate, length, 0);
-    } catch (const std::exception& e) {
-        Log::line(std::string("PlayDocument: ") + e.what()); // swallowed by design
-    }
+    m_pPlayback->play(channel);
 }
 
 void mainTable::_PlaySelection()
 {
-    AudioPlayer* player = sharedPlayer();
-    if (player->isPlaying())
-        player->stopPlay();
-    QTimer::singleShot(100, this, [this] { PlaySelection(); });
+    m_pPlayback->scheduleSelection();
 }
 
 void mainTable::PlaySelection()
 {
-    try {
-        auto [first, last] = selectedColumnSpan();
-        first = std::max(first, 1); // the name column stands for no samples
-        if (last < first)
-            return;
-        synthesizeIfNeeded();
-        const Channels& ch = *m_pDoc->getChannel(0);
-        // Frame column k holds the samples from (k - 1) x the frame's sample count on, the
-        // count the synthesis made per frame.
-        const std::size_t perFrame = static_cast<std::size_t>(m_pDoc->updateInterval()) *
-                                     static_cast<std::size_t>(ch.m_dSampleRate) / 1000;
-        const std::size_t held = ch.sampleCount();
-        const std::size_t from = std::min(static_cast<std::size_t>(first - 1) * perFrame, held);
-        const std::size_t to = std::min(static_cast<std::size_t>(last) * perFrame, held);
-        if (from >= to)
-            return;
-        AudioPlayer* player = sharedPlayer();
-        if (player->isPlaying())
-            player->stopPlay();
-        releasePlayedBlock();
-        // The player plays whole requests only; the selection is copied and followed by
-        // silence up to a whole request, so that its last samples are heard too.
-        const std::size_t request = AudioPlayer::kFramesPerRequest;
-        m_selectionSamples.assign(ch.samples() + from, ch.samples() + to);
-        m_selectionSamples.resize((to - from + request - 1) / request * request, 0.0f);
-        player->CreateDefaultAU();
-        player->setDelegate(this);
-        g_playingTable = this;
-        player->setData(reinterpret_cast<const std::uint8_t*>(m_selectionSamples.data()),
-                        static_cast<double>(m_selectionSamples.size()), 0);
-        player->setSampleRate(ch.m_dSampleRate);
-        player->startPlay();
-        if (player->isPlaying())
-            emit playbackStarted(ch.m_dSampleRate, static_cast<double>(to - from), static_cast<double>(from));
-    } catch (const std::exception& e) {
-        Log::line(std::string("PlaySelection: ") + e.what()); // swallowed, as for the other plays
-    }
+    const auto [first, last] = selectedColumnSpan();
+    playFrames(first, last);
+}
+
+void mainTable::playFrames(int first, int last)
+{
+    m_pPlayback->playSelection(first, last);
 }
 
 bool mainTable::saveAudioTo(const QString& path)

@@ -1,6 +1,7 @@
 // The graphical data-entry window driven with real mouse events under the offscreen platform;
 // the checks are on the document's cells and undo lists.
 #include "DataEntryTestSupport.h"
+#include "audio/AudioPlayer.h"
 #include "dataentry/gui/graphical/dataentryGraphicalController.h"
 #include "dataentry/gui/graphical/viewF0.h"
 #include "dataentry/gui/graphical/viewFormants.h"
@@ -9,11 +10,18 @@
 
 #include <gtest/gtest.h>
 
+#include <QAction>
 #include <QApplication>
 #include <QImage>
+#include <QMainWindow>
+#include <QMenu>
+#include <QMenuBar>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QTest>
 
+#include <cmath>
+#include <map>
 #include <memory>
 
 namespace
@@ -29,17 +37,7 @@ struct GraphicalEntry : ::testing::Test {
     {
         doc.buildDataTableDictionary();
         controller = std::make_unique<dataentryGraphicalController>(&doc, nullptr);
-        showAt(505, 426);
-    }
-
-    void showAt(int w, int h)
-    {
-        QWidget* window = controller->window();
-        window->show();
-        // The content area (below the menu bar) is what the plots share.
-        const QSize content = static_cast<QWidget*>(controller->_viewF0()->parent())->size();
-        window->resize(window->width() + (w - content.width()), window->height() + (h - content.height()));
-        QApplication::processEvents();
+        showContentAt(*controller, 505, 426);
     }
 
     viewF0& f0View() { return *controller->_viewF0(); }
@@ -51,7 +49,6 @@ struct GraphicalEntry : ::testing::Test {
     {
         return doc._dataTableDictionary.cellAt(static_cast<long long>(frame + 1) * 10, row)->stringValue();
     }
-    static void drag(QWidget& view, std::initializer_list<QPointF> points) { dragThrough(view, points); }
 };
 
 } // namespace
@@ -63,7 +60,7 @@ TEST_F(GraphicalEntry, DraggingOverTheF0PlotSetsExactlyTheFramesUnderThePointer)
     const CellRef frame3 = doc._dataTableDictionary.cellAt(40, Row::f0);
 
     // Press in frame 0, drag through frames 1 and 3 (frame 2 skipped), release in frame 3.
-    drag(f0View(), {{10, 50}, {30, 50}, {70, 25}});
+    dragThrough(f0View(), {{10, 50}, {30, 50}, {70, 25}});
 
     // trunc((100 - y) x 3000 / 100); committed on release with the texts following.
     const int want[] = {1000, 1500, 1000, 2250, 1000};
@@ -92,7 +89,7 @@ TEST_F(GraphicalEntry, EdgesGiveFullScaleAndZeroAndPointsOutsideAreIgnored)
         ASSERT_EQ(value(frame, Row::f0), 1000);
     EXPECT_EQ(doc._dataTableDictionary.cellAt(10, Row::f0), before);
 
-    drag(f0View(), {{5, 0}, {5, 0}, {25, 100}, {45, 100.5}, {400, 10}, {-1, 10}});
+    dragThrough(f0View(), {{5, 0}, {5, 0}, {25, 100}, {45, 100.5}, {400, 10}, {-1, 10}});
     EXPECT_EQ(value(0, Row::f0), 3000);  // top edge: full scale, above f0's maximum, kept as drawn
     EXPECT_EQ(value(1, Row::f0), 0);     // bottom edge
     EXPECT_EQ(value(2, Row::f0), 1000);  // below the bottom edge: outside
@@ -100,13 +97,13 @@ TEST_F(GraphicalEntry, EdgesGiveFullScaleAndZeroAndPointsOutsideAreIgnored)
 
     // The formant plot (200 high, scale 5000) in F2 mode.
     controller->actionParameter(dataentryGraphicalController::F2);
-    drag(*controller->_viewFormants(), {{390, 0}, {390, 0}, {390, 199}});
+    dragThrough(*controller->_viewFormants(), {{390, 0}, {390, 0}, {390, 199}});
     EXPECT_EQ(value(19, Row::f2), 25); // trunc(1 x 5000 / 200)
 
     // The amplitude plot (95 high, scale 90) edits the active formant's amplitude row only.
     controller->actionParameter(dataentryGraphicalController::F1);
     ASSERT_EQ(controller->_viewOthers()->height(), 95);
-    drag(*controller->_viewOthers(), {{50, 0}, {50, 0}, {110, 95}});
+    dragThrough(*controller->_viewOthers(), {{50, 0}, {50, 0}, {110, 95}});
     EXPECT_EQ(value(2, Row::a1f), 90);
     EXPECT_EQ(value(5, Row::a1f), 0);
     EXPECT_EQ(value(2, Row::a2f), 30);
@@ -133,7 +130,7 @@ TEST_F(GraphicalEntry, ButtonsChooseTheActiveTracksAndStoreTheSwitches)
     EXPECT_FALSE(controller->button(dataentryGraphicalController::F2)->isChecked());
 
     // A drag in a plot without an active track records nothing.
-    drag(f0View(), {{10, 10}, {10, 10}});
+    dragThrough(f0View(), {{10, 10}, {10, 10}});
     EXPECT_EQ(value(0, Row::f0), 1000);
     EXPECT_TRUE(doc._arrayUndo.empty());
 
@@ -147,7 +144,7 @@ TEST_F(GraphicalEntry, ButtonsChooseTheActiveTracksAndStoreTheSwitches)
 
 TEST_F(GraphicalEntry, PlotsTileTheHeightOneTwoOneAndFollowResizes)
 {
-    showAt(705, 626); // H = 600
+    showContentAt(*controller, 705, 626); // H = 600
     EXPECT_EQ(controller->_viewF0()->geometry(), QRect(100, 5, 600, 150));
     EXPECT_EQ(controller->_viewFormants()->geometry(), QRect(100, 155, 600, 300));
     EXPECT_EQ(controller->_viewOthers()->geometry(), QRect(100, 455, 600, 145));
@@ -187,9 +184,7 @@ TEST(GraphicalEntryFromTheTable, FollowsThePointerEditsTheTablesOwnCellsAndUndoe
     auto* controller = dynamic_cast<dataentryGraphicalController*>(table.graphicalDataEntry());
     ASSERT_NE(controller, nullptr);
     EXPECT_EQ(controller->window()->windowTitle(), "data entry:: Untitled[*]"); // [*]: the modified marker
-    controller->window()->resize(505, 426 + controller->window()->height() -
-                                          controller->_viewF0()->parentWidget()->height());
-    QApplication::processEvents();
+    showContentAt(*controller, 505, 426);
     viewF0& plot = *controller->_viewF0();
     ASSERT_EQ(plot.width(), 400);
     ParameterTableModel& model = *table.tableModel();
@@ -222,4 +217,85 @@ TEST(GraphicalEntryFromTheTable, FollowsThePointerEditsTheTablesOwnCellsAndUndoe
     EXPECT_EQ(cellValue(doc, 4, Row::f0), 2000);
     dragThrough(plot, {{70, 50}, {70, 50}});
     EXPECT_EQ(cellValue(doc, 4, Row::f0), 1500);
+}
+
+TEST(GraphicalEntryFromTheTable, PlayKeysWorkWhateverWasClickedAndTheMenuShowsThem)
+{
+    MyDocument doc;
+    mainTable table(&doc);
+    dataentryGraphicalController controller(&doc, &table);
+    QWidget* window = controller.window();
+    window->show();
+    window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window));
+
+    // A clicked track button keeps no focus: Space plays and leaves the buttons as they were.
+    QTest::mouseClick(controller.button(dataentryGraphicalController::F2), Qt::LeftButton);
+    EXPECT_FALSE(controller.button(dataentryGraphicalController::F2)->hasFocus());
+    QSignalSpy synthesized(&table, &mainTable::synthesized);
+    QTest::keyClick(QApplication::focusWidget() ? QApplication::focusWidget() : window, Qt::Key_Space);
+    EXPECT_TRUE(synthesized.wait(3000)) << "Space synthesized and played the table";
+    EXPECT_TRUE(controller.button(dataentryGraphicalController::F2)->isChecked());
+    EXPECT_FALSE(controller.button(dataentryGraphicalController::F0)->isChecked());
+
+    // The Play menu names the same keys as the document window's.
+    std::map<QString, QString> keys;
+    for (QAction* menu : static_cast<QMainWindow*>(window)->menuBar()->actions())
+        if (menu->menu())
+            for (QAction* action : menu->menu()->actions())
+                keys[action->text()] = action->shortcut().toString();
+    EXPECT_EQ(keys["Play Current"], "Space");
+    EXPECT_EQ(keys["Play Selection"], "Shift+Space");
+    EXPECT_EQ(keys["Play Previous"], "Ctrl+Shift+Space");
+    EXPECT_EQ(keys["Play Model"], "Ctrl+M");
+}
+
+TEST(GraphicalEntryFromTheTable, PlayAfterEachStrokeIsRememberedAndPlaysTheUtteranceOrTheStroke)
+{
+    // 10 s: a stroke plays its own frames with 300 ms around them.
+    MyDocument doc;
+    setTestFrames(doc, 1000);
+    mainTable table(&doc);
+    auto controller = std::make_unique<dataentryGraphicalController>(&doc, &table);
+    controller->window()->show();
+    QApplication::processEvents();
+    QAction* option = controller->playAfterStrokeAction();
+    ASSERT_NE(option, nullptr);
+    EXPECT_FALSE(option->isChecked()) << "off by default";
+    QSignalSpy started(&table, &mainTable::playbackStarted);
+    viewF0& plot = *controller->_viewF0();
+    const auto stroke = [&](double from, double to) {
+        dragThrough(plot, {{from, 20}, {(from + to) / 2, 25}, {to, 30}});
+    };
+    stroke(100, 120);
+    QTest::qWait(200);
+    EXPECT_EQ(started.count(), 0) << "nothing plays while the option is off";
+
+    option->trigger();
+    ASSERT_TRUE(option->isChecked());
+    stroke(100, 120);
+    ASSERT_EQ(started.count(), 1) << "played on release, at once";
+    const StrokeSpan& span = plot.lastStroke();
+    ASSERT_FALSE(span.empty());
+    const Channels& c = *doc.getChannel(0);
+    const double perFrame = std::floor(10 * c.m_dSampleRate / 1000);
+    EXPECT_DOUBLE_EQ(started.last().at(2).toDouble(), (span.first() - 30 - 1) * perFrame);
+    EXPECT_DOUBLE_EQ(started.last().at(1).toDouble(), (span.last() - span.first() + 61) * perFrame);
+
+    // Remembered for the next window; a document of 3 s or less is played whole.
+    controller.reset();
+    MyDocument shortDoc;
+    setTestFrames(shortDoc, 300);
+    mainTable shortTable(&shortDoc);
+    dataentryGraphicalController next(&shortDoc, &shortTable);
+    next.window()->show();
+    QApplication::processEvents();
+    EXPECT_TRUE(next.playAfterStrokeAction()->isChecked());
+    QSignalSpy whole(&shortTable, &mainTable::playbackStarted);
+    dragThrough(*next._viewF0(), {{50, 20}, {60, 20}});
+    ASSERT_EQ(whole.count(), 1);
+    EXPECT_DOUBLE_EQ(whole.last().at(2).toDouble(), 0.0);
+    EXPECT_DOUBLE_EQ(whole.last().at(1).toDouble(), shortDoc.getChannel(0)->m_dwFileLength);
+    next.playAfterStrokeAction()->setChecked(false);
+    mainTable::sharedPlayer()->stopPlay();
 }

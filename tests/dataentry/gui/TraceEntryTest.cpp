@@ -12,6 +12,7 @@ namespace testsignals = signals;
 #include "dataentry/gui/trace/viewAmplitudes.h"
 #include "dataentry/gui/trace/viewPitch.h"
 #include "dataentry/gui/trace/viewSpectrogram.h"
+#include "support/DocumentTestSupport.h"
 #include "support/LabelChecks.h"
 #include "table/gui/mainTable.h"
 
@@ -19,12 +20,11 @@ namespace testsignals = signals;
 
 #include <QApplication>
 #include <QCheckBox>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
 
-#include <cstdio>
-#include <filesystem>
 #include <fstream>
 
 namespace
@@ -42,7 +42,13 @@ std::string vowelWave(double seconds)
         kRate);
 }
 
-// A document opened from a recording as the workbench opens one, and its trace window.
+// `document` opened from `seconds` of the vowel as the workbench opens a recording.
+void openVowel(MyDocument& document, double seconds)
+{
+    ASSERT_TRUE(openBytes(document, vowelWave(seconds))) << document.lastReadError();
+}
+
+// A document opened from a recording, and its trace window.
 struct TraceWindow : ::testing::Test {
     MyDocument doc;
     std::unique_ptr<mainTable> table;
@@ -50,9 +56,7 @@ struct TraceWindow : ::testing::Test {
 
     void open(double seconds)
     {
-        int error = 0;
-        ASSERT_TRUE(doc.readFromData(vowelWave(seconds), "stk", &error));
-        doc.buildDataTableDictionary();
+        openVowel(doc, seconds);
         table = std::make_unique<mainTable>(&doc);
         controller = std::make_unique<dataentryTraceContoller>(&doc, table.get());
         controller->window()->show();
@@ -66,6 +70,21 @@ struct TraceWindow : ::testing::Test {
         });
     }
     int value(int column, int row) const { return cellValue(doc, column, row); }
+    // The document as it stands, saved, against what `tessaphon-cli trace` makes of the same
+    // recording (`seconds` of the vowel): the same bytes.
+    void expectSameAsCommandLine(double seconds)
+    {
+        const TempDir folder;
+        std::ofstream(folder / "vowel.wav", std::ios::binary) << vowelWave(seconds);
+        std::string error;
+        ASSERT_TRUE(doc.writeSafelyToURL(folder / "window.stk", "stk", &error)) << error;
+        const std::string command =
+            std::string(TESSAPHON_CLI) + " trace " + folder / "vowel.wav" + " -o " + folder / "cli.stk";
+        ASSERT_EQ(std::system(command.c_str()), 0);
+        const std::string a = slurp(folder / "window.stk");
+        EXPECT_FALSE(a.empty());
+        EXPECT_TRUE(a == slurp(folder / "cli.stk"));
+    }
     // A press and one move at the same point; the release comes separately.
     static void drag(QWidget& view, QPointF at)
     {
@@ -84,9 +103,8 @@ TEST_F(TraceWindow, OpensAtItsDefaultSizeAndTheF3ButtonChoosesF3AndA3F)
 {
     doc.m_nA5F = 7;
     open(1.0);
-    // The headless entry's default spectrogram is the window's own.
-    EXPECT_EQ(controller->_viewSpectrogram()->size(),
-              QSize(TraceDataEntry::kDefaultSpectrogramWidth, TraceDataEntry::kDefaultSpectrogramHeight));
+    // The spectrogram view in the default window is as wide as the headless entry's default.
+    EXPECT_EQ(controller->_viewSpectrogram()->width(), TraceDataEntry::kDefaultSpectrogramWidth);
     EXPECT_TRUE(controller->button(dataentryTraceContoller::F0)->isChecked());
     EXPECT_TRUE(controller->_viewPitch()->_bActiveF0());
     EXPECT_TRUE(controller->_viewPitch()->m_bHavePitch());
@@ -175,14 +193,71 @@ TEST_F(TraceWindow, DragsWriteTheirRowsAndColumnsAndUndoRestores)
     EXPECT_EQ(value(31, Row::a2f), std::min(90, cell(31, Row::a2f)->_nMaxValue()));
 }
 
-TEST_F(TraceWindow, EnterAllDataEqualsTheCommandLineByteForByte)
+TEST_F(TraceWindow, EnterAllDataAndEachDragAreOneUndoStepEach)
 {
-    const auto folder =
-        std::filesystem::temp_directory_path() / ("tessaphon-trace-" + std::to_string(::getpid()));
-    std::filesystem::create_directories(folder);
-    const std::string wav = (folder / "vowel.wav").string();
-    std::ofstream(wav, std::ios::binary) << vowelWave(2.0);
-    open(2.0);
+    open(1.0);
+    ASSERT_TRUE(spectrogramReady());
+    const int before = value(50, Row::f1);
+    QTest::keyClick(controller->window(), Qt::Key_E, Qt::ControlModifier);
+    ASSERT_TRUE(waitFor([&] { return !controller->enterAllDataPending(); }));
+    const int entered = value(50, Row::f1);
+    const int enteredF0 = value(20, Row::f0);
+    ASSERT_NE(entered, before);
+    EXPECT_EQ(controller->statusText(), "Entered f0, f1 - f5 and a1f - a5f");
+    // The label shows what fits of it, the rest ends in an ellipsis; nothing runs off its edge.
+    const QLabel& label = *controller->statusLabel();
+    EXPECT_LE(label.fontMetrics().horizontalAdvance(label.text()), label.width());
+    EXPECT_TRUE(label.text() == controller->statusText() || label.text().endsWith(QChar(0x2026)));
+
+    // Two strokes on the pitch view, at frames 20 and 30.
+    viewPitch& pitch = *controller->_viewPitch();
+    const int columns = doc.getChannel(0)->m_nColumnNum;
+    for (int column : {20, 30}) {
+        const QPointF at((column - 0.5) * pitch.width() / columns, 0.0);
+        drag(pitch, at);
+        release(pitch, at);
+    }
+    const int drawn = value(20, Row::f0);
+    ASSERT_NE(drawn, enteredF0);
+    ASSERT_EQ(value(30, Row::f0), drawn);
+
+    // Each Ctrl+Z undoes the last edit only: the second stroke, the first, then the entry.
+    const auto key = [&](Qt::KeyboardModifiers modifiers) {
+        QTest::keyClick(controller->window(), Qt::Key_Z, modifiers);
+    };
+    key(Qt::ControlModifier);
+    EXPECT_NE(value(30, Row::f0), drawn);
+    EXPECT_EQ(value(20, Row::f0), drawn);
+    EXPECT_EQ(value(50, Row::f1), entered);
+    key(Qt::ControlModifier);
+    EXPECT_EQ(value(20, Row::f0), enteredF0);
+    EXPECT_EQ(value(50, Row::f1), entered);
+    key(Qt::ControlModifier);
+    EXPECT_EQ(value(50, Row::f1), before);
+    EXPECT_FALSE(doc.canUndo());
+
+    // Redo brings them back one at a time.
+    key(Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(value(50, Row::f1), entered);
+    EXPECT_EQ(value(20, Row::f0), enteredF0);
+    key(Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(value(20, Row::f0), drawn);
+    EXPECT_NE(value(30, Row::f0), drawn);
+    key(Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(value(30, Row::f0), drawn);
+    EXPECT_FALSE(doc.canRedo());
+}
+
+TEST_F(TraceWindow, EnterAllDataFillsEveryFrameWhateverTheWidthAndEqualsTheCommandLine)
+{
+    // 8 s: more frames (800) than the spectrogram view has pixel columns.
+    open(8.0);
+    controller->window()->resize(500, 400);
+    const int columns = doc.getChannel(0)->m_nColumnNum;
+    ASSERT_GT(columns, controller->_viewSpectrogram()->width());
+    constexpr int kUntouched = 4321;
+    for (int k = 1; k <= columns; ++k)
+        doc._dataTableDictionary.cellAt(k * 10LL, Row::f1)->set_nValue(kUntouched);
     // Ctrl+E before the spectrogram is ready waits for it.
     QTest::keyClick(controller->window(), Qt::Key_E, Qt::ControlModifier);
     ASSERT_TRUE(spectrogramReady());
@@ -190,29 +265,43 @@ TEST_F(TraceWindow, EnterAllDataEqualsTheCommandLineByteForByte)
     EXPECT_TRUE(doc.canUndo());
     EXPECT_NEAR(value(100, Row::f0), 1200, 40);
     EXPECT_NEAR(value(100, Row::f1), 700, 40);
-    std::string error;
-    const std::string windowCopy = (folder / "window.stk").string();
-    ASSERT_TRUE(doc.writeSafelyToURL(windowCopy, "stk", &error)) << error;
+    int untouched = 0;
+    for (int k = 1; k <= columns; ++k)
+        untouched += value(k, Row::f1) == kUntouched;
+    EXPECT_EQ(untouched, 0) << "of " << columns << " frames";
+    // The command line enters the same values, byte for byte.
+    expectSameAsCommandLine(8.0);
+}
 
-    const std::string cliCopy = (folder / "cli.stk").string();
-    const std::string command = std::string(TESSAPHON_CLI) + " trace " + wav + " -o " + cliCopy;
-    ASSERT_EQ(std::system(command.c_str()), 0);
-    const std::string a = slurp(windowCopy);
-    EXPECT_FALSE(a.empty());
-    EXPECT_TRUE(a == slurp(cliCopy));
-    std::filesystem::remove_all(folder);
+TEST_F(TraceWindow, FormantTrackingSwitchedOnWhileOpenIsEnteredAndReportedTruly)
+{
+    doc.m_bSpecDrawFormantTracking = 0;
+    open(1.0);
+    ASSERT_TRUE(spectrogramReady());
+    EXPECT_FALSE(controller->_viewSpectrogram()->getHandle()->m_bHaveFormants);
+
+    // The options panel switches tracking on and tells the window.
+    doc.m_bSpecDrawFormantTracking = 1;
+    controller->analysisSettingsChanged();
+    ASSERT_TRUE(spectrogramReady());
+    EXPECT_TRUE(controller->_viewSpectrogram()->getHandle()->m_bHaveFormants)
+        << "the picture was computed again";
+    controller->actionEnterAllData();
+    ASSERT_TRUE(waitFor([&] { return !controller->enterAllDataPending(); }));
+    EXPECT_NEAR(value(50, Row::f1), 700, 40);
+    EXPECT_EQ(controller->statusText(), "Entered f0, f1 - f5 and a1f - a5f");
 }
 
 TEST_F(TraceWindow, EntryErrorsShowTheirSheets)
 {
     // A 2 s recording loaded into a 1 s grid: the pitch track is longer than the grid.
     open(1.0);
-    int error = 0;
-    ASSERT_EQ(doc.Read_WAVE_FileType(vowelWave(2.0)), 0) << error;
+    ASSERT_EQ(doc.Read_WAVE_FileType(vowelWave(2.0)), 0);
     controller->analysisSettingsChanged();
     ASSERT_TRUE(spectrogramReady());
     ASSERT_FALSE(doc.canUndo());
     controller->actionEnterAllData();
+    ASSERT_TRUE(waitFor([&] { return !controller->enterAllDataPending(); }));
     ASSERT_NE(controller->sheet(), nullptr);
     EXPECT_EQ(controller->sheet()->text(), "Error in entering data values");
     EXPECT_TRUE(doc.canUndo()); // the undo step was saved before the entry
@@ -222,9 +311,7 @@ TEST_F(TraceWindow, EntryErrorsShowTheirSheets)
     // Formant tracking off: its own sheet, nothing entered, no undo step.
     MyDocument other;
     other.m_bSpecDrawFormantTracking = 0;
-    int e = 0;
-    ASSERT_TRUE(other.readFromData(vowelWave(0.5), "stk", &e));
-    other.buildDataTableDictionary();
+    openVowel(other, 0.5);
     dataentryTraceContoller off(&other, nullptr);
     off.actionEnterAllData();
     ASSERT_NE(off.sheet(), nullptr);
@@ -238,9 +325,7 @@ TEST_F(TraceWindow, ClosingWhileTheSpectrogramIsComputingIsSafe)
 {
     // A long recording keeps the worker busy; the window and then the document go away.
     auto longDoc = std::make_unique<MyDocument>();
-    int error = 0;
-    ASSERT_TRUE(longDoc->readFromData(vowelWave(30.0), "stk", &error));
-    longDoc->buildDataTableDictionary();
+    openVowel(*longDoc, 30.0);
     auto window = std::make_unique<dataentryTraceContoller>(longDoc.get(), nullptr);
     window->window()->show();
     window->window()->resize(1600, 900); // a resize restarts the computation later
@@ -251,9 +336,7 @@ TEST_F(TraceWindow, ClosingWhileTheSpectrogramIsComputingIsSafe)
     QTest::qWait(300);
 
     // A trace window opened by its table, computing when the table (the document's window) goes.
-    int e = 0;
-    ASSERT_TRUE(doc.readFromData(vowelWave(30.0), "stk", &e));
-    doc.buildDataTableDictionary();
+    openVowel(doc, 30.0);
     auto owner = std::make_unique<mainTable>(&doc);
     mainTable::setTraceDataEntryFactory(
         [](mainTable* t) -> DataEntryController* { return new dataentryTraceContoller(t->document(), t); });
@@ -303,7 +386,9 @@ TEST_F(TraceWindow, GridLabelsStayClearOfEachOtherAndOfTheCaptions)
     check("default size");
     QTest::mouseClick(controller->button(dataentryTraceContoller::F3), Qt::LeftButton);
     check("F3 active");
-    controller->window()->resize(560, 300);
+    // A content area of 560 x 300, below the menu bar.
+    QWidget* window = controller->window();
+    window->resize(560, 300 + window->height() - controller->_viewPitch()->parentWidget()->height());
     QApplication::processEvents();
     check("narrow");
     controller->timeAxis()->zoomIn();

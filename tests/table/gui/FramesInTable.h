@@ -4,6 +4,7 @@
 // instead of shown. For the tests of the table's frame, row and selection commands.
 #include "TableClicks.h"
 #include "document/MyDocument.h"
+#include "support/TestDocuments.h"
 #include "table/gui/Alert.h"
 #include "table/gui/mainTable.h"
 
@@ -24,10 +25,7 @@ struct FramesInTable : ::testing::Test {
 
     void open(int frames, int width, int height)
     {
-        Channels& c = *doc.getChannel(0);
-        c.m_dLengthMS = 10.0 * frames;
-        c.m_nColumnNum = frames;
-        doc.buildDataTableDictionary();
+        setTestFrames(doc, frames, 10, 1, false);
         for (int k = 1; k <= frames; ++k)
             setValue(k, Row::f0, 1000 + k);
         table = std::make_unique<mainTable>(&doc);

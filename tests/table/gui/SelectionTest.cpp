@@ -65,14 +65,52 @@ TEST_F(SelectionTable, ANameSelectsItsRowAndNoFrame)
     EXPECT_TRUE(cell(1, Row::f2)->_bAnchor());
 }
 
-TEST_F(SelectionTable, AClickedCellIsNeitherARowNorAFrame)
+TEST_F(SelectionTable, AClickedCellSelectsItsRowButNeverItsFrame)
 {
-    clickName(*table, Row::f2);
+    clickHeader(*table, 3);
     clickCell(*table, Row::f2, 4);
-    EXPECT_EQ(table->selectedRowSpan(), std::make_pair(-1, -1));
+    EXPECT_EQ(table->selectedRowSpan(), std::make_pair(int(Row::f2), int(Row::f2)));
     EXPECT_EQ(table->selectedColumnSpan(), std::make_pair(-1, -1));
+    EXPECT_EQ(table->currentIndex(), table->model()->index(Row::f2, 4)) << "the cell stays ready for typing";
     expectFrameCommandsSeeNoFrame();
-    expectRowCommandsSeeNoRow();
+
+    // Shift extends the rows as the names do.
+    clickCell(*table, Row::f1, 6, Qt::ShiftModifier);
+    EXPECT_EQ(table->selectedRowSpan(), std::make_pair(int(Row::f2), int(Row::f1)));
+
+    // Click a cell, then interpolate: the clicked row is filled between its anchors, no other.
+    clickCell(*table, Row::f2, 4);
+    table->_InterpolateSelection();
+    EXPECT_EQ(value(3, Row::f2), 200);
+    EXPECT_EQ(value(3, Row::f1), 500);
+}
+
+TEST_F(SelectionTable, KeysStepOverCollapsedRowsWhichTakeNoTypedValue)
+{
+    // At 11025 Hz f8, f7 and f6 (rows 5 .. 7) are collapsed between tl and f5.
+    for (int row : {Row::f8, Row::f7, Row::f6})
+        ASSERT_FALSE(doc._dataTableDictionary.cellAt(0, row)->_bSelected());
+    const int f8Before = value(2, Row::f8);
+    table->setFocus();
+    table->setCurrentIndex(table->model()->index(Row::tl, 2));
+    QTest::keyClick(table.get(), Qt::Key_Down);
+    EXPECT_EQ(table->currentIndex().row(), int(Row::f5));
+    QTest::keyClick(table.get(), Qt::Key_Up);
+    EXPECT_EQ(table->currentIndex().row(), int(Row::tl));
+
+    // Typing after Down goes into f5, not into the hidden f8.
+    QTest::keyClick(table.get(), Qt::Key_Down);
+    typeIntoCurrentCell(*table, "4000");
+    EXPECT_EQ(value(2, Row::f5), 4000);
+    EXPECT_EQ(value(2, Row::f8), f8Before);
+
+    // A collapsed cell cannot even be made the current one, nor take anything typed.
+    table->setCurrentIndex(table->model()->index(Row::f8, 2));
+    EXPECT_NE(table->currentIndex().row(), int(Row::f8));
+    EXPECT_FALSE(table->model()->flags(table->model()->index(Row::f8, 2)) & Qt::ItemIsEditable);
+    EXPECT_EQ(value(2, Row::f8), f8Before);
+    EXPECT_FALSE(table->model()->setData(table->model()->index(Row::f8, 2), "6000", Qt::EditRole));
+    EXPECT_EQ(value(2, Row::f8), f8Before);
 }
 
 TEST_F(SelectionTable, AFrameSelectedByItsHeaderOrTheDataEntryIsNoRow)

@@ -20,20 +20,12 @@ constexpr int kGateMinimum = 10; // a gated point shows only above this amplitud
 } // namespace
 
 TrackPlotView::TrackPlotView(int scale, std::initializer_list<TrackDefinition> tracks, QWidget* parent)
-    : QWidget(parent), m_nScale(scale)
+    : DataEntryPlot(parent), m_nScale(scale)
 {
     for (const TrackDefinition& definition : tracks) {
         m_tracks.emplace_back();
         static_cast<TrackDefinition&>(m_tracks.back()) = definition;
     }
-    // Mouse moves without a button make the table follow the pointer.
-    setMouseTracking(true);
-    setAttribute(Qt::WA_OpaquePaintEvent);
-}
-
-int TrackPlotView::frameCount() const
-{
-    return _pDoc ? std::max(_pDoc->getChannel(0)->m_nColumnNum, 0) : 0;
 }
 
 std::vector<CellRef> TrackPlotView::rowCells(int row, int frames) const
@@ -86,30 +78,6 @@ void TrackPlotView::setTrackColor(int slot, const QColor& color)
     update();
 }
 
-void TrackPlotView::setTimeAxis(TimeAxisZoom* axis)
-{
-    if (m_axis != &m_ownAxis)
-        disconnect(m_axis, nullptr, this, nullptr);
-    m_axis = axis ? axis : &m_ownAxis;
-    connect(m_axis, &TimeAxisZoom::changed, this, qOverload<>(&QWidget::update));
-    update();
-}
-
-int TrackPlotView::frameAt(double x) const
-{
-    return m_axis->frameAt(x, frameCount(), width());
-}
-
-int TrackPlotView::valueAt(double y) const
-{
-    return valueAtHeight(y, height(), m_nScale);
-}
-
-bool TrackPlotView::inside(const QPointF& p) const
-{
-    return insideView(p, size());
-}
-
 void TrackPlotView::updateFrame(int frame)
 {
     const int frames = frameCount();
@@ -119,31 +87,18 @@ void TrackPlotView::updateFrame(int frame)
     update(QRect(x - 1, 0, kPointSize + 3, height()));
 }
 
-void TrackPlotView::mousePressEvent(QMouseEvent* event)
+void TrackPlotView::startDrag()
 {
-    m_bDrawing = false;
-    if (event->button() != Qt::LeftButton || !_pDoc || !hasActiveTrack() || !inside(event->position()))
-        return;
     // Take the cells afresh: an edit in the table may have replaced some since the last set-up,
     // and committing stale cells would undo that edit.
     setup();
     m_nFollowedColumn = -1;
-    m_arraytrace.clear();
-    _pDoc->saveUndo();
-    m_bDrawing = true;
 }
 
-void TrackPlotView::mouseMoveEvent(QMouseEvent* event)
+void TrackPlotView::pointerMoved(const QPointF& p, bool buttonDown)
 {
-    const QPointF p = event->position();
-    if (!_pDoc || !inside(p))
-        return;
-    if (!(event->buttons() & Qt::LeftButton)) {
+    if (!buttonDown)
         followInTable(frameAt(p.x()));
-        return;
-    }
-    if (m_bDrawing && hasActiveTrack())
-        dragTo(p);
 }
 
 void TrackPlotView::dragTo(const QPointF& p)
@@ -153,6 +108,7 @@ void TrackPlotView::dragTo(const QPointF& p)
         return;
     const int value = valueAt(p.y());
     followInTable(frame);
+    m_stroke.add(frame + 1);
     m_arraytrace.push_back(p);
     bool changed = false;
     for (Track& track : m_tracks) {
@@ -184,22 +140,10 @@ void TrackPlotView::leaveEvent(QEvent* event)
     QWidget::leaveEvent(event);
 }
 
-void TrackPlotView::mouseReleaseEvent(QMouseEvent* event)
+bool TrackPlotView::finishDrag()
 {
-    if (event->button() != Qt::LeftButton || !m_bDrawing)
-        return;
-    m_bDrawing = false;
     m_arraytrace.clear();
-    if (!_pDoc || !hasActiveTrack())
-        return;
-    commitActiveTracks();
-    if (m_mainTableID)
-        m_mainTableID->refreshTable();
-    else
-        _pDoc->updateChangeCount(MyDocument::ChangeDone);
-    _pDoc->saveRedo();
-    update();
-    emit committed();
+    return hasActiveTrack();
 }
 
 void TrackPlotView::commitActiveTracks()

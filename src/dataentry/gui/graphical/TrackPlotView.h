@@ -7,31 +7,24 @@
 // texts, cells stored back, table refreshed, redo step recorded. Mouse down records the undo
 // step, so one drag is one undo step.
 //
-// Mapping (W x Hv = the view's size, N = channel 0's m_nColumnNum), at the window's default
-// zoom (fit all; zoomed, W is the zoomed content width and x counts from its left end, see
-// TimeAxisZoom):
-//   frame under the pointer i = trunc(x * N / W), table column i + 1;
-//   value under the pointer v = trunc((Hv - y) * _nScale / Hv), not clamped to the limits.
+// The frame and value under the pointer are DataEntryPlot's mapping, _nScale its full scale.
 //
 // A drag repaints only the strip of the edited frame (and, through the window, the same strip
 // of the other plots, whose point visibility may depend on the edited amplitude), so drawing
 // over a long document stays quick. Subclasses (viewF0, viewFormants, viewOthers) give the
 // rows, the scale, the value grid and which tracks are drawn. Main thread only.
-#include "dataentry/gui/TimeAxisZoom.h"
+#include "dataentry/gui/DataEntryPlot.h"
 #include "display/gui/GraphGrids.h"
 #include "document/MyDocument.h"
 
 #include <QColor>
-#include <QPointF>
-#include <QWidget>
 
 #include <string>
 #include <vector>
 
-class mainTable;
 class QPainter;
 
-class TrackPlotView : public QWidget
+class TrackPlotView : public DataEntryPlot
 {
     Q_OBJECT
 public:
@@ -48,33 +41,18 @@ public:
         std::vector<CellRef> gate;  // the gate row's cells, likewise
     };
 
-    void setDocument(MyDocument* doc) { _pDoc = doc; }
-    MyDocument* document() const { return _pDoc; }
-    void set_mainTableID(mainTable* table) { m_mainTableID = table; }
-    mainTable* _mainTableID() const { return m_mainTableID; }
-
     // Takes the cells of every track from the table data again and redraws. Called when the
     // window opens, after undo, redo and revert (which replace the cells), and before a drag.
     void setup();
     // Makes the track of that parameter name the active one; any other name leaves the view
     // with no active track. Redraws.
     void activeParameter(const std::string& name);
-    // The time axis shared with the other plots of the window (zoom and scroll position); the
-    // view repaints when it changes. Without one the view shows all frames.
-    void setTimeAxis(TimeAxisZoom* axis);
-    const TimeAxisZoom& timeAxis() const { return *m_axis; }
-    // Places the view in its window (window content coordinates).
-    void setPosition(const QRect& frame) { setGeometry(frame); }
 
     int _nScale() const { return m_nScale; }
     const std::vector<Track>& tracks() const { return m_tracks; }
-    const std::vector<QPointF>& _arraytrace() const { return m_arraytrace; }
-    bool hasActiveTrack() const;
+    bool hasActiveTrack() const override;
+    double fullScale() const override { return m_nScale; }
     bool isActive(const std::string& name) const;
-
-    // The mapping above; -1 for a frame when the document has no frames or the view no width.
-    int frameAt(double x) const;
-    int valueAt(double y) const;
 
     // The grid labels the view draws (over its tracks), none colliding with another or with
     // the caption, all inside the view; and the caption's box (empty without one).
@@ -87,8 +65,6 @@ public:
 signals:
     // A drag changed the value of a frame (any track of this view).
     void frameEdited(int frame);
-    // A drag ended and was committed to the table (undo and redo recorded).
-    void committed();
 
 protected:
     using ValueGrid = ::ValueGrid;
@@ -103,29 +79,23 @@ protected:
     double lengthMS() const;
     void setTrackColor(int slot, const QColor& color);
 
-    void mousePressEvent(QMouseEvent* event) override;
-    void mouseMoveEvent(QMouseEvent* event) override;
-    void mouseReleaseEvent(QMouseEvent* event) override;
+    // The drag (see DataEntryPlot): the press takes the cells afresh, the release stores the
+    // active tracks' cells back into the table data.
+    void startDrag() override;
+    void pointerMoved(const QPointF& p, bool buttonDown) override;
+    void dragTo(const QPointF& p) override;
+    bool finishDrag() override;
+    void commitDrag() override { commitActiveTracks(); }
     void leaveEvent(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    int frameCount() const;
-    bool inside(const QPointF& p) const;
-    void dragTo(const QPointF& p);
     void commitActiveTracks();
     void followInTable(int frame);
     void drawTrack(QPainter& painter, const Track& track, int first, int last) const;
     void drawTrace(QPainter& painter, const QRect& clip) const;
     std::vector<CellRef> rowCells(int row, int frames) const;
 
-    MyDocument* _pDoc = nullptr;
-    mainTable* m_mainTableID = nullptr;
-    TimeAxisZoom m_ownAxis; // fit all, used until the window gives its shared axis
-    TimeAxisZoom* m_axis = &m_ownAxis;
     int m_nScale;
     std::vector<Track> m_tracks;
-    std::vector<QPointF> m_arraytrace;
-    bool m_bDrawing = false;    // a mouse down with an active track started a drag
-    int m_nFollowedColumn = -1; // the table column last selected for the pointer
 };

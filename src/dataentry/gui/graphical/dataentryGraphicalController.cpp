@@ -1,6 +1,8 @@
 #include "dataentry/gui/graphical/dataentryGraphicalController.h"
 
+#include "dataentry/gui/DataEntryMenus.h"
 #include "dataentry/gui/DataEntrySupport.h"
+#include "dataentry/gui/PlayAfterStroke.h"
 #include "dataentry/gui/TimeAxisZoom.h"
 #include "dataentry/gui/graphical/viewF0.h"
 #include "dataentry/gui/graphical/viewFormants.h"
@@ -38,7 +40,7 @@ constexpr int kWellWidth = 30;
 } // namespace
 
 dataentryGraphicalController::dataentryGraphicalController(MyDocument* doc, mainTable* table, QObject* parent)
-    : QObject(parent), m_pDoc(doc)
+    : DataEntryWindow(doc, parent)
 {
     m_window = std::make_unique<QMainWindow>();
     m_content = new QWidget(m_window.get());
@@ -46,14 +48,7 @@ dataentryGraphicalController::dataentryGraphicalController(MyDocument* doc, main
     m_viewF0 = new viewF0(m_content);
     m_viewFormants = new viewFormants(m_content);
     m_viewOthers = new viewOthers(m_content);
-    m_timeAxis = new TimeAxisZoom(this);
-    m_timeAxis->setFrameSource([this] { return m_pDoc ? m_pDoc->getChannel(0)->m_nColumnNum : 0; });
-    m_scrollBar = new QScrollBar(Qt::Horizontal, m_content);
-    m_timeAxis->attach(m_scrollBar);
-    for (TrackPlotView* view : views()) {
-        view->setTimeAxis(m_timeAxis);
-        m_timeAxis->watch(view);
-    }
+    makeTimeAxis(m_content);
     // An edited amplitude decides which F0 and formant points show: every plot repaints the
     // strip of an edited frame.
     for (TrackPlotView* source : views())
@@ -81,20 +76,16 @@ QWidget* dataentryGraphicalController::window()
     return m_window.get();
 }
 
-void dataentryGraphicalController::setmaintableID(mainTable* table)
+std::array<DataEntryPlot*, 3> dataentryGraphicalController::plots() const
 {
-    m_mainTableID = table;
-    for (TrackPlotView* view : views()) {
-        view->set_mainTableID(table);
-        view->setDocument(m_pDoc);
-    }
+    return {m_viewF0, m_viewFormants, m_viewOthers};
 }
 
 void dataentryGraphicalController::makeControls()
 {
     // Radio behaviour is ours: a click on the pressed button keeps it pressed.
     m_controls.emplace(
-        m_content, kWellWidth, true, this, [this](Button b) { actionParameter(b); },
+        m_content, kWellWidth, this, [this](Button b) { actionParameter(b); },
         [this](int well, const QColor& color) { actionColor(well, color); });
     m_content->installEventFilter(this);
     m_window->installEventFilter(this);
@@ -107,15 +98,16 @@ void dataentryGraphicalController::makeMenus()
     m_undo->setShortcut(QKeySequence::Undo);
     m_redo = edit->addAction(QStringLiteral("Redo"), this, &dataentryGraphicalController::redo);
     m_redo->setShortcut(QKeySequence::Redo);
-    QMenu* play = m_window->menuBar()->addMenu(QStringLiteral("&Play"));
-    play->addAction(QStringLiteral("Play Current"), this, &dataentryGraphicalController::_PlayCurrent);
-    play->addAction(QStringLiteral("Play Previous"), this, &dataentryGraphicalController::_PlayPrevious);
-    m_playAudio =
-        play->addAction(QStringLiteral("Play Model"), this, &dataentryGraphicalController::_PlayAudio);
-    QMenu* view = m_window->menuBar()->addMenu(QStringLiteral("&View"));
-    view->addActions(m_timeAxis->makeActions(m_window.get()));
+    m_playAudio = addPlayMenu(m_window.get(), this);
+    m_playAfterStroke = addViewMenu(m_window.get(), m_timeAxis);
+    for (TrackPlotView* plot : views())
+        connect(plot, &TrackPlotView::committed, this, [this, plot] {
+            if (m_playAfterStroke->isChecked())
+                PlayAfterStroke::play(m_mainTableID, m_pDoc, plot->lastStroke());
+        });
     connect(edit, &QMenu::aboutToShow, this, &dataentryGraphicalController::validateMenus);
-    connect(play, &QMenu::aboutToShow, this, &dataentryGraphicalController::validateMenus);
+    if (auto* play = qobject_cast<QMenu*>(m_playAudio->parent()))
+        connect(play, &QMenu::aboutToShow, this, &dataentryGraphicalController::validateMenus);
 }
 
 void dataentryGraphicalController::validateMenus()
@@ -175,33 +167,6 @@ void dataentryGraphicalController::actionColor(int well, const QColor& color)
         m_viewFormants->setColor(color, well - 1);
 }
 
-void dataentryGraphicalController::forward(void (mainTable::*command)())
-{
-    if (m_mainTableID)
-        (m_mainTableID->*command)();
-}
-
-void dataentryGraphicalController::undo()
-{
-    forward(&mainTable::undo);
-}
-void dataentryGraphicalController::redo()
-{
-    forward(&mainTable::redo);
-}
-void dataentryGraphicalController::_PlayCurrent()
-{
-    forward(&mainTable::_PlayCurrent);
-}
-void dataentryGraphicalController::_PlayPrevious()
-{
-    forward(&mainTable::_PlayPrevious);
-}
-void dataentryGraphicalController::_PlayAudio()
-{
-    forward(&mainTable::_PlayAudio);
-}
-
 bool dataentryGraphicalController::eventFilter(QObject* watched, QEvent* event)
 {
     if (watched == m_content && event->type() == QEvent::Resize) {
@@ -215,16 +180,30 @@ bool dataentryGraphicalController::eventFilter(QObject* watched, QEvent* event)
     return QObject::eventFilter(watched, event);
 }
 
+void dataentryGraphicalController::setLabelStrip(QWidget* strip)
+{
+    m_labelStrip = strip;
+    relayout();
+}
+
+void dataentryGraphicalController::relayout()
+{
+    specialWindowDidResize(m_content->width(), m_content->height());
+}
+
 void dataentryGraphicalController::specialWindowDidResize(int w, int h)
 {
-    const DataEntryControls::Stack plots = DataEntryControls::stack(w, h);
+    const DataEntryControls::Stack plots =
+        DataEntryControls::stack(w, h, DataEntryControls::labelHeight(m_labelStrip));
     m_viewF0->setPosition(plots.upper);
     m_viewFormants->setPosition(plots.middle);
     m_viewOthers->setPosition(plots.lower);
+    if (m_labelStrip)
+        m_labelStrip->setGeometry(plots.labels);
     m_timeAxis->setViewWidth(plots.upper.width());
     // The scroll bar under the plots, in the strip the plots leave free.
     const int gap = DataEntryControls::kGap;
-    const int barTop = plots.lower.bottom() + 1 + gap;
+    const int barTop = plots.labels.bottom() + 1 + gap; // the lower plot's bottom without labels
     m_scrollBar->setGeometry(DataEntryControls::kMargin, barTop, plots.upper.width(),
                              std::clamp(h - barTop - gap, 0, 18));
     m_controls->place(plots);

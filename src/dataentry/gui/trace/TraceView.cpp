@@ -21,12 +21,10 @@ constexpr int kFollowIntervalMS = 40; // the table follows a drag at most this o
 } // namespace
 
 TraceView::TraceView(double fullScale, std::vector<std::string> keys, std::vector<int> rows, QWidget* parent)
-    : QWidget(parent), m_lists(std::move(rows)), m_nScale(fullScale), m_keys(std::move(keys))
+    : DataEntryPlot(parent), m_lists(std::move(rows)), m_nScale(fullScale), m_keys(std::move(keys))
 {
     m_active.assign(m_keys.size(), false);
     m_colors.assign(m_keys.size(), QColor(Qt::black));
-    setMouseTracking(true);
-    setAttribute(Qt::WA_OpaquePaintEvent);
     setCursor(Qt::CrossCursor);
     m_followTimer.setSingleShot(true);
     m_followTimer.setInterval(kFollowIntervalMS);
@@ -60,11 +58,6 @@ void TraceView::setColor(const QColor& color, int slot)
     update();
 }
 
-int TraceView::frameCount() const
-{
-    return _pDoc ? std::max(_pDoc->getChannel(0)->m_nColumnNum, 0) : 0;
-}
-
 double TraceView::gridLengthMS() const
 {
     if (!_pDoc)
@@ -73,33 +66,9 @@ double TraceView::gridLengthMS() const
     return static_cast<double>(frameCount()) * interval;
 }
 
-void TraceView::setTimeAxis(TimeAxisZoom* axis)
-{
-    if (m_axis != &m_ownAxis)
-        disconnect(m_axis, nullptr, this, nullptr);
-    m_axis = axis ? axis : &m_ownAxis;
-    connect(m_axis, &TimeAxisZoom::changed, this, qOverload<>(&QWidget::update));
-    update();
-}
-
 QRect TraceView::contentRect() const
 {
     return QRect(-m_axis->offset(), 0, static_cast<int>(m_axis->contentWidth(width())), height());
-}
-
-int TraceView::columnAt(double x) const
-{
-    return m_axis->frameAt(x, frameCount(), width());
-}
-
-int TraceView::valueAt(double y) const
-{
-    return valueAtHeight(y, height(), m_nScale);
-}
-
-bool TraceView::inside(const QPointF& p) const
-{
-    return insideView(p, size());
 }
 
 void TraceView::updateColumn(int column)
@@ -113,33 +82,19 @@ void TraceView::updateColumn(int column)
     update(QRect(x0 - kPoint, 0, x1 - x0 + 2 * kPoint, height()));
 }
 
-void TraceView::mousePressEvent(QMouseEvent* event)
+void TraceView::startDrag()
 {
-    m_bDrawing = false;
-    if (event->button() != Qt::LeftButton || !_pDoc || !inside(event->position()))
-        return;
-    if (pressNeedsActiveTrack() && !hasActiveTrack())
-        return;
-    if (keepsDragTrace())
-        m_arraytrace.clear();
     m_nFollowedColumn = -1;
     m_nPendingColumn = -1;
-    _pDoc->saveUndo();
-    m_bDrawing = true;
 }
 
-void TraceView::mouseMoveEvent(QMouseEvent* event)
+void TraceView::pointerMoved(const QPointF& p, bool /*buttonDown*/)
 {
-    const QPointF p = event->position();
-    if (!_pDoc || !inside(p))
-        return;
     const int column = columnAt(p.x());
     const int interval = std::max(_pDoc->getChannel(0)->m_nUpdateIntervalMS, 1);
     emit pointerReadout(QStringLiteral("%1 ms   %2")
                             .arg(static_cast<long long>(column + 1) * interval)
                             .arg(valueText(valueAt(p.y()))));
-    if ((event->buttons() & Qt::LeftButton) && m_bDrawing && hasActiveTrack())
-        dragTo(p);
 }
 
 void TraceView::dragTo(const QPointF& p)
@@ -148,6 +103,7 @@ void TraceView::dragTo(const QPointF& p)
     if (column < 0)
         return;
     followInTable(column + 1);
+    m_stroke.add(column + 1);
     if (keepsDragTrace())
         m_arraytrace.push_back(p);
     const int value = valueAt(p.y());
@@ -186,28 +142,18 @@ void TraceView::leaveEvent(QEvent* event)
     QWidget::leaveEvent(event);
 }
 
-void TraceView::mouseReleaseEvent(QMouseEvent* event)
+bool TraceView::finishDrag()
 {
-    if (event->button() != Qt::LeftButton || !m_bDrawing)
-        return;
-    m_bDrawing = false;
     m_followTimer.stop();
     followNow();
-    if (!_pDoc || (releaseNeedsActiveTrack() && !hasActiveTrack()))
-        return;
+    return !releaseNeedsActiveTrack() || hasActiveTrack();
+}
+
+void TraceView::commitDrag()
+{
     for (int slot = 0; slot < m_lists.slotCount(); ++slot)
         if (commitsSlot(slot))
             m_lists.writeBack(*_pDoc, slot, true);
-    if (m_mainTableID)
-        m_mainTableID->refreshTable();
-    else
-        _pDoc->updateChangeCount(MyDocument::ChangeDone);
-    afterCommit();
-    _pDoc->saveRedo();
-    if (keepsDragTrace())
-        m_arraytrace.clear();
-    update();
-    emit committed();
 }
 
 void TraceView::paintEvent(QPaintEvent* event)

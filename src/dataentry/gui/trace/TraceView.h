@@ -7,37 +7,25 @@
 // step, the release writes the traced cells back clamped to their limits, refreshes the table
 // and records the redo step. One drag is one undo step.
 //
-// Mapping (W x H = the view's size, N = channel 0's m_nColumnNum), at the window's default zoom
-// (fit all; zoomed, W is the zoomed content width and x counts from its left end, see
-// TimeAxisZoom):
-//   column under the pointer = trunc(x x N / W) (table column + 1);
-//   value under the pointer  = trunc((H - y) x full scale / H).
+// The column and value under the pointer are DataEntryPlot's mapping (columnAt = frameAt).
 // Subclasses: viewPitch, viewSpectrogram, viewAmplitudes. Main thread only.
 #include "dataentry/TraceTrackLists.h"
-#include "dataentry/gui/TimeAxisZoom.h"
+#include "dataentry/gui/DataEntryPlot.h"
 #include "display/gui/GraphGrids.h"
 
 #include <QColor>
 #include <QFont>
-#include <QPointF>
 #include <QTimer>
-#include <QWidget>
 
 #include <string>
 #include <vector>
 
-class MyDocument;
-class mainTable;
 class dataentryTraceContoller;
 
-class TraceView : public QWidget
+class TraceView : public DataEntryPlot
 {
     Q_OBJECT
 public:
-    void setDocument(MyDocument* doc) { _pDoc = doc; }
-    MyDocument* document() const { return _pDoc; }
-    void set_mainTableID(mainTable* table) { m_mainTableID = table; }
-    mainTable* _mainTableID() const { return m_mainTableID; }
     void set_containerID(dataentryTraceContoller* container) { m_containerID = container; }
     dataentryTraceContoller* _containerID() const { return m_containerID; }
     void set_bViewGridData(bool show) { m_lists._bViewGridData = show; }
@@ -49,30 +37,21 @@ public:
     // Makes the slot with this key the active one; any other key ("") leaves none active.
     void activeParameter(const std::string& key);
     bool isActive(int slot) const { return m_active[static_cast<std::size_t>(slot)]; }
-    bool hasActiveTrack() const;
+    bool hasActiveTrack() const override;
     void setColor(const QColor& color, int slot);
     QColor tracingColor(int slot) const { return m_colors[static_cast<std::size_t>(slot)]; }
-    void setPosition(const QRect& frame) { setGeometry(frame); }
-    // The time axis shared with the other views of the window (zoom and scroll position); the
-    // view repaints when it changes. Without one the view shows all frame columns.
-    void setTimeAxis(TimeAxisZoom* axis);
-    const TimeAxisZoom& timeAxis() const { return *m_axis; }
 
     TraceTrackLists& lists() { return m_lists; }
-    const std::vector<QPointF>& _arraytrace() const { return m_arraytrace; }
-    double fullScale() const { return m_nScale; }
-    int columnAt(double x) const;
+    double fullScale() const override { return m_nScale; }
+    int columnAt(double x) const { return frameAt(x); }
     // The grid labels the view draws (over its tracks), none colliding with another or with
     // the caption, all inside the view; and the caption's box at the top right.
     std::vector<GridLabel> gridLabels(const QFontMetrics& metrics) const;
     QRect captionBox() const;
-    int valueAt(double y) const;
 
 signals:
     // Where the pointer is, as a line for the window's status strip.
     void pointerReadout(const QString& text);
-    // A drag ended and was committed (undo and redo recorded).
-    void committed();
 
 protected:
     using ValueGrid = ::ValueGrid;
@@ -86,13 +65,12 @@ protected:
     virtual QString valueText(int value) const { return QString::number(value); }
     // The pitch view saves an undo step on any press inside it, active track or not.
     virtual bool pressNeedsActiveTrack() const { return true; }
-    // Whether the view keeps the points of the current drag in its trace lists: all three do, the
-    // spectrogram view its formant lists too.
+    // Whether the view keeps the pointer positions of the current drag (_arraytrace, drawn as the
+    // drag's line): all three views do, the spectrogram view included.
     virtual bool keepsDragTrace() const { return true; }
     // The pitch view commits on every release.
     virtual bool releaseNeedsActiveTrack() const { return true; }
     virtual void afterDragValue(int /*column*/, const QPointF& /*p*/) {}
-    virtual void afterCommit() {}
     virtual void drawAnalysis(QPainter& /*painter*/, const QRect& /*clip*/) {}
     virtual void drawOverlay(QPainter& /*painter*/, const QRect& /*clip*/) {}
     // Whether a slot's traced values are drawn (all by default).
@@ -100,13 +78,17 @@ protected:
     // Slots written back on release.
     virtual bool commitsSlot(int slot) const { return isActive(slot); }
 
-    void mousePressEvent(QMouseEvent* event) override;
-    void mouseMoveEvent(QMouseEvent* event) override;
-    void mouseReleaseEvent(QMouseEvent* event) override;
+    // The drag (see DataEntryPlot): the table follows it at most once per timer interval; the
+    // release writes the committed slots back clamped to their limits.
+    bool mayStartDrag() const override { return !pressNeedsActiveTrack() || hasActiveTrack(); }
+    void startDrag() override;
+    void pointerMoved(const QPointF& p, bool buttonDown) override;
+    void dragTo(const QPointF& p) override;
+    bool finishDrag() override;
+    void commitDrag() override;
     void leaveEvent(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
-    int frameCount() const;
     // Repaints the strip of the view where column index `column` is drawn.
     void updateColumn(int column);
     double gridLengthMS() const;
@@ -114,14 +96,9 @@ protected:
     // and shifted left by the scroll offset when zoomed.
     QRect contentRect() const;
 
-    MyDocument* _pDoc = nullptr;
     TraceTrackLists m_lists;
-    TimeAxisZoom m_ownAxis; // fit all, used until the window gives its shared axis
-    TimeAxisZoom* m_axis = &m_ownAxis;
 
 private:
-    bool inside(const QPointF& p) const;
-    void dragTo(const QPointF& p);
     void drawSlot(QPainter& painter, int slot, int first, int last) const;
     void drawTrace(QPainter& painter) const;
     void drawCaption(QPainter& painter) const;
@@ -129,15 +106,11 @@ private:
     void followInTable(int tableColumn);
     void followNow();
 
-    mainTable* m_mainTableID = nullptr;
     dataentryTraceContoller* m_containerID = nullptr;
     double m_nScale;
     std::vector<std::string> m_keys;
     std::vector<bool> m_active;
     std::vector<QColor> m_colors;
-    std::vector<QPointF> m_arraytrace;
-    bool m_bDrawing = false;
-    int m_nFollowedColumn = -1; // the table column the table shows selected
-    int m_nPendingColumn = -1;  // the table column under the pointer
+    int m_nPendingColumn = -1; // the table column under the pointer
     QTimer m_followTimer;
 };

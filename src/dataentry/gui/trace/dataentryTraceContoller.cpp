@@ -1,6 +1,7 @@
 #include "dataentry/gui/trace/dataentryTraceContoller.h"
 
 #include "configuration/ConfigurationFile.h"
+#include "copysynth/gui/CopySynthesisCommand.h"
 #include "dataentry/TraceDataEntry.h"
 #include "dataentry/gui/DataEntrySupport.h"
 #include "dataentry/gui/TimeAxisZoom.h"
@@ -13,6 +14,8 @@
 #include <QCheckBox>
 #include <QEvent>
 #include <QLabel>
+#include <QMainWindow>
+#include <QMenuBar>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QResizeEvent>
@@ -46,41 +49,40 @@ constexpr int kStrip = 26; // the strip along the bottom: Enter All Data, View O
 constexpr int kGap = DataEntryControls::kGap;
 constexpr int kWellWidth = 26;
 constexpr int kViewOldWidth = 115; // the View Old Data check box
-constexpr int kStatusWidth = 170;  // the pointer's readout
+constexpr int kStatusWidth = 250;  // the pointer's readout and the entry's report
 
 } // namespace
 
 dataentryTraceContoller::dataentryTraceContoller(MyDocument* doc, mainTable* table, QObject* parent)
-    : QObject(parent), m_pDoc(doc)
+    : DataEntryWindow(doc, parent)
 {
-    m_window = std::make_unique<QWidget>();
+    m_window = std::make_unique<QMainWindow>();
     m_window->setAttribute(Qt::WA_DeleteOnClose, false);
-    m_viewPitch = new viewPitch(m_window.get());
-    m_viewSpectrogram = new viewSpectrogram(m_window.get());
-    m_viewAmplitudes = new viewAmplitudes(m_window.get());
-    m_timeAxis = new TimeAxisZoom(this);
-    m_timeAxis->setFrameSource([this] { return m_pDoc ? m_pDoc->getChannel(0)->m_nColumnNum : 0; });
-    m_scrollBar = new QScrollBar(Qt::Horizontal, m_window.get());
-    m_scrollBar->setFocusPolicy(Qt::NoFocus);
-    m_timeAxis->attach(m_scrollBar);
-    for (TraceView* view : views()) {
-        view->setTimeAxis(m_timeAxis);
-        m_timeAxis->watch(view);
-    }
+    m_content = new QWidget(m_window.get());
+    m_window->setCentralWidget(m_content);
+    m_viewPitch = new viewPitch(m_content);
+    m_viewSpectrogram = new viewSpectrogram(m_content);
+    m_viewAmplitudes = new viewAmplitudes(m_content);
+    makeTimeAxis(m_content);
     // The readout named the time under the pointer before the axis moved.
     connect(m_timeAxis, &TimeAxisZoom::changed, this, [this] {
         if (!m_viewSpectrogram->isComputing())
-            m_status->clear();
+            showStatus({});
     });
     makeControls();
-    makeShortcuts();
+    makeMenus();
     for (TraceView* view : views())
         connect(view, &TraceView::pointerReadout, this, [this](const QString& text) {
             if (!m_viewSpectrogram->isComputing())
-                m_status->setText(text);
+                showStatus(text);
         });
     connect(m_viewSpectrogram, &viewSpectrogram::computingChanged, this,
             &dataentryTraceContoller::spectrogramComputing);
+    connect(&m_entryAnalysis, &SpectrogramWorker::finished, this,
+            [this](std::shared_ptr<const SpectrogramWorker::Result> result) {
+                if (m_pDoc && m_bEnterPending)
+                    enterAllDataNow(result->computation);
+            });
     setmaintableID(table);
     windowDidLoad();
 }
@@ -97,51 +99,32 @@ QWidget* dataentryTraceContoller::window()
     return m_window.get();
 }
 
-void dataentryTraceContoller::setmaintableID(mainTable* table)
+std::array<DataEntryPlot*, 3> dataentryTraceContoller::plots() const
 {
-    m_mainTableID = table;
-    for (TraceView* view : views())
-        view->set_mainTableID(table);
+    return {m_viewPitch, m_viewSpectrogram, m_viewAmplitudes};
 }
 
 void dataentryTraceContoller::makeControls()
 {
     m_controls.emplace(
-        m_window.get(), kWellWidth, false, this, [this](Button b) { actionTrace(b); },
+        m_content, kWellWidth, this, [this](Button b) { actionTrace(b); },
         [this](int well, const QColor& color) { actionColor(well, color); });
-    m_enterAllData = new QPushButton(QStringLiteral("Enter All Data"), m_window.get());
+    m_enterAllData = new QPushButton(QStringLiteral("Enter All Data"), m_content);
     m_enterAllData->setFocusPolicy(Qt::NoFocus);
     m_enterAllData->setToolTip(
         QStringLiteral("Enter the pitch track, the formants and their amplitudes (Ctrl+E)"));
     connect(m_enterAllData, &QPushButton::clicked, this, &dataentryTraceContoller::actionEnterAllData);
-    m_viewOldData = new QCheckBox(QStringLiteral("View Old Data"), m_window.get());
+    m_copySynthesis = new QPushButton(QStringLiteral("Automatic Copy Synthesis"), m_content);
+    m_copySynthesis->setFocusPolicy(Qt::NoFocus);
+    m_copySynthesis->setToolTip(QStringLiteral(
+        "Estimate every parameter from the model, voicing, noise and levels included (Ctrl+Shift+E)"));
+    connect(m_copySynthesis, &QPushButton::clicked, this, &dataentryTraceContoller::actionCopySynthesis);
+    m_viewOldData = new QCheckBox(QStringLiteral("View Old Data"), m_content);
     m_viewOldData->setFocusPolicy(Qt::NoFocus);
     connect(m_viewOldData, &QCheckBox::clicked, this, &dataentryTraceContoller::actionViewOldData);
-    m_status = new QLabel(m_window.get());
+    m_status = new QLabel(m_content);
     m_status->setTextFormat(Qt::PlainText);
-    m_window->installEventFilter(this);
-}
-
-void dataentryTraceContoller::makeShortcuts()
-{
-    const auto add = [this](const QKeySequence& keys, auto slot) {
-        auto* action = new QAction(m_window.get());
-        action->setShortcut(keys);
-        action->setShortcutContext(Qt::WindowShortcut);
-        connect(action, &QAction::triggered, this, slot);
-        m_window->addAction(action);
-    };
-    add(QKeySequence(QStringLiteral("Ctrl+E")), &dataentryTraceContoller::actionEnterAllData);
-    add(QKeySequence::Undo, &dataentryTraceContoller::undo);
-    add(QKeySequence(QStringLiteral("Ctrl+Shift+Z")), &dataentryTraceContoller::redo);
-    add(QKeySequence(Qt::Key_Space), &dataentryTraceContoller::_PlayCurrent);
-    add(QKeySequence(QStringLiteral("Ctrl+Shift+Space")), &dataentryTraceContoller::_PlayPrevious);
-    add(QKeySequence(QStringLiteral("Ctrl+M")), &dataentryTraceContoller::_PlayAudio);
-    m_window->addActions(m_timeAxis->makeActions(m_window.get()));
-    add(QKeySequence::Save, [this] {
-        if (m_save)
-            m_save();
-    });
+    m_content->installEventFilter(this);
 }
 
 void dataentryTraceContoller::windowDidLoad()
@@ -166,7 +149,10 @@ void dataentryTraceContoller::windowDidLoad()
     m_viewOldData->setChecked(showOld);
     for (TraceView* view : views())
         view->set_bViewGridData(showOld);
-    specialWindowDidResize(m_window->width(), m_window->height());
+    // The content is laid out before the window is first shown, so that the spectrogram is
+    // computed at once for the size it will have.
+    m_content->resize(800, 400 - m_window->menuBar()->sizeHint().height());
+    specialWindowDidResize(m_content->width(), m_content->height());
     m_viewPitch->setup();
     m_viewSpectrogram->setup();
     m_viewAmplitudes->setup();
@@ -176,6 +162,15 @@ void dataentryTraceContoller::setupViews()
 {
     m_viewPitch->setup();
     m_viewSpectrogram->setupAfterUndo();
+    m_viewAmplitudes->setup();
+}
+
+void dataentryTraceContoller::analysisSettingsChanged()
+{
+    // setup() takes the document's settings and computes the pitch track and the spectrogram
+    // again (in the background for the spectrogram); the old picture shows until then.
+    m_viewPitch->setup();
+    m_viewSpectrogram->setup();
     m_viewAmplitudes->setup();
 }
 
@@ -241,26 +236,48 @@ void dataentryTraceContoller::actionEnterAllData()
                   QStringLiteral("OK"));
         return;
     }
-    // The formants come from the spectrogram being computed: the entry waits for it.
-    if (m_viewSpectrogram->isComputing() || !m_viewSpectrogram->getHandle()) {
-        m_bEnterPending = true;
-        m_status->setText(QStringLiteral("Enter All Data runs when the spectrogram is ready"));
-        if (!m_viewSpectrogram->isComputing())
-            m_viewSpectrogram->DoSpectrogramOperation();
-        return;
-    }
-    enterAllDataNow();
+    // The entry reads an analysis of its own, made now with the document's current settings:
+    // the picture on screen has one frame per pixel column, too few for a long recording.
+    m_bEnterPending = true;
+    showStatus(QStringLiteral("Enter All Data runs when the analysis is ready"));
+    m_entryAnalysis.start(*m_pDoc->getChannel(2), SpectrogramSettings::fromDocument(*m_pDoc),
+                          TraceDataEntry::entryAnalysisWidth(*m_pDoc),
+                          TraceDataEntry::kDefaultSpectrogramHeight);
 }
 
-void dataentryTraceContoller::enterAllDataNow()
+namespace
+{
+// What an entry put into the table, in the status line's words; only the tracks the analysis had.
+QString enteredTracks(const PitchTrackComputation& pitch, const SpectrogramComputation& analysis)
+{
+    QStringList entered;
+    if (pitch.m_bHavePitch && pitch.m_nFrameCount > 0)
+        entered << QStringLiteral("f0");
+    if (analysis.m_bHaveFormants && analysis.m_nFormantsFrames > 0)
+        entered << QStringLiteral("f1 - f5") << QStringLiteral("a1f - a5f");
+    if (entered.isEmpty())
+        return QStringLiteral("Nothing entered: the analysis found neither pitch nor formants");
+    const QString last = entered.takeLast();
+    return QStringLiteral("Entered %1")
+        .arg(entered.isEmpty() ? last : entered.join(QStringLiteral(", ")) + QStringLiteral(" and ") + last);
+}
+} // namespace
+
+void dataentryTraceContoller::actionCopySynthesis()
+{
+    if (m_mainTableID)
+        CopySynthesisCommand::start(*m_mainTableID, m_window.get());
+}
+
+void dataentryTraceContoller::enterAllDataNow(const SpectrogramComputation& analysis)
 {
     m_bEnterPending = false;
     try {
         TraceDataEntry::enterAllData(*m_pDoc, m_viewPitch->lists(), m_viewSpectrogram->lists(),
-                                     m_viewAmplitudes->lists(), m_viewPitch->pitchTrack(),
-                                     *m_viewSpectrogram->getHandle());
-        m_status->setText(QStringLiteral("Entered f0, f1 - f5 and a1f - a5f from the analysis"));
+                                     m_viewAmplitudes->lists(), m_viewPitch->pitchTrack(), analysis);
+        showStatus(enteredTracks(m_viewPitch->pitchTrack(), analysis));
     } catch (const std::exception& e) {
+        showStatus({});
         showSheet(QStringLiteral("Error in entering data values"), QString::fromStdString(e.what()),
                   QStringLiteral("Close"));
     }
@@ -275,9 +292,8 @@ void dataentryTraceContoller::enterAllDataNow()
 
 void dataentryTraceContoller::spectrogramComputing(bool computing)
 {
-    m_status->setText(computing ? QStringLiteral("Computing spectrogram\u2026") : QString());
-    if (!computing && m_bEnterPending)
-        enterAllDataNow();
+    if (!m_bEnterPending)
+        showStatus(computing ? QStringLiteral("Computing spectrogram\u2026") : QString());
 }
 
 void dataentryTraceContoller::actionViewOldData(bool show)
@@ -294,52 +310,36 @@ void dataentryTraceContoller::actionViewOldData(bool show)
     ConfigurationFile::writeShowGridData(ConfigurationFile::defaultPath(), show);
 }
 
-void dataentryTraceContoller::forward(void (mainTable::*command)())
-{
-    if (m_mainTableID)
-        (m_mainTableID->*command)();
-}
-
-void dataentryTraceContoller::undo()
-{
-    if (m_pDoc && m_pDoc->canUndo())
-        forward(&mainTable::undo);
-}
-void dataentryTraceContoller::redo()
-{
-    if (m_pDoc && m_pDoc->canRedo())
-        forward(&mainTable::redo);
-}
-void dataentryTraceContoller::_PlayCurrent()
-{
-    forward(&mainTable::_PlayCurrent);
-}
-void dataentryTraceContoller::_PlayPrevious()
-{
-    forward(&mainTable::_PlayPrevious);
-}
-void dataentryTraceContoller::_PlayAudio()
-{
-    if (m_pDoc && m_pDoc->getChannel(2)->hasAudio())
-        forward(&mainTable::_PlayAudio);
-}
-
 bool dataentryTraceContoller::eventFilter(QObject* watched, QEvent* event)
 {
-    if (watched == m_window.get() && event->type() == QEvent::Resize) {
+    if (watched == m_content && event->type() == QEvent::Resize) {
         const QSize size = static_cast<QResizeEvent*>(event)->size();
         specialWindowDidResize(size.width(), size.height());
     }
     return QObject::eventFilter(watched, event);
 }
 
+void dataentryTraceContoller::setLabelStrip(QWidget* strip)
+{
+    m_labelStrip = strip;
+    relayout();
+}
+
+void dataentryTraceContoller::relayout()
+{
+    specialWindowDidResize(m_window->width(), m_window->height());
+}
+
 void dataentryTraceContoller::specialWindowDidResize(int w, int h)
 {
     // The views share the height less the bottom strip in the proportion 1 : 2 : 1.
-    const DataEntryControls::Stack views = DataEntryControls::stack(w, h);
+    const DataEntryControls::Stack views =
+        DataEntryControls::stack(w, h, DataEntryControls::labelHeight(m_labelStrip));
     m_viewPitch->setPosition(views.upper);
     m_viewSpectrogram->setPosition(views.middle);
     m_viewAmplitudes->setPosition(views.lower);
+    if (m_labelStrip)
+        m_labelStrip->setGeometry(views.labels);
     m_controls->place(views);
     const int width = views.upper.width();
     const int stripTop = h - kStrip + 2;
@@ -349,7 +349,22 @@ void dataentryTraceContoller::specialWindowDidResize(int w, int h)
     const int right = kMargin + width;
     const int statusLeft = right - std::min(kStatusWidth, std::max(width - kViewOldWidth, 0));
     const int viewOldLeft = std::max(statusLeft - kViewOldWidth, kMargin);
-    m_scrollBar->setGeometry(kMargin, stripTop + 3, std::max(viewOldLeft - kGap - kMargin, 0), kStrip - 10);
+    // Automatic Copy Synthesis beside Enter All Data, then the scroll bar.
+    const int copyWidth = std::min(m_copySynthesis->sizeHint().width(), std::max(viewOldLeft - kMargin, 0));
+    m_copySynthesis->setGeometry(kMargin, stripTop, copyWidth, kStrip - 4);
+    const int barLeft = kMargin + copyWidth + kGap;
+    m_scrollBar->setGeometry(barLeft, stripTop + 3, std::max(viewOldLeft - kGap - barLeft, 0), kStrip - 10);
     m_viewOldData->setGeometry(viewOldLeft + kGap, stripTop, kViewOldWidth - kGap, kStrip - 4);
     m_status->setGeometry(statusLeft, stripTop, right - statusLeft, kStrip - 4);
+    showStatus(m_statusText);
+}
+
+void dataentryTraceContoller::showStatus(const QString& text)
+{
+    // The strip has room for one line: a longer text is cut with an ellipsis and shown whole
+    // in the tool tip.
+    m_statusText = text;
+    const QString shown = m_status->fontMetrics().elidedText(text, Qt::ElideRight, m_status->width());
+    m_status->setText(shown);
+    m_status->setToolTip(shown == text ? QString() : text);
 }

@@ -1,31 +1,29 @@
 #pragma once
-// The trace window: three views on the grid's time axis over the analysis of the model
+// The trace window (a DataEntryWindow): three views on the grid's time axis over the analysis of the model
 // utterance (viewPitch: the pitch track and f0; viewSpectrogram: the spectrogram with formant
 // tracks and f1 .. f5; viewAmplitudes: a1f .. a5f, av, apv in dB), thirteen track buttons that
 // act as one radio group (choosing a formant also chooses its amplitude), six colour wells,
 // Enter All Data (the whole automatic analysis into the grid at once) and View Old Data.
-// Undo, redo and play go to the table that opened it; Ctrl+S saves the document. The views share
-// one time axis: Ctrl++, Ctrl+-, Ctrl+0 (fit all) and Ctrl+wheel zoom it, the scroll bar in the
-// bottom strip scrolls it.
+// Undo, redo and play go to the table that opened it (its Edit and Play menus show the keys);
+// Ctrl+S saves the document. The views share one time axis: View's Ctrl++, Ctrl+-, Ctrl+0 (fit
+// all) and Ctrl+wheel zoom it, the scroll bar in the bottom strip scrolls it. View > Play After
+// Each Stroke plays the document after each drag (PlayAfterStroke).
 //
-// The window has no menu bar: its content is its whole frame, so the views' sizes in the
-// default 800 x 400 frame are fixed (the spectrogram view is 695 x 187, which the headless
-// entry uses as its default). The controller owns its window; the table owns the controller.
-// Main thread only.
-#include "dataentry/gui/DataEntryControls.h"
-#include "table/gui/DataEntryController.h"
+// The window opens at 800 x 400 with its menu bar; the views share its content. Enter All Data
+// reads an analysis of its own, not the picture on screen, so the views' sizes never change
+// what is entered. The controller owns its window; the table owns the controller. Main thread
+// only. The menus are made in dataentryTraceMenus.cpp.
+#include "dataentry/gui/DataEntryWindow.h"
+#include "display/gui/SpectrogramWorker.h"
 
 #include <QColor>
 #include <QMessageBox>
-#include <QObject>
 #include <QPointer>
 
 #include <array>
 #include <functional>
 #include <memory>
-#include <optional>
 
-class MyDocument;
 class mainTable;
 class viewPitch;
 class viewSpectrogram;
@@ -33,59 +31,55 @@ class viewAmplitudes;
 class TraceView;
 class QCheckBox;
 class QLabel;
-class QScrollBar;
-class TimeAxisZoom;
-
-class QPushButton;
+class QAction;
+class QMainWindow;
 class QWidget;
 
-class dataentryTraceContoller : public QObject, public DataEntryController
+class dataentryTraceContoller : public DataEntryWindow
 {
     Q_OBJECT
 public:
-    using Button = DataEntryControls::Button;
-    using enum DataEntryControls::Button;
-
     dataentryTraceContoller(MyDocument* doc, mainTable* table, QObject* parent = nullptr);
     ~dataentryTraceContoller() override;
 
     // DataEntryController: after undo, redo and revert.
     void setupViews() override;
+    // The analysis settings or the model changed: the views' analyses are computed again.
+    void analysisSettingsChanged() override;
     QWidget* window() override;
 
-    void setmaintableID(mainTable* table);
     // What Ctrl+S runs (the document window's save); none: Ctrl+S does nothing.
     void setSaveCommand(std::function<void()> save) { m_save = std::move(save); }
-    MyDocument* document() const { return m_pDoc; }
 
     void actionTrace(Button button);
     void actionColor(int well, const QColor& color);
     void actionEnterAllData();
+    // Every parameter estimated from the model, as one undo step (see CopySynthesisCommand).
+    void actionCopySynthesis();
     void actionViewOldData(bool show);
     QColor getControlColor(const std::string& key) const;
 
-    void undo();
-    void redo();
-    void _PlayCurrent();
-    void _PlayPrevious();
-    void _PlayAudio();
-
+    QAction* playAfterStrokeAction() const { return m_playAfterStroke; }
     viewPitch* _viewPitch() const { return m_viewPitch; }
     viewSpectrogram* _viewSpectrogram() const { return m_viewSpectrogram; }
     viewAmplitudes* _viewAmplitudes() const { return m_viewAmplitudes; }
-    QPushButton* button(Button b) const { return m_controls->button(b); }
     QPushButton* _EnterAllData() const { return m_enterAllData; }
+    QPushButton* _AutomaticCopySynthesis() const { return m_copySynthesis; }
     QCheckBox* _ViewOldData() const { return m_viewOldData; }
     QLabel* statusLabel() const { return m_status; }
-    // The zoom and scroll position the three views share, and its scroll bar.
-    TimeAxisZoom* timeAxis() const { return m_timeAxis; }
-    QScrollBar* scrollBar() const { return m_scrollBar; }
+    // The status line's whole text (the label shows it elided when it is too long).
+    QString statusText() const { return m_statusText; }
     // The last sheet shown (nullptr when none is open).
     QMessageBox* sheet() const { return m_sheet; }
-    // Enter All Data was asked for while the spectrogram was computing: it runs on arrival.
+    // Enter All Data was asked for and waits for its analysis (computed in the background with
+    // at least one frame per document frame, whatever the window's size): it runs on arrival.
     bool enterAllDataPending() const { return m_bEnterPending; }
 
     void specialWindowDidResize(int w, int h);
+    // The label strip under the views (made by the labels' code, a child of the window's
+    // content): laid out at its size hint while shown; relayout() after its height changes.
+    void setLabelStrip(QWidget* strip);
+    void relayout();
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -93,26 +87,29 @@ protected:
 private:
     void windowDidLoad();
     void makeControls();
-    void makeShortcuts();
+    void makeMenus();
+    void strokeCommitted(const TraceView* view);
     void showSheet(const QString& title, const QString& message, const QString& buttonText);
     void spectrogramComputing(bool computing);
-    void enterAllDataNow();
-    void forward(void (mainTable::*command)());
+    void showStatus(const QString& text);
+    void enterAllDataNow(const SpectrogramComputation& analysis);
     std::array<TraceView*, 3> views() const;
+    std::array<DataEntryPlot*, 3> plots() const override;
 
-    MyDocument* m_pDoc = nullptr;
-    mainTable* m_mainTableID = nullptr;
-    std::unique_ptr<QWidget> m_window;
+    std::unique_ptr<QMainWindow> m_window;
+    QWidget* m_content = nullptr; // the window's central widget, which the views share
+    QAction* m_playAfterStroke = nullptr;
     viewPitch* m_viewPitch = nullptr;
     viewSpectrogram* m_viewSpectrogram = nullptr;
     viewAmplitudes* m_viewAmplitudes = nullptr;
-    std::optional<DataEntryControls> m_controls;
     QPushButton* m_enterAllData = nullptr;
+    QPushButton* m_copySynthesis = nullptr; // Automatic Copy Synthesis, through the table
     QCheckBox* m_viewOldData = nullptr;
     QLabel* m_status = nullptr;
-    TimeAxisZoom* m_timeAxis = nullptr;
-    QScrollBar* m_scrollBar = nullptr;
+    QString m_statusText;
+    QPointer<QWidget> m_labelStrip;
     QPointer<QMessageBox> m_sheet;
     std::function<void()> m_save;
     bool m_bEnterPending = false;
+    SpectrogramWorker m_entryAnalysis;
 };

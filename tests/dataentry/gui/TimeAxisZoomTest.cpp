@@ -1,8 +1,8 @@
 // Horizontal zoom of the data-entry windows, driven with real key, wheel and mouse events under
 // the offscreen platform: a zoomed drag writes the frame under the pointer, fit all gives back
 // the unzoomed mapping, the scroll bar follows the zoom, and the time labels never overlap.
-#include "DataEntryTestSupport.h"
 #include "dataentry/gui/TimeAxisZoom.h"
+#include "DataEntryTestSupport.h"
 #include "dataentry/gui/graphical/dataentryGraphicalController.h"
 #include "dataentry/gui/graphical/viewF0.h"
 #include "dataentry/gui/graphical/viewFormants.h"
@@ -41,14 +41,9 @@ struct GraphicalZoom : ::testing::Test {
 
     void SetUp() override
     {
-        makeLong(doc, 6000);
+        setTestFrames(doc, 6000);
         controller = std::make_unique<dataentryGraphicalController>(&doc, nullptr);
-        QWidget* window = controller->window();
-        window->show();
-        const QSize content = static_cast<QWidget*>(controller->_viewF0()->parent())->size();
-        window->resize(window->width() + (505 - content.width()),
-                       window->height() + (426 - content.height()));
-        QApplication::processEvents();
+        showContentAt(*controller, 505, 426);
     }
     TimeAxisZoom& axis() { return *controller->timeAxis(); }
     int f0(int frame) const
@@ -229,7 +224,7 @@ struct TraceZoom : ::testing::Test {
 
     void SetUp() override
     {
-        makeLong(doc, 200);
+        setTestFrames(doc, 200);
         table = std::make_unique<mainTable>(&doc);
         controller = std::make_unique<dataentryTraceContoller>(&doc, table.get());
         controller->window()->show();
@@ -270,6 +265,38 @@ TEST_F(TraceZoom, ZoomedDragsWriteTheColumnUnderThePointerInEveryView)
     EXPECT_EQ(controller->scrollBar()->maximum(), 0);
     for (int x = 0; x < 695; x += 7)
         ASSERT_EQ(amplitudes.columnAt(x), x * 200 / 695) << x;
+}
+
+TEST_F(TraceZoom, ZoomedInTheVisibleStretchIsComputedAgainAtScreenResolution)
+{
+    // A 2 s recording: a 500 Hz tone, louder in its second half.
+    std::vector<float> samples(22050);
+    for (std::size_t i = 0; i < samples.size(); ++i)
+        samples[i] = static_cast<float>((i < 11025 ? 0.1 : 0.4) * std::sin(2.0 * M_PI * 500.0 * i / 11025.0));
+    setSamples(*doc.getChannel(2), samples, 11025.0);
+    controller->analysisSettingsChanged();
+    viewSpectrogram& view = *controller->_viewSpectrogram();
+    ASSERT_TRUE(waitFor([&] { return !view.isComputing() && view.getHandle(); }));
+    EXPECT_EQ(view.zoomedResult(), nullptr) << "nothing of its own at fit all";
+
+    TimeAxisZoom& axis = *controller->timeAxis();
+    for (int i = 0; i < 3; ++i)
+        QTest::keyClick(controller->window(), Qt::Key_Plus, Qt::ControlModifier);
+    controller->scrollBar()->setValue(2000);
+    ASSERT_FALSE(axis.isFitAll());
+    EXPECT_NE(view.getHandle(), nullptr) << "the whole picture stays, stretched, until the stretch is ready";
+    ASSERT_TRUE(waitFor([&] { return view.zoomedResult() != nullptr && !view.isComputingZoomed(); }));
+    const auto [first, last] = axis.visibleMS(2000.0, view.width());
+    EXPECT_NEAR(view.zoomedMS().first, first, 0.2);
+    EXPECT_NEAR(view.zoomedMS().second, last, 0.2);
+    const SpectrogramWorker::Result& zoomed = *view.zoomedResult();
+    EXPECT_EQ(zoomed.width, view.width()) << "one analysis frame per pixel column of the stretch";
+    EXPECT_EQ(zoomed.computation.m_nDisplayRange, view.width());
+    EXPECT_FALSE(zoomed.image.isNull());
+
+    // Fit all shows the whole recording's picture again.
+    QTest::keyClick(controller->window(), Qt::Key_0, Qt::ControlModifier);
+    ASSERT_TRUE(waitFor([&] { return view.zoomedResult() == nullptr; }));
 }
 
 } // namespace

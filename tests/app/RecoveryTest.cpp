@@ -1,0 +1,130 @@
+// The crash-recovery copies: written a while after an edit, removed by a save or by letting the
+// changes go (closing the window or quitting), offered again after a crash.
+#include "app/WorkbenchFixtures.h"
+
+TEST(Recovery, AnEditIsCopiedAWhileAfterAndTheCopyGoesWithSaveOrClose)
+{
+    StateFolder state;
+    Workbench wb;
+    DocumentWindow* w = wb.app.newDocument();
+    typeInto(w, Row::f1, 3, 700);
+    EXPECT_TRUE(state.copies().isEmpty()) << "not at once";
+    for (int i = 0; i < 250 && state.copies().isEmpty(); ++i)
+        QTest::qWait(20);
+    ASSERT_EQ(state.copies().size(), 1);
+    MyDocument back;
+    ASSERT_EQ(back.Read_STK_FileType(fileText(state.folder() + "/" + state.copies()[0])), 0);
+    EXPECT_EQ(back.getChannel(0)->m_snppDataImage_Col_Row[2][Row::f1], 700);
+    EXPECT_TRUE(w->isWindowModified()) << "a copy is not a save";
+
+    ASSERT_TRUE(w->saveDocumentTo(wb.path("v.stk")));
+    EXPECT_TRUE(state.copies().isEmpty());
+
+    typeInto(w, Row::f1, 4, 800);
+    ASSERT_TRUE(w->autosaveNow());
+    EXPECT_EQ(state.copies().size(), 1);
+    whenModal<QMessageBox>([](QMessageBox* box) {
+        for (QAbstractButton* b : box->buttons())
+            if (box->buttonRole(b) == QMessageBox::DestructiveRole)
+                b->click();
+    });
+    EXPECT_TRUE(w->close());
+    EXPECT_TRUE(state.copies().isEmpty()) << "closed without saving on purpose";
+}
+
+TEST(Recovery, CopiesLeftByAWorkbenchThatEndedAreRecoveredOrDiscarded)
+{
+    StateFolder state;
+    QTemporaryDir files;
+    const QString saved = files.filePath("vowel.stk");
+    {
+        WorkbenchApplication crashed;
+        crashed.setQuietAlerts(true);
+        DocumentWindow* a = crashed.newDocument();
+        typeInto(a, Row::f1, 3, 700);
+        ASSERT_TRUE(a->saveDocumentTo(saved));
+        typeInto(a, Row::f1, 3, 710);
+        DocumentWindow* b = crashed.newDocument(); // "Untitled 2"
+        typeInto(b, Row::f2, 5, 1700);
+        crashed.newDocument(); // nothing to copy
+        crashed.autosaveAll();
+        EXPECT_EQ(state.copies().size(), 2);
+        WorkbenchApplication running;
+        EXPECT_TRUE(running.autosave()->leftBehind().isEmpty())
+            << "the copies of a running workbench stay its own";
+    } // gone without closing its windows, as in a crash
+    ASSERT_EQ(state.copies().size(), 2);
+    std::ofstream((state.folder() + "/999.1-1.stk").toStdString()) << "not a document";
+
+    const QStringList old = state.copies();
+    {
+        WorkbenchApplication next;
+        next.setQuietAlerts(true);
+        whenModal<RecoveryDialog>([](RecoveryDialog* dialog) {
+            EXPECT_EQ(dialog->windowTitle(), "Recover Unsaved Documents");
+            EXPECT_EQ(dialog->list()->count(), 3);
+            QStringList lines;
+            for (int i = 0; i < dialog->list()->count(); ++i)
+                lines << dialog->list()->item(i)->text();
+            EXPECT_EQ(lines.filter("Untitled 2 — changed").size(), 1) << lines.join("|").toStdString();
+            EXPECT_EQ(lines.filter("vowel.stk — changed").size(), 1);
+            dialog->recoverButton()->click();
+        });
+        EXPECT_EQ(next.offerRecovery(), 2);
+        EXPECT_TRUE(next.lastAlert().contains("could not be recovered")) << next.lastAlert().toStdString();
+        DocumentWindow* vowel = windowNamed(next, "vowel.stk");
+        ASSERT_NE(vowel, nullptr);
+        EXPECT_EQ(vowel->filePath(), saved);
+        EXPECT_TRUE(vowel->isWindowModified());
+        EXPECT_EQ(value(vowel, Row::f1, 3), 710);
+        DocumentWindow* untitled = windowNamed(next, "Untitled 2");
+        ASSERT_NE(untitled, nullptr);
+        EXPECT_TRUE(untitled->filePath().isEmpty());
+        EXPECT_EQ(value(untitled, Row::f2, 5), 1700);
+        // The recovered documents have copies of their own; the unreadable one is kept.
+        const QStringList now = state.copies();
+        EXPECT_EQ(now.size(), 3);
+        EXPECT_TRUE(now.contains("999.1-1.stk"));
+        for (const QString& copy : old) {
+            if (copy != "999.1-1.stk")
+                EXPECT_FALSE(now.contains(copy)) << copy.toStdString();
+        }
+    }
+
+    WorkbenchApplication last;
+    whenModal<RecoveryDialog>([](RecoveryDialog* dialog) { dialog->discardButton()->click(); });
+    EXPECT_EQ(last.offerRecovery(), 0);
+    EXPECT_TRUE(last.windows().empty());
+    EXPECT_TRUE(state.copies().isEmpty());
+}
+
+TEST(Recovery, QuitWithDontSaveLeavesNoCopyAndNoLock)
+{
+    StateFolder state;
+    {
+        Workbench wb;
+        DocumentWindow* w = wb.app.newDocument();
+        typeInto(w, Row::f1, 3, 700);
+        ASSERT_TRUE(w->autosaveNow());
+        ASSERT_EQ(state.copies().size(), 1);
+        EXPECT_EQ(QDir(state.folder()).entryList({"*.lock"}, QDir::Files).size(), 1)
+            << "this workbench's own";
+
+        // File > Quit, then Don't Save in the question about the changes.
+        whenModal<QMessageBox>([](QMessageBox* box) {
+            for (QAbstractButton* b : box->buttons())
+                if (box->buttonRole(b) == QMessageBox::DestructiveRole)
+                    b->click();
+        });
+        QAction* quit = action(w, "&Quit");
+        ASSERT_NE(quit, nullptr);
+        quit->trigger();
+        EXPECT_TRUE(state.copies().isEmpty()) << "the changes were let go on purpose";
+        // What the application runs as its event loop ends: no copy comes back.
+        wb.app.autosaveAll();
+        EXPECT_TRUE(state.copies().isEmpty());
+    }
+    EXPECT_TRUE(QDir(state.folder()).entryList({"*.lock"}, QDir::Files).isEmpty()) << "a clean exit";
+    WorkbenchApplication next;
+    EXPECT_TRUE(next.autosave()->leftBehind().isEmpty()) << "nothing to offer at the next start";
+}

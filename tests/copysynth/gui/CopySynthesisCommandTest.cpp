@@ -1,0 +1,141 @@
+// Automatic Copy Synthesis in the workbench, driven through the trace window's button and the
+// command itself under the offscreen platform: one undo step, the command line's bytes, and a
+// Cancel that leaves the document as it was.
+#include "support/TestSignals.h"
+// Qt's `signals` keyword would swallow the namespace's name below.
+namespace testsignals = signals;
+
+#include "copysynth/gui/CopySynthesisCommand.h"
+#include "dataentry/gui/trace/dataentryTraceContoller.h"
+#include "support/DocumentTestSupport.h"
+#include "support/TestChannels.h"
+#include "support/TestFiles.h"
+#include "support/WidgetEvents.h"
+#include "table/gui/Alert.h"
+#include "table/gui/mainTable.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QProgressDialog>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <cstdlib>
+#include <fstream>
+
+namespace
+{
+
+constexpr double kRate = 11025.0;
+
+// A vowel gliding in f0 and F1 over `seconds`, then a hiss, as the bytes of a WAVE file.
+std::string recordingWave(double seconds)
+{
+    const int n = static_cast<int>(seconds * kRate);
+    std::vector<double> x(n, 0.0);
+    const int voiced = n * 3 / 4;
+    const std::vector<double> low =
+        testsignals::vowel(voiced, 110.0, kRate, {{650, 90}, {1150, 110}, {2500, 160}});
+    const std::vector<double> hiss = testsignals::noise(n - voiced, 7, 0.03);
+    for (int i = 0; i < voiced; ++i)
+        x[i] = 0.08 * low[i];
+    for (int i = voiced; i < n; ++i)
+        x[i] = hiss[i - voiced];
+    return waveFileBytes(testsignals::toFloat(x), kRate);
+}
+
+struct CopySynthesisWindow : ::testing::Test {
+    TempDir folder;
+    MyDocument doc;
+    std::unique_ptr<mainTable> table;
+    std::string wav;
+
+    void SetUp() override
+    {
+        wav = folder / "recording.wav";
+        std::ofstream(wav, std::ios::binary) << recordingWave(1.5);
+        ASSERT_TRUE(openBytes(doc, slurp(wav))) << doc.lastReadError();
+        table = std::make_unique<mainTable>(&doc);
+        Alert::setHandler([this](const QString& title, const QString& message, const QString&) {
+            alerts.push_back((title + ": " + message).toStdString());
+        });
+    }
+    void TearDown() override { Alert::setHandler({}); }
+    std::string saved(const std::string& name)
+    {
+        const std::string path = folder / name;
+        std::string error;
+        EXPECT_TRUE(doc.writeSafelyToURL(path, "stk", &error)) << error;
+        return slurp(path);
+    }
+    std::vector<std::string> alerts;
+};
+
+} // namespace
+
+TEST_F(CopySynthesisWindow, TheButtonAppliesOneUndoStepThatEqualsTheCommandLine)
+{
+    const std::string before = saved("before.stk");
+    dataentryTraceContoller trace(&doc, table.get());
+    trace.window()->show();
+    QPushButton* button = trace._AutomaticCopySynthesis();
+    ASSERT_NE(button, nullptr);
+    EXPECT_EQ(button->text(), QStringLiteral("Automatic Copy Synthesis"));
+    QTest::mouseClick(button, Qt::LeftButton);
+    ASSERT_TRUE(waitFor([&] { return doc.canUndo(); }));
+    ASSERT_TRUE(waitFor([&] { return !table->findChild<QProgressDialog*>(); }));
+    EXPECT_TRUE(alerts.empty()) << alerts.front();
+    EXPECT_TRUE(doc.getChannel(2)->hasAudio()); // the model stays for Play Model
+    const std::string window = saved("window.stk");
+
+    const std::string cli = folder / "cli.stk";
+    ASSERT_EQ(std::system((std::string(TESSAPHON_CLI) + " copysynth " + wav + " -o " + cli).c_str()), 0);
+    EXPECT_FALSE(window.empty());
+    EXPECT_TRUE(window == slurp(cli));
+    EXPECT_FALSE(window == before);
+
+    // One undo step: undo gives back the document as it was, redo the copy synthesis.
+    table->undo();
+    EXPECT_TRUE(saved("undone.stk") == before);
+    EXPECT_FALSE(doc.canUndo());
+    table->redo();
+    EXPECT_TRUE(saved("redone.stk") == window);
+}
+
+TEST_F(CopySynthesisWindow, CancelLeavesTheDocumentUntouched)
+{
+    const std::string before = saved("before.stk");
+    CopySynthesisCommand* command = CopySynthesisCommand::start(*table, table.get());
+    ASSERT_NE(command, nullptr);
+    QSignalSpy finished(command, &CopySynthesisCommand::finished);
+    QPushButton* cancel = command->progressDialog()->findChild<QPushButton*>();
+    ASSERT_NE(cancel, nullptr);
+    cancel->click();
+    ASSERT_TRUE(waitFor([&] { return finished.count() == 1; }));
+    EXPECT_FALSE(finished.at(0).at(0).toBool());
+    EXPECT_FALSE(doc.canUndo());
+    EXPECT_TRUE(saved("after.stk") == before);
+    EXPECT_TRUE(alerts.empty());
+}
+
+TEST_F(CopySynthesisWindow, WithoutAModelOrWithATooShortOneAnAlertSaysWhy)
+{
+    MyDocument empty;
+    empty.buildDataTableDictionary();
+    mainTable emptyTable(&empty);
+    EXPECT_EQ(CopySynthesisCommand::start(emptyTable, &emptyTable), nullptr);
+    ASSERT_EQ(alerts.size(), 1u);
+    EXPECT_NE(alerts[0].find("model"), std::string::npos) << alerts[0];
+
+    // Ten samples: the estimation refuses them, the document stays as it was.
+    setSamples(*doc.getChannel(2), std::vector<float>(10, 0.1f), kRate);
+    CopySynthesisCommand* command = CopySynthesisCommand::start(*table, table.get());
+    ASSERT_NE(command, nullptr);
+    QSignalSpy finished(command, &CopySynthesisCommand::finished);
+    ASSERT_TRUE(waitFor([&] { return finished.count() == 1; }));
+    EXPECT_FALSE(finished.at(0).at(0).toBool());
+    EXPECT_EQ(alerts.size(), 2u);
+    EXPECT_FALSE(doc.canUndo());
+}
