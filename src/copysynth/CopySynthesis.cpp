@@ -187,13 +187,17 @@ void chooseOpenPhase(const LevelMatching& judge, std::vector<FrameValues>& frame
 // resonators give them, or the parallel branch, each peak's height matched to the recording.
 // The parallel formants take 0.7 of the cascade's bandwidths: in the parallel sum each peak's
 // flanks also hold its neighbours' skirts, which widens it. The branch whose synthesis comes
-// closer to the recording's spectra is kept for the utterance.
+// closer to the recording's spectra is kept for the utterance. The cascade is judged on a
+// thread of its own while the parallel branch is matched.
 bool chooseVoicingBranch(const LevelMatching& judge, std::vector<FrameValues>& frames)
 {
     constexpr double kParallelBandwidthScale = 0.7;
+    std::future<double> cascade =
+        std::async(std::launch::async, [&judge, &frames] { return judge.spectralDistance(frames); });
     std::vector<FrameValues> parallel = frames;
     judge.matchParallelVoicing(parallel, 2, kParallelBandwidthScale);
-    if (!(judge.spectralDistance(parallel) < judge.spectralDistance(frames)))
+    const double parallelDistance = judge.spectralDistance(parallel);
+    if (!(parallelDistance < cascade.get()))
         return false;
     frames = std::move(parallel);
     return true;
