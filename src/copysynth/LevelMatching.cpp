@@ -172,21 +172,18 @@ void LevelMatching::matchVoicing(std::vector<FrameValues>& frames, int passes) c
     }
 }
 
+int LevelMatching::frameLength(double rate) const
+{
+    // A frame's own stretch only: a longer window would hear the loud voiced neighbours of a
+    // short unvoiced stretch and ask the frication for their level.
+    return std::max(8, static_cast<int>(1.5 * m_nInterval / 1000.0 * rate));
+}
+
 std::vector<std::vector<double>> LevelMatching::bandLevels(const float* x, std::size_t count, double rate,
                                                            const std::vector<FrameValues>& frames,
                                                            bool voiced) const
 {
-    // A frame's own stretch only: a longer window would hear the loud voiced neighbours of a
-    // short unvoiced stretch and ask the frication for their level.
-    const int length = std::max(8, static_cast<int>(1.5 * m_nInterval / 1000.0 * rate));
-    const Fft fft(fftSizeFor(length));
-    const int size = fft.size();
-    const std::vector<double> window = hannWindow(length);
-    double energy = 0.0;
-    for (double w : window)
-        energy += w * w;
-    std::vector<double> segment(length), power(size / 2 + 1);
-    std::vector<std::complex<double>> work(size);
+    FrameSpectrum spectrum(frameLength(rate));
     // The four bands end at 5.5 kHz: above it the sixth to eighth formants take over.
     const double top = std::min({rate, m_target.rate, static_cast<double>(m_nRate), 2.0 * kHighBandHz}) / 2.0;
     std::vector<std::vector<double>> out(m_target.centres.size());
@@ -197,17 +194,10 @@ std::vector<std::vector<double>> LevelMatching::bandLevels(const float* x, std::
         const double edges[kFricationBands + 1] = {
             0.5 * (v[Row::f1] + v[Row::f2]), 0.5 * (v[Row::f2] + v[Row::f3]), 0.5 * (v[Row::f3] + v[Row::f4]),
             0.5 * (v[Row::f4] + v[Row::f5]), top};
-        windowedSegment(x, count, m_target.centres[f] * rate, length, window, segment.data());
-        fft.powerSpectrum(segment.data(), length, work.data(), power.data());
+        spectrum.analyse(x, count, m_target.centres[f] * rate);
         out[f].resize(kFricationBands);
-        for (int b = 0; b < kFricationBands; ++b) {
-            const int lo = static_cast<int>(std::ceil(edges[b] * size / rate));
-            const int hi = std::min(size / 2, static_cast<int>(std::floor(edges[b + 1] * size / rate)));
-            double sum = 0.0;
-            for (int k = std::max(lo, 0); k <= hi; ++k)
-                sum += power[k];
-            out[f][b] = levelDb(2.0 * sum / (size * energy));
-        }
+        for (int b = 0; b < kFricationBands; ++b)
+            out[f][b] = spectrum.bandLevelDb(edges[b], edges[b + 1], rate);
     }
     return out;
 }

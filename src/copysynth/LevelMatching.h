@@ -62,6 +62,8 @@ public:
 private:
     // The frames with some sources switched off.
     static std::vector<FrameValues> only(std::vector<FrameValues> frames, bool voicing, bool noise);
+    // Samples in the band-level frames at `rate`: one and a half frame intervals, 8 at least.
+    int frameLength(double rate) const;
     // Level (dB) of the band lo .. hi Hz around every frame centre.
     std::vector<double> bandLevel(const float* x, std::size_t count, double rate, double lo, double hi) const;
     std::vector<double> levelsOf(const Rendering& r) const;
