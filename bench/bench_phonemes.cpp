@@ -1,11 +1,17 @@
 // Synthesis by rule: a ten-word sentence from words to a document (the phonemizer started once,
-// before the timing; tessaphon-cli's whole-process figure, start-up included, is in
-// cli_bench.sh), the same from phonemes, and the document made and saved.
+// before the timing), the same from phonemes, and the document made and saved; then what the
+// user waits for, tessaphon-cli's whole process from the words (start-up, the phonemizer's
+// start, the rules, the atomic write) and from the same sentence's phonemes, which leaves out
+// the phonemizer.
+#include "CliProcess.h"
 #include "document/MyDocument.h"
 #include "phonemes/PhonemeDocument.h"
 #include "phonemes/english/TextPhonemes.h"
 
 #include <benchmark/benchmark.h>
+
+#include <filesystem>
+#include <unistd.h>
 
 namespace
 {
@@ -36,6 +42,31 @@ void BM_PhonemesToFrames(benchmark::State& state)
     }
 }
 BENCHMARK(BM_PhonemesToFrames)->Unit(benchmark::kMicrosecond);
+
+std::string outputPath()
+{
+    return (std::filesystem::temp_directory_path() /
+            ("tessaphon-bench-phonemes-" + std::to_string(::getpid()) + ".stk"))
+        .string();
+}
+
+void BM_CliTextToDocument(benchmark::State& state)
+{
+    const std::string output = outputPath();
+    cliprocess::timeCommand(state, {"phonemes", "--text", kSentence, "-o", output});
+    std::filesystem::remove(output);
+}
+BENCHMARK(BM_CliTextToDocument)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+void BM_CliPhonemesToDocument(benchmark::State& state)
+{
+    const PhonemeInventory& table = PhonemeInventory::americanEnglish();
+    const std::string arpabet = PhonemeString::describe(TextPhonemes::read(kSentence, table).tokens);
+    const std::string output = outputPath();
+    cliprocess::timeCommand(state, {"phonemes", arpabet, "-o", output});
+    std::filesystem::remove(output);
+}
+BENCHMARK(BM_CliPhonemesToDocument)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 } // namespace
 

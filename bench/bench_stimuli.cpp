@@ -3,25 +3,21 @@
 // and a batch synthesis of 200 documents of 2 s with one job and
 // with two. Each iteration starts tessaphon-cli and waits for it; the counters give the CPU time
 // of the processes per iteration (user + system), which the machine's load does not inflate.
+#include "CliProcess.h"
 #include "document/MyDocument.h"
 #include "stimulus/Stimulus.h"
 
-#include <benchmark/benchmark.h>
-
 #include <cmath>
 #include <filesystem>
-#include <spawn.h>
 #include <string>
-#include <sys/resource.h>
-#include <sys/wait.h>
+#include <unistd.h>
 #include <vector>
-
-extern char** environ;
 
 namespace
 {
 
 namespace fs = std::filesystem;
+using cliprocess::timeCommand;
 
 const fs::path& workFolder()
 {
@@ -52,39 +48,6 @@ void writeDocument(const fs::path& path, int ms, int f0, int f2)
     std::string error;
     if (!document.writeSafelyToURL(path.string(), "stk", &error))
         throw std::runtime_error(error);
-}
-
-double childCpuSeconds()
-{
-    rusage usage{};
-    ::getrusage(RUSAGE_CHILDREN, &usage);
-    return usage.ru_utime.tv_sec + usage.ru_stime.tv_sec +
-           (usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
-}
-
-// Runs tessaphon-cli with the arguments; false when it did not succeed.
-bool run(const std::vector<std::string>& arguments)
-{
-    std::vector<char*> argv{const_cast<char*>(TESSAPHON_CLI)};
-    for (const std::string& a : arguments)
-        argv.push_back(const_cast<char*>(a.c_str()));
-    argv.push_back(nullptr);
-    pid_t pid = 0;
-    if (::posix_spawn(&pid, TESSAPHON_CLI, nullptr, nullptr, argv.data(), environ) != 0)
-        return false;
-    int status = 0;
-    ::waitpid(pid, &status, 0);
-    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
-}
-
-void timeCommand(benchmark::State& state, const std::vector<std::string>& arguments)
-{
-    const double cpuBefore = childCpuSeconds();
-    for (auto _ : state)
-        if (!run(arguments))
-            state.SkipWithError("tessaphon-cli failed");
-    state.counters["cpu_s"] =
-        benchmark::Counter((childCpuSeconds() - cpuBefore), benchmark::Counter::kAvgIterations);
 }
 
 std::vector<std::string> continuumArguments(const std::string& folder)

@@ -7,7 +7,7 @@ packages=(
     libgtest-dev libgmock-dev googletest libbenchmark-dev libclang-rt-14-dev
     qt6-base-dev qt6-base-dev-tools qt6-svg-dev libgl-dev
     portaudio19-dev libasound2-dev libasound2-plugins
-    libcli11-dev libpng-dev libespeak-ng-dev libsoxr-dev libsndfile1-dev
+    libcli11-dev libpng-dev libespeak-ng-dev libsonic-dev libpcaudio-dev libsoxr-dev libsndfile1-dev
     pybind11-dev python3-dev python3-numpy python3-pytest
     xvfb xauth imagemagick openbox xdotool
     librsvg2-bin desktop-file-utils shared-mime-info libxml2-utils

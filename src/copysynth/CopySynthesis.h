@@ -4,7 +4,9 @@
 // path search over autocorrelation candidates, f1..f5 (f6..f8 at 22050 Hz) and b1..b5 from LPC
 // roots tracked by a path search under several formant ceilings (the smoothest kept), noise
 // amplitudes from the band energies of unvoiced frames, and levels corrected by synthesizing
-// the estimate and measuring it against the recording; the whole is scaled so nothing clips.
+// the estimate and measuring it against the recording; the voice goes through the cascade or,
+// when that comes closer to the recording, through the parallel branch with each formant's
+// amplitude matched; the whole is scaled so nothing clips.
 //
 // One entry point serves the command-line tool, the workbench and the Python module, and one
 // function turns its result into a document, so all three produce the same bytes.
@@ -48,9 +50,10 @@ struct CopySynthesisReport {
     bool silent = false;       // the recording holds no signal: the document is silent
     double maxFormantHz = 0.0; // the ceiling the formant tracks came from
     bool ceilingAutomatic = false;
-    bool highFormants = false; // f6..f8 in use (the synthesis runs at 22050 Hz)
-    int gain = 0;              // the `gain` row's value
-    double peakLevel = 0.0;    // peak of the result's synthesis, 1.0 = full scale
+    bool highFormants = false;    // f6..f8 in use (the synthesis runs at 22050 Hz)
+    bool parallelVoicing = false; // the voice goes through the parallel branch (av 0, apv and a1f..a5f)
+    int gain = 0;                 // the `gain` row's value
+    double peakLevel = 0.0;       // peak of the result's synthesis, 1.0 = full scale
 };
 
 struct CopySynthesisResult {
@@ -85,6 +88,7 @@ void applyCopySynthesis(const CopySynthesisResult& result, MyDocument& document)
 // A new document (as MyDocument() makes one) holding the result.
 std::unique_ptr<MyDocument> copySynthesisDocument(const CopySynthesisResult& result);
 
-// One line on the result: "N frames, V% voiced, formant ceiling C Hz (automatic), gain G dB",
+// One line on the result: "N frames, V% voiced, formant ceiling C Hz (automatic), voicing
+// through the cascade (or: the parallel branch), gain G dB",
 // or "the recording is silent: the document is silent" for a silent one.
 std::string copySynthesisSummary(const CopySynthesisReport& report);

@@ -172,34 +172,43 @@ void LevelMatching::matchVoicing(std::vector<FrameValues>& frames, int passes) c
     }
 }
 
-int LevelMatching::frameLength(double rate) const
+int LevelMatching::frameLength(double seconds, double rate)
 {
-    // A frame's own stretch only: a longer window would hear the loud voiced neighbours of a
-    // short unvoiced stretch and ask the frication for their level.
-    return std::max(8, static_cast<int>(1.5 * m_nInterval / 1000.0 * rate));
+    return std::max(8, static_cast<int>(seconds * rate));
+}
+
+std::vector<std::vector<double>> LevelMatching::levelsInBands(const float* x, std::size_t count, double rate,
+                                                              const std::vector<FrameValues>& frames,
+                                                              const BandLayout& layout) const
+{
+    FrameSpectrum spectrum(frameLength(layout.windowS, rate));
+    // The bands end at 5.5 kHz: above it the sixth to eighth formants take over.
+    const double top = std::min({rate, m_target.rate, static_cast<double>(m_nRate), 2.0 * kHighBandHz}) / 2.0;
+    std::vector<std::vector<double>> out(m_target.centres.size());
+    for (std::size_t f = 0; f < m_target.centres.size(); ++f) {
+        if (m_target.voiced[f] != layout.voiced)
+            continue;
+        const std::vector<double> edges = layout.edges(frames[f], top);
+        spectrum.analyse(x, count, m_target.centres[f] * rate);
+        out[f].resize(edges.size() - 1);
+        for (std::size_t b = 0; b + 1 < edges.size(); ++b)
+            out[f][b] = spectrum.bandLevelDb(edges[b], edges[b + 1], rate);
+    }
+    return out;
 }
 
 std::vector<std::vector<double>> LevelMatching::bandLevels(const float* x, std::size_t count, double rate,
                                                            const std::vector<FrameValues>& frames,
                                                            bool voiced) const
 {
-    FrameSpectrum spectrum(frameLength(rate));
-    // The four bands end at 5.5 kHz: above it the sixth to eighth formants take over.
-    const double top = std::min({rate, m_target.rate, static_cast<double>(m_nRate), 2.0 * kHighBandHz}) / 2.0;
-    std::vector<std::vector<double>> out(m_target.centres.size());
-    for (std::size_t f = 0; f < m_target.centres.size(); ++f) {
-        if (m_target.voiced[f] != voiced)
-            continue;
-        const FrameValues& v = frames[f];
-        const double edges[kFricationBands + 1] = {
-            0.5 * (v[Row::f1] + v[Row::f2]), 0.5 * (v[Row::f2] + v[Row::f3]), 0.5 * (v[Row::f3] + v[Row::f4]),
-            0.5 * (v[Row::f4] + v[Row::f5]), top};
-        spectrum.analyse(x, count, m_target.centres[f] * rate);
-        out[f].resize(kFricationBands);
-        for (int b = 0; b < kFricationBands; ++b)
-            out[f][b] = spectrum.bandLevelDb(edges[b], edges[b + 1], rate);
-    }
-    return out;
+    // A frame's own stretch only: a longer window would hear the loud voiced neighbours of a
+    // short unvoiced stretch and ask the frication for their level.
+    const BandLayout layout{1.5 * m_nInterval / 1000.0, voiced, [](const FrameValues& v, double top) {
+                                return std::vector<double>{
+                                    0.5 * (v[Row::f1] + v[Row::f2]), 0.5 * (v[Row::f2] + v[Row::f3]),
+                                    0.5 * (v[Row::f3] + v[Row::f4]), 0.5 * (v[Row::f4] + v[Row::f5]), top};
+                            }};
+    return levelsInBands(x, count, rate, frames, layout);
 }
 
 void LevelMatching::matchFrication(std::vector<FrameValues>& frames, int passes) const
@@ -313,7 +322,7 @@ double LevelMatching::limitPeak(std::vector<FrameValues>& frames) const
                 // A frame without sources of its own rings on from the frames before it.
                 for (std::size_t g = f, back = 0; back < 3; --g, ++back) {
                     bool lowered = false;
-                    for (int row : {Row::av, Row::af, Row::ah})
+                    for (int row : {Row::av, Row::apv, Row::af, Row::ah})
                         if (frames[g][row] >= audible(row)) {
                             frames[g][row] = std::max(0, frames[g][row] - lower);
                             lowered = true;

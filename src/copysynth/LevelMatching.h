@@ -45,6 +45,14 @@ public:
     // mel-cepstral distance (dB) over the voiced frames within 30 dB of the loudest.
     double spectralDistance(const std::vector<FrameValues>& frames) const;
 
+    // Voicing through the parallel branch instead of the cascade: in the voiced frames av is 0
+    // and apv carries the voice into the five parallel formants, whose amplitudes a1f .. a5f
+    // are matched to the recording's level around each formant (from 60 Hz to halfway to the
+    // next formant, the last band to the top), so that each formant peak has the recording's
+    // height rather than the one the cascade gives it. The parallel bandwidths are the cascade's
+    // times `bandwidthScale`.
+    void matchParallelVoicing(std::vector<FrameValues>& frames, int passes, double bandwidthScale) const;
+
     // At 22050 Hz: the band above 5.5 kHz, by the bandwidths of the cascade's f7 and f8 in
     // voiced frames (wide where the recording has nothing there) and by the bypass ab in
     // unvoiced ones (LevelMatchingHighBand.cpp).
@@ -62,8 +70,8 @@ public:
 private:
     // The frames with some sources switched off.
     static std::vector<FrameValues> only(std::vector<FrameValues> frames, bool voicing, bool noise);
-    // Samples in the band-level frames at `rate`: one and a half frame intervals, 8 at least.
-    int frameLength(double rate) const;
+    // Samples in a band-level frame of `seconds` at `rate`, 8 at least.
+    static int frameLength(double seconds, double rate);
     // Level (dB) of the band lo .. hi Hz around every frame centre.
     std::vector<double> bandLevel(const float* x, std::size_t count, double rate, double lo, double hi) const;
     std::vector<double> levelsOf(const Rendering& r) const;
@@ -71,6 +79,17 @@ private:
     // unvoiced frames (empty lists for the others).
     std::vector<std::vector<double>> bandLevels(const float* x, std::size_t count, double rate,
                                                 const std::vector<FrameValues>& frames, bool voiced) const;
+    // How band levels are taken: a Hann window of `windowS` seconds around each voiced (or each
+    // unvoiced) frame's centre, the band edges (Hz) from the frame's values and the top of the
+    // bands (5.5 kHz or the lower Nyquist frequency).
+    struct BandLayout {
+        double windowS;
+        bool voiced;
+        std::function<std::vector<double>(const FrameValues&, double top)> edges;
+    };
+    std::vector<std::vector<double>> levelsInBands(const float* x, std::size_t count, double rate,
+                                                   const std::vector<FrameValues>& frames,
+                                                   const BandLayout& layout) const;
 
     LevelTarget m_target;
     int m_nRate;

@@ -11,7 +11,7 @@
 std::vector<double> LevelMatching::bandLevel(const float* x, std::size_t count, double rate, double lo,
                                              double hi) const
 {
-    FrameSpectrum spectrum(frameLength(rate));
+    FrameSpectrum spectrum(frameLength(1.5 * m_nInterval / 1000.0, rate));
     std::vector<double> out(m_target.centres.size());
     for (std::size_t f = 0; f < out.size(); ++f) {
         spectrum.analyse(x, count, m_target.centres[f] * rate);

@@ -164,6 +164,7 @@ RuleFrames PhonemeRules::frames(const std::vector<PhonemeToken>& tokens, const P
         addSources(s, track);
     addFormants(out.segments, track);
     PitchContour::apply(out.segments, settings, track);
+    PitchContour::openPhase(settings.sampleRate, track);
     out.frames = track.frameAt(out.segments.back().endMS()) + 1;
     // The nasal pole stays where the zero cancels it outside nasals.
     track.set(Row::fnp, 0, 270);

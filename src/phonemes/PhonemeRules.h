@@ -12,7 +12,7 @@
 //     /b d g/ start their transitions at different F2 and F3 (after an aspirated release the
 //     transition starts at the release, in the aspiration); other neighbours meet halfway;
 //   - bandwidths b1-b3 and the nasal zero step with the segments;
-//   - f0: see PitchContour.
+//   - f0 and the glottal open phase oq: see PitchContour.
 // Rows the rules do not drive keep their defaults. Pure functions: any thread.
 #include "document/ParameterDefinition.h"
 #include "phonemes/SegmentTiming.h"

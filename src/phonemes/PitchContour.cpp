@@ -71,3 +71,13 @@ void PitchContour::apply(const std::vector<Segment>& segments, const RuleSetting
         track.setAt(Row::f0, end, tenths(final));
     }
 }
+
+void PitchContour::openPhase(int sampleRate, RuleTrack& track)
+{
+    const auto& limits = kFactoryParameters[Row::oq];
+    for (const auto& [frame, tenthsHz] : track.points(Row::f0)) {
+        const double samples = kOpenQuotient * sampleRate * 10.0 / std::max(tenthsHz, 1);
+        track.set(Row::oq, frame,
+                  std::clamp(static_cast<int>(std::lround(samples)), limits.minValue, limits.maxValue));
+    }
+}

@@ -23,6 +23,8 @@ public:
     void hold(int row, double fromMS, double toMS, int value);
 
     bool driven(int row) const { return !m_points[row].empty(); }
+    // The row's anchor points: frame -> value.
+    const std::map<int, int>& points(int row) const { return m_points[row]; }
     // The row's values over `frames` frames; an undriven row gets `fallback` throughout.
     std::vector<int> fill(int row, int frames, int fallback) const;
     // Every anchor point, (row, frame), rows in order.

@@ -5,6 +5,7 @@
 #include <QTest>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
@@ -46,17 +47,6 @@ std::vector<float> request(AudioPlayer& player, int frames, int buffers = 1)
 std::vector<float> slice(const std::vector<float>& v, std::size_t from, std::size_t count)
 {
     return std::vector<float>(v.begin() + from, v.begin() + from + count);
-}
-
-// Where `needle` starts inside `haystack`, or -1.
-long find(const std::vector<float>& haystack, const std::vector<float>& needle)
-{
-    if (needle.empty() || haystack.size() < needle.size())
-        return -1;
-    for (std::size_t o = 0; o + needle.size() <= haystack.size(); ++o)
-        if (std::equal(needle.begin(), needle.end(), haystack.begin() + o))
-            return static_cast<long>(o);
-    return -1;
 }
 
 // Plays `samples` through the default output into a fresh capture file and waits for the
@@ -157,10 +147,11 @@ TEST(AudioPlayer, DefaultOutputReceivesWholeRequestsExactly)
     // 2048 samples: four whole requests, all heard, after nothing but silence.
     const std::vector<float> samples = ramp(2048);
     const std::vector<float> capture = playAndCapture(samples);
-    const long at = find(capture, samples);
-    ASSERT_GE(at, 0) << "the samples were not played as they are (" << capture.size() << " captured)";
-    for (long i = 0; i < at; ++i)
-        ASSERT_EQ(capture[i], 0.0f) << "only silence may come before the samples";
+    const auto at = std::search(capture.begin(), capture.end(), samples.begin(), samples.end());
+    ASSERT_NE(at, capture.end()) << "the samples were not played as they are (" << capture.size()
+                                 << " captured)";
+    EXPECT_TRUE(std::all_of(capture.begin(), at, [](float s) { return s == 0.0f; }))
+        << "only silence may come before the samples";
 }
 
 TEST(AudioPlayer, StopsAndRestartsCleanly)

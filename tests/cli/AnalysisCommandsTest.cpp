@@ -1,4 +1,5 @@
 #include "cli/CliRunner.h"
+#include "support/DocumentTestSupport.h"
 #include "support/TestChannels.h"
 #include "support/TestSignals.h"
 
@@ -22,9 +23,7 @@ std::string vowelWave(const TempDir& dir)
 {
     const std::vector<float> samples = signals::toFloat(
         signals::vowel(22050, 120.0, kRate, {{700.0, 130.0}, {1220.0, 70.0}, {2600.0, 160.0}}), 0.05);
-    const std::string path = dir / "vowel.wav";
-    std::ofstream(path, std::ios::binary) << waveFileBytes(samples, kRate);
-    return path;
+    return writeWave(dir / "vowel.wav", samples, kRate);
 }
 
 // The CSV's header line and the first field of every row.
@@ -95,11 +94,7 @@ TEST(AnalysisCommands, DocumentWithoutRecordingAndBadOptionsAreRefused)
 {
     TempDir dir;
     const std::string stk = dir / "doc.stk";
-    MyDocument document;
-    document.SetUpDataGridMemory();
-    document.buildDataTableDictionary();
-    std::string error;
-    ASSERT_TRUE(document.writeSafelyToURL(stk, "stk", &error)) << error;
+    saveTestDocument(stk, 20, {});
     CliResult r = runCli("formants " + stk);
     EXPECT_EQ(r.exitCode, 2);
     EXPECT_NE(r.err.find("model utterance"), std::string::npos) << r.err;
@@ -136,9 +131,7 @@ TEST(AnalysisCommands, TraceEntersTheVowelsPitchFormantsAndAmplitudes)
     EXPECT_TRUE(r.out.empty());
     const std::string stk = (dir / "vowel.stk");
     MyDocument document;
-    int error = 0;
-    ASSERT_TRUE(document.readFromData(slurp(stk), "stk", &error));
-    document.buildDataTableDictionary();
+    ASSERT_TRUE(openBytes(document, slurp(stk))) << document.lastReadError();
     ASSERT_EQ(document.getChannel(0)->m_nColumnNum, 200);
 
     const auto positive = [](int v) { return v > 0; };

@@ -1,12 +1,21 @@
 #pragma once
-// Runs tessaphon-cli as a user would and collects its exit status and output.
+// Runs tessaphon-cli as a user would and collects its exit status and output; saves the documents
+// the commands are given.
+#include "document/MyDocument.h"
+#include "support/TestChannels.h"
+#include "support/TestDocuments.h"
 #include "support/TestFiles.h"
+
+#include <gtest/gtest.h>
 
 #include <array>
 #include <cstdio>
 #include <filesystem>
+#include <fstream>
+#include <sstream>
 #include <string>
 #include <sys/wait.h>
+#include <vector>
 
 struct CliResult {
     int exitCode = -1;
@@ -40,20 +49,31 @@ inline CliResult runCli(const std::string& arguments)
     return runCliAfter("", arguments);
 }
 
-// A fresh temporary folder for one test, removed with it.
-struct TempDir {
-    std::filesystem::path path;
-    TempDir()
-    {
-        path = std::filesystem::temp_directory_path() /
-               ("tessaphon-test-" + std::to_string(::getpid()) + "-" + std::to_string(counter()++));
-        std::filesystem::create_directories(path);
-    }
-    ~TempDir() { std::filesystem::remove_all(path); }
-    std::string operator/(const std::string& name) const { return (path / name).string(); }
-    static int& counter()
-    {
-        static int n = 0;
-        return n;
-    }
-};
+// The lines of `text`, without their line ends.
+inline std::vector<std::string> linesOf(const std::string& text)
+{
+    std::vector<std::string> lines;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);)
+        lines.push_back(line);
+    return lines;
+}
+
+// Saves a document of `frames` frames of 10 ms whose rows (Row::...) hold one value each in every
+// frame; the other rows keep their factory values.
+inline void saveTestDocument(const std::string& path, int frames,
+                             std::initializer_list<std::pair<int, int>> rows)
+{
+    auto document = makeTestDocument(frames);
+    for (const auto& [row, value] : rows)
+        setRowValue(*document, row, value);
+    std::string error;
+    ASSERT_TRUE(document->writeSafelyToURL(path, "stk", &error)) << error;
+}
+
+// Writes samples as a WAVE file with the document's own writer; the path.
+inline std::string writeWave(const std::string& path, const std::vector<float>& samples, double sampleRate)
+{
+    std::ofstream(path, std::ios::binary) << waveFileBytes(samples, sampleRate);
+    return path;
+}

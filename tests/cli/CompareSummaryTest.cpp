@@ -15,13 +15,6 @@
 namespace
 {
 
-std::string writeWave(const TempDir& dir, const std::string& name, const std::vector<float>& x, double rate)
-{
-    const std::string path = dir / name;
-    std::ofstream(path, std::ios::binary) << waveFileBytes(x, rate);
-    return path;
-}
-
 // 1.2 s at `rate`: a vowel, then a quieter hiss that begins under its end.
 std::vector<float> utterance(double f0, double f1, double f2, double rate, unsigned seed)
 {
@@ -49,8 +42,8 @@ std::map<std::string, std::string> figuresOf(const std::string& line)
 TEST(CompareSummary, OneLineOfFiguresWithTheReferenceMelCepstralDistance)
 {
     TempDir dir;
-    const std::string original = writeWave(dir, "orig.wav", utterance(110, 650, 1150, 11025, 1), 11025);
-    const std::string copy = writeWave(dir, "copy.wav", utterance(116, 560, 1350, 22050, 2), 22050);
+    const std::string original = writeWave(dir / "orig.wav", utterance(110, 650, 1150, 11025, 1), 11025);
+    const std::string copy = writeWave(dir / "copy.wav", utterance(116, 560, 1350, 22050, 2), 22050);
     const CliResult r = runCli("compare " + original + " " + copy + " --summary");
     ASSERT_EQ(r.exitCode, 0) << r.err;
     ASSERT_EQ(std::count(r.out.begin(), r.out.end(), '\n'), 1) << r.out;
@@ -79,7 +72,7 @@ TEST(CompareSummary, OneLineOfFiguresWithTheReferenceMelCepstralDistance)
 TEST(CompareSummary, ItsOwnCopyIsPerfectAndBadInputIsNamed)
 {
     TempDir dir;
-    const std::string original = writeWave(dir, "orig.wav", utterance(110, 650, 1150, 11025, 1), 11025);
+    const std::string original = writeWave(dir / "orig.wav", utterance(110, 650, 1150, 11025, 1), 11025);
     CliResult r = runCli("compare " + original + " " + original + " --summary");
     ASSERT_EQ(r.exitCode, 0) << r.err;
     EXPECT_EQ(r.out.rfind("mcd_db=0.00 level_db=0.00 f0_err_pct=0.00 f0_gross_pct=0.0 f1_err_pct=0.00 "

@@ -15,13 +15,6 @@ namespace
 
 constexpr double kRate = 11025.0;
 
-std::string writeWave(const TempDir& dir, const std::string& name, const std::vector<float>& samples)
-{
-    const std::string path = dir / name;
-    std::ofstream(path, std::ios::binary) << waveFileBytes(samples, kRate);
-    return path;
-}
-
 std::vector<float> vowel()
 {
     return signals::toFloat(
@@ -41,7 +34,7 @@ std::unique_ptr<MyDocument> readDocument(const std::string& path)
 TEST(CopySynthCommand, WritesADocumentOfTheRecordingsLength)
 {
     TempDir dir;
-    const std::string wav = writeWave(dir, "vowel.wav", vowel());
+    const std::string wav = writeWave(dir / "vowel.wav", vowel(), kRate);
     const CliResult r = runCli("copysynth " + wav);
     ASSERT_EQ(r.exitCode, 0) << r.err;
     EXPECT_EQ(r.out, "");
@@ -71,7 +64,7 @@ TEST(CopySynthCommand, DamagedEmptyAndSilentRecordings)
     TempDir dir;
     const std::string damaged = dir / "damaged.wav";
     std::ofstream(damaged, std::ios::binary) << waveFileBytes(vowel(), kRate).substr(0, 30);
-    const std::string empty = writeWave(dir, "empty.wav", {});
+    const std::string empty = writeWave(dir / "empty.wav", {}, kRate);
     for (const std::string& path : {damaged, empty, dir / "missing.wav"}) {
         const CliResult r = runCli("copysynth " + path + " -o " + (dir / "out.stk"));
         EXPECT_EQ(r.exitCode, 2) << path;
@@ -79,7 +72,7 @@ TEST(CopySynthCommand, DamagedEmptyAndSilentRecordings)
         EXPECT_NE(r.err.find(path), std::string::npos) << r.err;
         EXPECT_FALSE(std::filesystem::exists(dir / "out.stk"));
     }
-    const std::string silent = writeWave(dir, "silent.wav", std::vector<float>(5000, 0.0f));
+    const std::string silent = writeWave(dir / "silent.wav", std::vector<float>(5000, 0.0f), kRate);
     const CliResult r = runCli("copysynth " + silent);
     EXPECT_EQ(r.exitCode, 0);
     EXPECT_NE(r.err.find("silent"), std::string::npos) << r.err;

@@ -189,3 +189,62 @@ TEST(CliDocumentCommands, ATruncatedDocumentIsReadWithOneWarning)
     expectInfo(whole.out, {{"frames", "10"}, {"frames_in_file", "10"}});
     EXPECT_TRUE(whole.err.empty()) << whole.err;
 }
+
+TEST(CliBatchSynth, IdenticalBytesAndFailuresAmongSuccesses)
+{
+    TempDir dir;
+    std::filesystem::create_directories(dir.path / "out");
+    std::string inputs;
+    for (int i = 0; i < 5; ++i) {
+        const std::string name = dir / ("s" + std::to_string(i) + ".stk");
+        saveTestDocument(name, 40 + i * 7, {{Row::f2, 1000 + i * 300}, {Row::f0, 900 + i * 100}});
+        inputs += " " + name;
+    }
+    std::ofstream(dir / "broken.stk") << "not a document\r\n";
+    CliResult batch = runCli("synth -j 2 --out-dir " + dir / "out" + inputs + " " + dir / "broken.stk " +
+                             dir / "missing.stk");
+    EXPECT_EQ(batch.exitCode, 2);
+    const std::vector<std::string> errors = linesOf(batch.err);
+    ASSERT_EQ(errors.size(), 2u) << batch.err;
+    EXPECT_EQ(std::count_if(errors.begin(), errors.end(),
+                            [](const std::string& l) { return l.find("broken.stk") != std::string::npos; }),
+              1);
+    EXPECT_EQ(std::count_if(errors.begin(), errors.end(),
+                            [](const std::string& l) { return l.find("missing.stk") != std::string::npos; }),
+              1);
+    for (int i = 0; i < 5; ++i) {
+        const std::string stem = "s" + std::to_string(i);
+        ASSERT_EQ(runCli("synth " + dir / (stem + ".stk")).exitCode, 0) << stem;
+        const std::string single = slurp(dir / (stem + ".wav"));
+        ASSERT_GT(single.size(), 44u);
+        EXPECT_TRUE(slurp(dir / ("out/" + stem + ".wav")) == single) << stem;
+    }
+    // One job gives the same bytes; a rerun keeps what exists unless --force.
+    std::filesystem::remove_all(dir.path / "out");
+    std::filesystem::create_directories(dir.path / "out");
+    ASSERT_EQ(runCli("synth -j 1 --out-dir " + dir / "out" + inputs).exitCode, 0);
+    EXPECT_TRUE(slurp(dir / "out/s3.wav") == slurp(dir / "s3.wav"));
+    CliResult rerun = runCli("synth --out-dir " + dir / "out" + inputs);
+    EXPECT_EQ(rerun.exitCode, 2);
+    EXPECT_EQ(linesOf(rerun.err).size(), 5u) << rerun.err;
+    EXPECT_EQ(runCli("synth --force --out-dir " + dir / "out" + inputs).exitCode, 0);
+    EXPECT_EQ(runCli("synth -o " + dir / "x.wav" + inputs).exitCode, 1) << "one -o for several documents";
+
+    // Two documents of one name in different folders would share an output: the first is written,
+    // the second refused; a recording among the inputs is never written over by its own synthesis.
+    std::filesystem::create_directories(dir.path / "sub");
+    std::filesystem::copy_file(dir / "s4.stk", dir / "sub/s1.stk");
+    std::filesystem::copy_file(dir / "s3.wav", dir / "out/rec.wav");
+    CliResult clash = runCli("synth --force --out-dir " + dir / "out " + dir / "s1.stk " +
+                             dir / "sub/s1.stk " + dir / "out/rec.wav");
+    EXPECT_EQ(clash.exitCode, 2);
+    const std::vector<std::string> refused = linesOf(clash.err);
+    ASSERT_EQ(refused.size(), 2u) << clash.err;
+    EXPECT_EQ(
+        std::count_if(refused.begin(), refused.end(),
+                      [](const std::string& l) { return l.find("also the output of") != std::string::npos; }),
+        1)
+        << clash.err;
+    EXPECT_TRUE(slurp(dir / "out/s1.wav") == slurp(dir / "s1.wav"));
+    EXPECT_TRUE(slurp(dir / "out/rec.wav") == slurp(dir / "s3.wav"));
+}

@@ -16,10 +16,7 @@ namespace
 // A WAVE file of a sine written by the document's own writer.
 std::string sineWave(const TempDir& dir, const std::string& name, double hz, double rate, int samples)
 {
-    const std::string path = dir / name;
-    std::ofstream(path, std::ios::binary)
-        << waveFileBytes(signals::toFloat(signals::sine(samples, hz, rate, 0.5)), rate);
-    return path;
+    return writeWave(dir / name, signals::toFloat(signals::sine(samples, hz, rate, 0.5)), rate);
 }
 
 struct SliceRow {

@@ -2,6 +2,7 @@
 #include "continuum/ContinuumWriter.h"
 #include "document/DocumentException.h"
 #include "document/MyDocument.h"
+#include "support/DocumentTestSupport.h"
 #include "support/TestDocuments.h"
 #include "support/TestFiles.h"
 
@@ -99,8 +100,7 @@ TEST(Continuum, ChosenRowsLimitsAnchorsAndMismatches)
 
 TEST(ContinuumWriter, ManifestHoldsWhatTheDocumentsHold)
 {
-    const auto folder = std::filesystem::temp_directory_path() / ("continuum-" + std::to_string(::getpid()));
-    std::filesystem::create_directories(folder);
+    const TempDir folder;
     auto a = makeTestDocument(10);
     auto b = makeTestDocument(10);
     for (int frame = 1; frame <= 10; ++frame) {
@@ -111,8 +111,8 @@ TEST(ContinuumWriter, ManifestHoldsWhatTheDocumentsHold)
     settings.steps = 11;
     settings.scale = FrequencyScale::Bark;
     const Continuum continuum(*a, *b, settings);
-    const ContinuumWriter writer(continuum, folder.string(), "da", false);
-    EXPECT_EQ(writer.documentPath(1), (folder / "da_01.stk").string());
+    const ContinuumWriter writer(continuum, folder.path.string(), "da", false);
+    EXPECT_EQ(writer.documentPath(1), folder / "da_01.stk");
     EXPECT_EQ(ContinuumWriter::stepStem("x", 7, 7), "x_7");
     EXPECT_EQ(ContinuumWriter::stepStem("x", 7, 100), "x_007");
     for (int step = 1; step <= 11; ++step)
@@ -127,21 +127,14 @@ TEST(ContinuumWriter, ManifestHoldsWhatTheDocumentsHold)
         ASSERT_TRUE(std::getline(manifest, line)) << step;
         std::istringstream fields(line);
         std::string stepText, weight, name, wave, f2, a2f;
-        std::getline(fields, stepText, ',');
-        std::getline(fields, weight, ',');
-        std::getline(fields, name, ',');
-        std::getline(fields, wave, ',');
-        std::getline(fields, f2, ',');
-        std::getline(fields, a2f, ',');
+        for (std::string* field : {&stepText, &weight, &name, &wave, &f2, &a2f})
+            std::getline(fields, *field, ',');
         EXPECT_EQ(std::stoi(stepText), step);
         EXPECT_NEAR(std::stod(weight), (step - 1) / 10.0, 1e-6);
         EXPECT_EQ(wave, "");
         // Read the step's document back from its file and average its rows.
-        const std::string bytes = slurp(folder / name);
         MyDocument document;
-        int error = 0;
-        ASSERT_TRUE(document.readFromData(bytes, "stk", &error)) << name;
-        document.buildDataTableDictionary();
+        ASSERT_TRUE(openBytes(document, slurp(folder / name))) << name;
         double f2Sum = 0, a2fSum = 0;
         for (int frame = 0; frame < 10; ++frame) {
             f2Sum += cellValue(document, Row::f2, frame);
@@ -151,5 +144,4 @@ TEST(ContinuumWriter, ManifestHoldsWhatTheDocumentsHold)
         EXPECT_NEAR(std::stod(a2f), a2fSum / 10, 1e-3) << line;
     }
     EXPECT_FALSE(std::getline(manifest, line));
-    std::filesystem::remove_all(folder);
 }

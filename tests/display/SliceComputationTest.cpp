@@ -16,21 +16,14 @@ namespace
 {
 constexpr double kRate = 11025.0;
 
-std::vector<float> floats(const std::vector<double>& x, double scale = 1.0)
-{
-    std::vector<float> out(x.size());
-    for (std::size_t i = 0; i < x.size(); ++i)
-        out[i] = static_cast<float>(x[i] * scale);
-    return out;
-}
+using signals::toFloat;
 
 std::vector<float> vowelSamples(int n, double f1, double f2)
 {
-    return floats(signals::vowel(n, 120.0, kRate, {{f1, 80.0}, {f2, 100.0}, {2600.0, 150.0}}), 0.02);
+    return toFloat(signals::vowel(n, 120.0, kRate, {{f1, 80.0}, {f2, 100.0}, {2600.0, 150.0}}), 0.02);
 }
 
-// Frequencies of the local maxima of `levels` that stand at least 3 dB above both neighbours'
-// valleys, ascending.
+// Frequencies of the local maxima of `levels`, ascending.
 std::vector<double> peaksOf(const SliceComputation& s, const std::vector<double>& levels)
 {
     std::vector<double> peaks;
@@ -44,7 +37,7 @@ std::vector<double> peaksOf(const SliceComputation& s, const std::vector<double>
 TEST(SliceComputation, SinePeaksAtItsFrequencyAndLevel)
 {
     // Half full scale: -6 dB re full scale, within the Hamming window's scalloping loss.
-    const std::vector<float> x = floats(signals::sine(4000, 440.0, kRate, 0.5));
+    const std::vector<float> x = toFloat(signals::sine(4000, 440.0, kRate, 0.5));
     SliceComputation slice;
     ASSERT_TRUE(slice.compute(x.data(), x.size(), kRate, 1000));
     EXPECT_EQ(slice.m_nTransformLength, 256);
@@ -95,7 +88,7 @@ TEST(SliceComputation, SilenceEndsAndBadInput)
         EXPECT_LT(v, -100.0);
 
     // The last sample: the windows run past the end and read silence there.
-    x = floats(signals::sine(3000, 1000.0, kRate, 0.5));
+    x = toFloat(signals::sine(3000, 1000.0, kRate, 0.5));
     ASSERT_TRUE(slice.compute(x.data(), x.size(), kRate, 2999));
     EXPECT_FALSE(slice.m_bSilent);
     ASSERT_TRUE(slice.compute(x.data(), x.size(), kRate, 2990.7));
@@ -172,7 +165,7 @@ TEST(RecordingComparison, SameIsZeroDifferentVowelsAreFarAndQuietFramesAreSkippe
 
 TEST(SlicePlot, PictureMapsTheSpectrumOntoItsAxes)
 {
-    const std::vector<float> x = floats(signals::sine(4000, 1500.0, kRate, 0.5));
+    const std::vector<float> x = toFloat(signals::sine(4000, 1500.0, kRate, 0.5));
     SliceComputation slice;
     ASSERT_TRUE(slice.compute(x.data(), x.size(), kRate, 0));
     SlicePlotStyle style;

@@ -4,13 +4,12 @@
 #include "document/BulkMemory.h"
 #include "support/DocumentTestSupport.h"
 #include "support/TestDocuments.h"
+#include "support/TestFiles.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 
 namespace
 {
@@ -150,30 +149,22 @@ TEST(LargeBuffers, TheWaveImageInPiecesIsTheWholeImageAndAFailedPieceStopsTheFil
     EXPECT_EQ(pieces, image);
     EXPECT_GT(count, 2);
 
-    const auto folder = std::filesystem::temp_directory_path() / "tessaphon-large-buffers";
-    std::filesystem::remove_all(folder);
-    std::filesystem::create_directories(folder);
-    const auto target = folder / "out.wav";
-    ASSERT_EQ(writeFileAtomically(target.string(),
-                                  [&](const PieceWriter& write) { return document->writeWave(0, write); }),
-              0);
-    std::ifstream in(target, std::ios::binary);
-    std::ostringstream written;
-    written << in.rdbuf();
-    EXPECT_EQ(written.str(), image);
+    const TempDir folder;
+    const std::string target = folder / "out.wav";
+    ASSERT_EQ(
+        writeFileAtomically(target, [&](const PieceWriter& write) { return document->writeWave(0, write); }),
+        0);
+    EXPECT_EQ(slurp(target), image);
 
     // A producer that fails half-way leaves the old file as it was and no temporary file.
     int pieceNumber = 0;
-    const int error = writeFileAtomically(target.string(), [&](const PieceWriter& write) {
+    const int error = writeFileAtomically(target, [&](const PieceWriter& write) {
         return document->writeWave(
             0, [&](const char* bytes, std::size_t size) { return ++pieceNumber < 3 && write(bytes, size); });
     });
     EXPECT_NE(error, 0);
-    std::ifstream again(target, std::ios::binary);
-    std::ostringstream kept;
-    kept << again.rdbuf();
-    EXPECT_EQ(kept.str(), image);
-    EXPECT_EQ(
-        std::distance(std::filesystem::directory_iterator(folder), std::filesystem::directory_iterator()), 1);
-    std::filesystem::remove_all(folder);
+    EXPECT_EQ(slurp(target), image);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path),
+                            std::filesystem::directory_iterator()),
+              1);
 }

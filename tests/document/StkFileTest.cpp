@@ -270,10 +270,8 @@ TEST(StkFile, AbsurdDocumentsAreRefusedAndLeaveTheDocumentAlone)
 TEST(StkFile, AtomicSaveAndItsFailures)
 {
     namespace fs = std::filesystem;
-    const fs::path folder = fs::temp_directory_path() / ("tessaphon-stk-" + std::to_string(::getpid()));
-    fs::remove_all(folder);
-    fs::create_directories(folder);
-    const fs::path target = folder / "utterance.stk";
+    const TempDir folder;
+    const fs::path target = folder.path / "utterance.stk";
 
     auto document = editedDocument();
     document->updateChangeCount(MyDocument::ChangeDone);
@@ -289,7 +287,7 @@ TEST(StkFile, AtomicSaveAndItsFailures)
     EXPECT_FALSE(document->isDocumentEdited());
 
     // A folder that does not exist: refused, with the file and the reason named.
-    EXPECT_FALSE(document->writeSafelyToURL((folder / "missing" / "a.stk").string(), "stk", &error));
+    EXPECT_FALSE(document->writeSafelyToURL(folder / "missing/a.stk", "stk", &error));
     EXPECT_NE(error.find("missing/a.stk"), std::string::npos) << error;
     EXPECT_NE(error.find("No such file or directory"), std::string::npos) << error;
     EXPECT_FALSE(document->canRevert());
@@ -309,6 +307,5 @@ TEST(StkFile, AtomicSaveAndItsFailures)
     EXPECT_FALSE(written);
     EXPECT_NE(error.find("File too large"), std::string::npos) << error;
     EXPECT_EQ(slurp(target), saved);
-    EXPECT_EQ(std::distance(fs::directory_iterator(folder), fs::directory_iterator()), 1);
-    fs::remove_all(folder);
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder.path), fs::directory_iterator()), 1);
 }

@@ -1,10 +1,9 @@
 #include "document/DocumentException.h"
 #include "support/DocumentTestSupport.h"
 #include "support/TestDocuments.h"
+#include "support/TestFiles.h"
 
 #include <gtest/gtest.h>
-
-#include <filesystem>
 
 namespace
 {
@@ -15,11 +14,6 @@ void edit(MyDocument& document, int frame, int row, int value)
     document.saveUndo();
     setValue(document, frame, row, value);
     document.saveRedo();
-}
-
-int shownValue(MyDocument& document, int frame, int row)
-{
-    return frameCell(document, frame, row)->_nValue();
 }
 
 } // namespace
@@ -45,7 +39,7 @@ TEST(UndoRedo, ElevenEditsKeepTenAndWalkBothWays)
     for (int i = 11; i >= 2; --i) {
         ASSERT_TRUE(document->canUndo());
         document->doUndo();
-        EXPECT_EQ(shownValue(*document, 2, Row::f1), 500 + i - 1) << i;
+        EXPECT_EQ(frameValue(*document, 2, Row::f1), 500 + i - 1) << i;
         EXPECT_TRUE(document->canRedo());
     }
     EXPECT_FALSE(document->canUndo());
@@ -55,7 +49,7 @@ TEST(UndoRedo, ElevenEditsKeepTenAndWalkBothWays)
     for (int i = 2; i <= 11; ++i) {
         ASSERT_TRUE(document->canRedo());
         document->doRedo();
-        EXPECT_EQ(shownValue(*document, 2, Row::f1), 500 + i) << i;
+        EXPECT_EQ(frameValue(*document, 2, Row::f1), 500 + i) << i;
     }
     EXPECT_FALSE(document->canRedo());
 
@@ -66,8 +60,8 @@ TEST(UndoRedo, ElevenEditsKeepTenAndWalkBothWays)
     EXPECT_EQ(document->_arrayUndo.size(), 10u);
     EXPECT_EQ(document->_nUndoRedoIndex, 10);
     document->doUndo();
-    EXPECT_EQ(shownValue(*document, 3, Row::f2), 1500);
-    EXPECT_EQ(shownValue(*document, 2, Row::f1), 509); // the state the edit was made on
+    EXPECT_EQ(frameValue(*document, 3, Row::f2), 1500);
+    EXPECT_EQ(frameValue(*document, 2, Row::f1), 509); // the state the edit was made on
 }
 
 TEST(UndoRedo, SnapshotsRestoreFramesSelectionAndEveryAnchor)
@@ -100,13 +94,13 @@ TEST(UndoRedo, SnapshotsRestoreFramesSelectionAndEveryAnchor)
     EXPECT_TRUE(frameCell(*document, 2, Row::oq)->_bAnchor());
     EXPECT_TRUE(frameCell(*document, 5, Row::f0)->_bAnchor());
     EXPECT_FALSE(frameCell(*document, 4, Row::f0)->_bAnchor());
-    EXPECT_EQ(shownValue(*document, 5, Row::f0), 1234);
+    EXPECT_EQ(frameValue(*document, 5, Row::f0), 1234);
     EXPECT_EQ(frameCell(*document, 5, Row::f0)->stringValue(), "1234");
 
     document->doRedo();
     EXPECT_EQ(c->m_nColumnNum, 8);
     EXPECT_EQ(document->_dataTableDictionary.count(), 9u);
-    EXPECT_EQ(shownValue(*document, 8, Row::f3), 2600);
+    EXPECT_EQ(frameValue(*document, 8, Row::f3), 2600);
     EXPECT_EQ(c->m_Parameters[Row::f0].bSelected, 0);
     EXPECT_TRUE(frameCell(*document, 6, Row::f0)->_bAnchor());
     EXPECT_FALSE(frameCell(*document, 2, Row::oq)->_bAnchor());
@@ -119,10 +113,8 @@ TEST(UndoRedo, AFractionalLengthComesBackExactly)
 {
     // 4567 samples at 11025 Hz last 414.2403... ms: not a whole number of milliseconds.
     MyDocument document;
-    int code = 0;
     const std::string recording = waveImage(1, 1, 11025, 2, 16, pcm16(std::vector<std::int16_t>(4567, 100)));
-    ASSERT_TRUE(document.readFromData(recording, "wav", &code)) << document.lastReadError();
-    document.buildDataTableDictionary();
+    ASSERT_TRUE(openBytes(document, recording, "wav")) << document.lastReadError();
     Channels* c = document.getChannel(0);
     const double length = c->m_dLengthMS;
     ASSERT_EQ(length, 4567 * 1000.0 / 11025);
@@ -132,10 +124,10 @@ TEST(UndoRedo, AFractionalLengthComesBackExactly)
     document.doUndo();
     EXPECT_EQ(c->m_dLengthMS, length);
     EXPECT_EQ(c->m_nColumnNum, 41);
-    EXPECT_EQ(shownValue(document, 4, Row::f1), 500);
+    EXPECT_EQ(frameValue(document, 4, Row::f1), 500);
     document.doRedo();
     EXPECT_EQ(c->m_dLengthMS, length);
-    EXPECT_EQ(shownValue(document, 4, Row::f1), 650);
+    EXPECT_EQ(frameValue(document, 4, Row::f1), 650);
 
     // A length changed by an edit comes back as it was on both sides of the edit.
     document.saveUndo();
@@ -187,15 +179,14 @@ TEST(UndoRedo, DamagedSnapshotsAndUnevenListsFailCleanly)
     uneven->saveRedo();
     EXPECT_EQ(uneven->_nUndoRedoIndex, 2);
     uneven->doUndo();
-    EXPECT_EQ(shownValue(*uneven, 1, Row::av), 60);
-    EXPECT_EQ(shownValue(*uneven, 2, Row::av), 60);
+    EXPECT_EQ(frameValue(*uneven, 1, Row::av), 60);
+    EXPECT_EQ(frameValue(*uneven, 2, Row::av), 60);
 }
 
 TEST(UndoRedo, RevertGoesBackToTheLastSave)
 {
-    namespace fs = std::filesystem;
-    const fs::path path =
-        fs::temp_directory_path() / ("tessaphon-revert-" + std::to_string(::getpid()) + ".stk");
+    const TempDir folder;
+    const std::string path = folder / "revert.stk";
     auto document = makeTestDocument(6, 10, 1);
     EXPECT_FALSE(document->canRevert());
     EXPECT_FALSE(document->doRevertDocumentToSaved());
@@ -203,15 +194,15 @@ TEST(UndoRedo, RevertGoesBackToTheLastSave)
     setValue(*document, 3, Row::f2, 1800);
     frameCell(*document, 3, Row::f2)->set_bAnchor(true);
     std::string error;
-    ASSERT_TRUE(document->writeSafelyToURL(path.string(), "stk", &error)) << error;
+    ASSERT_TRUE(document->writeSafelyToURL(path, "stk", &error)) << error;
     EXPECT_TRUE(document->canRevert());
 
     edit(*document, 3, Row::f2, 900);
     edit(*document, 1, Row::f1, 700);
     ASSERT_TRUE(document->doRevertDocumentToSaved()) << document->lastReadError();
-    EXPECT_EQ(shownValue(*document, 3, Row::f2), 1800);
+    EXPECT_EQ(frameValue(*document, 3, Row::f2), 1800);
     EXPECT_TRUE(frameCell(*document, 3, Row::f2)->_bAnchor());
-    EXPECT_EQ(shownValue(*document, 1, Row::f1), 500);
+    EXPECT_EQ(frameValue(*document, 1, Row::f1), 500);
     // The reverted document starts a new history and is unchanged.
     EXPECT_FALSE(document->canUndo());
     EXPECT_FALSE(document->canRedo());
@@ -222,5 +213,4 @@ TEST(UndoRedo, RevertGoesBackToTheLastSave)
     // Another type than "stk" cannot be reverted.
     document->setFileType("wav");
     EXPECT_FALSE(document->canRevert());
-    fs::remove(path);
 }

@@ -39,11 +39,6 @@ const char* const kStimulus = "# da-ta continuum, step 3\n"
                               "# a comment inside the table\n"
                               "20     1100  60   500  1500 50\n"
                               "40     1000  60   700  1200 50  steady   vowel\n";
-
-int value(MyDocument& document, int frame, int row)
-{
-    return frameCell(document, frame, row)->_nValue();
-}
 } // namespace
 
 TEST(KlpImport, ReadsConstantsAndInterpolatesTheTableOntoTheFrames)
@@ -55,20 +50,20 @@ TEST(KlpImport, ReadsConstantsAndInterpolatesTheTableOntoTheFrames)
     EXPECT_EQ(c.m_nColumnNum, 6); // du 60 at 10 ms
     EXPECT_DOUBLE_EQ(c.m_dLengthMS, 60.0);
     // Frames start at 0, 10, 20, ...: between the 0 and 20 ms rows, the midpoint.
-    EXPECT_EQ(value(d, 1, Row::f0), 1200);
-    EXPECT_EQ(value(d, 2, Row::f0), 1150);
-    EXPECT_EQ(value(d, 3, Row::f0), 1100);
-    EXPECT_EQ(value(d, 2, Row::av), 30);
-    EXPECT_EQ(value(d, 4, Row::f1), 600);
-    EXPECT_EQ(value(d, 4, Row::f2), 1350);
+    EXPECT_EQ(frameValue(d, 1, Row::f0), 1200);
+    EXPECT_EQ(frameValue(d, 2, Row::f0), 1150);
+    EXPECT_EQ(frameValue(d, 3, Row::f0), 1100);
+    EXPECT_EQ(frameValue(d, 2, Row::av), 30);
+    EXPECT_EQ(frameValue(d, 4, Row::f1), 600);
+    EXPECT_EQ(frameValue(d, 4, Row::f2), 1350);
     // After the last row the values are held.
-    EXPECT_EQ(value(d, 6, Row::f2), 1200);
+    EXPECT_EQ(frameValue(d, 6, Row::f2), 1200);
     // Constants fill every frame; rows the file does not name keep their defaults.
     for (int frame = 1; frame <= 6; ++frame) {
-        EXPECT_EQ(value(d, frame, Row::f4), 3300);
-        EXPECT_EQ(value(d, frame, Row::b4), 250);
-        EXPECT_EQ(value(d, frame, Row::f3), 2500);
-        EXPECT_EQ(value(d, frame, Row::oq), 20); // oq here is in samples, not per cent: not taken
+        EXPECT_EQ(frameValue(d, frame, Row::f4), 3300);
+        EXPECT_EQ(frameValue(d, frame, Row::b4), 250);
+        EXPECT_EQ(frameValue(d, frame, Row::f3), 2500);
+        EXPECT_EQ(frameValue(d, frame, Row::oq), 20); // oq here is in samples, not per cent: not taken
     }
     // One warning line names what has no row here.
     ASSERT_EQ(imported.warnings.size(), 1u);
@@ -83,21 +78,21 @@ TEST(KlpImport, TakesEitherMarkerTheLengthFromTheLastRowAndCountsClampedValues)
     // No du, no ui: the document's own 10 ms frames, the last time point plus one frame.
     EXPECT_EQ(c.m_nUpdateIntervalMS, 10);
     EXPECT_EQ(c.m_nColumnNum, 2);
-    EXPECT_EQ(value(*a.document, 2, Row::f1), 600);
+    EXPECT_EQ(frameValue(*a.document, 2, Row::f1), 600);
     EXPECT_TRUE(a.warnings.empty());
     // A value beyond the row's limits is clamped and counted; below as well.
     ImportedDocument b = importKlp("__varied_params__\n_msec f1 av\n0 9000 -5\n10 100 20\n");
     EXPECT_EQ(b.document->m_nClampedValues, 3);
-    EXPECT_EQ(value(*b.document, 1, Row::f1), 1300);
-    EXPECT_EQ(value(*b.document, 1, Row::av), 0);
-    EXPECT_EQ(value(*b.document, 2, Row::f1), 200);
+    EXPECT_EQ(frameValue(*b.document, 1, Row::f1), 1300);
+    EXPECT_EQ(frameValue(*b.document, 1, Row::av), 0);
+    EXPECT_EQ(frameValue(*b.document, 2, Row::f1), 200);
     ASSERT_EQ(b.warnings.size(), 1u);
     EXPECT_NE(b.warnings[0].find("3 values were outside"), std::string::npos) << b.warnings[0];
     // Constants alone, with a length, make a document too; older names map to their rows.
     ImportedDocument d = importKlp("du 30\nui 5\na3 45\nan 12\n");
     EXPECT_EQ(d.document->getChannel(0)->m_nColumnNum, 6);
-    EXPECT_EQ(value(*d.document, 6, Row::a3f), 45);
-    EXPECT_EQ(value(*d.document, 6, Row::anv), 12);
+    EXPECT_EQ(frameValue(*d.document, 6, Row::a3f), 45);
+    EXPECT_EQ(frameValue(*d.document, 6, Row::anv), 12);
 }
 
 TEST(KlpImport, RefusesWhatItCannotReadNamingTheLine)
@@ -146,6 +141,6 @@ TEST(KlpExport, RoundTripsEveryRowTheLayoutHolds)
                           Row::f4, Row::f5,  Row::f6,  Row::b1,  Row::b6,  Row::a2f, Row::a4f, Row::a6f,
                           Row::ab, Row::b2f, Row::b6f, Row::fnp, Row::bnp, Row::fnz, Row::bnz, Row::anv})
         for (int frame = 1; frame <= 24; ++frame)
-            ASSERT_EQ(value(*back.document, frame, row), value(*document, frame, row))
+            ASSERT_EQ(frameValue(*back.document, frame, row), frameValue(*document, frame, row))
                 << "row " << row << " frame " << frame;
 }

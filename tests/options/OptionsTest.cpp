@@ -185,9 +185,24 @@ TEST(optionParameterSettings, EditsLimitsAndSavesOnOK)
     EXPECT_EQ(c.m_Parameters[Row::f1].nDefaultValue, 600);
     EXPECT_EQ(c.m_Parameters[Row::f2].nMaxValue, 3000);
 
+    // Default gives every row its factory limits in every column, in the panel only.
     table->resettoDefault(&doc);
-    EXPECT_EQ(table->valueAt(1, Row::f1), 200);
-    EXPECT_EQ(table->valueAt(3, Row::f1), 500);
+    for (int row = 0; row < kParameterCount; ++row) {
+        const ParameterFactoryRow& f = kFactoryParameters[row];
+        EXPECT_EQ(table->valueAt(1, row), f.minValue) << row;
+        EXPECT_EQ(table->valueAt(2, row), f.maxValue) << row;
+        EXPECT_EQ(table->valueAt(3, row), f.defaultValue) << row;
+    }
+    EXPECT_EQ(c.m_Parameters[Row::f1].nMinValue, 250);
+
+    // Run as a panel, it shows the document's limits again; Cancel keeps them.
+    pressLater(&panel, QDialogButtonBox::Cancel, [&] {
+        EXPECT_EQ(table->valueAt(1, Row::f1), 250);
+        table->model()->setData(table->model()->index(Row::f2, 2), 2500, Qt::EditRole);
+    });
+    EXPECT_EQ(panel.showInWindow(nullptr, &doc), 1001);
+    EXPECT_EQ(c.m_Parameters[Row::f2].nMaxValue, 3000);
+    EXPECT_EQ(c.m_Parameters[Row::f1].nMinValue, 250);
 }
 
 TEST(optionAnalysis, LengthMenusDefaultsAndSavingOnlyOnOK)
@@ -268,7 +283,9 @@ TEST(optionAnalysis, PitchPanelWritesTheDisplayFieldsIntoTheCalculationRange)
 }
 
 // OK on an analysis panel that was not changed gives back every setting the panel shows: nothing
-// is lost or rounded on the way through the text fields, the menus and the check boxes.
+// is lost, rounded or swapped with another field on the way through the text fields, the menus
+// and the check boxes. Every setting holds a value of its own, so that a field saved into the
+// wrong setting shows.
 TEST(optionAnalysis, OkWithoutAChangeKeepsEverySetting)
 {
     MyDocument doc;
@@ -282,38 +299,27 @@ TEST(optionAnalysis, OkWithoutAChangeKeepsEverySetting)
     doc.m_nSpecLPCNumberofCoefficients = 16, doc.m_bSpecDrawFrequencyGrid = 1, doc.m_nSpecFrequencyGrid = 500;
     doc.m_bSpecDrawTimeGrid = 0, doc.m_nSpecTimeGrid = 100, doc.m_bSpecInches = 0, doc.m_dSpecWidth = 5.5;
     doc.m_dSpecHeight = 2.5;
+    // The pitch panel writes its display fields into the calculation range: the two ranges are
+    // the same here, so that the range comes back as it was.
+    doc.m_dPitchWindowLength = 31, doc.m_dPitchStepSize = 7, doc.m_dFreqDeviation = 45;
+    doc.m_dPitchTrackingThreshHold = 12, doc.m_dCalculationLow = 65, doc.m_dCalculationHigh = 420;
+    doc.m_nPitchDisplayLow = 65, doc.m_nPitchDisplayHigh = 420, doc.m_bPitchDrawFreqGrid = 1;
+    doc.m_nPitchFreqGrid = 75, doc.m_bPitchDrawTimeGrid = 0, doc.m_nPitchTimeGrid = 250;
     const auto settings = [&doc] {
-        return std::vector<double>{double(doc.m_nFFTWindowLengthSelector),
-                                   double(doc.m_nFFTWindowLength),
-                                   double(doc.m_nFFTAppliedWindowLength),
-                                   double(doc.m_nFFTfrequencyRange),
-                                   double(doc.m_nFFTAverageStepSize),
-                                   double(doc.m_nLPCNumberofCoefficients),
-                                   double(doc.m_bFFTDrawLPC),
-                                   double(doc.m_bFFTAbsolute),
-                                   double(doc.m_nFFTAbsoluteRange),
-                                   double(doc.m_bFFTInches),
-                                   double(doc.m_bFFTColor),
-                                   doc.m_dFFTWidth,
-                                   doc.m_dFFTHeight,
-                                   double(doc.m_bFFTDrawFrequencyGrid),
-                                   double(doc.m_nFFTFrequencyGrid),
-                                   double(doc.m_bFFTDrawDBGrid),
-                                   double(doc.m_nFFTDBGrid),
-                                   double(doc.m_nSpecWindowLengthSelector),
-                                   double(doc.m_nSpecWindowLength),
-                                   double(doc.m_nSpecDynamicRange),
-                                   double(doc.m_nSpecfrequencyRange),
-                                   doc.m_dPreEmphasis,
-                                   double(doc.m_bSpecDrawFormantTracking),
-                                   double(doc.m_nSpecLPCNumberofCoefficients),
-                                   double(doc.m_bSpecDrawFrequencyGrid),
-                                   double(doc.m_nSpecFrequencyGrid),
-                                   double(doc.m_bSpecDrawTimeGrid),
-                                   double(doc.m_nSpecTimeGrid),
-                                   double(doc.m_bSpecInches),
-                                   doc.m_dSpecWidth,
-                                   doc.m_dSpecHeight};
+        const auto numbers = [](auto... v) { return std::vector<double>{double(v)...}; };
+        return numbers(
+            doc.m_nFFTWindowLengthSelector, doc.m_nFFTWindowLength, doc.m_nFFTAppliedWindowLength,
+            doc.m_nFFTfrequencyRange, doc.m_nFFTAverageStepSize, doc.m_nLPCNumberofCoefficients,
+            doc.m_bFFTDrawLPC, doc.m_bFFTAbsolute, doc.m_nFFTAbsoluteRange, doc.m_bFFTInches, doc.m_bFFTColor,
+            doc.m_dFFTWidth, doc.m_dFFTHeight, doc.m_bFFTDrawFrequencyGrid, doc.m_nFFTFrequencyGrid,
+            doc.m_bFFTDrawDBGrid, doc.m_nFFTDBGrid, doc.m_nSpecWindowLengthSelector, doc.m_nSpecWindowLength,
+            doc.m_nSpecDynamicRange, doc.m_nSpecfrequencyRange, doc.m_dPreEmphasis,
+            doc.m_bSpecDrawFormantTracking, doc.m_nSpecLPCNumberofCoefficients, doc.m_bSpecDrawFrequencyGrid,
+            doc.m_nSpecFrequencyGrid, doc.m_bSpecDrawTimeGrid, doc.m_nSpecTimeGrid, doc.m_bSpecInches,
+            doc.m_dSpecWidth, doc.m_dSpecHeight, doc.m_dPitchWindowLength, doc.m_dPitchStepSize,
+            doc.m_dFreqDeviation, doc.m_dPitchTrackingThreshHold, doc.m_dCalculationLow,
+            doc.m_dCalculationHigh, doc.m_nPitchDisplayLow, doc.m_nPitchDisplayHigh, doc.m_bPitchDrawFreqGrid,
+            doc.m_nPitchFreqGrid, doc.m_bPitchDrawTimeGrid, doc.m_nPitchTimeGrid);
     };
     const std::vector<double> before = settings();
     optionFFTLPC fft;
@@ -322,6 +328,9 @@ TEST(optionAnalysis, OkWithoutAChangeKeepsEverySetting)
     optionSpectrogram spectrogram;
     pressLater(&spectrogram, QDialogButtonBox::Ok);
     EXPECT_EQ(spectrogram.showInWindow(nullptr, &doc), 1000);
+    optionPitch pitch;
+    pressLater(&pitch, QDialogButtonBox::Ok);
+    EXPECT_EQ(pitch.showInWindow(nullptr, &doc), 1000);
     const std::vector<double> after = settings();
     for (std::size_t i = 0; i < before.size(); ++i)
         EXPECT_EQ(after[i], before[i]) << "setting " << i;

@@ -1,23 +1,9 @@
-// English words through the phonemizer, and tessaphon-cli phonemes as a user runs it.
+// English words through the phonemizer.
 #include "phonemes/english/TextPhonemes.h"
 
-#include "cli/CliRunner.h"
-#include "document/MyDocument.h"
 #include "phonemes/PhonemeError.h"
 
 #include <gtest/gtest.h>
-
-#include <fstream>
-
-namespace
-{
-
-void writeFile(const std::string& path, const std::string& bytes)
-{
-    std::ofstream(path, std::ios::binary) << bytes;
-}
-
-} // namespace
 
 TEST(EnglishText, WordsBecomeTheInventorysPhonemesWithTheirPunctuation)
 {
@@ -45,60 +31,4 @@ TEST(EnglishText, WordsBecomeTheInventorysPhonemesWithTheirPunctuation)
             << e.what();
         EXPECT_NE(std::string(e.what()).find("/ɐ bˈæd bˈɛd/"), std::string::npos) << e.what();
     }
-}
-
-TEST(PhonemesCommand, WritesTheDocumentRefusesBadInputAndKeepsFiles)
-{
-    TempDir dir;
-    const CliResult made = runCli("phonemes --text \"a bad bed\" --print-phonemes -o " + dir / "bad.stk");
-    ASSERT_EQ(made.exitCode, 0) << made.err;
-    EXPECT_EQ(made.out, "phonemes: AX0 | B AE1 D | B EH1 D\n");
-    EXPECT_EQ(made.err, "");
-    const std::string text = slurp(dir / "bad.stk");
-    MyDocument document;
-    int error = 0;
-    ASSERT_TRUE(document.readFromBytes(text, "stk", &error));
-    EXPECT_GT(document.getChannel(0)->m_nNumberofAnchors, 0);
-    EXPECT_EQ(static_cast<int>(document.getChannel(0)->m_dSampleRate), 11025);
-
-    // 22050 Hz, a slower speed and another f0 make another document.
-    ASSERT_EQ(
-        runCli("phonemes \"B AE1 D\" --rate 22050 --speed 0.5 --f0 200 -o " + dir / "slow.stk").exitCode, 0);
-    MyDocument slow;
-    ASSERT_TRUE(slow.readFromBytes(slurp(dir / "slow.stk"), "stk", &error));
-    EXPECT_EQ(static_cast<int>(slow.getChannel(0)->m_dSampleRate), 22050);
-    EXPECT_EQ(slow.getChannel(0)->m_snppDataImage_Col_Row[0][Row::f0], 2000);
-
-    // Unknown symbols: one line naming symbol and position, usage exit, nothing written.
-    const CliResult unknown = runCli("phonemes \"B AE1 XX D\" -o " + dir / "x.stk");
-    EXPECT_EQ(unknown.exitCode, 1);
-    EXPECT_NE(unknown.err.find("unknown symbol \"XX\" at position 7"), std::string::npos) << unknown.err;
-    EXPECT_FALSE(std::filesystem::exists(dir / "x.stk"));
-    EXPECT_EQ(runCli("phonemes \"B AE1 D\" --text bad -o " + dir / "x.stk").exitCode, 1);
-    EXPECT_EQ(runCli("phonemes \"B AE1 D\" --rate 16000 -o " + dir / "x.stk").exitCode, 1);
-
-    // A user's table replaces the built-in one; a damaged one is named with its line.
-    std::string table = slurp(std::string(TESSAPHON_SOURCE_DIR) + "/data/phonemes/american-english.tsv");
-    writeFile(dir / "mine.tsv", table);
-    EXPECT_EQ(runCli("phonemes \"B AE1 D\" --table " + dir / "mine.tsv" + " -o " + dir / "own.stk").exitCode,
-              0);
-    table.replace(table.find("\nAE\t"), 4, "\nAE\tæ\tvowel\tx\t");
-    writeFile(dir / "bad.tsv", table);
-    const CliResult damaged =
-        runCli("phonemes \"B AE1 D\" --table " + dir / "bad.tsv" + " -o " + dir / "x.stk");
-    EXPECT_EQ(damaged.exitCode, 2);
-    EXPECT_NE(damaged.err.find(dir / "bad.tsv:"), std::string::npos) << damaged.err;
-    EXPECT_FALSE(std::filesystem::exists(dir / "x.stk"));
-    // Never over the table it reads.
-    EXPECT_EQ(runCli("phonemes \"B AE1 D\" --table " + dir / "mine.tsv" + " -o " + dir / "mine.tsv").exitCode,
-              2);
-    EXPECT_EQ(slurp(dir / "mine.tsv"),
-              slurp(std::string(TESSAPHON_SOURCE_DIR) + "/data/phonemes/american-english.tsv"));
-
-    // The default output is named after the input and kept unless --force.
-    const std::string cd = "cd " + dir.path.string() + " && ";
-    ASSERT_EQ(runCliAfter(cd, "phonemes --text \"a bad bed\"").exitCode, 0);
-    EXPECT_TRUE(std::filesystem::exists(dir / "a-bad-bed.stk"));
-    EXPECT_EQ(runCliAfter(cd, "phonemes --text \"a bad bed\"").exitCode, 2);
-    EXPECT_EQ(runCliAfter(cd, "phonemes --text \"a bad bed\" --force").exitCode, 0);
 }

@@ -10,20 +10,22 @@ using namespace ruletest;
 
 TEST(PhonemeAcoustics, SteadyVowelsHaveTheTablesFormantsWithinFivePercent)
 {
-    for (const char* vowel : {"IY", "IH", "EH", "AE", "AA", "AO", "UH", "UW", "AH", "ER"}) {
-        const RuleFrames frames = framesOf(std::string(vowel) + "1:300");
-        const Segment& s = segmentOf(frames, vowel);
-        ASSERT_NEAR(s.durationMS, 300.0, 1e-9);
-        const std::vector<float> samples = synthesize(frames);
-        const auto [f1, f2] = measureF1F2(samples, 11025.0, s.startMS, s.endMS());
-        const Phoneme& p = *s.phoneme;
-        RecordProperty(vowel,
-                       std::to_string(static_cast<int>(f1)) + "/" + std::to_string(static_cast<int>(f2)));
-        // /u/'s F1 (300 Hz) measures 315 Hz at the default f0: the analysis finds it between the
-        // second and third harmonics, 5.1 % off. Every other value is within 5 %.
-        const double f1Tolerance = p.arpa == "UW" ? 0.06 : 0.05;
-        EXPECT_NEAR(f1, p.f[0], f1Tolerance * p.f[0]) << vowel;
-        EXPECT_NEAR(f2, p.f[1], 0.05 * p.f[1]) << vowel;
+    // At the default f0 and at two lower starts, so that no harmonic happens to sit on a formant.
+    for (double f0 : {RuleSettings{}.f0Hz, 110.0, 100.0}) {
+        RuleSettings settings;
+        settings.f0Hz = f0;
+        for (const char* vowel : {"IY", "IH", "EH", "AE", "AA", "AO", "UH", "UW", "AH", "ER"}) {
+            const RuleFrames frames = framesOf(std::string(vowel) + "1:300", settings);
+            const Segment& s = segmentOf(frames, vowel);
+            ASSERT_NEAR(s.durationMS, 300.0, 1e-9);
+            // The middle 200 ms, clear of the transitions from and to silence.
+            const auto [f1, f2] = measureF1F2(*synthesized(frames), s.startMS + 50.0, s.endMS() - 50.0);
+            const Phoneme& p = *s.phoneme;
+            RecordProperty(std::string(vowel) + " at " + std::to_string(static_cast<int>(f0)),
+                           std::to_string(static_cast<int>(f1)) + "/" + std::to_string(static_cast<int>(f2)));
+            EXPECT_NEAR(f1, p.f[0], 0.05 * p.f[0]) << vowel << " at f0 " << f0;
+            EXPECT_NEAR(f2, p.f[1], 0.05 * p.f[1]) << vowel << " at f0 " << f0;
+        }
     }
 }
 
@@ -75,5 +77,10 @@ TEST(PhonemeAcoustics, FricativeEnergyPeaksWhereTheirPlaceOfArticulationPutsIt)
     const double peak22 =
         spectralPeakHz(synthesize(s22, 22050), 22050.0, sSegment.startMS + 50, sSegment.endMS() - 50);
     RecordProperty("s peak 22050", std::to_string(peak22));
-    EXPECT_GT(peak22, 4500.0);
+    // At 22050 Hz the peak is the sixth parallel formant at the top of its row, 4999 Hz, give or
+    // take a bin of noise. Nothing within the parameters' limits lifts it above 5 kHz: no parallel
+    // formant goes higher; the bypass adds noise whose level falls with frequency (the noise
+    // source and the output low-pass), so it adds most below 5 kHz; the cascade's seventh and
+    // eighth formants filter voicing and aspiration only, after the lower formants.
+    EXPECT_NEAR(peak22, 4999.0, 100.0);
 }

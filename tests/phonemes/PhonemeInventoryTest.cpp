@@ -100,19 +100,11 @@ TEST(PhonemeInventory, AUsersTableIsReadByItsHeaderAndErrorsNameFileAndLine)
     const std::string good = "AA\tɑ\tvowel\t1\t240\t100\t730\t1090\t2440\t90\t70\t150\t0\t0\t0\t60\t0\t0\t0\t"
                              "0\t0\t0\t0\t0\t1500\t270\t0\t0\t0";
     auto withField = [&](int field, const std::string& value) {
-        std::string row;
-        int index = 0;
+        std::string row = good;
         std::size_t start = 0;
-        while (true) {
-            const std::size_t tab = good.find('\t', start);
-            row += (index == field ? value : good.substr(start, tab - start));
-            if (tab == std::string::npos)
-                break;
-            row += '\t';
-            start = tab + 1;
-            ++index;
-        }
-        return smallTable(row);
+        for (int i = 0; i < field; ++i)
+            start = row.find('\t', start) + 1;
+        return smallTable(row.replace(start, row.find('\t', start) - start, value));
     };
     EXPECT_EQ(errorOf(withField(6, "1400")), "mine.tsv:3: AA: f1 = 1400 is outside 200..1300");
     EXPECT_EQ(errorOf(withField(7, "12x")), "mine.tsv:3: AA: \"12x\" is not a number (column f2)");

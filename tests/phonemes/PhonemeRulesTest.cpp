@@ -76,7 +76,7 @@ TEST(PhonemeRules, StopsHaveClosureBurstAndVoiceOnsetTime)
     EXPECT_EQ(ama.value(Row::fnz, 10), 270);
 }
 
-TEST(PhonemeRules, PitchRisesOnStressFallsAtTheEndAndRisesForAQuestion)
+TEST(PhonemeRules, PitchRisesOnStressFallsAtTheEndRisesForAQuestionAndTheOpenPhaseFollows)
 {
     RuleSettings settings;
     settings.f0Hz = 100.0;
@@ -94,6 +94,19 @@ TEST(PhonemeRules, PitchRisesOnStressFallsAtTheEndAndRisesForAQuestion)
     const RuleFrames flat = framesOf("B AX0 D", settings);
     const Segment& schwa = segmentOf(flat, "AX");
     EXPECT_LE(flat.value(Row::f0, static_cast<int>((schwa.startMS + schwa.durationMS / 3) / 10)), 1000);
+
+    // The open phase is half the period wherever f0 goes (within the rounding of its line), and
+    // stays within its row at 22050 Hz, where half a 100 Hz period would be 110 samples.
+    for (int frame = 0; frame < question.frames; ++frame) {
+        const double halfPeriod = 0.5 * 11025.0 / (question.value(Row::f0, frame) / 10.0);
+        EXPECT_NEAR(question.value(Row::oq, frame), halfPeriod, 0.05 * halfPeriod + 1.0) << frame;
+    }
+    settings.sampleRate = 22050;
+    const RuleFrames high = framesOf("B AE1 D ?", settings);
+    for (int frame = 0; frame < high.frames; ++frame) {
+        const double halfPeriod = 0.5 * 22050.0 / (high.value(Row::f0, frame) / 10.0);
+        EXPECT_NEAR(high.value(Row::oq, frame), std::min(halfPeriod, 65.0), 0.05 * halfPeriod + 1.0) << frame;
+    }
 }
 
 TEST(PhonemeRules, TheDocumentsAnchorsReinterpolateToItsValuesAndSurviveSaving)

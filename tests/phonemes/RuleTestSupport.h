@@ -1,7 +1,8 @@
 #pragma once
 // Shared by the phoneme tests: documents made by rule, their synthesis, and what the project's
-// own analysis (LPC formants, FFT spectra) measures in them.
+// own analysis (the spectrogram's formant tracks, FFT spectra) measures in them.
 #include "analysis/CMathFunc.h"
+#include "display/SpectrogramComputation.h"
 #include "document/MyDocument.h"
 #include "phonemes/PhonemeDocument.h"
 #include "phonemes/PhonemeRules.h"
@@ -21,11 +22,18 @@ inline RuleFrames framesOf(const std::string& arpabet, const RuleSettings& setti
     return PhonemeRules::frames(PhonemeString::parse(arpabet, inventory), inventory, settings);
 }
 
+// A document made by rule, synthesized.
+inline std::unique_ptr<MyDocument> synthesized(const RuleFrames& frames, int sampleRate = 11025)
+{
+    auto document = PhonemeDocument::make(frames, sampleRate);
+    document->Synthesize();
+    return document;
+}
+
 // The synthesis of a document made by rule, full scale +-1.
 inline std::vector<float> synthesize(const RuleFrames& frames, int sampleRate = 11025)
 {
-    const auto document = PhonemeDocument::make(frames, sampleRate);
-    document->Synthesize();
+    const auto document = synthesized(frames, sampleRate);
     const MemoryBlock& block = *document->getChannel(0)->m_hData;
     const float* samples = block.floats();
     return std::vector<float>(samples, samples + block.size() / sizeof(float));
@@ -38,30 +46,29 @@ inline const Segment& segmentOf(const RuleFrames& frames, const std::string& arp
                          [&](const Segment& s) { return s.phoneme->arpa == arpa; });
 }
 
-// F1 and F2 measured by LPC (order 14, 200 ms Hamming frames without pre-emphasis, long enough
-// to span the f0 movement of an accent so that no harmonic pulls the estimate) at the middle of
-// [fromMS, toMS): the medians over five frames 5 ms apart of the two lowest formants above 150 Hz.
-inline std::pair<double, double> measureF1F2(const std::vector<float>& samples, double rate, double fromMS,
-                                             double toMS)
+// F1 and F2 as the project's formant tracks show them: the spectrogram of the document's
+// synthesis with the document's analysis settings (LPC frames as many ms long as the order,
+// pre-emphasis, the tracks' bandwidth test), one column per ms; the medians of the first two
+// track slots over the columns whose LPC frame lies in [fromMS, toMS).
+inline std::pair<double, double> measureF1F2(const MyDocument& document, double fromMS, double toMS)
 {
-    const int n = static_cast<int>(0.200 * rate);
+    const Channels& channel = *const_cast<MyDocument&>(document).getChannel(0);
+    SpectrogramComputation spectrogram(SpectrogramSettings::fromDocument(document));
+    const double lengthMS = 1000.0 * channel.m_dwFileLength / channel.m_dSampleRate;
+    const int columns = static_cast<int>(lengthMS);
+    if (!spectrogram.compute(channel, columns, 64) || !spectrogram.m_bHaveFormants)
+        return {0.0, 0.0};
+    const double frameMS = spectrogram.m_settings.m_nSpecLPCNumberofCoefficients;
+    const double msPerColumn = lengthMS / columns;
     std::vector<double> f1s, f2s;
-    CMathFunc math;
-    const double mid = (fromMS + toMS) / 2.0;
-    for (double ms = mid - 10.0; ms <= mid + 10.0; ms += 5.0) {
-        const std::size_t start = static_cast<std::size_t>(ms / 1000.0 * rate) - n / 2;
-        std::vector<double> frame(samples.begin() + start, samples.begin() + start + n + 1);
-        const RootRecord* roots = math.DoLPC(frame.data(), 14, n, 0.0, 1, 0, 0, 5000, rate, 1, 1);
-        if (!roots)
+    for (int column = 0; column < columns; ++column) {
+        const double start = column * msPerColumn;
+        if (start < fromMS || start + frameMS > toMS)
             continue;
-        std::vector<double> found;
-        for (int i = 0; i < roots->formantCount; ++i)
-            if (roots->frequency[i] > 150.0)
-                found.push_back(roots->frequency[i]);
-        std::sort(found.begin(), found.end());
-        if (found.size() >= 2) {
-            f1s.push_back(found[0]);
-            f2s.push_back(found[1]);
+        const FormantRecord& record = spectrogram.m_phsnFormants[column];
+        if (record[0] > 0 && record[1] > 0) {
+            f1s.push_back(record[0]);
+            f2s.push_back(record[1]);
         }
     }
     auto median = [](std::vector<double> v) {

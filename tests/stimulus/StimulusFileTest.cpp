@@ -2,9 +2,9 @@
 // levels against their targets, the figures against the files, refusals.
 #include "support/AudioFileProbe.h"
 #include "support/SignalProbe.h"
+#include "support/TestFiles.h"
 
 #include "document/DocumentException.h"
-#include "document/PcmWaveWriter.h"
 #include "stimulus/PendingStimuli.h"
 #include "stimulus/StimulusFile.h"
 #include "stimulus/StimulusOutputFile.h"
@@ -12,40 +12,12 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <unistd.h>
-
-namespace
-{
 
 namespace fs = std::filesystem;
 
-struct Folder {
-    fs::path path = fs::temp_directory_path() / ("tessaphon-stimulus-test-" + std::to_string(::getpid()));
-    Folder() { fs::create_directories(path); }
-    ~Folder() { fs::remove_all(path); }
-    std::string operator/(const char* name) const { return (path / name).string(); }
-};
-
-using ReadBack = probe::AudioFile;
-
-ReadBack readBack(const std::string& path)
-{
-    return probe::readAudioFile(path);
-}
-
-std::string bytesOf(const std::string& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
-
-} // namespace
-
 TEST(StimulusFile, WaveAndFlacAtBothWidthsHoldTheQuantizedSamplesExactly)
 {
-    Folder folder;
+    TempDir folder;
     // Odd sample count, both signs, values that need all 24 bits.
     const std::vector<float> x = {0.0f, 0.5f, -0.5f, 0.123456789f, -0.99999f, 1e-6f, 0.25f};
     for (const char* format : {"wav", "flac"})
@@ -53,9 +25,9 @@ TEST(StimulusFile, WaveAndFlacAtBothWidthsHoldTheQuantizedSamplesExactly)
             StimulusOutput output;
             ASSERT_TRUE(output.set("format", format, nullptr));
             ASSERT_TRUE(output.set("bits", std::to_string(bits), nullptr));
-            const std::string path = folder / (std::string("x") + output.extension()).c_str();
+            const std::string path = folder / (std::string("x") + output.extension());
             const StimulusFigures figures = writeStimulus(path, Stimulus(x, 48000), 0.0, output);
-            const ReadBack r = readBack(path);
+            const probe::AudioFile r = probe::readAudioFile(path);
             ASSERT_EQ(r.info.frames, 7) << format << bits;
             EXPECT_EQ(r.info.samplerate, 48000);
             EXPECT_EQ(r.info.channels, 1);
@@ -72,9 +44,8 @@ TEST(StimulusFile, WaveAndFlacAtBothWidthsHoldTheQuantizedSamplesExactly)
         }
     // The 24-bit WAVE header as other programs expect it: RIFF size = file size - 8, and the 21
     // data bytes get a pad byte.
-    const std::string wave = bytesOf(folder / "x.wav");
+    const std::string wave = slurp(folder / "x.wav");
     ASSERT_EQ(wave.size(), 44u + 21u + 1u);
-    EXPECT_EQ(wave.substr(0, 44), pcmWaveHeader(7, 48000, 24));
     const std::string expected(
         "RIFF\x3a\0\0\0WAVEfmt \x10\0\0\0\x01\0\x01\0\x80\xbb\0\0\x80\x32\x02\0\x03\0\x18\0data\x15\0\0\0",
         44);
@@ -83,7 +54,7 @@ TEST(StimulusFile, WaveAndFlacAtBothWidthsHoldTheQuantizedSamplesExactly)
 
 TEST(StimulusFile, NormalizedFilesMeetTheirLevelsAndTheFiguresMatchTheFiles)
 {
-    Folder folder;
+    TempDir folder;
     // A harmonic signal with a crest factor unlike a sine's, resampled on the way.
     std::vector<float> x = probe::sine(220, 11025, 11025, 0.05);
     const std::vector<float> h = probe::sine(1330, 11025, 11025, 0.02);
@@ -95,18 +66,16 @@ TEST(StimulusFile, NormalizedFilesMeetTheirLevelsAndTheFiguresMatchTheFiles)
         ASSERT_TRUE(output.set("normalize", level, nullptr));
         ASSERT_TRUE(output.set("ramp", "10", nullptr));
         const StimulusFigures figures = saveStimulus(folder / "n.wav", x.data(), x.size(), 11025, output);
-        const ReadBack r = readBack(folder / "n.wav");
+        const probe::AudioFile r = probe::readAudioFile(folder / "n.wav");
         ASSERT_EQ(r.info.frames, 44100) << level;
         const double rms = probe::rmsDb(r.samples, 0, r.samples.size());
-        double peak = 0;
-        for (const float v : r.samples)
-            peak = std::max(peak, std::fabs(double(v)));
+        const double peak = probe::peakDb(r.samples);
         if (output.level == StimulusOutput::Level::Rms)
             EXPECT_NEAR(rms, output.levelDb, 0.1) << level;
         else
-            EXPECT_NEAR(20 * std::log10(peak), output.levelDb, 0.05) << level;
+            EXPECT_NEAR(peak, output.levelDb, 0.05) << level;
         EXPECT_NEAR(figures.rmsDb, rms, 0.01) << level;
-        EXPECT_NEAR(figures.peakDb, 20 * std::log10(peak), 0.01) << level;
+        EXPECT_NEAR(figures.peakDb, peak, 0.01) << level;
         EXPECT_EQ(figures.rate, 44100);
         EXPECT_NEAR(figures.durationMS, 1000.0, 1.0);
         EXPECT_EQ(figures.clipped, 0);
@@ -115,7 +84,7 @@ TEST(StimulusFile, NormalizedFilesMeetTheirLevelsAndTheFiguresMatchTheFiles)
 
 TEST(StimulusFile, AClippingGainIsRefusedUnlessAllowedAndThenCounted)
 {
-    Folder folder;
+    TempDir folder;
     const std::vector<float> x = probe::sine(300, 11025, 2000, 0.5); // peak -6 dBFS, RMS -9 dBFS
     StimulusOutput output;
     ASSERT_TRUE(output.set("normalize", "rms:-1", nullptr)); // +8 dB: the peak goes to +2 dBFS
@@ -131,7 +100,7 @@ TEST(StimulusFile, AClippingGainIsRefusedUnlessAllowedAndThenCounted)
     const StimulusFigures figures = saveStimulus(folder / "loud.wav", x.data(), x.size(), 11025, output);
     EXPECT_GT(figures.clipped, 100);
     EXPECT_NEAR(figures.gainDb, 8.0, 0.05);
-    const ReadBack r = readBack(folder / "loud.wav");
+    const probe::AudioFile r = probe::readAudioFile(folder / "loud.wav");
     long long atLimit = 0;
     for (const int v : r.values)
         atLimit += (v >> 16) == 32767 || (v >> 16) == -32768 ? 1 : 0;
@@ -146,28 +115,21 @@ TEST(StimulusFile, PlainFiguresCountTheWrappedSamplesAndPendingStimuliComeBackWh
     EXPECT_NEAR(plain.peakDb, 0.0, 1e-9);
     EXPECT_EQ(plain.gainDb, 0.0);
 
-    std::string folder;
-    {
-        PendingStimuli pending;
-        pending.keep(3, Stimulus(x, 22050));
-        const Stimulus back = pending.take(3);
-        EXPECT_EQ(back.samples(), x);
-        EXPECT_EQ(back.rate(), 22050);
-        EXPECT_THROW(pending.take(3), DocumentException); // taken once
-    }
+    PendingStimuli pending;
+    pending.keep(3, Stimulus(x, 22050));
+    const Stimulus back = pending.take(3);
+    EXPECT_EQ(back.samples(), x);
+    EXPECT_EQ(back.rate(), 22050);
+    EXPECT_THROW(pending.take(3), DocumentException); // taken once
 }
 
 TEST(StimulusOutputFile, SettingsRoundTripAndADamagedFileChangesNothing)
 {
     StimulusOutput o;
-    for (const auto& [name, value] :
-         std::vector<std::pair<std::string, std::string>>{{"rate", "48000"},
-                                                          {"normalize", "peak:-1.5"},
-                                                          {"allow-clip", ""},
-                                                          {"ramp", "7.5"},
-                                                          {"pad", "10,20"},
-                                                          {"bits", "24"},
-                                                          {"format", "flac"}})
+    const std::pair<const char*, const char*> options[] = {
+        {"rate", "48000"}, {"normalize", "peak:-1.5"}, {"allow-clip", ""}, {"ramp", "7.5"}, {"pad", "10,20"},
+        {"bits", "24"},    {"format", "flac"}};
+    for (const auto& [name, value] : options)
         ASSERT_TRUE(o.set(name, value, nullptr)) << name;
     StimulusOutput back;
     ASSERT_TRUE(StimulusOutputFile::decode(StimulusOutputFile::encode(o), back));

@@ -114,14 +114,10 @@ TEST(StimulusOutputOptions, ParsedFromTheirTextAndRefusedWhole)
     StimulusOutput o;
     EXPECT_TRUE(o.plain());
     std::string error;
-    for (const auto& [name, value] :
-         std::vector<std::pair<std::string, std::string>>{{"rate", "44100"},
-                                                          {"normalize", "rms:-23"},
-                                                          {"same-gain", ""},
-                                                          {"ramp", "10"},
-                                                          {"pad", "50,100"},
-                                                          {"bits", "24"},
-                                                          {"format", "flac"}})
+    const std::pair<const char*, const char*> options[] = {
+        {"rate", "44100"}, {"normalize", "rms:-23"}, {"same-gain", ""}, {"ramp", "10"},
+        {"pad", "50,100"}, {"bits", "24"},           {"format", "flac"}};
+    for (const auto& [name, value] : options)
         ASSERT_TRUE(o.set(name, value, &error)) << name << ": " << error;
     EXPECT_EQ(o.rate, 44100);
     EXPECT_EQ(o.level, StimulusOutput::Level::Rms);
@@ -139,22 +135,12 @@ TEST(StimulusOutputOptions, ParsedFromTheirTextAndRefusedWhole)
     EXPECT_EQ(o.padAfterMS, 20.0);
 
     const StimulusOutput before = o;
-    for (const auto& [name, value] :
-         std::vector<std::pair<std::string, std::string>>{{"rate", "7999"},
-                                                          {"rate", "192001"},
-                                                          {"rate", "44100.5"},
-                                                          {"rate", "44k"},
-                                                          {"normalize", "rms"},
-                                                          {"normalize", "loud:-3"},
-                                                          {"normalize", "rms:3"},
-                                                          {"normalize", "peak:x"},
-                                                          {"ramp", "-1"},
-                                                          {"pad", "10,"},
-                                                          {"pad", "1,2,3"},
-                                                          {"bits", "8"},
-                                                          {"format", "mp3"},
-                                                          {"same-gain", "maybe"},
-                                                          {"speed", "2"}}) {
+    const std::pair<const char*, const char*> refused[] = {
+        {"rate", "7999"},     {"rate", "192001"},       {"rate", "44100.5"},    {"rate", "44k"},
+        {"normalize", "rms"}, {"normalize", "loud:-3"}, {"normalize", "rms:3"}, {"normalize", "peak:x"},
+        {"ramp", "-1"},       {"pad", "10,"},           {"pad", "1,2,3"},       {"bits", "8"},
+        {"format", "mp3"},    {"same-gain", "maybe"},   {"speed", "2"}};
+    for (const auto& [name, value] : refused) {
         error.clear();
         EXPECT_FALSE(o.set(name, value, &error)) << name << " " << value;
         EXPECT_FALSE(error.empty()) << name;

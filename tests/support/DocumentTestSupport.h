@@ -1,17 +1,34 @@
 #pragma once
-// Helpers shared by the document tests: cell edits as the table makes them, and little-endian
-// byte building for WAVE images (documents of a given size: TestDocuments.h).
+// Helpers shared by the document tests: documents opened from bytes as the workbench opens a file,
+// cell edits as the table makes them, and little-endian byte building for WAVE images (documents
+// of a given size: TestDocuments.h).
 #include "document/MyDocument.h"
 
 #include <cstdint>
 #include <string>
 #include <vector>
 
+// Opens a parameter document or a recording from its bytes and builds its table data; whether it
+// could be read (the reason is the document's lastReadError()).
+inline bool openBytes(MyDocument& document, const std::string& bytes, const char* type = "stk")
+{
+    int code = 0;
+    if (!document.readFromData(bytes, type, &code))
+        return false;
+    document.buildDataTableDictionary();
+    return true;
+}
+
 // The cell of frame k (1-based, as the table data keys it) and a row.
 inline CellRef frameCell(MyDocument& document, int frame, int row)
 {
     return document._dataTableDictionary.cellAt(static_cast<long long>(frame) * document.updateInterval(),
                                                 row);
+}
+
+inline int frameValue(MyDocument& document, int frame, int row)
+{
+    return frameCell(document, frame, row)->_nValue();
 }
 
 inline void setValue(MyDocument& document, int frame, int row, int value)

@@ -2,6 +2,7 @@
 // Measuring test signals from outside: a sine of known frequency, a windowed power spectrum
 // (4-term Blackman-Harris, side lobes below -92 dB) and levels in dB. For the resampler and the
 // stimulus file tests.
+#include <algorithm>
 #include <cmath>
 #include <complex>
 #include <cstddef>
@@ -58,6 +59,15 @@ inline std::vector<double> powerSpectrum(const std::vector<float>& x, std::size_
 inline double db(double power)
 {
     return 10.0 * std::log10(power + 1e-300);
+}
+
+// Peak in dB re full scale.
+inline double peakDb(const std::vector<float>& x)
+{
+    double peak = 0.0;
+    for (const float v : x)
+        peak = std::max(peak, std::fabs(double(v)));
+    return 20.0 * std::log10(peak);
 }
 
 // RMS in dB re full scale of samples [first, last).

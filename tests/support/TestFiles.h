@@ -1,11 +1,30 @@
 #pragma once
-// Reading back what a test made a program write: a whole file as bytes (empty when it cannot be
-// read), and a raw capture of 32-bit float samples (what the ALSA file plugin records).
+// Files of a test: a fresh temporary folder removed with the test, a whole file read back as
+// bytes (empty when it cannot be read), and a raw capture of 32-bit float samples (what the ALSA
+// file plugin records).
+#include <unistd.h>
+
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
 #include <vector>
+
+struct TempDir {
+    std::filesystem::path path;
+    TempDir()
+    {
+        static int made = 0;
+        path = std::filesystem::temp_directory_path() /
+               ("tessaphon-test-" + std::to_string(::getpid()) + "-" + std::to_string(made++));
+        std::filesystem::create_directories(path);
+    }
+    ~TempDir() { std::filesystem::remove_all(path); }
+    TempDir(const TempDir&) = delete;
+    TempDir& operator=(const TempDir&) = delete;
+    std::string operator/(const std::string& name) const { return (path / name).string(); }
+};
 
 inline std::string slurp(const std::string& path)
 {

@@ -1,11 +1,10 @@
 #pragma once
-// Helpers shared by the synthesizer and driver tests: noise-free frames, engine runs and a
-// plain DFT. A frame without aspiration, frication and breathiness synthesizes the same samples
-// on every run, whatever the process-wide noise state.
+// Helpers shared by the synthesizer and driver tests: noise-free frames and engine runs. A frame
+// without aspiration, frication and breathiness synthesizes the same samples on every run,
+// whatever the process-wide noise state.
 #include "document/ParameterDefinition.h"
 #include "synthesis/CKlattEngine.h"
 
-#include <cmath>
 #include <vector>
 
 // The factory parameter values as a frame, breathiness off.
@@ -53,21 +52,6 @@ inline std::vector<int> steadyRun(const klatt_frame_t& frame, int frames, int sa
 {
     klatt_global_t g = preparedRun(11025, 5, samplesPerFrame);
     return runFrames(g, frame, frames);
-}
-
-// Magnitude of the Hann-windowed DFT of x[first .. first+n) at `freq` Hz.
-inline double dftMagnitude(const std::vector<int>& x, std::size_t first, std::size_t n, double freq,
-                           double rate)
-{
-    const double pi = 3.14159265358979323846;
-    double re = 0.0, im = 0.0;
-    for (std::size_t i = 0; i < n; ++i) {
-        const double w = 0.5 - 0.5 * std::cos(2.0 * pi * i / n);
-        const double phase = 2.0 * pi * freq * i / rate;
-        re += w * x[first + i] * std::cos(phase);
-        im -= w * x[first + i] * std::sin(phase);
-    }
-    return std::hypot(re, im);
 }
 
 inline bool allZero(const std::vector<int>& x)

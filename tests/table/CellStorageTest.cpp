@@ -1,5 +1,7 @@
 // How table cells are stored: the shared row definitions, the displayed text, undo snapshots
 // that give back every value, flag and anchor, and the memory a long document costs.
+#include "support/DocumentTestSupport.h"
+#include "support/TestDocuments.h"
 #include "table/FrameEditing.h"
 #include "table/TableEditing.h"
 
@@ -11,30 +13,18 @@
 
 namespace
 {
-
+// Documents of 10 ms frames on the synthesis channel alone.
 std::unique_ptr<MyDocument> documentOf(int frames)
 {
-    auto doc = std::make_unique<MyDocument>();
-    Channels& c = *doc->getChannel(0);
-    c.m_dLengthMS = frames * 10.0;
-    c.m_nColumnNum = frames;
-    doc->SetUpDataGridMemory();
-    doc->buildDataTableDictionary();
-    return doc;
+    return makeTestDocument(frames, 10, 1);
 }
-
-CellRef cellOf(MyDocument& doc, int frame, int row)
-{
-    return doc._dataTableDictionary.cellAt(static_cast<long long>(frame) * 10, row);
-}
-
 } // namespace
 
 TEST(CellStorage, ChangingOneCellsLimitsOrColoursLeavesTheRestOfItsRow)
 {
     auto doc = documentOf(5);
-    const CellRef a = cellOf(*doc, 2, Row::f1);
-    const CellRef b = cellOf(*doc, 3, Row::f1);
+    const CellRef a = frameCell(*doc, 2, Row::f1);
+    const CellRef b = frameCell(*doc, 3, Row::f1);
     ASSERT_TRUE(a->sharesDefinitionWith(*b));
     const int max = b->_nMaxValue();
 
@@ -98,12 +88,12 @@ TEST(CellStorage, DefinitionsNoLongerUsedAreGivenBack)
         // Distinct colours for every row of every frame: 2400 definitions while they live.
         for (int k = 1; k <= 50; ++k)
             for (int row = 0; row < kParameterCount; ++row)
-                cellOf(*doc, k, row)->set_nsbgColor(Color::rgb(k / 64.0, row / 64.0, 0.5));
+                frameCell(*doc, k, row)->set_nsbgColor(Color::rgb(k / 64.0, row / 64.0, 0.5));
         EXPECT_GE(CellDefinitions::liveCount(), before + 50 * kParameterCount);
         saveParameters(*doc);
         // The parameter settings bring every frame cell of a row back to one definition.
         for (int k = 2; k <= 50; ++k)
-            ASSERT_TRUE(cellOf(*doc, k, Row::f2)->sharesDefinitionWith(*cellOf(*doc, 1, Row::f2)));
+            ASSERT_TRUE(frameCell(*doc, k, Row::f2)->sharesDefinitionWith(*frameCell(*doc, 1, Row::f2)));
     }
     EXPECT_EQ(CellDefinitions::liveCount(), before);
 }
@@ -116,7 +106,7 @@ TEST(CellStorage, UndoSnapshotsGiveBackEveryValueFlagAndAnchor)
         std::string all;
         for (int k = 0; k <= 300; ++k)
             for (int row = 0; row < kParameterCount; ++row) {
-                const CellRef c = cellOf(*doc, k, row);
+                const CellRef c = frameCell(*doc, k, row);
                 all += std::to_string(c->_nValue()) + c->stringValue() + (c->_bAnchor() ? "a" : "-") +
                        (c->_bSelected() ? "s" : "-") + c->_strName() + std::to_string(c->_nMaxValue()) + ";";
             }
@@ -130,7 +120,7 @@ TEST(CellStorage, UndoSnapshotsGiveBackEveryValueFlagAndAnchor)
         }
         for (int k = 0; k <= 300; ++k)
             for (int row = 0; row < kParameterCount; ++row) {
-                const CellRef c = cellOf(*doc, k, row);
+                const CellRef c = frameCell(*doc, k, row);
                 c->set_bSelected(shown[row]);
                 if (k == 0)
                     continue;
@@ -167,7 +157,8 @@ TEST(CellStorage, ADeclaredLengthFarBeyondTheValueLinesCostsItsFramesAtSixteenBy
     doc.m_bReadFile = 1;
     doc.buildDataTableDictionary();
     ASSERT_EQ(doc._dataTableDictionary.count(), 60001u);
-    EXPECT_EQ(cellOf(doc, 60000, Row::f0)->_nValue(), doc.getChannel(0)->m_Parameters[Row::f0].nDefaultValue);
+    EXPECT_EQ(frameCell(doc, 60000, Row::f0)->_nValue(),
+              doc.getChannel(0)->m_Parameters[Row::f0].nDefaultValue);
     // Every column's cells lie in one block: neighbours are 16 bytes apart.
     for (long long k : {1LL, 30000LL, 60000LL}) {
         const CellArray& column = *doc._dataTableDictionary.objectForKey(k * 10);

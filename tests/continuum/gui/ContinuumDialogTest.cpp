@@ -2,6 +2,7 @@
 #include "continuum/gui/ContinuumDialog.h"
 #include "document/MyDocument.h"
 #include "support/TestDocuments.h"
+#include "support/TestFiles.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -14,7 +15,6 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
 
 namespace
 {
@@ -26,12 +26,16 @@ std::unique_ptr<MyDocument> makeDocument(int frames, int f2)
     return document;
 }
 
-struct Folder {
-    std::filesystem::path path =
-        std::filesystem::temp_directory_path() / ("continuum-dialog-" + std::to_string(::getpid()));
-    Folder() { std::filesystem::create_directories(path); }
-    ~Folder() { std::filesystem::remove_all(path); }
-    QString operator/(const char* name) const { return QString::fromStdString((path / name).string()); }
+struct Folder : TempDir {
+    QString operator/(const char* name) const { return QString::fromStdString(TempDir::operator/(name)); }
+    // Saves a document of `frames` frames whose f2 is 2200 Hz as `name`; its path.
+    QString saved(const char* name, int frames) const
+    {
+        std::string error;
+        EXPECT_TRUE(makeDocument(frames, 2200)->writeSafelyToURL(TempDir::operator/(name), "stk", &error))
+            << error;
+        return *this / name;
+    }
 };
 
 } // namespace
@@ -40,13 +44,9 @@ TEST(ContinuumDialog, MakesTheStepsOnAWorkerAndReportsTheFolder)
 {
     Folder folder;
     auto a = makeDocument(20, 1200);
-    auto b = makeDocument(20, 2200);
-    std::string error;
-    ASSERT_TRUE(b->writeSafelyToURL((folder / "da.stk").toStdString(), "stk", &error)) << error;
-
     ContinuumDialog dialog(*a, folder / "ba.stk");
     EXPECT_EQ(dialog.folderField()->text(), folder / "ba-continuum") << "default folder beside A";
-    dialog.secondDocumentField()->setText(folder / "da.stk");
+    dialog.secondDocumentField()->setText(folder.saved("da.stk", 20));
     dialog.stepsField()->setValue(7);
     dialog.scaleField()->setCurrentIndex(dialog.scaleField()->findText(QStringLiteral("Bark")));
     dialog.allDifferingField()->setChecked(false);
@@ -60,23 +60,17 @@ TEST(ContinuumDialog, MakesTheStepsOnAWorkerAndReportsTheFolder)
     EXPECT_EQ(dialog.progressBar()->value(), 7);
     for (const char* name : {"ba_1.stk", "ba_7.stk", "ba_4.wav", "manifest.csv"})
         EXPECT_TRUE(std::filesystem::exists(folder.path / "ba-continuum" / name)) << name;
-    std::ifstream manifest(folder.path / "ba-continuum" / "manifest.csv");
-    std::string header, first;
-    std::getline(manifest, header);
-    std::getline(manifest, first);
-    EXPECT_EQ(header, "step,weight,document,wave,f2");
-    EXPECT_EQ(first, "1,0,ba_1.stk,ba_1.wav,1200.000");
+    const std::string manifest = slurp((folder / "ba-continuum/manifest.csv").toStdString());
+    EXPECT_EQ(manifest.rfind("step,weight,document,wave,f2\n1,0,ba_1.stk,ba_1.wav,1200.000\n", 0), 0u)
+        << manifest;
 }
 
 TEST(ContinuumDialog, RefusesADocumentOfAnotherLengthWithAMessage)
 {
     Folder folder;
     auto a = makeDocument(20, 1200);
-    auto b = makeDocument(15, 2200);
-    std::string error;
-    ASSERT_TRUE(b->writeSafelyToURL((folder / "short.stk").toStdString(), "stk", &error)) << error;
     ContinuumDialog dialog(*a, folder / "ba.stk");
-    dialog.secondDocumentField()->setText(folder / "short.stk");
+    dialog.secondDocumentField()->setText(folder.saved("short.stk", 15));
     EXPECT_FALSE(dialog.start());
     const QString message = dialog.findChild<QLabel*>(QStringLiteral("status"))->text();
     EXPECT_TRUE(message.contains(QStringLiteral("short.stk")) &&
@@ -91,13 +85,9 @@ TEST(ContinuumDialog, RefusesToWriteOverAnInputReachedThroughALink)
 {
     Folder folder;
     auto a = makeDocument(20, 1200);
-    auto b = makeDocument(20, 2200);
-    std::string error;
-    ASSERT_TRUE(b->writeSafelyToURL((folder / "ba_7.stk").toStdString(), "stk", &error)) << error;
     std::filesystem::create_directory_symlink(folder.path, folder.path / "link");
-
     ContinuumDialog dialog(*a, folder / "ba.stk");
-    dialog.secondDocumentField()->setText(folder / "ba_7.stk");
+    dialog.secondDocumentField()->setText(folder.saved("ba_7.stk", 20));
     dialog.stepsField()->setValue(7);
     dialog.folderField()->setText(folder / "link");
     EXPECT_FALSE(dialog.start());

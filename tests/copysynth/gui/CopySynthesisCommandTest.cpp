@@ -7,6 +7,7 @@ namespace testsignals = signals;
 
 #include "copysynth/gui/CopySynthesisCommand.h"
 #include "dataentry/gui/trace/dataentryTraceContoller.h"
+#include "support/DocumentTestSupport.h"
 #include "support/TestChannels.h"
 #include "support/TestFiles.h"
 #include "support/WidgetEvents.h"
@@ -22,7 +23,6 @@ namespace testsignals = signals;
 #include <QTest>
 
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 
 namespace
@@ -47,33 +47,25 @@ std::string recordingWave(double seconds)
 }
 
 struct CopySynthesisWindow : ::testing::Test {
-    std::filesystem::path folder =
-        std::filesystem::temp_directory_path() / ("tessaphon-copysynth-" + std::to_string(::getpid()));
+    TempDir folder;
     MyDocument doc;
     std::unique_ptr<mainTable> table;
     std::string wav;
 
     void SetUp() override
     {
-        std::filesystem::create_directories(folder);
-        wav = (folder / "recording.wav").string();
+        wav = folder / "recording.wav";
         std::ofstream(wav, std::ios::binary) << recordingWave(1.5);
-        int error = 0;
-        ASSERT_TRUE(doc.readFromData(slurp(wav), "stk", &error));
-        doc.buildDataTableDictionary();
+        ASSERT_TRUE(openBytes(doc, slurp(wav))) << doc.lastReadError();
         table = std::make_unique<mainTable>(&doc);
         Alert::setHandler([this](const QString& title, const QString& message, const QString&) {
             alerts.push_back((title + ": " + message).toStdString());
         });
     }
-    void TearDown() override
-    {
-        Alert::setHandler({});
-        std::filesystem::remove_all(folder);
-    }
+    void TearDown() override { Alert::setHandler({}); }
     std::string saved(const std::string& name)
     {
-        const std::string path = (folder / name).string();
+        const std::string path = folder / name;
         std::string error;
         EXPECT_TRUE(doc.writeSafelyToURL(path, "stk", &error)) << error;
         return slurp(path);
@@ -98,7 +90,7 @@ TEST_F(CopySynthesisWindow, TheButtonAppliesOneUndoStepThatEqualsTheCommandLine)
     EXPECT_TRUE(doc.getChannel(2)->hasAudio()); // the model stays for Play Model
     const std::string window = saved("window.stk");
 
-    const std::string cli = (folder / "cli.stk").string();
+    const std::string cli = folder / "cli.stk";
     ASSERT_EQ(std::system((std::string(TESSAPHON_CLI) + " copysynth " + wav + " -o " + cli).c_str()), 0);
     EXPECT_FALSE(window.empty());
     EXPECT_TRUE(window == slurp(cli));

@@ -37,17 +37,7 @@ struct GraphicalEntry : ::testing::Test {
     {
         doc.buildDataTableDictionary();
         controller = std::make_unique<dataentryGraphicalController>(&doc, nullptr);
-        showAt(505, 426);
-    }
-
-    void showAt(int w, int h)
-    {
-        QWidget* window = controller->window();
-        window->show();
-        // The content area (below the menu bar) is what the plots share.
-        const QSize content = static_cast<QWidget*>(controller->_viewF0()->parent())->size();
-        window->resize(window->width() + (w - content.width()), window->height() + (h - content.height()));
-        QApplication::processEvents();
+        showContentAt(*controller, 505, 426);
     }
 
     viewF0& f0View() { return *controller->_viewF0(); }
@@ -59,7 +49,6 @@ struct GraphicalEntry : ::testing::Test {
     {
         return doc._dataTableDictionary.cellAt(static_cast<long long>(frame + 1) * 10, row)->stringValue();
     }
-    static void drag(QWidget& view, std::initializer_list<QPointF> points) { dragThrough(view, points); }
 };
 
 } // namespace
@@ -71,7 +60,7 @@ TEST_F(GraphicalEntry, DraggingOverTheF0PlotSetsExactlyTheFramesUnderThePointer)
     const CellRef frame3 = doc._dataTableDictionary.cellAt(40, Row::f0);
 
     // Press in frame 0, drag through frames 1 and 3 (frame 2 skipped), release in frame 3.
-    drag(f0View(), {{10, 50}, {30, 50}, {70, 25}});
+    dragThrough(f0View(), {{10, 50}, {30, 50}, {70, 25}});
 
     // trunc((100 - y) x 3000 / 100); committed on release with the texts following.
     const int want[] = {1000, 1500, 1000, 2250, 1000};
@@ -100,7 +89,7 @@ TEST_F(GraphicalEntry, EdgesGiveFullScaleAndZeroAndPointsOutsideAreIgnored)
         ASSERT_EQ(value(frame, Row::f0), 1000);
     EXPECT_EQ(doc._dataTableDictionary.cellAt(10, Row::f0), before);
 
-    drag(f0View(), {{5, 0}, {5, 0}, {25, 100}, {45, 100.5}, {400, 10}, {-1, 10}});
+    dragThrough(f0View(), {{5, 0}, {5, 0}, {25, 100}, {45, 100.5}, {400, 10}, {-1, 10}});
     EXPECT_EQ(value(0, Row::f0), 3000);  // top edge: full scale, above f0's maximum, kept as drawn
     EXPECT_EQ(value(1, Row::f0), 0);     // bottom edge
     EXPECT_EQ(value(2, Row::f0), 1000);  // below the bottom edge: outside
@@ -108,13 +97,13 @@ TEST_F(GraphicalEntry, EdgesGiveFullScaleAndZeroAndPointsOutsideAreIgnored)
 
     // The formant plot (200 high, scale 5000) in F2 mode.
     controller->actionParameter(dataentryGraphicalController::F2);
-    drag(*controller->_viewFormants(), {{390, 0}, {390, 0}, {390, 199}});
+    dragThrough(*controller->_viewFormants(), {{390, 0}, {390, 0}, {390, 199}});
     EXPECT_EQ(value(19, Row::f2), 25); // trunc(1 x 5000 / 200)
 
     // The amplitude plot (95 high, scale 90) edits the active formant's amplitude row only.
     controller->actionParameter(dataentryGraphicalController::F1);
     ASSERT_EQ(controller->_viewOthers()->height(), 95);
-    drag(*controller->_viewOthers(), {{50, 0}, {50, 0}, {110, 95}});
+    dragThrough(*controller->_viewOthers(), {{50, 0}, {50, 0}, {110, 95}});
     EXPECT_EQ(value(2, Row::a1f), 90);
     EXPECT_EQ(value(5, Row::a1f), 0);
     EXPECT_EQ(value(2, Row::a2f), 30);
@@ -141,7 +130,7 @@ TEST_F(GraphicalEntry, ButtonsChooseTheActiveTracksAndStoreTheSwitches)
     EXPECT_FALSE(controller->button(dataentryGraphicalController::F2)->isChecked());
 
     // A drag in a plot without an active track records nothing.
-    drag(f0View(), {{10, 10}, {10, 10}});
+    dragThrough(f0View(), {{10, 10}, {10, 10}});
     EXPECT_EQ(value(0, Row::f0), 1000);
     EXPECT_TRUE(doc._arrayUndo.empty());
 
@@ -155,7 +144,7 @@ TEST_F(GraphicalEntry, ButtonsChooseTheActiveTracksAndStoreTheSwitches)
 
 TEST_F(GraphicalEntry, PlotsTileTheHeightOneTwoOneAndFollowResizes)
 {
-    showAt(705, 626); // H = 600
+    showContentAt(*controller, 705, 626); // H = 600
     EXPECT_EQ(controller->_viewF0()->geometry(), QRect(100, 5, 600, 150));
     EXPECT_EQ(controller->_viewFormants()->geometry(), QRect(100, 155, 600, 300));
     EXPECT_EQ(controller->_viewOthers()->geometry(), QRect(100, 455, 600, 145));
@@ -195,9 +184,7 @@ TEST(GraphicalEntryFromTheTable, FollowsThePointerEditsTheTablesOwnCellsAndUndoe
     auto* controller = dynamic_cast<dataentryGraphicalController*>(table.graphicalDataEntry());
     ASSERT_NE(controller, nullptr);
     EXPECT_EQ(controller->window()->windowTitle(), "data entry:: Untitled[*]"); // [*]: the modified marker
-    controller->window()->resize(505, 426 + controller->window()->height() -
-                                          controller->_viewF0()->parentWidget()->height());
-    QApplication::processEvents();
+    showContentAt(*controller, 505, 426);
     viewF0& plot = *controller->_viewF0();
     ASSERT_EQ(plot.width(), 400);
     ParameterTableModel& model = *table.tableModel();

@@ -12,6 +12,7 @@ namespace testsignals = signals;
 #include "dataentry/gui/trace/viewAmplitudes.h"
 #include "dataentry/gui/trace/viewPitch.h"
 #include "dataentry/gui/trace/viewSpectrogram.h"
+#include "support/DocumentTestSupport.h"
 #include "support/LabelChecks.h"
 #include "table/gui/mainTable.h"
 
@@ -24,8 +25,6 @@ namespace testsignals = signals;
 #include <QPushButton>
 #include <QTest>
 
-#include <cstdio>
-#include <filesystem>
 #include <fstream>
 
 namespace
@@ -43,7 +42,13 @@ std::string vowelWave(double seconds)
         kRate);
 }
 
-// A document opened from a recording as the workbench opens one, and its trace window.
+// `document` opened from `seconds` of the vowel as the workbench opens a recording.
+void openVowel(MyDocument& document, double seconds)
+{
+    ASSERT_TRUE(openBytes(document, vowelWave(seconds))) << document.lastReadError();
+}
+
+// A document opened from a recording, and its trace window.
 struct TraceWindow : ::testing::Test {
     MyDocument doc;
     std::unique_ptr<mainTable> table;
@@ -51,9 +56,7 @@ struct TraceWindow : ::testing::Test {
 
     void open(double seconds)
     {
-        int error = 0;
-        ASSERT_TRUE(doc.readFromData(vowelWave(seconds), "stk", &error));
-        doc.buildDataTableDictionary();
+        openVowel(doc, seconds);
         table = std::make_unique<mainTable>(&doc);
         controller = std::make_unique<dataentryTraceContoller>(&doc, table.get());
         controller->window()->show();
@@ -71,21 +74,16 @@ struct TraceWindow : ::testing::Test {
     // recording (`seconds` of the vowel): the same bytes.
     void expectSameAsCommandLine(double seconds)
     {
-        const auto folder =
-            std::filesystem::temp_directory_path() / ("tessaphon-trace-" + std::to_string(::getpid()));
-        std::filesystem::create_directories(folder);
-        const std::string wav = (folder / "vowel.wav").string();
-        std::ofstream(wav, std::ios::binary) << vowelWave(seconds);
+        const TempDir folder;
+        std::ofstream(folder / "vowel.wav", std::ios::binary) << vowelWave(seconds);
         std::string error;
-        const std::string windowCopy = (folder / "window.stk").string();
-        ASSERT_TRUE(doc.writeSafelyToURL(windowCopy, "stk", &error)) << error;
-        const std::string cliCopy = (folder / "cli.stk").string();
-        const std::string command = std::string(TESSAPHON_CLI) + " trace " + wav + " -o " + cliCopy;
+        ASSERT_TRUE(doc.writeSafelyToURL(folder / "window.stk", "stk", &error)) << error;
+        const std::string command =
+            std::string(TESSAPHON_CLI) + " trace " + folder / "vowel.wav" + " -o " + folder / "cli.stk";
         ASSERT_EQ(std::system(command.c_str()), 0);
-        const std::string a = slurp(windowCopy);
+        const std::string a = slurp(folder / "window.stk");
         EXPECT_FALSE(a.empty());
-        EXPECT_TRUE(a == slurp(cliCopy));
-        std::filesystem::remove_all(folder);
+        EXPECT_TRUE(a == slurp(folder / "cli.stk"));
     }
     // A press and one move at the same point; the release comes separately.
     static void drag(QWidget& view, QPointF at)
@@ -195,19 +193,6 @@ TEST_F(TraceWindow, DragsWriteTheirRowsAndColumnsAndUndoRestores)
     EXPECT_EQ(value(31, Row::a2f), std::min(90, cell(31, Row::a2f)->_nMaxValue()));
 }
 
-TEST_F(TraceWindow, EnterAllDataEqualsTheCommandLineByteForByte)
-{
-    open(2.0);
-    // Ctrl+E before the spectrogram is ready waits for it.
-    QTest::keyClick(controller->window(), Qt::Key_E, Qt::ControlModifier);
-    ASSERT_TRUE(spectrogramReady());
-    ASSERT_TRUE(waitFor([&] { return !controller->enterAllDataPending(); }));
-    EXPECT_TRUE(doc.canUndo());
-    EXPECT_NEAR(value(100, Row::f0), 1200, 40);
-    EXPECT_NEAR(value(100, Row::f1), 700, 40);
-    expectSameAsCommandLine(2.0);
-}
-
 TEST_F(TraceWindow, EnterAllDataAndEachDragAreOneUndoStepEach)
 {
     open(1.0);
@@ -263,7 +248,7 @@ TEST_F(TraceWindow, EnterAllDataAndEachDragAreOneUndoStepEach)
     EXPECT_FALSE(doc.canRedo());
 }
 
-TEST_F(TraceWindow, EnterAllDataFillsEveryFrameWhateverTheWindowsWidth)
+TEST_F(TraceWindow, EnterAllDataFillsEveryFrameWhateverTheWidthAndEqualsTheCommandLine)
 {
     // 8 s: more frames (800) than the spectrogram view has pixel columns.
     open(8.0);
@@ -273,13 +258,18 @@ TEST_F(TraceWindow, EnterAllDataFillsEveryFrameWhateverTheWindowsWidth)
     constexpr int kUntouched = 4321;
     for (int k = 1; k <= columns; ++k)
         doc._dataTableDictionary.cellAt(k * 10LL, Row::f1)->set_nValue(kUntouched);
+    // Ctrl+E before the spectrogram is ready waits for it.
     QTest::keyClick(controller->window(), Qt::Key_E, Qt::ControlModifier);
+    ASSERT_TRUE(spectrogramReady());
     ASSERT_TRUE(waitFor([&] { return !controller->enterAllDataPending(); }));
+    EXPECT_TRUE(doc.canUndo());
+    EXPECT_NEAR(value(100, Row::f0), 1200, 40);
+    EXPECT_NEAR(value(100, Row::f1), 700, 40);
     int untouched = 0;
     for (int k = 1; k <= columns; ++k)
         untouched += value(k, Row::f1) == kUntouched;
     EXPECT_EQ(untouched, 0) << "of " << columns << " frames";
-    // The command line enters the same values.
+    // The command line enters the same values, byte for byte.
     expectSameAsCommandLine(8.0);
 }
 
@@ -306,8 +296,7 @@ TEST_F(TraceWindow, EntryErrorsShowTheirSheets)
 {
     // A 2 s recording loaded into a 1 s grid: the pitch track is longer than the grid.
     open(1.0);
-    int error = 0;
-    ASSERT_EQ(doc.Read_WAVE_FileType(vowelWave(2.0)), 0) << error;
+    ASSERT_EQ(doc.Read_WAVE_FileType(vowelWave(2.0)), 0);
     controller->analysisSettingsChanged();
     ASSERT_TRUE(spectrogramReady());
     ASSERT_FALSE(doc.canUndo());
@@ -322,9 +311,7 @@ TEST_F(TraceWindow, EntryErrorsShowTheirSheets)
     // Formant tracking off: its own sheet, nothing entered, no undo step.
     MyDocument other;
     other.m_bSpecDrawFormantTracking = 0;
-    int e = 0;
-    ASSERT_TRUE(other.readFromData(vowelWave(0.5), "stk", &e));
-    other.buildDataTableDictionary();
+    openVowel(other, 0.5);
     dataentryTraceContoller off(&other, nullptr);
     off.actionEnterAllData();
     ASSERT_NE(off.sheet(), nullptr);
@@ -338,9 +325,7 @@ TEST_F(TraceWindow, ClosingWhileTheSpectrogramIsComputingIsSafe)
 {
     // A long recording keeps the worker busy; the window and then the document go away.
     auto longDoc = std::make_unique<MyDocument>();
-    int error = 0;
-    ASSERT_TRUE(longDoc->readFromData(vowelWave(30.0), "stk", &error));
-    longDoc->buildDataTableDictionary();
+    openVowel(*longDoc, 30.0);
     auto window = std::make_unique<dataentryTraceContoller>(longDoc.get(), nullptr);
     window->window()->show();
     window->window()->resize(1600, 900); // a resize restarts the computation later
@@ -351,9 +336,7 @@ TEST_F(TraceWindow, ClosingWhileTheSpectrogramIsComputingIsSafe)
     QTest::qWait(300);
 
     // A trace window opened by its table, computing when the table (the document's window) goes.
-    int e = 0;
-    ASSERT_TRUE(doc.readFromData(vowelWave(30.0), "stk", &e));
-    doc.buildDataTableDictionary();
+    openVowel(doc, 30.0);
     auto owner = std::make_unique<mainTable>(&doc);
     mainTable::setTraceDataEntryFactory(
         [](mainTable* t) -> DataEntryController* { return new dataentryTraceContoller(t->document(), t); });

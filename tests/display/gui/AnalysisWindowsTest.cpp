@@ -10,6 +10,7 @@ namespace testsignals = signals; // before Qt's `signals` keyword
 #include "display/gui/spectrogramView.h"
 #include "document/Log.h"
 #include "document/MyDocument.h"
+#include "support/DocumentTestSupport.h"
 #include "support/LabelChecks.h"
 #include "support/TestChannels.h"
 #include "support/TestFiles.h"
@@ -41,9 +42,8 @@ struct AnalysisWindows : ::testing::Test {
 
     void SetUp() override
     {
-        int error = 0;
-        ASSERT_TRUE(doc.readFromData(slurp(TESSAPHON_SOURCE_DIR "/examples/vowel-a.stk"), "stk", &error));
-        doc.buildDataTableDictionary();
+        ASSERT_TRUE(openBytes(doc, slurp(TESSAPHON_SOURCE_DIR "/examples/vowel-a.stk")))
+            << doc.lastReadError();
         Log::setSink([](const std::string&) {});
         doc.Synthesize();
         Log::setSink({});
@@ -64,13 +64,7 @@ struct AnalysisWindows : ::testing::Test {
     }
 };
 
-double median(std::vector<double> v)
-{
-    if (v.empty())
-        return 0.0;
-    std::nth_element(v.begin(), v.begin() + static_cast<long>(v.size() / 2), v.end());
-    return v[v.size() / 2];
-}
+using testsignals::median;
 } // namespace
 
 TEST_F(AnalysisWindows, FFTLPCCommandStartsAtTheSelectedFrameAndStepsByFrames)
@@ -269,16 +263,13 @@ TEST_F(AnalysisWindows, PicturesAreWrittenAtTheSetSize)
     QSvgRenderer svg(dir.filePath("s.svg"));
     ASSERT_TRUE(svg.isValid());
     EXPECT_EQ(svg.viewBoxF(), QRectF(0, 0, 432, 288));
-    QFile svgFile(dir.filePath("s.svg"));
-    ASSERT_TRUE(svgFile.open(QIODevice::ReadOnly));
-    EXPECT_TRUE(svgFile.readAll().contains("width=\"152.4mm\" height=\"101.6mm\""));
+    EXPECT_NE(slurp(dir.filePath("s.svg").toStdString()).find("width=\"152.4mm\" height=\"101.6mm\""),
+              std::string::npos);
 
     ASSERT_TRUE(PictureExport::writePicture(dir.filePath("s.pdf"), draw, inches, &error));
-    QFile pdf(dir.filePath("s.pdf"));
-    ASSERT_TRUE(pdf.open(QIODevice::ReadOnly));
-    const QByteArray bytes = pdf.readAll();
-    EXPECT_TRUE(bytes.startsWith("%PDF"));
-    EXPECT_TRUE(bytes.contains("/MediaBox [0 0 432.000000 288.000000]"));
+    const std::string pdf = slurp(dir.filePath("s.pdf").toStdString());
+    EXPECT_EQ(pdf.substr(0, 4), "%PDF");
+    EXPECT_NE(pdf.find("/MediaBox [0 0 432.000000 288.000000]"), std::string::npos);
 
     ASSERT_TRUE(PictureExport::writePicture(dir.filePath("s.PNG"), draw, QSizeF(4, 3), &error));
     EXPECT_EQ(QImage(dir.filePath("s.PNG")).size(), QSize(600, 450));

@@ -2,6 +2,7 @@
 // a rate out of range refused in the panel, the settings kept in their file.
 #include "stimulus/gui/AudioOutputPanel.h"
 #include "stimulus/StimulusOutputFile.h"
+#include "support/TestFiles.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -14,24 +15,19 @@
 #include <QTimer>
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
 #include <functional>
-#include <unistd.h>
 
 namespace
 {
 
 namespace fs = std::filesystem;
 
+// The settings file in a folder that does not exist yet.
 struct SettingsFile {
-    fs::path folder = fs::temp_directory_path() / ("tessaphon-audio-output-" + std::to_string(::getpid()));
-    SettingsFile() { StimulusOutputFile::setDefaultPath((folder / StimulusOutputFile::kFileName).string()); }
-    ~SettingsFile()
-    {
-        StimulusOutputFile::setDefaultPath("");
-        fs::remove_all(folder);
-    }
+    TempDir dir;
+    const fs::path file = dir.path / "settings" / StimulusOutputFile::kFileName;
+    SettingsFile() { StimulusOutputFile::setDefaultPath(file.string()); }
+    ~SettingsFile() { StimulusOutputFile::setDefaultPath(""); }
 };
 
 // Replaces the text of a field the way a user does: select all, type.
@@ -121,5 +117,5 @@ TEST(AudioOutputPanel, ARateOutOfRangeIsRefusedInThePanel)
     });
     EXPECT_EQ(panel.run(nullptr), 1000);
     EXPECT_TRUE(StimulusOutputFile::load().plain());
-    EXPECT_TRUE(fs::exists(settings.folder / StimulusOutputFile::kFileName));
+    EXPECT_TRUE(fs::exists(settings.file));
 }

@@ -3,6 +3,8 @@
 #include "document/MyDocument.h"
 #include "stimulus/StimulusOutputFile.h"
 #include "support/AudioFileProbe.h"
+#include "support/SignalProbe.h"
+#include "support/TestFiles.h"
 #include "table/gui/Alert.h"
 #include "table/gui/mainTable.h"
 
@@ -14,9 +16,7 @@
 #include <QTimer>
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <filesystem>
-#include <unistd.h>
 
 namespace
 {
@@ -24,15 +24,14 @@ namespace
 namespace fs = std::filesystem;
 
 struct SaveFixture {
-    fs::path folder = fs::temp_directory_path() / ("tessaphon-save-audio-" + std::to_string(::getpid()));
+    TempDir folder;
     MyDocument doc;
     std::unique_ptr<mainTable> table;
     QStringList alerts;
 
     SaveFixture()
     {
-        fs::create_directories(folder);
-        StimulusOutputFile::setDefaultPath((folder / StimulusOutputFile::kFileName).string());
+        StimulusOutputFile::setDefaultPath(folder / StimulusOutputFile::kFileName);
         doc.SetUpDataGridMemory();
         doc.buildDataTableDictionary();
         table = std::make_unique<mainTable>(&doc);
@@ -45,7 +44,6 @@ struct SaveFixture {
         table.reset();
         Alert::setHandler({});
         StimulusOutputFile::setDefaultPath("");
-        fs::remove_all(folder);
     }
     void keep(const std::vector<std::pair<std::string, std::string>>& options)
     {
@@ -62,22 +60,19 @@ TEST(SaveAudio, WritesTheSynthesisAsTheAudioOutputSettingsSay)
 {
     SaveFixture f;
     f.keep({{"rate", "44100"}, {"normalize", "rms:-20"}, {"ramp", "10"}, {"bits", "24"}});
-    const std::string path = (f.folder / "a.wav").string();
+    const std::string path = f.folder / "a.wav";
     ASSERT_TRUE(f.table->saveAudioTo(QString::fromStdString(path)));
     const probe::AudioFile r = probe::readAudioFile(path);
     EXPECT_EQ(r.info.samplerate, 44100);
     EXPECT_EQ(r.info.format, SF_FORMAT_WAV | SF_FORMAT_PCM_24);
     EXPECT_NEAR(r.samples.size() / 44100.0, f.doc.getChannel(0)->sampleCount() / 11025.0, 0.001);
-    double sum = 0;
-    for (const float v : r.samples)
-        sum += double(v) * v;
-    EXPECT_NEAR(10 * std::log10(sum / r.samples.size()), -20.0, 0.1);
+    EXPECT_NEAR(probe::rmsDb(r.samples, 0, r.samples.size()), -20.0, 0.1);
     EXPECT_EQ(r.samples.front(), 0.0); // the onset ramp starts from silence
     EXPECT_TRUE(f.alerts.isEmpty()) << f.alerts.join("\n").toStdString();
 
     // A level that would clip is refused with an alert naming the file; nothing is written.
     f.keep({{"normalize", "rms:-1"}});
-    const std::string loud = (f.folder / "loud.wav").string();
+    const std::string loud = f.folder / "loud.wav";
     EXPECT_FALSE(f.table->saveAudioTo(QString::fromStdString(loud)));
     ASSERT_EQ(f.alerts.size(), 1);
     EXPECT_TRUE(f.alerts.front().contains(QString::fromStdString(loud))) << f.alerts.front().toStdString();
@@ -96,14 +91,14 @@ TEST(SaveAudio, TheSavePanelShowsTheSettingsAndProposesTheirFormat)
                 shown = panel->findChild<QLabel*>(QStringLiteral("audioOutput"))->text();
                 filter = panel->selectedNameFilter();
                 auto* name = panel->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
-                name->setText(QString::fromStdString((f.folder / "panel").string()));
+                name->setText(QString::fromStdString(f.folder / "panel"));
                 QTest::keyClick(name, Qt::Key_Return);
             }
     });
     f.table->_fileSaveAudio();
     EXPECT_EQ(shown.toStdString(), "Audio output: 48000 Hz, 16-bit FLAC (Options > Audio Output...)");
     EXPECT_EQ(filter.toStdString(), "FLAC audio (*.flac)");
-    const probe::AudioFile r = probe::readAudioFile((f.folder / "panel.flac").string());
+    const probe::AudioFile r = probe::readAudioFile(f.folder / "panel.flac");
     EXPECT_EQ(r.info.format, SF_FORMAT_FLAC | SF_FORMAT_PCM_16);
     EXPECT_EQ(r.info.samplerate, 48000);
 }

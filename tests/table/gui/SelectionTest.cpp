@@ -3,9 +3,6 @@
 // then do to the document.
 #include "FramesInTable.h"
 
-#include <QApplication>
-#include <QLineEdit>
-
 namespace
 {
 // Ten frames; f1 and f2 have anchors at frames 1 and 5.
@@ -103,13 +100,7 @@ TEST_F(SelectionTable, KeysStepOverCollapsedRowsWhichTakeNoTypedValue)
 
     // Typing after Down goes into f5, not into the hidden f8.
     QTest::keyClick(table.get(), Qt::Key_Down);
-    QTest::keyClick(table.get(), Qt::Key_F2);
-    auto* editor = qobject_cast<QLineEdit*>(table->indexWidget(table->currentIndex()));
-    ASSERT_NE(editor, nullptr);
-    editor->selectAll();
-    QTest::keyClicks(editor, "4000");
-    QTest::keyClick(editor, Qt::Key_Return);
-    QApplication::processEvents();
+    typeIntoCurrentCell(*table, "4000");
     EXPECT_EQ(value(2, Row::f5), 4000);
     EXPECT_EQ(value(2, Row::f8), f8Before);
 

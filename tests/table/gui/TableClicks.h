@@ -1,11 +1,14 @@
 #pragma once
 // Mouse clicks on a shown parameter table as a user makes them: on a parameter's name (the
-// frozen names over column 0), on a frame's header, on a cell.
+// frozen names over column 0), on a frame's header, on a cell; and typing into the current cell.
 #include "table/gui/FrozenColumnView.h"
 #include "table/gui/mainTable.h"
 
+#include <QApplication>
 #include <QHeaderView>
+#include <QLineEdit>
 #include <QTest>
+#include <gtest/gtest.h>
 
 inline void clickName(mainTable& table, int row, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
 {
@@ -26,4 +29,17 @@ inline void clickCell(mainTable& table, int row, int column, Qt::KeyboardModifie
 {
     const QPoint at = table.visualRect(table.model()->index(row, column)).center();
     QTest::mouseClick(table.viewport(), Qt::LeftButton, modifiers, at);
+}
+
+// The edit key opens the current cell's editor; the text replaces what it shows and Return
+// commits it (on the next turn of the event loop).
+inline void typeIntoCurrentCell(mainTable& table, const QString& text)
+{
+    QTest::keyClick(&table, Qt::Key_F2);
+    auto* editor = qobject_cast<QLineEdit*>(table.indexWidget(table.currentIndex()));
+    ASSERT_NE(editor, nullptr);
+    editor->selectAll();
+    QTest::keyClicks(editor, text);
+    QTest::keyClick(editor, Qt::Key_Return);
+    QCoreApplication::processEvents();
 }

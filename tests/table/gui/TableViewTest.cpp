@@ -2,6 +2,8 @@
 // offscreen platform; the checks are on the views' state, not on pixels.
 #include "audio/AudioPlayer.h"
 #include "document/MyDocument.h"
+#include "support/TestDocuments.h"
+#include "support/WidgetEvents.h"
 #include "table/gui/Alert.h"
 #include "table/gui/FrozenColumnView.h"
 #include "table/gui/PlayCursor.h"
@@ -12,7 +14,6 @@
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
-#include <QWheelEvent>
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -30,11 +31,7 @@ struct ShownTable {
 
     explicit ShownTable(double lengthMS)
     {
-        Channels& c = *doc.getChannel(0);
-        c.m_dLengthMS = lengthMS;
-        c.m_nColumnNum = static_cast<int>(lengthMS / c.m_nUpdateIntervalMS);
-        doc.SetUpDataGridMemory();
-        doc.buildDataTableDictionary();
+        setTestFrames(doc, static_cast<int>(lengthMS / 10), 10, 1);
         table = std::make_unique<mainTable>(&doc);
         table->resize(640, 300);
         table->show();
@@ -97,10 +94,7 @@ TEST(FrozenColumn, StaysAtTheLeftWhileTheFramesScrollAndFollowsRowsAndScrolling)
     down->setValue(down->maximum());
     EXPECT_EQ(t.frozen()->verticalScrollBar()->value(), down->maximum());
     EXPECT_EQ(t.frozen()->rowAt(5), t.table->rowAt(5));
-    const QPoint inNames = t.frozen()->viewport()->rect().center();
-    QWheelEvent wheel(inNames, t.frozen()->viewport()->mapToGlobal(inNames), QPoint(), QPoint(0, 120),
-                      Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
-    QApplication::sendEvent(t.frozen()->viewport(), &wheel);
+    sendWheel(*t.frozen()->viewport(), t.frozen()->viewport()->rect().center(), 120, Qt::NoModifier);
     EXPECT_LT(down->value(), down->maximum());
     EXPECT_EQ(t.frozen()->rowAt(5), t.table->rowAt(5));
 

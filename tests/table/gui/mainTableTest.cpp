@@ -13,7 +13,6 @@
 #include <QClipboard>
 #include <QHeaderView>
 #include <QItemSelectionModel>
-#include <QLineEdit>
 #include <QMessageBox>
 #include <QPointer>
 #include <QSignalSpy>
@@ -79,13 +78,7 @@ struct TableFixture {
         table->scrollTo(index);
         table->activateWindow();
         table->setFocus();
-        QTest::keyClick(table.get(), Qt::Key_F2); // the edit key opens the cell's editor
-        auto* editor = qobject_cast<QLineEdit*>(table->indexWidget(index));
-        ASSERT_NE(editor, nullptr);
-        editor->selectAll();
-        QTest::keyClicks(editor, text);
-        QTest::keyClick(editor, Qt::Key_Return);
-        QCoreApplication::processEvents(); // the editor commits on the next turn of the loop
+        typeIntoCurrentCell(*table, text);
     }
     void waitForPlaybackEnd()
     {
@@ -180,18 +173,10 @@ TEST(mainTable, AnchorsFromTheContextMenuFollowTheRules)
     EXPECT_EQ(f.table->model()->data(f.table->model()->index(Row::f2, 4)).toString(), "1500");
 }
 
-TEST(mainTable, SelectionHelpersAndFailedRevert)
+// (Selecting a frame for the data-entry windows: SelectionTest.cpp.)
+TEST(mainTable, RevertWithoutASavedFileIsAnAlertWithTheCommandsButton)
 {
     TableFixture f;
-    f.table->selectaColumn(7);
-    EXPECT_EQ(f.table->selectedColumnSpan(), std::make_pair(7, 7));
-    EXPECT_EQ(f.table->selectedRowSpan(), std::make_pair(-1, -1)) << "a frame is no row";
-    f.table->selectaColumn(3);
-    EXPECT_EQ(f.table->selectedColumnSpan(), std::make_pair(3, 3)) << "the selection is not extended";
-    f.table->clearSelection();
-    EXPECT_EQ(f.table->selectedRowSpan(), std::make_pair(-1, -1));
-
-    // Revert without a saved file fails with the revert command's button.
     f.table->revertDocumentToSaved();
     ASSERT_EQ(f.alerts.size(), 1);
     EXPECT_TRUE(f.alerts[0].startsWith("Error in reading the file|"));

@@ -4,9 +4,6 @@
 #include "support/AudioFileProbe.h"
 #include "support/SignalProbe.h"
 
-#include "document/MyDocument.h"
-#include "support/TestDocuments.h"
-
 #include <gtest/gtest.h>
 
 #include <map>
@@ -15,21 +12,8 @@
 namespace
 {
 
-void saveVowel(const std::string& path, int frames, int f2, int av)
-{
-    auto document = makeTestDocument(frames);
-    setRowValue(*document, Row::f2, f2);
-    setRowValue(*document, Row::av, av);
-    std::string error;
-    ASSERT_TRUE(document->writeSafelyToURL(path, "stk", &error)) << error;
-}
-
 using Audio = probe::AudioFile;
-
-Audio readAudio(const std::string& path)
-{
-    return probe::readAudioFile(path);
-}
+using probe::readAudioFile;
 
 // A CSV file as rows of named fields.
 std::vector<std::map<std::string, std::string>> readCsv(const std::string& path)
@@ -59,55 +43,28 @@ std::string firstLine(const std::string& text)
     return text.substr(0, text.find('\n'));
 }
 
-double peakDb(const std::vector<float>& x)
-{
-    double peak = 0;
-    for (const float v : x)
-        peak = std::max(peak, std::fabs(double(v)));
-    return 20 * std::log10(peak);
-}
-
-// Power in [low, high) Hz of the whole signal under one window, in dB. The transform is the next
-// power of two, so that signals of one duration at 11025 and 44100 Hz are windowed over the same
-// span of time; the power is scaled by the transform size squared, which makes the two compare.
-double bandDb(const Audio& a, double low, double high)
-{
-    std::size_t size = 1;
-    while (size < a.samples.size())
-        size <<= 1;
-    const std::vector<double> p = probe::powerSpectrum(a.samples, 0, size);
-    double sum = 0;
-    for (std::size_t k = 0; k < p.size(); ++k) {
-        const double hz = double(k) * a.info.samplerate / double(size);
-        if (hz >= low && hz < high)
-            sum += p[k];
-    }
-    return probe::db(sum / (double(size) * double(size)));
-}
-
 } // namespace
 
-TEST(CliStimulusOutput, ResampledVowelKeepsItsBandsLengthAndHasNoImages)
+// The resampler's bands, level and images are measured on sines in the stimulus tests; here, that
+// synth resamples at all and keeps the duration.
+TEST(CliStimulusOutput, ResampledVowelKeepsItsLength)
 {
     TempDir dir;
-    saveVowel(dir / "v.stk", 100, 1500, 60);
+    saveTestDocument(dir / "v.stk", 100, {{Row::f2, 1500}, {Row::av, 60}});
     ASSERT_EQ(runCli("synth " + dir / "v.stk -o " + dir / "v11.wav").exitCode, 0);
     CliResult r = runCli("synth " + dir / "v.stk --rate 44100 -o " + dir / "v44.wav");
     ASSERT_EQ(r.exitCode, 0) << r.err;
-    const Audio low = readAudio(dir / "v11.wav"), high = readAudio(dir / "v44.wav");
+    const Audio low = readAudioFile(dir / "v11.wav"), high = readAudioFile(dir / "v44.wav");
     ASSERT_EQ(low.info.samplerate, 11025);
     ASSERT_EQ(high.info.samplerate, 44100);
     EXPECT_NEAR(double(high.samples.size()) / 44100, double(low.samples.size()) / 11025, 0.001);
-    for (double band = 0; band < 4500; band += 500)
-        EXPECT_NEAR(bandDb(high, band, band + 500), bandDb(low, band, band + 500), 0.5) << band << " Hz";
-    EXPECT_LT(bandDb(high, 5700, 22050), bandDb(high, 0, 5500) - 70.0);
 }
 
 TEST(CliStimulusOutput, ContinuumWithOneGainRampsAndFiguresInANewFolder)
 {
     TempDir dir;
-    saveVowel(dir / "a.stk", 40, 1100, 50);
-    saveVowel(dir / "b.stk", 40, 1900, 60);
+    saveTestDocument(dir / "a.stk", 40, {{Row::f2, 1100}, {Row::av, 50}});
+    saveTestDocument(dir / "b.stk", 40, {{Row::f2, 1900}, {Row::av, 60}});
     const std::string folder = dir / "new/deeper/steps";
     CliResult r = runCli("continuum " + dir / "a.stk " + dir / "b.stk" +
                          " --steps 4 --rows f2,av --rate 48000 --normalize rms:-20 --same-gain --ramp 10 "
@@ -120,7 +77,7 @@ TEST(CliStimulusOutput, ContinuumWithOneGainRampsAndFiguresInANewFolder)
               "step,weight,document,wave,f2,av,name,duration_ms,rate,rms_db,peak_db,clipped,gain_db");
     double loudest = -1e9;
     for (const auto& row : rows) {
-        const Audio a = readAudio(folder + "/" + row.at("name"));
+        const Audio a = readAudioFile(folder + "/" + row.at("name"));
         ASSERT_EQ(a.info.samplerate, 48000) << row.at("name");
         EXPECT_EQ(row.at("wave"), row.at("name"));
         EXPECT_EQ(row.at("rate"), "48000");
@@ -128,7 +85,7 @@ TEST(CliStimulusOutput, ContinuumWithOneGainRampsAndFiguresInANewFolder)
         EXPECT_NEAR(std::stod(row.at("duration_ms")), 400.0 + 25.0, 1.0);
         const double rms = probe::rmsDb(a.samples, 0, a.samples.size());
         EXPECT_NEAR(std::stod(row.at("rms_db")), rms, 0.01);
-        EXPECT_NEAR(std::stod(row.at("peak_db")), peakDb(a.samples), 0.01);
+        EXPECT_NEAR(std::stod(row.at("peak_db")), probe::peakDb(a.samples), 0.01);
         EXPECT_EQ(row.at("clipped"), "0");
         EXPECT_EQ(row.at("gain_db"), rows.front().at("gain_db")); // one gain for all
         loudest = std::max(loudest, rms);
@@ -145,8 +102,8 @@ TEST(CliStimulusOutput, ContinuumWithOneGainRampsAndFiguresInANewFolder)
 TEST(CliStimulusOutput, BatchManifestFlacAndEachFileAtItsOwnLevel)
 {
     TempDir dir;
-    saveVowel(dir / "a.stk", 30, 1100, 50);
-    saveVowel(dir / "b.stk", 50, 1900, 60);
+    saveTestDocument(dir / "a.stk", 30, {{Row::f2, 1100}, {Row::av, 50}});
+    saveTestDocument(dir / "b.stk", 50, {{Row::f2, 1900}, {Row::av, 60}});
     CliResult r = runCli("synth " + dir / "a.stk " + dir / "b.stk" +
                          " --normalize peak:-1 --format flac --bits 24 -j 2 --out-dir " + dir / "flac" +
                          " --manifest " + dir / "m.csv");
@@ -154,9 +111,9 @@ TEST(CliStimulusOutput, BatchManifestFlacAndEachFileAtItsOwnLevel)
     const auto rows = readCsv(dir / "m.csv");
     ASSERT_EQ(rows.size(), 2u);
     for (const auto& row : rows) {
-        const Audio a = readAudio(row.at("name"));
+        const Audio a = readAudioFile(row.at("name"));
         EXPECT_EQ(a.info.format, SF_FORMAT_FLAC | SF_FORMAT_PCM_24) << row.at("name");
-        EXPECT_NEAR(peakDb(a.samples), -1.0, 0.05) << row.at("name");
+        EXPECT_NEAR(probe::peakDb(a.samples), -1.0, 0.05) << row.at("name");
         EXPECT_NEAR(std::stod(row.at("peak_db")), -1.0, 0.01);
         EXPECT_EQ(row.at("rate"), "11025");
     }
@@ -168,7 +125,7 @@ TEST(CliStimulusOutput, BatchManifestFlacAndEachFileAtItsOwnLevel)
     r = runCli("synth " + dir / "a.stk --out-dir " + dir / "plain --manifest " + dir / "p.csv");
     ASSERT_EQ(r.exitCode, 0) << r.err;
     EXPECT_TRUE(slurp(dir / "plain/a.wav") == slurp(dir / "a.wav"));
-    const Audio plain = readAudio(dir / "a.wav");
+    const Audio plain = readAudioFile(dir / "a.wav");
     EXPECT_NEAR(std::stod(readCsv(dir / "p.csv")[0].at("rms_db")),
                 probe::rmsDb(plain.samples, 0, plain.samples.size()), 0.01);
 }
@@ -176,8 +133,8 @@ TEST(CliStimulusOutput, BatchManifestFlacAndEachFileAtItsOwnLevel)
 TEST(CliStimulusOutput, ClippingGainsAndBadValuesAreRefusedBeforeAnythingIsWritten)
 {
     TempDir dir;
-    saveVowel(dir / "a.stk", 30, 1100, 40);
-    saveVowel(dir / "b.stk", 30, 1900, 60);
+    saveTestDocument(dir / "a.stk", 30, {{Row::f2, 1100}, {Row::av, 40}});
+    saveTestDocument(dir / "b.stk", 30, {{Row::f2, 1900}, {Row::av, 60}});
     // The quiet file decides nothing with one gain; alone, each is brought to -3 dBFS RMS, which
     // clips a voiced sound.
     CliResult single = runCli("synth " + dir / "a.stk --normalize rms:-3");

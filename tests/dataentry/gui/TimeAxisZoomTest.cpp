@@ -1,8 +1,8 @@
 // Horizontal zoom of the data-entry windows, driven with real key, wheel and mouse events under
 // the offscreen platform: a zoomed drag writes the frame under the pointer, fit all gives back
 // the unzoomed mapping, the scroll bar follows the zoom, and the time labels never overlap.
-#include "DataEntryTestSupport.h"
 #include "dataentry/gui/TimeAxisZoom.h"
+#include "DataEntryTestSupport.h"
 #include "dataentry/gui/graphical/dataentryGraphicalController.h"
 #include "dataentry/gui/graphical/viewF0.h"
 #include "dataentry/gui/graphical/viewFormants.h"
@@ -43,12 +43,7 @@ struct GraphicalZoom : ::testing::Test {
     {
         setTestFrames(doc, 6000);
         controller = std::make_unique<dataentryGraphicalController>(&doc, nullptr);
-        QWidget* window = controller->window();
-        window->show();
-        const QSize content = static_cast<QWidget*>(controller->_viewF0()->parent())->size();
-        window->resize(window->width() + (505 - content.width()),
-                       window->height() + (426 - content.height()));
-        QApplication::processEvents();
+        showContentAt(*controller, 505, 426);
     }
     TimeAxisZoom& axis() { return *controller->timeAxis(); }
     int f0(int frame) const
