@@ -61,7 +61,9 @@ WorkbenchApplication::WorkbenchApplication(QObject* parent)
     });
     mainTable::setAnalysisWindowFactories(
         [](mainTable* table, double startSample) -> QWidget* {
-            return new FFTLPCWindow(table, startSample, table->window());
+            auto* window = new FFTLPCWindow(table, startSample, table->window());
+            attachLabels(*window, DocumentLabels::of(table));
+            return window;
         },
         [](mainTable* table, int channel) -> QWidget* {
             auto* window = new SpectrogramPitchWindow(table, channel, table->window());

@@ -7,7 +7,8 @@
 //
 // Where things live: set-up and grid in MyDocument.cpp, table data in MyDocumentTableData.cpp,
 // parameter documents in StkFile.cpp, WAVE files in WaveFile.cpp, undo/redo/revert in
-// UndoRedo.cpp (all src/document/); Synthesize in src/synthesis/Synthesize.cpp.
+// UndoRedo.cpp (all src/document/). Synthesize runs the synthesizer installed through
+// SynthesisHook.h (src/synthesis/Synthesize.cpp in every program that links the synthesis).
 #include "document/AtomicFile.h"
 #include "document/Channels.h"
 #include "document/Color.h"
@@ -140,7 +141,7 @@ public:
     bool Read_STK_FileTypeDoUndo(const std::string& snapshot);
     bool doRevertDocumentToSaved();
 
-    // --- synthesis (src/synthesis/Synthesize.cpp) ---
+    // --- synthesis (the installed synthesizer, see SynthesisHook.h) ---
     // Reads the frames from the table data; a document whose table data has not been built
     // (one read but never shown) is synthesized from the values the table data would be built
     // with, as saving does, without building it.

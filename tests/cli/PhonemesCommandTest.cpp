@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <fstream>
 
 TEST(PhonemesCommand, WritesTheDocumentRefusesBadInputAndKeepsFiles)
@@ -60,4 +61,26 @@ TEST(PhonemesCommand, WritesTheDocumentRefusesBadInputAndKeepsFiles)
     EXPECT_TRUE(std::filesystem::exists(dir / "a-bad-bed.stk"));
     EXPECT_EQ(runCliAfter(cd, "phonemes --text \"a bad bed\"").exitCode, 2);
     EXPECT_EQ(runCliAfter(cd, "phonemes --text \"a bad bed\" --force").exitCode, 0);
+}
+
+TEST(PhonemesCommand, WordsGiveTheSameDocumentWithOrWithoutTheProgramsOwnVoiceFolder)
+{
+    // The build lays out espeak-ng data with the American English voice alone beside the
+    // program; a copy of the program without it, or with it incomplete, reads espeak-ng's own.
+    TempDir dir;
+    const std::string words = "\"Where were you, Anna? We were away: a year ago today!\"";
+    ASSERT_EQ(runCli("phonemes --text " + words + " -o " + dir / "own.stk").exitCode, 0);
+    const std::filesystem::path copy = dir.path / "bin" / "tessaphon-cli";
+    std::filesystem::create_directories(copy.parent_path());
+    std::filesystem::copy_file(TESSAPHON_CLI, copy);
+    auto runCopy = [&](const std::string& output) {
+        return std::system((copy.string() + " phonemes --text " + words + " -o " + output).c_str());
+    };
+    ASSERT_EQ(runCopy(dir / "system.stk"), 0);
+    EXPECT_EQ(slurp(dir / "system.stk"), slurp(dir / "own.stk"));
+    const std::filesystem::path partial = dir.path / "share" / "tessaphon" / "espeak-ng-data";
+    std::filesystem::create_directories(partial);
+    std::ofstream(partial / "phontab") << "not espeak-ng data";
+    ASSERT_EQ(runCopy(dir / "partial.stk"), 0);
+    EXPECT_EQ(slurp(dir / "partial.stk"), slurp(dir / "own.stk"));
 }

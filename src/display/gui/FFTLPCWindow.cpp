@@ -101,7 +101,12 @@ void FFTLPCWindow::recompute()
     }
     const int frame = frameOf(m_nStartFile);
     // Named as the table names it: the column titled 710 is frame 71, which covers 700-710 ms.
-    const QString span = frameSpan(frame);
+    QString span = frameSpan(frame);
+    if (m_segmentNamer) {
+        const double interval = std::max(m_pDoc->updateInterval(), 1);
+        if (const QString segment = m_segmentNamer((frame - 0.5) * interval); !segment.isEmpty())
+            span += QStringLiteral(", ") + segment;
+    }
     const QString title = tr("frame %1, %2").arg(frame).arg(span);
     m_pView->setSlices(std::move(own), std::move(copied), SlicePlotStyle::fromDocument(*m_pDoc, true), title);
     QString status = tr("Frame %1, %2; slice from %3 ms, sample %4; Left and Right step one frame")
@@ -124,6 +129,12 @@ void FFTLPCWindow::keyPressEvent(QKeyEvent* event)
         m_pTable->_PlayCurrent();
     else
         QMainWindow::keyPressEvent(event);
+}
+
+void FFTLPCWindow::setSegmentNamer(SegmentNamer namer)
+{
+    m_segmentNamer = std::move(namer);
+    recompute();
 }
 
 void FFTLPCWindow::exportPicture()

@@ -3,13 +3,16 @@
 // (channel 0) from a start sample and, when the model channel holds audio, the model's slice
 // at the same time over it with the spectral distance of the two. Left and Right step one
 // frame of the table; the spectrogram windows move it to their time cursor. File > Export
-// Picture... and Print... write the picture at the settings' size.
+// Picture... and Print... write the picture at the settings' size. With a segment namer
+// installed (the document's labels), the title also names the segments the frame lies in.
 //
 // The slices are computed on the main thread when the start moves: a slice takes well under a
 // millisecond. The window belongs to the document window (it closes with it); it reads the
 // document and reaches the table for synthesis only while both exist. Main thread only.
 #include <QMainWindow>
 #include <QPointer>
+
+#include <functional>
 
 class MyDocument;
 class mainTable;
@@ -36,6 +39,11 @@ public:
 
     sliceView* view() const { return m_pView; }
 
+    // What lies at a time in ms ("words: bad; phones: æ"), empty for nothing; shown after the
+    // frame in the title and the status line.
+    using SegmentNamer = std::function<QString(double ms)>;
+    void setSegmentNamer(SegmentNamer namer);
+
 public slots:
     void exportPicture();
     void printPicture();
@@ -53,4 +61,5 @@ private:
     double m_nStartFile = 0.0;
     sliceView* m_pView;
     QLabel* m_pStatus;
+    SegmentNamer m_segmentNamer;
 };

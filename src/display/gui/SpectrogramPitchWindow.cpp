@@ -97,11 +97,18 @@ void SpectrogramPitchWindow::drawPicture(QPainter& painter, const QSizeF& size, 
     const double top = painter.fontMetrics().height() + 6.0;
     painter.setPen(Qt::black);
     painter.drawText(QPointF(left, top - 6.0), windowTitle());
-    const double plots = size.height() - top - pitchView::kTimeAxisHeight - 4.0;
+    const double strip = m_pictureStrip.height ? m_pictureStrip.height(painter) : 0.0;
+    const double plots = size.height() - top - pitchView::kTimeAxisHeight - 4.0 - strip;
     const QRectF upper(left, top, size.width() - left - right, plots * kSpectrogramShare - 4.0);
     const QRectF lower(left, upper.bottom() + 8.0, upper.width(), plots * (1.0 - kSpectrogramShare) - 4.0);
     m_pSpectrogram->drawPicture(painter, upper, forScreen);
     m_pPitch->drawPicture(painter, lower, forScreen);
+    if (strip > 0.0 && m_pictureStrip.draw) {
+        const Channels& c = *m_pDoc->getChannel(m_nChannel);
+        const double seconds = c.m_dSampleRate > 0.0 ? c.sampleCount() / c.m_dSampleRate : 0.0;
+        const QRectF area(left, lower.bottom() + pitchView::kTimeAxisHeight, upper.width(), strip);
+        m_pictureStrip.draw(painter, area, seconds, {upper, lower});
+    }
 }
 
 void SpectrogramPitchWindow::exportPicture()

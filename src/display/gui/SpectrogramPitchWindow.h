@@ -4,12 +4,17 @@
 // below, one time axis. The window of the table data follows later syntheses. Clicking sets a
 // time cursor in both views, shows time, frequency and level in the status line and moves the
 // document's FFT/LPC window to that time; Space plays the channel shown. File > Export
-// Picture... and Print... write both views at the settings' size.
+// Picture... and Print... write both views at the settings' size, with the strip installed
+// under them (the document's labels, see setPictureStrip).
 //
 // A new window is made for every command; it belongs to the document window and closes with
 // it. Main thread only.
 #include <QMainWindow>
 #include <QPointer>
+#include <QRectF>
+
+#include <functional>
+#include <vector>
 
 class MyDocument;
 class mainTable;
@@ -31,6 +36,16 @@ public:
     // The picture of both views over `size` units (points for files and paper).
     void drawPicture(QPainter& painter, const QSizeF& size, bool forScreen) const;
 
+    // What the picture shows under the views, across their time axis: its height on a painter,
+    // and its drawing in `area` for the channel's `seconds`, with `plots` the views' plot areas
+    // (for lines drawn through them). Without one the views take the whole picture.
+    struct PictureStrip {
+        std::function<double(QPainter&)> height;
+        std::function<void(QPainter&, const QRectF& area, double seconds, const std::vector<QRectF>& plots)>
+            draw;
+    };
+    void setPictureStrip(PictureStrip strip) { m_pictureStrip = std::move(strip); }
+
 public slots:
     // Recomputes both views (after a synthesis of the channel shown).
     void setupViews();
@@ -50,4 +65,5 @@ private:
     spectrogramView* m_pSpectrogram;
     pitchView* m_pPitch;
     QLabel* m_pStatus;
+    PictureStrip m_pictureStrip;
 };

@@ -84,3 +84,17 @@ QString DocumentLabels::boundaryNote(double startMS, double endMS) const
     }
     return lines.join(QLatin1Char('\n'));
 }
+
+QString DocumentLabels::segmentNote(double ms) const
+{
+    QStringList parts;
+    for (std::size_t t = 0; t < m_grid.tiers.size(); ++t) {
+        if (!isTierShown(t))
+            continue;
+        const LabelInterval* interval = m_grid.intervalAt(t, ms / 1000.0);
+        if (interval && !interval->text.empty())
+            parts << QStringLiteral("%1: %2").arg(QString::fromStdString(m_grid.tiers[t].name),
+                                                  QString::fromStdString(interval->text));
+    }
+    return parts.join(QStringLiteral("; "));
+}

@@ -34,6 +34,9 @@ public:
     // For a frame from startMS to endMS: the boundaries of the shown tiers inside it, each with
     // the text of the segment it starts ("boundary at 250 ms: wa"); empty when none falls there.
     QString boundaryNote(double startMS, double endMS) const;
+    // The segments of the shown interval tiers at a time, with text: "words: bad; phones: æ";
+    // empty when none.
+    QString segmentNote(double ms) const;
 
 signals:
     void changed();

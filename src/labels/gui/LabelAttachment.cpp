@@ -11,6 +11,8 @@
 #include "dataentry/gui/trace/viewAmplitudes.h"
 #include "dataentry/gui/trace/viewPitch.h"
 #include "dataentry/gui/trace/viewSpectrogram.h"
+#include "display/gui/FFTLPCWindow.h"
+#include "display/gui/PainterCanvas.h"
 #include "display/gui/SpectrogramPitchWindow.h"
 #include "display/gui/spectrogramView.h"
 #include "document/MyDocument.h"
@@ -18,6 +20,8 @@
 #include "labels/gui/LabelStripView.h"
 
 #include <QMainWindow>
+#include <QPainter>
+#include <QPen>
 #include <QPointer>
 #include <QVBoxLayout>
 
@@ -58,6 +62,38 @@ LabelWidgets attachToDataEntry(Controller& controller, DocumentLabels* labels, Q
     controller.setLabelStrip(widgets.strip);
     return widgets;
 }
+// The label strip in exported and printed pictures: the rows of the shown tiers under the
+// views, their boundaries dotted through the views' plots, as the windows show them.
+SpectrogramPitchWindow::PictureStrip pictureStrip(QPointer<DocumentLabels> labels)
+{
+    SpectrogramPitchWindow::PictureStrip strip;
+    strip.height = [labels](QPainter& painter) {
+        if (!labels || labels->strip().empty())
+            return 0.0;
+        PainterCanvas canvas(painter);
+        return labels->strip().height(canvas) + 6.0; // 4 above the rows, 2 below
+    };
+    strip.draw = [labels](QPainter& painter, const QRectF& area, double seconds,
+                          const std::vector<QRectF>& plots) {
+        if (!labels || labels->strip().empty())
+            return;
+        PainterCanvas canvas(painter);
+        LabelStripFrame frame;
+        frame.left = area.left();
+        frame.width = area.width();
+        frame.top = area.top() + 4.0;
+        frame.endSeconds = seconds;
+        labels->strip().draw(canvas, frame);
+        painter.save();
+        painter.setPen(QPen(QColor(30, 60, 170), 0.5, Qt::DotLine));
+        for (const double x : labels->strip().boundaryXs(frame))
+            for (const QRectF& plot : plots)
+                painter.drawLine(QPointF(x, plot.top()), QPointF(x, plot.bottom()));
+        painter.restore();
+    };
+    return strip;
+}
+
 } // namespace
 
 LabelWidgets attachLabels(dataentryTraceContoller& controller, DocumentLabels* labels)
@@ -104,5 +140,13 @@ LabelWidgets attachLabels(SpectrogramPitchWindow& window, DocumentLabels* labels
     window.setCentralWidget(box);
     widgets.boundaries = new LabelBoundaryOverlay(labels, frame, {views}, box);
     QObject::connect(labels, &DocumentLabels::changed, layout, &QLayout::invalidate);
+    window.setPictureStrip(pictureStrip(labels));
     return widgets;
+}
+
+void attachLabels(FFTLPCWindow& window, DocumentLabels* labels)
+{
+    QPointer<DocumentLabels> guard(labels);
+    window.setSegmentNamer([guard](double ms) { return guard ? guard->segmentNote(ms) : QString(); });
+    QObject::connect(labels, &DocumentLabels::changed, &window, &FFTLPCWindow::recompute);
 }

@@ -10,6 +10,10 @@
 #include "dataentry/gui/trace/dataentryTraceContoller.h"
 #include "dataentry/gui/trace/viewAmplitudes.h"
 #include "dataentry/gui/trace/viewPitch.h"
+#include "display/gui/FFTLPCWindow.h"
+#include "display/gui/PictureExport.h"
+#include "display/gui/SpectrogramPitchWindow.h"
+#include "display/gui/sliceView.h"
 #include "document/MyDocument.h"
 #include "interchange/Interchange.h"
 #include "labels/TextGridFiles.h"
@@ -165,4 +169,58 @@ TEST(LabelWindows, ExportWritesWhatImportReadsBack)
         EXPECT_EQ(back.document->getChannel(0)->m_nColumnNum, w->document()->getChannel(0)->m_nColumnNum);
         EXPECT_EQ(exportDocument(*back.document, InterchangeFormat::Tsv), tsv) << name;
     }
+}
+
+// The spectrogram and pitch picture carries the label strip as the window shows it: the texts
+// under the views and the boundaries through them; without labels the views take the picture.
+TEST(LabelWindows, ExportedSpectrogramPictureCarriesTheLabelStrip)
+{
+    Workbench wb;
+    DocumentWindow* w = openLabelledRecording(wb);
+    ASSERT_NE(w, nullptr);
+    w->table()->_analysisSpectrogramPitchModel();
+    auto* window = w->findChild<SpectrogramPitchWindow*>();
+    ASSERT_NE(window, nullptr);
+    QTemporaryDir dir;
+    QString error;
+    QSizeF pitchPlot;
+    const auto write = [&](const QString& name) {
+        const PictureExport::Draw draw = [&](QPainter& p, const QSizeF& size) {
+            window->drawPicture(p, size, false);
+        };
+        EXPECT_TRUE(PictureExport::writePicture(dir.filePath(name), draw, QSizeF(6, 4), &error))
+            << error.toStdString();
+        return slurp(dir.filePath(name).toStdString());
+    };
+    const std::string labelled = write(QStringLiteral("labelled.svg"));
+    EXPECT_NE(labelled.find("say &quot;wa&quot;"), std::string::npos);
+    EXPECT_NE(labelled.find("stroke-dasharray"), std::string::npos); // the dotted boundaries
+
+    DocumentLabels::of(w->table())->clear();
+    const std::string plain = write(QStringLiteral("plain.svg"));
+    EXPECT_EQ(plain.find("say &quot;wa&quot;"), std::string::npos);
+    // A PNG of the labelled picture differs from the plain one only where the strip goes.
+    EXPECT_NE(labelled.size(), plain.size());
+}
+
+// The FFT/LPC window names the segments of the shown tiers its frame lies in, and follows the
+// tiers chosen.
+TEST(LabelWindows, SliceWindowNamesTheSegmentsOfItsFrame)
+{
+    Workbench wb;
+    DocumentWindow* w = openLabelledRecording(wb);
+    ASSERT_NE(w, nullptr);
+    w->table()->selectaColumn(30); // frame 30: 290-300 ms, inside "say "wa"" (0.25-0.8 s)
+    w->table()->_analysisFFTLPC();
+    auto* window = qobject_cast<FFTLPCWindow*>(w->table()->fftlpcWindow());
+    ASSERT_NE(window, nullptr);
+    const QString title = window->view()->title();
+    EXPECT_TRUE(title.startsWith(QStringLiteral("frame 30, 290-300 ms, words: say \"wa\"")))
+        << title.toStdString();
+    window->stepFrames(-10); // frame 20, before the first word: the empty interval names nothing
+    EXPECT_EQ(window->view()->title(), QStringLiteral("frame 20, 190-200 ms"));
+    window->stepFrames(10);
+    DocumentLabels* labels = DocumentLabels::of(w->table());
+    labels->setTierShown(0, false);
+    EXPECT_EQ(window->view()->title(), QStringLiteral("frame 30, 290-300 ms"));
 }
