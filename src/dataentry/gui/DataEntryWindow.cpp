@@ -1,6 +1,7 @@
 #include "dataentry/gui/DataEntryWindow.h"
 
 #include "dataentry/gui/DataEntryPlot.h"
+#include "dataentry/gui/DataEntrySupport.h"
 #include "dataentry/gui/TimeAxisZoom.h"
 #include "document/MyDocument.h"
 #include "table/gui/mainTable.h"
@@ -47,6 +48,16 @@ DataEntryControls::Stack DataEntryWindow::placePlots(int w, int h)
     return stack;
 }
 
+void DataEntryWindow::actionColor(int well, const QColor& color)
+{
+    if (well < 0 || well >= 6 || !color.isValid())
+        return;
+    m_controls->setWellColor(well, color);
+    if (m_pDoc)
+        m_pDoc->m_ColorTracing[well] = toColor(color);
+    colorPlots(well, color);
+}
+
 void DataEntryWindow::setLabelStrip(QWidget* strip)
 {
     m_labelStrip = strip;
@@ -62,12 +73,12 @@ bool DataEntryWindow::eventFilter(QObject* watched, QEvent* event)
     return QObject::eventFilter(watched, event);
 }
 
-void DataEntryWindow::makeTimeAxis(QWidget* barParent, const std::array<DataEntryPlot*, 3>& plots)
+void DataEntryWindow::makeTimeAxis(const std::array<DataEntryPlot*, 3>& plots)
 {
     m_plots = plots;
     m_timeAxis = new TimeAxisZoom(this);
     m_timeAxis->setFrameSource([this] { return m_pDoc ? m_pDoc->getChannel(0)->m_nColumnNum : 0; });
-    m_scrollBar = new QScrollBar(Qt::Horizontal, barParent);
+    m_scrollBar = new QScrollBar(Qt::Horizontal, m_content);
     m_scrollBar->setFocusPolicy(Qt::NoFocus); // Space and the play keys stay the window's
     m_timeAxis->attach(m_scrollBar);
     for (DataEntryPlot* plot : m_plots) {

@@ -60,8 +60,10 @@ public:
     // DataEntryController
     QWidget* window() override;
 
-    // A colour chosen in well i (0 = F0, 1 .. 5 = F1 .. F5).
-    virtual void actionColor(int well, const QColor& color) = 0;
+    // A colour chosen in well i (0 = F0, 1 .. 5 = F1 .. F5): the well shows it, the document
+    // keeps it as that track's tracing colour and the plots draw the track in it. An invalid
+    // colour or well changes nothing.
+    void actionColor(int well, const QColor& color);
     // Lays the plots and the controls out for a content area of w x h; the content's resizes
     // come here.
     virtual void specialWindowDidResize(int w, int h) = 0;
@@ -74,17 +76,25 @@ protected:
     DataEntryWindow(MyDocument* doc, QObject* parent);
     // The window's three plots, top to bottom.
     const std::array<DataEntryPlot*, 3>& plots() const { return m_plots; }
-    // Takes the window's three plots (top to bottom) and makes the time axis they share (it
-    // follows the document's frame count) and its scroll bar in `barParent`.
-    void makeTimeAxis(QWidget* barParent, const std::array<DataEntryPlot*, 3>& plots);
-    // Makes the window and its content, the parent of the plots and the controls.
-    void makeWindow();
+    // Makes the window, its content and the three plots in it (top to bottom), and the time
+    // axis they share (it follows the document's frame count) with its scroll bar.
+    template <class Upper, class Middle, class Lower>
+    void makePlots(Upper*& upper, Middle*& middle, Lower*& lower)
+    {
+        makeWindow();
+        upper = new Upper(m_content);
+        middle = new Middle(m_content);
+        lower = new Lower(m_content);
+        makeTimeAxis({upper, middle, lower});
+    }
     // Makes the parameter buttons and the colour wells (`wellWidth` wide) in the content: a
     // click on a button runs `pressed`, a chosen colour actionColor.
     void makeParameterControls(int wellWidth, std::function<void(Button)> pressed);
     // Places the three plots and the label strip for a content area of w x h; the stack placed.
     DataEntryControls::Stack placePlots(int w, int h);
     bool eventFilter(QObject* watched, QEvent* event) override;
+    // The plots that draw well i's track take its new colour.
+    virtual void colorPlots(int well, const QColor& color) = 0;
 
     MyDocument* m_pDoc = nullptr;
     mainTable* m_mainTableID = nullptr;
@@ -98,6 +108,8 @@ protected:
 
 private:
     void forward(void (mainTable::*command)());
+    void makeWindow();
+    void makeTimeAxis(const std::array<DataEntryPlot*, 3>& plots);
 
     std::array<DataEntryPlot*, 3> m_plots{};
 };

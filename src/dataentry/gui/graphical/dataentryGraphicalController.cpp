@@ -42,11 +42,7 @@ constexpr int kWellWidth = 30;
 dataentryGraphicalController::dataentryGraphicalController(MyDocument* doc, mainTable* table, QObject* parent)
     : DataEntryWindow(doc, parent)
 {
-    makeWindow();
-    m_viewF0 = new viewF0(m_content);
-    m_viewFormants = new viewFormants(m_content);
-    m_viewOthers = new viewOthers(m_content);
-    makeTimeAxis(m_content, {m_viewF0, m_viewFormants, m_viewOthers});
+    makePlots(m_viewF0, m_viewFormants, m_viewOthers);
     // An edited amplitude decides which F0 and formant points show: every plot repaints the
     // strip of an edited frame.
     for (TrackPlotView* source : views())
@@ -132,13 +128,8 @@ void dataentryGraphicalController::actionParameter(Button button)
     m_viewOthers->activeParameter(kButtons[button].lowerPlot);
 }
 
-void dataentryGraphicalController::actionColor(int well, const QColor& color)
+void dataentryGraphicalController::colorPlots(int well, const QColor& color)
 {
-    if (well < 0 || well >= 6 || !color.isValid())
-        return;
-    m_controls->setWellColor(well, color);
-    if (m_pDoc)
-        m_pDoc->m_ColorTracing[well] = toColor(color);
     if (well == 0)
         m_viewF0->setColor(color);
     else

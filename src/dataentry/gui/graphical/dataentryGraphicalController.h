@@ -33,7 +33,6 @@ public:
     // A parameter button pressed: this button on, the twelve others off, the switches stored
     // in the document, and the plots told which parameter is active.
     void actionParameter(Button button);
-    void actionColor(int well, const QColor& color) override;
 
     viewF0* _viewF0() const { return m_viewF0; }
     viewFormants* _viewFormants() const { return m_viewFormants; }
@@ -43,6 +42,7 @@ public:
     void relayout() override;
 
 protected:
+    void colorPlots(int well, const QColor& color) override;
     // Coming back to the window shows the cells the table holds now.
     bool eventFilter(QObject* watched, QEvent* event) override;
 

@@ -56,11 +56,7 @@ constexpr int kStatusWidth = 250;  // the pointer's readout and the entry's repo
 dataentryTraceContoller::dataentryTraceContoller(MyDocument* doc, mainTable* table, QObject* parent)
     : DataEntryWindow(doc, parent)
 {
-    makeWindow();
-    m_viewPitch = new viewPitch(m_content);
-    m_viewSpectrogram = new viewSpectrogram(m_content);
-    m_viewAmplitudes = new viewAmplitudes(m_content);
-    makeTimeAxis(m_content, {m_viewPitch, m_viewSpectrogram, m_viewAmplitudes});
+    makePlots(m_viewPitch, m_viewSpectrogram, m_viewAmplitudes);
     // The readout named the time under the pointer before the axis moved.
     connect(m_timeAxis, &TimeAxisZoom::changed, this, [this] {
         if (!m_viewSpectrogram->isComputing())
@@ -170,13 +166,8 @@ void dataentryTraceContoller::actionTrace(Button button)
         m_viewAmplitudes->setColor(toQColor(m_pDoc->m_ColorTracing[button]), button - F1);
 }
 
-void dataentryTraceContoller::actionColor(int well, const QColor& color)
+void dataentryTraceContoller::colorPlots(int well, const QColor& color)
 {
-    if (well < 0 || well >= 6 || !color.isValid())
-        return;
-    m_controls->setWellColor(well, color);
-    if (m_pDoc)
-        m_pDoc->m_ColorTracing[well] = toColor(color);
     if (well == 0) {
         m_viewPitch->setColor(color);
         return;

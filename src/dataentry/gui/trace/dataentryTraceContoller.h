@@ -50,7 +50,6 @@ public:
     void setSaveCommand(std::function<void()> save) { m_save = std::move(save); }
 
     void actionTrace(Button button);
-    void actionColor(int well, const QColor& color) override;
     void actionEnterAllData();
     // Every parameter estimated from the model, as one undo step (see CopySynthesisCommand).
     void actionCopySynthesis();
@@ -74,6 +73,9 @@ public:
 
     void specialWindowDidResize(int w, int h) override;
     void relayout() override;
+
+protected:
+    void colorPlots(int well, const QColor& color) override;
 
 private:
     void windowDidLoad();
