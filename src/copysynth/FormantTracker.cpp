@@ -138,18 +138,13 @@ std::vector<FormantFrame> FormantTracker::bestPath(const Candidates& frames) con
         }
     }
     std::vector<FormantFrame> path(count);
-    if (count == 0)
-        return path;
-    int state =
-        static_cast<int>(std::min_element(score.back().begin(), score.back().end()) - score.back().begin());
-    for (std::size_t f = count; f-- > 0;) {
+    const std::vector<int> best = tracedBack(score, from, true);
+    for (std::size_t f = 0; f < count; ++f)
         for (int k = 0; k < slots; ++k) {
-            const int i = states[f][state][k];
+            const int i = states[f][best[f]][k];
             path[f].freq[k] = i >= 0 ? frames[f][i][0] : 0.0;
             path[f].bw[k] = i >= 0 ? frames[f][i][1] : 0.0;
         }
-        state = from[f][state];
-    }
     return path;
 }
 

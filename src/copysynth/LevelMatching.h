@@ -70,6 +70,8 @@ public:
 private:
     // The frames with some sources switched off.
     static std::vector<FrameValues> only(std::vector<FrameValues> frames, bool voicing, bool noise);
+    // Samples in a band-level frame of `seconds` at `rate`, 8 at least.
+    static int frameLength(double seconds, double rate);
     // Level (dB) of the band lo .. hi Hz around every frame centre.
     std::vector<double> bandLevel(const float* x, std::size_t count, double rate, double lo, double hi) const;
     std::vector<double> levelsOf(const Rendering& r) const;
