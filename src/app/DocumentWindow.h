@@ -100,6 +100,9 @@ protected:
     void dropEvent(QDropEvent* event) override;
 
 private:
+    // The configuration file the user picks to read or to write (config.cfg in the documents
+    // folder proposed); empty when cancelled.
+    QString chooseConfigurationFile(bool forSaving);
     void createMenus();
     // One menu each (DocumentWindowMenus.cpp); the data-entry menu only with a data-entry window.
     QMenu* createFileMenu();

@@ -27,6 +27,17 @@ QString documentsFolder()
 {
     return QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
 }
+
+// The file the user picks to save into, given `suffix` when typed without one; empty when
+// cancelled.
+QString askSavePath(QWidget* parent, const QString& title, const QString& proposal, const QString& filter,
+                    const QString& suffix)
+{
+    QString path = QFileDialog::getSaveFileName(parent, title, proposal, filter);
+    if (!path.isEmpty() && QFileInfo(path).suffix().isEmpty())
+        path += suffix;
+    return path;
+}
 } // namespace
 
 bool DocumentWindow::saveDocument()
@@ -64,13 +75,10 @@ void DocumentWindow::saveDocumentAs()
 {
     const QString start =
         filePath().isEmpty() ? documentsFolder() + QStringLiteral("/untitled.stk") : filePath();
-    QString path =
-        QFileDialog::getSaveFileName(this, tr("Save As"), start, tr("Parameter documents (*.stk)"));
-    if (path.isEmpty())
-        return;
-    if (QFileInfo(path).suffix().isEmpty())
-        path += QStringLiteral(".stk");
-    saveDocumentTo(path);
+    const QString path =
+        askSavePath(this, tr("Save As"), start, tr("Parameter documents (*.stk)"), QStringLiteral(".stk"));
+    if (!path.isEmpty())
+        saveDocumentTo(path);
 }
 
 void DocumentWindow::revertDocument()
@@ -136,21 +144,25 @@ bool DocumentWindow::saveConfigurationTo(const QString& path)
     return true;
 }
 
+QString DocumentWindow::chooseConfigurationFile(bool forSaving)
+{
+    const QString proposal = documentsFolder() + QStringLiteral("/config.cfg");
+    if (forSaving)
+        return QFileDialog::getSaveFileName(this, tr("Save Configuration"), proposal,
+                                            tr("Configurations (*.cfg)"));
+    return QFileDialog::getOpenFileName(this, tr("Load Configuration"), proposal,
+                                        tr("Configurations (*.cfg);;All files (*)"));
+}
+
 void DocumentWindow::loadConfiguration()
 {
-    const QString path = QFileDialog::getOpenFileName(this, tr("Load Configuration"),
-                                                      documentsFolder() + QStringLiteral("/config.cfg"),
-                                                      tr("Configurations (*.cfg);;All files (*)"));
-    if (!path.isEmpty())
+    if (const QString path = chooseConfigurationFile(false); !path.isEmpty())
         loadConfigurationFrom(path);
 }
 
 void DocumentWindow::saveConfiguration()
 {
-    const QString path = QFileDialog::getSaveFileName(this, tr("Save Configuration"),
-                                                      documentsFolder() + QStringLiteral("/config.cfg"),
-                                                      tr("Configurations (*.cfg)"));
-    if (!path.isEmpty())
+    if (const QString path = chooseConfigurationFile(true); !path.isEmpty())
         saveConfigurationTo(path);
 }
 
@@ -253,14 +265,11 @@ void DocumentWindow::saveModelAudio()
 {
     if (!m_pDoc->getChannel(2)->hasAudio())
         return;
-    QString path = QFileDialog::getSaveFileName(this, tr("Save Model Audio"),
-                                                documentsFolder() + QStringLiteral("/model.wav"),
-                                                tr("WAVE audio (*.wav)"));
-    if (path.isEmpty())
-        return;
-    if (QFileInfo(path).suffix().isEmpty())
-        path += QStringLiteral(".wav");
-    saveModelAudioTo(path);
+    const QString path =
+        askSavePath(this, tr("Save Model Audio"), documentsFolder() + QStringLiteral("/model.wav"),
+                    tr("WAVE audio (*.wav)"), QStringLiteral(".wav"));
+    if (!path.isEmpty())
+        saveModelAudioTo(path);
 }
 
 void DocumentWindow::newFromText()

@@ -8,6 +8,7 @@
 #include "cli/Commands.h"
 #include "cli/LabelOptions.h"
 #include "cli/OutputFiles.h"
+#include "cli/RangedOption.h"
 #include "display/PngEncoding.h"
 
 #include "dataentry/TraceDataEntry.h"
@@ -48,26 +49,15 @@ void commandPitch(const PitchOptions& options)
 void addPitchOptions(CLI::App* command, PitchSettings& s, const std::string& prefix = "")
 {
     const auto name = [&](const char* option) { return "--" + prefix + option; };
-    command->add_option(name("window"), s.m_dPitchWindowLength, "Analysis window in ms")
-        ->capture_default_str()
-        ->check(CLI::Range(1.0, 1000.0));
-    command->add_option(name("step"), s.m_dPitchStepSize, "Analysis step in ms")
-        ->capture_default_str()
-        ->check(CLI::Range(0.01, 10000.0));
-    command->add_option(name("low"), s.m_dCalculationLow, "Lowest pitch in Hz")
-        ->capture_default_str()
-        ->check(CLI::Range(1.0, 10000.0));
-    command->add_option(name("high"), s.m_dCalculationHigh, "Highest pitch in Hz")
-        ->capture_default_str()
-        ->check(CLI::Range(1.0, 10000.0));
+    addRangedOption(command, name("window"), s.m_dPitchWindowLength, "Analysis window in ms", 1.0, 1000.0);
+    addRangedOption(command, name("step"), s.m_dPitchStepSize, "Analysis step in ms", 0.01, 10000.0);
+    addRangedOption(command, name("low"), s.m_dCalculationLow, "Lowest pitch in Hz", 1.0, 10000.0);
+    addRangedOption(command, name("high"), s.m_dCalculationHigh, "Highest pitch in Hz", 1.0, 10000.0);
     command->add_option(name("deviation"), s.m_dFreqDeviation, "Largest frame-to-frame jump kept, in Hz")
         ->capture_default_str()
         ->check(CLI::NonNegativeNumber);
-    command
-        ->add_option(name("threshold"), s.m_dPitchTrackingThreshHold,
-                     "Energy gate in per cent of the loudest frame")
-        ->capture_default_str()
-        ->check(CLI::Range(0.0, 100.0));
+    addRangedOption(command, name("threshold"), s.m_dPitchTrackingThreshHold,
+                    "Energy gate in per cent of the loudest frame", 0.0, 100.0);
 }
 
 void addPitchCommand(CLI::App& app)
@@ -143,12 +133,8 @@ void commandSpectrogram(const SpectrogramOptions& o)
 void addSpectrogramOptions(CLI::App* command, SpectrogramOptions& o)
 {
     command->add_option("input", o.input, "WAVE file (or parameter document with a model)")->required();
-    command->add_option("--columns", o.columns, "Display width: analysis frames")
-        ->capture_default_str()
-        ->check(CLI::Range(1, 5000));
-    command->add_option("--rows", o.rows, "Display height: levels per frame")
-        ->capture_default_str()
-        ->check(CLI::Range(1, 2000));
+    addRangedOption(command, "--columns", o.columns, "Display width: analysis frames", 1, 5000);
+    addRangedOption(command, "--rows", o.rows, "Display height: levels per frame", 1, 2000);
     AnalysisOverrides& a = o.overrides;
     a.add(command, "--window", o.window, "FFT frame in samples (default 128)",
           &MyDocument::m_nSpecWindowLength)

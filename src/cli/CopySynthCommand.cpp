@@ -5,6 +5,7 @@
 #include "cli/Commands.h"
 #include "cli/OutputFiles.h"
 #include "cli/ProgressBar.h"
+#include "cli/RangedOption.h"
 
 #include "copysynth/CopySynthesis.h"
 #include "document/MyDocument.h"
@@ -80,23 +81,15 @@ void addCopySynthCommand(CLI::App& app)
     c->add_option("--max-formant", e.maxFormantHz,
                   "Formant ceiling in Hz (default: automatic, the smoothest tracks)")
         ->check(CLI::Range(3000.0, 8000.0));
-    c->add_option("--interval", e.intervalMS, "Frame interval in ms")
-        ->capture_default_str()
-        ->check(CLI::Range(1, 100));
-    c->add_option("--pitch-low", e.pitchLowHz, "Lowest pitch in Hz")
-        ->capture_default_str()
-        ->check(CLI::Range(30.0, 1200.0));
-    c->add_option("--pitch-high", e.pitchHighHz, "Highest pitch in Hz")
-        ->capture_default_str()
-        ->check(CLI::Range(30.0, 1200.0));
+    addRangedOption(c, "--interval", e.intervalMS, "Frame interval in ms", 1, 100);
+    addRangedOption(c, "--pitch-low", e.pitchLowHz, "Lowest pitch in Hz", 30.0, 1200.0);
+    addRangedOption(c, "--pitch-high", e.pitchHighHz, "Highest pitch in Hz", 30.0, 1200.0);
     c->add_option("--pitch-window", e.pitchWindowMS,
                   "Pitch analysis window in ms (default: three periods of the lowest pitch)")
         ->check(CLI::Range(5.0, 1000.0));
     c->add_option("--order", e.lpcOrder, "LPC order (default: 2 + 2 x ceiling / 1000)")
         ->check(CLI::Range(2, 40));
-    c->add_option("--preemphasis", e.preEmphasis, "Pre-emphasis coefficient, 0 = off")
-        ->capture_default_str()
-        ->check(CLI::Range(0.0, 0.999));
+    addRangedOption(c, "--preemphasis", e.preEmphasis, "Pre-emphasis coefficient, 0 = off", 0.0, 0.999);
     c->callback([o] {
         requireOrderedRange("--pitch-low", o->estimation.pitchLowHz, "--pitch-high",
                             o->estimation.pitchHighHz);

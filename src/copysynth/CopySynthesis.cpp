@@ -12,6 +12,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <future>
 #include <stdexcept>
 
 namespace
@@ -87,26 +88,60 @@ std::vector<PitchFrame> estimatePitch(Estimation& e)
     return pitch;
 }
 
-// Tracks under each ceiling; the one whose synthesis comes closest to the recording's spectra
-// wins. Answers false when cancelled.
-bool estimateFormants(const Estimation& e, const LevelMatching& judge, std::vector<FrameValues>& frames,
-                      int outputRate, double& ceiling)
+FormantTrackerSettings trackerSettings(const CopySynthesisOptions& o, double ceiling)
 {
-    const std::vector<double> list = ceilings(e.options, e.rate);
+    FormantTrackerSettings s;
+    s.ceiling = ceiling;
+    s.order = o.lpcOrder;
+    s.preEmphasis = o.preEmphasis;
+    return s;
+}
+
+using PathSearches = std::vector<std::future<std::vector<FormantFrame>>>;
+
+// The path searches under every ceiling need no voicing: each runs on its own thread while the
+// pitch is tracked and answers its own ceiling's path.
+PathSearches startPathSearches(const Estimation& e, const std::vector<double>& list)
+{
+    PathSearches searches;
+    for (double ceiling : list)
+        searches.push_back(std::async(std::launch::async, [&e, ceiling] {
+            return FormantTracker(trackerSettings(e.options, ceiling))
+                .path(e.samples, e.count, e.rate, e.centres);
+        }));
+    return searches;
+}
+
+// Tracks under each ceiling; the one whose synthesis comes closest to the recording's spectra
+// wins. Each ceiling's trial is made and judged on its own thread; they are compared in the
+// order of the list, so the choice does not depend on which finishes first. Answers false when
+// cancelled.
+bool estimateFormants(const Estimation& e, const LevelMatching& judge, const std::vector<double>& list,
+                      PathSearches& searches, std::vector<FrameValues>& frames, int outputRate,
+                      double& ceiling)
+{
+    struct Trial {
+        std::vector<FrameValues> frames;
+        double distance = 0.0;
+    };
+    std::vector<std::future<Trial>> trials;
+    for (std::size_t i = 0; i < list.size(); ++i)
+        trials.push_back(std::async(std::launch::async, [&, i] {
+            const FormantTrack t =
+                FormantTracker(trackerSettings(e.options, list[i])).track(searches[i].get(), e.voiced);
+            Trial trial{frames, 0.0};
+            setFormants(trial.frames, t, outputRate);
+            if (list.size() > 1)
+                trial.distance = judge.spectralDistance(trial.frames);
+            return trial;
+        }));
     double best = 1e300;
     std::vector<FrameValues> chosen;
     for (std::size_t i = 0; i < list.size(); ++i) {
-        FormantTrackerSettings s;
-        s.ceiling = list[i];
-        s.order = e.options.lpcOrder;
-        s.preEmphasis = e.options.preEmphasis;
-        const FormantTrack t = FormantTracker(s).track(e.samples, e.count, e.rate, e.centres, e.voiced);
-        std::vector<FrameValues> trial = frames;
-        setFormants(trial, t, outputRate);
-        const double distance = list.size() > 1 ? judge.spectralDistance(trial) : 0.0;
-        if (distance < best) {
-            best = distance;
-            chosen = std::move(trial);
+        Trial trial = trials[i].get();
+        if (trial.distance < best) {
+            best = trial.distance;
+            chosen = std::move(trial.frames);
             ceiling = list[i];
         }
         if (!e.report(0.2 + 0.4 * (i + 1) / list.size()))
@@ -118,20 +153,30 @@ bool estimateFormants(const Estimation& e, const LevelMatching& judge, std::vect
 
 // The open phase of the voicing source shapes the low end of its spectrum (a longer one gives
 // a stronger first harmonic and fewer high ones): the setting whose synthesis comes closest to
-// the recording's spectra is kept for the utterance.
+// the recording's spectra is kept for the utterance. The settings are judged on threads of
+// their own and compared in a fixed order.
 void chooseOpenPhase(const LevelMatching& judge, std::vector<FrameValues>& frames, int outputRate)
 {
     const double scale = outputRate / 11025.0;
-    double best = 1e300;
-    int chosen = frames[0][Row::oq];
+    std::vector<int> values;
+    std::vector<std::future<double>> distances;
     for (int oq : {30, 40, 50}) {
         const int value = std::min(65, static_cast<int>(std::lround(oq * scale)));
-        for (FrameValues& v : frames)
-            v[Row::oq] = value;
-        const double distance = judge.spectralDistance(frames);
+        values.push_back(value);
+        distances.push_back(std::async(std::launch::async, [&judge, &frames, value] {
+            std::vector<FrameValues> trial = frames;
+            for (FrameValues& v : trial)
+                v[Row::oq] = value;
+            return judge.spectralDistance(trial);
+        }));
+    }
+    double best = 1e300;
+    int chosen = frames[0][Row::oq];
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const double distance = distances[i].get();
         if (distance < best) {
             best = distance;
-            chosen = value;
+            chosen = values[i];
         }
     }
     for (FrameValues& v : frames)
@@ -142,13 +187,17 @@ void chooseOpenPhase(const LevelMatching& judge, std::vector<FrameValues>& frame
 // resonators give them, or the parallel branch, each peak's height matched to the recording.
 // The parallel formants take 0.7 of the cascade's bandwidths: in the parallel sum each peak's
 // flanks also hold its neighbours' skirts, which widens it. The branch whose synthesis comes
-// closer to the recording's spectra is kept for the utterance.
+// closer to the recording's spectra is kept for the utterance. The cascade is judged on a
+// thread of its own while the parallel branch is matched.
 bool chooseVoicingBranch(const LevelMatching& judge, std::vector<FrameValues>& frames)
 {
     constexpr double kParallelBandwidthScale = 0.7;
+    std::future<double> cascade =
+        std::async(std::launch::async, [&judge, &frames] { return judge.spectralDistance(frames); });
     std::vector<FrameValues> parallel = frames;
     judge.matchParallelVoicing(parallel, 2, kParallelBandwidthScale);
-    if (!(judge.spectralDistance(parallel) < judge.spectralDistance(frames)))
+    const double parallelDistance = judge.spectralDistance(parallel);
+    if (!(parallelDistance < cascade.get()))
         return false;
     frames = std::move(parallel);
     return true;
@@ -224,11 +273,13 @@ CopySynthesisResult copySynthesize(const float* samples, std::size_t count, doub
     if (!e.report(0.0))
         return cancelledResult();
 
+    const std::vector<double> ceilingList = ceilings(options, sampleRate);
+    PathSearches searches = startPathSearches(e, ceilingList);
     setPitch(r.frames, estimatePitch(e));
     if (!e.report(0.2))
         return cancelledResult();
     const LevelMatching levels({samples, count, sampleRate, e.centres, e.voiced}, r.sampleRate, r.intervalMS);
-    if (!estimateFormants(e, levels, r.frames, r.sampleRate, r.report.maxFormantHz))
+    if (!estimateFormants(e, levels, ceilingList, searches, r.frames, r.sampleRate, r.report.maxFormantHz))
         return cancelledResult();
     r.report.ceilingAutomatic = options.maxFormantHz <= 0.0;
     chooseOpenPhase(levels, r.frames, r.sampleRate);

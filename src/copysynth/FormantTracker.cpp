@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace
 {
@@ -137,18 +138,13 @@ std::vector<FormantFrame> FormantTracker::bestPath(const Candidates& frames) con
         }
     }
     std::vector<FormantFrame> path(count);
-    if (count == 0)
-        return path;
-    int state =
-        static_cast<int>(std::min_element(score.back().begin(), score.back().end()) - score.back().begin());
-    for (std::size_t f = count; f-- > 0;) {
+    const std::vector<int> best = tracedBack(score, from, true);
+    for (std::size_t f = 0; f < count; ++f)
         for (int k = 0; k < slots; ++k) {
-            const int i = states[f][state][k];
+            const int i = states[f][best[f]][k];
             path[f].freq[k] = i >= 0 ? frames[f][i][0] : 0.0;
             path[f].bw[k] = i >= 0 ? frames[f][i][1] : 0.0;
         }
-        state = from[f][state];
-    }
     return path;
 }
 
@@ -178,12 +174,23 @@ double FormantTracker::roughness(const std::vector<FormantFrame>& frames,
     return (steps ? change / steps : 1.0) + 0.2 * (counted ? misses / counted : 1.0);
 }
 
+std::vector<FormantFrame> FormantTracker::path(const float* samples, std::size_t count, double rate,
+                                               const std::vector<double>& centres) const
+{
+    return bestPath(candidates(samples, count, rate, centres));
+}
+
 FormantTrack FormantTracker::track(const float* samples, std::size_t count, double rate,
                                    const std::vector<double>& centres, const std::vector<bool>& voiced) const
 {
+    return track(path(samples, count, rate, centres), voiced);
+}
+
+FormantTrack FormantTracker::track(std::vector<FormantFrame> path, const std::vector<bool>& voiced) const
+{
     FormantTrack result;
     result.ceiling = m_settings.ceiling;
-    result.frames = bestPath(candidates(samples, count, rate, centres));
+    result.frames = std::move(path);
     result.roughness = roughness(result.frames, voiced);
     std::array<double, kTrackedFormants> fallback{};
     for (int k = 0; k < kTrackedFormants; ++k)

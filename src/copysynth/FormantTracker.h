@@ -40,6 +40,11 @@ public:
     // the roughness.
     FormantTrack track(const float* samples, std::size_t count, double rate,
                        const std::vector<double>& centres, const std::vector<bool>& voiced) const;
+    // The same in two steps: the path search, which needs no voicing (so it may run while the
+    // pitch is tracked), and the track made of its path.
+    std::vector<FormantFrame> path(const float* samples, std::size_t count, double rate,
+                                   const std::vector<double>& centres) const;
+    FormantTrack track(std::vector<FormantFrame> path, const std::vector<bool>& voiced) const;
 
     int formantCount() const { return m_settings.ceiling >= 4900.0 ? 5 : 4; }
     // Reference position of formant k (0 = F1) under the ceiling.

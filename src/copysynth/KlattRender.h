@@ -5,7 +5,8 @@
 // synthesis's measurements of its own estimate. The synthesizer's process-wide state (noise
 // generator, pulse accumulators, skew sign) is set to fixed values for the run and restored
 // afterwards, so that the same frames always give the same samples and the state that other
-// syntheses see is left as it was. One synthesis at a time (the synthesizer's state is shared).
+// syntheses see is left as it was. That state is per thread, so runs on several threads at once
+// neither disturb each other nor change a sample.
 #include "document/ParameterDefinition.h"
 
 #include <array>

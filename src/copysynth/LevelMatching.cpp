@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <complex>
+#include <future>
 
 namespace
 {
@@ -172,19 +173,16 @@ void LevelMatching::matchVoicing(std::vector<FrameValues>& frames, int passes) c
     }
 }
 
+int LevelMatching::frameLength(double seconds, double rate)
+{
+    return std::max(8, static_cast<int>(seconds * rate));
+}
+
 std::vector<std::vector<double>> LevelMatching::levelsInBands(const float* x, std::size_t count, double rate,
                                                               const std::vector<FrameValues>& frames,
                                                               const BandLayout& layout) const
 {
-    const int length = std::max(8, static_cast<int>(layout.windowS * rate));
-    const Fft fft(fftSizeFor(length));
-    const int size = fft.size();
-    const std::vector<double> window = hannWindow(length);
-    double energy = 0.0;
-    for (double w : window)
-        energy += w * w;
-    std::vector<double> segment(length), power(size / 2 + 1);
-    std::vector<std::complex<double>> work(size);
+    FrameSpectrum spectrum(frameLength(layout.windowS, rate));
     // The bands end at 5.5 kHz: above it the sixth to eighth formants take over.
     const double top = std::min({rate, m_target.rate, static_cast<double>(m_nRate), 2.0 * kHighBandHz}) / 2.0;
     std::vector<std::vector<double>> out(m_target.centres.size());
@@ -192,17 +190,10 @@ std::vector<std::vector<double>> LevelMatching::levelsInBands(const float* x, st
         if (m_target.voiced[f] != layout.voiced)
             continue;
         const std::vector<double> edges = layout.edges(frames[f], top);
-        windowedSegment(x, count, m_target.centres[f] * rate, length, window, segment.data());
-        fft.powerSpectrum(segment.data(), length, work.data(), power.data());
+        spectrum.analyse(x, count, m_target.centres[f] * rate);
         out[f].resize(edges.size() - 1);
-        for (std::size_t b = 0; b + 1 < edges.size(); ++b) {
-            const int lo = static_cast<int>(std::ceil(edges[b] * size / rate));
-            const int hi = std::min(size / 2, static_cast<int>(std::floor(edges[b + 1] * size / rate)));
-            double sum = 0.0;
-            for (int k = std::max(lo, 0); k <= hi; ++k)
-                sum += power[k];
-            out[f][b] = levelDb(2.0 * sum / (size * energy));
-        }
+        for (std::size_t b = 0; b + 1 < edges.size(); ++b)
+            out[f][b] = spectrum.bandLevelDb(edges[b], edges[b + 1], rate);
     }
     return out;
 }
@@ -257,9 +248,6 @@ void LevelMatching::matchVoicedBalance(std::vector<FrameValues>& frames) const
     constexpr int kProbe = 60;
     constexpr int bands[2] = {2, 3}; // of bandLevels: around f4 and above
     constexpr int rows[2] = {Row::a4f, Row::a5f};
-    const auto recording = bandLevels(m_target.samples, m_target.count, m_target.rate, frames, true);
-    const Rendering cascade = renderFrames(only(frames, true, false), m_nRate, m_nInterval);
-    const auto synth = bandLevels(cascade.samples.data(), cascade.samples.size(), m_nRate, frames, true);
     std::vector<FrameValues> probe = only(frames, false, false);
     for (std::size_t f = 0; f < m_target.centres.size(); ++f)
         if (m_target.voiced[f]) {
@@ -268,8 +256,16 @@ void LevelMatching::matchVoicedBalance(std::vector<FrameValues>& frames) const
             v[Row::a1f] = v[Row::a2f] = v[Row::a3f] = 0;
             v[Row::a4f] = v[Row::a5f] = kProbe;
         }
-    const Rendering parallel = renderFrames(probe, m_nRate, m_nInterval);
-    const auto alone = bandLevels(parallel.samples.data(), parallel.samples.size(), m_nRate, probe, true);
+    // The parallel branch alone is synthesized and measured on a thread of its own meanwhile.
+    std::future<std::vector<std::vector<double>>> aloneLevels =
+        std::async(std::launch::async, [this, &probe] {
+            const Rendering parallel = renderFrames(probe, m_nRate, m_nInterval);
+            return bandLevels(parallel.samples.data(), parallel.samples.size(), m_nRate, probe, true);
+        });
+    const auto recording = bandLevels(m_target.samples, m_target.count, m_target.rate, frames, true);
+    const Rendering cascade = renderFrames(only(frames, true, false), m_nRate, m_nInterval);
+    const auto synth = bandLevels(cascade.samples.data(), cascade.samples.size(), m_nRate, frames, true);
+    const auto alone = aloneLevels.get();
     for (std::size_t f = 0; f < m_target.centres.size(); ++f) {
         if (!m_target.voiced[f])
             continue;

@@ -3,7 +3,7 @@
 // levels are measured on the same frames as the recording's, and the amplitudes are corrected
 // by the difference in dB: av in voiced frames, af with the parallel amplitudes a2f..a5f (from
 // band levels) and ab in unvoiced frames; finally `gain` is lowered until nothing clips.
-// Re-entrant apart from the synthesizer (one synthesis at a time). Units: dB, Hz, seconds.
+// Re-entrant; some stages synthesize on threads of their own. Units: dB, Hz, seconds.
 #include "copysynth/KlattRender.h"
 #include "copysynth/MelCepstrum.h"
 
@@ -70,6 +70,8 @@ public:
 private:
     // The frames with some sources switched off.
     static std::vector<FrameValues> only(std::vector<FrameValues> frames, bool voicing, bool noise);
+    // Samples in a band-level frame of `seconds` at `rate`, 8 at least.
+    static int frameLength(double seconds, double rate);
     // Level (dB) of the band lo .. hi Hz around every frame centre.
     std::vector<double> bandLevel(const float* x, std::size_t count, double rate, double lo, double hi) const;
     std::vector<double> levelsOf(const Rendering& r) const;

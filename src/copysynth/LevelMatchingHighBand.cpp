@@ -11,24 +11,11 @@
 std::vector<double> LevelMatching::bandLevel(const float* x, std::size_t count, double rate, double lo,
                                              double hi) const
 {
-    const int length = std::max(8, static_cast<int>(1.5 * m_nInterval / 1000.0 * rate));
-    const Fft fft(fftSizeFor(length));
-    const int size = fft.size();
-    const std::vector<double> window = hannWindow(length);
-    double energy = 0.0;
-    for (double w : window)
-        energy += w * w;
-    std::vector<double> segment(length), power(size / 2 + 1), out(m_target.centres.size());
-    std::vector<std::complex<double>> work(size);
-    const int first = static_cast<int>(std::ceil(lo * size / rate));
-    const int last = std::min(size / 2, static_cast<int>(std::floor(hi * size / rate)));
+    FrameSpectrum spectrum(frameLength(1.5 * m_nInterval / 1000.0, rate));
+    std::vector<double> out(m_target.centres.size());
     for (std::size_t f = 0; f < out.size(); ++f) {
-        windowedSegment(x, count, m_target.centres[f] * rate, length, window, segment.data());
-        fft.powerSpectrum(segment.data(), length, work.data(), power.data());
-        double sum = 0.0;
-        for (int k = first; k <= last; ++k)
-            sum += power[k];
-        out[f] = levelDb(2.0 * sum / (size * energy));
+        spectrum.analyse(x, count, m_target.centres[f] * rate);
+        out[f] = spectrum.bandLevelDb(lo, hi, rate);
     }
     return out;
 }

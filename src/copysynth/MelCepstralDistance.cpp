@@ -1,6 +1,7 @@
 #include "copysynth/MelCepstralDistance.h"
 
 #include "analysis/SpectrumSupport.h"
+#include "copysynth/SignalTools.h"
 
 #include <algorithm>
 #include <array>
@@ -15,15 +16,6 @@ constexpr int kMaxTransformOrder = 13;
 constexpr double kLowestFilterHz = 60.0;
 constexpr double kHighestFilterHz = 5000.0;
 
-double toMel(double hz)
-{
-    return 2595.0 * std::log10(1.0 + hz / 700.0);
-}
-double fromMel(double mel)
-{
-    return 700.0 * (std::pow(10.0, mel / 2595.0) - 1.0);
-}
-
 // One triangular filter: its weights over bins first .. first + weights.size() - 1.
 struct MelFilter {
     int first = 0;
@@ -34,10 +26,10 @@ std::vector<MelFilter> melFilters(int transformLength, double sampleRate)
 {
     constexpr int kEdges = MelCepstralDistance::kFilters + 2;
     const double top = std::min(sampleRate / 2.0, kHighestFilterHz);
-    const double low = toMel(kLowestFilterHz), step = (toMel(top) - low) / (kEdges - 1);
+    const double low = melOfHz(kLowestFilterHz), step = (melOfHz(top) - low) / (kEdges - 1);
     std::array<double, kEdges> edge{};
     for (int i = 0; i < kEdges; ++i)
-        edge[i] = fromMel(i == kEdges - 1 ? toMel(top) : low + i * step);
+        edge[i] = hzOfMel(i == kEdges - 1 ? melOfHz(top) : low + i * step);
     const int bins = transformLength / 2 + 1;
     std::vector<MelFilter> filters(MelCepstralDistance::kFilters);
     for (int k = 0; k < MelCepstralDistance::kFilters; ++k) {

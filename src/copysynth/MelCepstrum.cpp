@@ -12,16 +12,6 @@ namespace
 constexpr int kFilters = 40;
 constexpr double kPi = 3.14159265358979323846;
 
-double mel(double hz)
-{
-    return 2595.0 * std::log10(1.0 + hz / 700.0);
-}
-
-double hertz(double m)
-{
-    return 700.0 * (std::pow(10.0, m / 2595.0) - 1.0);
-}
-
 } // namespace
 
 MelCepstrum::MelCepstrum(double rate, double topHz)
@@ -33,7 +23,7 @@ MelCepstrum::MelCepstrum(double rate, double topHz)
             m_dct[(c - 1) * kFilters + k] = std::cos(kPi / kFilters * (k + 0.5) * c) / kFilters;
     double edges[kFilters + 2];
     for (int i = 0; i < kFilters + 2; ++i)
-        edges[i] = hertz(mel(60.0) + (mel(topHz) - mel(60.0)) * i / (kFilters + 1));
+        edges[i] = hzOfMel(melOfHz(60.0) + (melOfHz(topHz) - melOfHz(60.0)) * i / (kFilters + 1));
     for (int k = 0; k < kFilters; ++k) {
         const double lo = edges[k], centre = edges[k + 1], hi = edges[k + 2];
         for (int bin = 0; bin <= m_nFftSize / 2; ++bin) {

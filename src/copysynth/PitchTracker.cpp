@@ -190,14 +190,10 @@ std::vector<PitchFrame> PitchTracker::bestPath(const std::vector<std::vector<Can
         }
     }
     std::vector<PitchFrame> path(count);
-    if (count == 0)
-        return path;
-    int state =
-        static_cast<int>(std::max_element(score.back().begin(), score.back().end()) - score.back().begin());
-    for (std::size_t f = count; f-- > 0;) {
-        const Candidate& c = frames[f][state];
+    const std::vector<int> best = tracedBack(score, from, false);
+    for (std::size_t f = 0; f < count; ++f) {
+        const Candidate& c = frames[f][best[f]];
         path[f] = {c.f0, c.f0 > 0.0 ? c.r : 0.0};
-        state = from[f][state];
     }
     return path;
 }

@@ -169,3 +169,55 @@ void windowedSegment(const float* samples, std::size_t count, double centre, int
         out[i] = x * window[i];
     }
 }
+
+double melOfHz(double hz)
+{
+    return 2595.0 * std::log10(1.0 + hz / 700.0);
+}
+
+double hzOfMel(double mel)
+{
+    return 700.0 * (std::pow(10.0, mel / 2595.0) - 1.0);
+}
+
+FrameSpectrum::FrameSpectrum(int length)
+    : m_nLength(length), m_fft(fftSizeFor(length)), m_window(hannWindow(length)), m_segment(length),
+      m_power(m_fft.size() / 2 + 1), m_work(m_fft.size())
+{
+    for (double w : m_window)
+        m_dEnergy += w * w;
+}
+
+void FrameSpectrum::analyse(const float* samples, std::size_t count, double centre)
+{
+    windowedSegment(samples, count, centre, m_nLength, m_window, m_segment.data());
+    m_fft.powerSpectrum(m_segment.data(), m_nLength, m_work.data(), m_power.data());
+}
+
+double FrameSpectrum::bandLevelDb(double lo, double hi, double rate) const
+{
+    const int size = m_fft.size();
+    const int first = static_cast<int>(std::ceil(lo * size / rate));
+    const int last = std::min(size / 2, static_cast<int>(std::floor(hi * size / rate)));
+    double sum = 0.0;
+    for (int k = std::max(first, 0); k <= last; ++k)
+        sum += m_power[k];
+    return levelDb(2.0 * sum / (size * m_dEnergy));
+}
+
+std::vector<int> tracedBack(const std::vector<std::vector<double>>& score,
+                            const std::vector<std::vector<int>>& from, bool lowestWins)
+{
+    std::vector<int> states(score.size());
+    if (score.empty())
+        return states;
+    const std::vector<double>& last = score.back();
+    const auto best =
+        lowestWins ? std::min_element(last.begin(), last.end()) : std::max_element(last.begin(), last.end());
+    int state = static_cast<int>(best - last.begin());
+    for (std::size_t f = score.size(); f-- > 0;) {
+        states[f] = state;
+        state = from[f][state];
+    }
+    return states;
+}

@@ -48,6 +48,10 @@ int fftSizeFor(int n);
 // below the lower Nyquist frequency. Equal rates give a copy.
 std::vector<float> resampled(const float* samples, std::size_t count, double fromRate, double toRate);
 
+// The mel scale, 2595 log10(1 + hz / 700), and back: the filter banks of both mel cepstra.
+double melOfHz(double hz);
+double hzOfMel(double mel);
+
 // The periodic Hann window of length n.
 std::vector<double> hannWindow(int n);
 
@@ -55,3 +59,31 @@ std::vector<double> hannWindow(int n);
 // missing samples read as 0) into `out`, multiplied by `window` (length values).
 void windowedSegment(const float* samples, std::size_t count, double centre, int length,
                      const std::vector<double>& window, double* out);
+
+// The state of every frame on the best path of a dynamic programme: from the last frame's state
+// of lowest score (`lowestWins`) or of highest score, back through the back-pointers `from`
+// (from[f][s] = the state of frame f - 1 before state s of frame f). One entry per frame of
+// `score`; empty for no frames.
+std::vector<int> tracedBack(const std::vector<std::vector<double>>& score,
+                            const std::vector<std::vector<int>>& from, bool lowestWins);
+
+// Power spectra of Hann-windowed frames of one length, one frame at a time, and the level of a
+// band of the last frame: levelDb of twice the band's power over (transform size x the window's
+// energy). Holds its own scratch arrays: one object per thread.
+class FrameSpectrum
+{
+public:
+    explicit FrameSpectrum(int length); // length 2 or more samples
+    // The frame of `count` samples centred on `centre` (sample index; see windowedSegment).
+    void analyse(const float* samples, std::size_t count, double centre);
+    // Level (dB) of the bins from lo to hi Hz (the edges rounded inwards) at `rate`.
+    double bandLevelDb(double lo, double hi, double rate) const;
+
+private:
+    int m_nLength;
+    Fft m_fft;
+    std::vector<double> m_window;
+    double m_dEnergy = 0.0;
+    std::vector<double> m_segment, m_power;
+    std::vector<std::complex<double>> m_work;
+};

@@ -118,7 +118,10 @@ void RasterCanvas::text(double x, double baseline, const std::string& text, Plot
     const double left = textLeft(x, text, anchor);
     const int top = static_cast<int>(std::lround(baseline)) - kGlyphHeight + 1;
     int column = static_cast<int>(std::lround(left));
-    for (char c : text) {
+    for (std::size_t i = 0; i < text.size();) {
+        const char32_t c = nextCodePoint(text, i);
+        if (isCombiningMark(c))
+            continue;
         if (const std::uint8_t* rows = glyphRows(c))
             for (int r = 0; r < kGlyphHeight; ++r)
                 for (int b = 0; b < kGlyphWidth; ++b)
@@ -130,7 +133,8 @@ void RasterCanvas::text(double x, double baseline, const std::string& text, Plot
 
 double RasterCanvas::textWidth(const std::string& text) const
 {
-    return text.empty() ? 0.0 : static_cast<double>(text.size()) * kGlyphAdvance - 1.0;
+    const int columns = textColumns(text);
+    return columns == 0 ? 0.0 : static_cast<double>(columns) * kGlyphAdvance - 1.0;
 }
 
 double RasterCanvas::textAscent() const

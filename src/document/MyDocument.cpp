@@ -2,6 +2,7 @@
 
 #include "document/CountedText.h"
 #include "document/DocumentException.h"
+#include "document/InstalledHook.h"
 #include "document/SynthesisHook.h"
 
 #include <algorithm>
@@ -12,43 +13,31 @@
 
 namespace
 {
-MyDocument::ConfigurationHook& configurationLoader()
-{
-    static MyDocument::ConfigurationHook hook;
-    return hook;
-}
-MyDocument::ConfigurationHook& configurationWriter()
-{
-    static MyDocument::ConfigurationHook hook;
-    return hook;
-}
-SynthesisFunction& synthesisFunction()
-{
-    static SynthesisFunction function = nullptr;
-    return function;
-}
+using ConfigurationLoader = InstalledHook<struct ConfigurationLoaderTag, MyDocument::ConfigurationHook>;
+using ConfigurationWriter = InstalledHook<struct ConfigurationWriterTag, MyDocument::ConfigurationHook>;
+using Synthesizer = InstalledHook<struct SynthesizerTag, SynthesisFunction>;
 } // namespace
 
 void MyDocument::setConfigurationLoader(ConfigurationHook loader)
 {
-    configurationLoader() = std::move(loader);
+    ConfigurationLoader::install(std::move(loader));
 }
 
 void MyDocument::setConfigurationWriter(ConfigurationHook writer)
 {
-    configurationWriter() = std::move(writer);
+    ConfigurationWriter::install(std::move(writer));
 }
 
 void setSynthesisFunction(SynthesisFunction function)
 {
-    synthesisFunction() = function;
+    Synthesizer::install(function);
 }
 
 void MyDocument::Synthesize()
 {
-    if (!synthesisFunction())
+    if (!Synthesizer::installed())
         throw DocumentException("Synthesis", "no synthesizer is installed in this program");
-    synthesisFunction()(*this);
+    Synthesizer::function()(*this);
 }
 
 void MyDocument::CopyCurrentToPrevious()
@@ -63,8 +52,8 @@ void MyDocument::MoveCurrentToPrevious()
 
 void MyDocument::saveConfig()
 {
-    if (configurationWriter())
-        configurationWriter()(*this);
+    if (ConfigurationWriter::installed())
+        ConfigurationWriter::function()(*this);
 }
 
 MyDocument::MyDocument()
@@ -78,8 +67,8 @@ MyDocument::MyDocument()
     }
     setAnalysisDefaults(11025.0);
     SetFileDefaultValues();
-    if (configurationLoader())
-        configurationLoader()(*this);
+    if (ConfigurationLoader::installed())
+        ConfigurationLoader::function()(*this);
 }
 
 MyDocument::~MyDocument() = default;

@@ -1,6 +1,7 @@
 #include "interchange/TsvFormat.h"
 
 #include "document/MyDocument.h"
+#include "document/TextFields.h"
 #include "interchange/InterchangeText.h"
 #include "interchange/ParameterNames.h"
 #include "table/TableClipboard.h"
@@ -12,15 +13,9 @@ namespace
 {
 std::vector<std::string_view> tabFields(std::string_view line)
 {
-    std::vector<std::string_view> fields;
-    std::size_t start = 0;
-    while (true) {
-        const std::size_t end = line.find('\t', start);
-        fields.push_back(trimBlanks(line.substr(start, end == std::string_view::npos ? end : end - start)));
-        if (end == std::string_view::npos)
-            break;
-        start = end + 1;
-    }
+    std::vector<std::string_view> fields = tabSeparated(line);
+    for (std::string_view& field : fields)
+        field = trimBlanks(field);
     // A line may end with a tab, as the parameter documents' lines do.
     while (fields.size() > 1 && fields.back().empty())
         fields.pop_back();

@@ -146,50 +146,53 @@ private:
                                     ") before it starts (" + seconds(tier.xmin) + ")"};
         const long n = count(tier.isPointTier ? "the number of points of " + name
                                               : "the number of intervals of " + name);
-        if (tier.isPointTier)
-            points(tier, n, name);
-        else
-            intervals(tier, n, name);
+        elements(tier, n, name);
         return tier;
     }
 
-    void intervals(LabelTier& tier, long n, const std::string& name)
+    // The intervals or the points of a tier, each read after its block number (long layout).
+    void elements(LabelTier& tier, long n, const std::string& name)
     {
+        const std::string element = tier.isPointTier ? "point" : "interval";
         for (long i = 1; i <= n; ++i) {
-            blockIndex("intervals", i, "interval", n);
-            const std::string which = "interval " + std::to_string(i) + " of " + name;
-            LabelInterval interval;
-            interval.xmin = number("the start of " + which);
-            const int line = m_line;
-            interval.xmax = number("the end of " + which);
-            interval.text = text("the text of " + which);
-            if (interval.xmax < interval.xmin)
-                throw Fault{line, which + " runs backwards: it ends (" + seconds(interval.xmax) +
-                                      ") before it starts (" + seconds(interval.xmin) + ")"};
-            // A small overlap is the rounding of the times as written; more is a tier out of order.
-            const double tolerance = 1e-9 * std::max(1.0, std::fabs(interval.xmin));
-            if (!tier.intervals.empty() && interval.xmin < tier.intervals.back().xmax - tolerance)
-                throw Fault{line, which + " starts (" + seconds(interval.xmin) +
-                                      ") before the one before it ends (" +
-                                      seconds(tier.intervals.back().xmax) + "): the tier runs backwards"};
-            tier.intervals.push_back(std::move(interval));
+            blockIndex(tier.isPointTier ? "points" : "intervals", i, element, n);
+            const std::string which = element + " " + std::to_string(i) + " of " + name;
+            if (tier.isPointTier)
+                point(tier, which);
+            else
+                interval(tier, which);
         }
     }
 
-    void points(LabelTier& tier, long n, const std::string& name)
+    void interval(LabelTier& tier, const std::string& which)
     {
-        for (long i = 1; i <= n; ++i) {
-            blockIndex("points", i, "point", n);
-            const std::string which = "point " + std::to_string(i) + " of " + name;
-            LabelPoint point;
-            point.time = number("the time of " + which);
-            const int line = m_line;
-            point.text = text("the text of " + which);
-            if (!tier.points.empty() && point.time < tier.points.back().time)
-                throw Fault{line, which + " (" + seconds(point.time) + ") comes before the one before it (" +
-                                      seconds(tier.points.back().time) + "): the tier runs backwards"};
-            tier.points.push_back(std::move(point));
-        }
+        LabelInterval interval;
+        interval.xmin = number("the start of " + which);
+        const int line = m_line;
+        interval.xmax = number("the end of " + which);
+        interval.text = text("the text of " + which);
+        if (interval.xmax < interval.xmin)
+            throw Fault{line, which + " runs backwards: it ends (" + seconds(interval.xmax) +
+                                  ") before it starts (" + seconds(interval.xmin) + ")"};
+        // A small overlap is the rounding of the times as written; more is a tier out of order.
+        const double tolerance = 1e-9 * std::max(1.0, std::fabs(interval.xmin));
+        if (!tier.intervals.empty() && interval.xmin < tier.intervals.back().xmax - tolerance)
+            throw Fault{line, which + " starts (" + seconds(interval.xmin) +
+                                  ") before the one before it ends (" + seconds(tier.intervals.back().xmax) +
+                                  "): the tier runs backwards"};
+        tier.intervals.push_back(std::move(interval));
+    }
+
+    void point(LabelTier& tier, const std::string& which)
+    {
+        LabelPoint point;
+        point.time = number("the time of " + which);
+        const int line = m_line;
+        point.text = text("the text of " + which);
+        if (!tier.points.empty() && point.time < tier.points.back().time)
+            throw Fault{line, which + " (" + seconds(point.time) + ") comes before the one before it (" +
+                                  seconds(tier.points.back().time) + "): the tier runs backwards"};
+        tier.points.push_back(std::move(point));
     }
 
     std::vector<TextGridToken> m_tokens;

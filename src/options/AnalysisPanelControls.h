@@ -1,7 +1,7 @@
 #pragma once
-// Controls shared by the analysis option panels: integer and decimal fields, a check box, a
-// two-way choice whose first button carries tag 1, and the menu of nine analysis lengths
-// (2^5 .. 2^13 points) titled " %d Hz (%d pts)" with the bandwidth at a sample rate.
+// Controls shared by the option panels (made for the analysis panels, whose name they keep):
+// integer and decimal fields, a check box, a two-way choice whose first button carries tag 1, and the menu of
+// nine analysis lengths (2^5 .. 2^13 points) titled " %d Hz (%d pts)" with the bandwidth at a sample rate.
 // Main thread only.
 #include <QString>
 

@@ -1,7 +1,9 @@
 #include "options/OptionPanel.h"
 
 #include <QDialogButtonBox>
+#include <QLabel>
 #include <QPushButton>
+#include <QVBoxLayout>
 
 OptionPanel::OptionPanel(QWidget* parent) : QDialog(parent)
 {
@@ -29,4 +31,27 @@ QDialogButtonBox* OptionPanel::makeButtons(bool withDefault)
     if (withDefault)
         m_pDefault = buttons->addButton(tr("Default"), QDialogButtonBox::ResetRole);
     return buttons;
+}
+
+QDialogButtonBox* OptionPanel::layOut(QLayout* top, std::initializer_list<QWidget*> below, bool withDefault)
+{
+    auto* outer = new QVBoxLayout(this);
+    if (top)
+        outer->addLayout(top);
+    for (QWidget* widget : below)
+        if (widget)
+            outer->addWidget(widget);
+    QDialogButtonBox* buttons = makeButtons(withDefault);
+    outer->addWidget(buttons);
+    return buttons;
+}
+
+QLabel* OptionPanel::makeRefusalLabel()
+{
+    auto* label = new QLabel;
+    label->setObjectName(QStringLiteral("refusal"));
+    label->setWordWrap(true);
+    label->setStyleSheet(QStringLiteral("color: #b00000;"));
+    label->hide();
+    return label;
 }

@@ -4,8 +4,12 @@
 // the panel back to the document with save(). Main thread only.
 #include <QDialog>
 
+#include <initializer_list>
+
 class MyDocument;
 class QDialogButtonBox;
+class QLabel;
+class QLayout;
 class QPushButton;
 
 class OptionPanel : public QDialog
@@ -37,6 +41,11 @@ protected:
     virtual bool mayAccept() { return true; }
     // The OK / Cancel row (and a Default button when `withDefault`), for the subclass layout.
     QDialogButtonBox* makeButtons(bool withDefault);
+    // The panel's layout: `top` (when given), the widgets `below` it (null ones left out), then
+    // the button row of makeButtons, which it answers.
+    QDialogButtonBox* layOut(QLayout* top, std::initializer_list<QWidget*> below, bool withDefault);
+    // The line that says why OK was refused (dark red, wrapped), hidden until there is a reason.
+    static QLabel* makeRefusalLabel();
     QPushButton* defaultButton() const { return m_pDefault; }
     void reject() override { done(kCancel); } // Escape and the close box cancel
 

@@ -15,7 +15,6 @@ class optionFFTLPC : public AnalysisPanel
 public:
     explicit optionFFTLPC(QWidget* parent = nullptr);
 
-    void save(MyDocument* doc) override;
     // A length chosen: the applied length becomes the window's duration in ms.
     void actionPtsSelector(int index);
 
@@ -34,7 +33,4 @@ public:
     QLineEdit* m_nFrequencyGrid = nullptr;
     QCheckBox* _drawDBGrid = nullptr;
     QLineEdit* m_nDBGrid = nullptr;
-
-private:
-    void fill(const MyDocument& doc) override;
 };

@@ -1,6 +1,7 @@
 #include "options/optionFile.h"
 
 #include "document/MyDocument.h"
+#include "options/AnalysisPanelControls.h"
 
 #include <QButtonGroup>
 #include <QComboBox>
@@ -17,22 +18,6 @@
 
 namespace
 {
-// An On/Off choice: the first row carries id 1.
-QButtonGroup* onOffChoice(QWidget* owner, QLayout*& layout)
-{
-    auto* group = new QButtonGroup(owner);
-    auto* on = new QRadioButton(QObject::tr("On"));
-    auto* off = new QRadioButton(QObject::tr("Off"));
-    group->addButton(on, 1);
-    group->addButton(off, 0);
-    auto* row = new QHBoxLayout;
-    row->addWidget(on);
-    row->addWidget(off);
-    row->addStretch();
-    layout = row;
-    return group;
-}
-
 QLineEdit* numberField(int maximum)
 {
     auto* field = new QLineEdit;
@@ -52,8 +37,8 @@ optionFile::optionFile(QWidget* parent) : OptionPanel(parent)
     m_nInterval = numberField(1000);
     QLayout* interpolationRow = nullptr;
     QLayout* anchorRow = nullptr;
-    _interpolationGroup = onOffChoice(this, interpolationRow);
-    _anchorGroup = onOffChoice(this, anchorRow);
+    _interpolationGroup = AnalysisPanelControls::choice(this, tr("On"), tr("Off"), interpolationRow);
+    _anchorGroup = AnalysisPanelControls::choice(this, tr("On"), tr("Off"), anchorRow);
 
     auto* form = new QFormLayout;
     form->addRow(tr("Sample rate (Hz):"), _popupSR);
@@ -62,15 +47,8 @@ optionFile::optionFile(QWidget* parent) : OptionPanel(parent)
     form->addRow(tr("Interpolate typed values:"), interpolationRow);
     form->addRow(tr("Typed values become anchors:"), anchorRow);
 
-    m_pRefusal = new QLabel;
-    m_pRefusal->setWordWrap(true);
-    m_pRefusal->setStyleSheet(QStringLiteral("color: #b00000;"));
-    m_pRefusal->hide();
-
-    auto* outer = new QVBoxLayout(this);
-    outer->addLayout(form);
-    outer->addWidget(m_pRefusal);
-    outer->addWidget(makeButtons(false));
+    m_pRefusal = makeRefusalLabel();
+    layOut(form, {m_pRefusal}, false);
 }
 
 QString optionFile::sizeRefusal(long long lengthMS, long long intervalMS)

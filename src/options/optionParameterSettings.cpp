@@ -13,11 +13,8 @@ optionParameterSettings::optionParameterSettings(QWidget* parent) : OptionPanel(
 {
     setWindowTitle(tr("Parameter Settings"));
     mTableView = new parametersTableView;
-    QDialogButtonBox* buttons = makeButtons(true);
+    layOut(nullptr, {mTableView}, true);
     connect(defaultButton(), &QPushButton::clicked, this, [this] { mTableView->resettoDefault(_pDoc); });
-    auto* layout = new QVBoxLayout(this);
-    layout->addWidget(mTableView);
-    layout->addWidget(buttons);
     resize(700, 560);
 }
 

@@ -17,8 +17,6 @@ class optionPitch : public AnalysisPanel
 public:
     explicit optionPitch(QWidget* parent = nullptr);
 
-    void save(MyDocument* doc) override;
-
     QLineEdit* _WindowLength = nullptr;
     QLineEdit* _StepSize = nullptr;
     QLineEdit* _FrequencyDeviation = nullptr;
@@ -36,6 +34,6 @@ public:
     QLineEdit* _Heigth = nullptr;
     QButtonGroup* _ColorBW = nullptr; // tag 1 colour
 
-private:
+protected:
     void fill(const MyDocument& doc) override;
 };

@@ -16,7 +16,6 @@ class optionSpectrogram : public AnalysisPanel
 public:
     explicit optionSpectrogram(QWidget* parent = nullptr);
 
-    void save(MyDocument* doc) override;
     void actionPtsSelector(int index) { m_nSelectedLength = index; }
 
     int m_nSelectedLength = 2;
@@ -34,6 +33,6 @@ public:
     QLineEdit* m_dSpecHeight = nullptr;
     QLabel* _note = nullptr;
 
-private:
+protected:
     void fill(const MyDocument& doc) override;
 };

@@ -1,6 +1,7 @@
 #include "options/optionsParameters.h"
 
 #include "document/MyDocument.h"
+#include "options/AnalysisPanelControls.h"
 #include "options/ColorWell.h"
 #include "options/optionParameterSettings.h"
 
@@ -64,25 +65,14 @@ optionsParameters::optionsParameters(QWidget* parent) : OptionPanel(parent)
     }
 
     auto* method = new QGroupBox(tr("Synthesis"));
-    auto* methodLayout = new QHBoxLayout(method);
-    _methodGroup = new QButtonGroup(this);
-    auto* cascade = new QRadioButton(tr("Cascade/parallel"));
-    auto* parallel = new QRadioButton(tr("All parallel"));
-    _methodGroup->addButton(cascade, 1);
-    _methodGroup->addButton(parallel, 0);
-    methodLayout->addWidget(cascade);
-    methodLayout->addWidget(parallel);
-    methodLayout->addStretch();
+    QLayout* methodRow = nullptr;
+    _methodGroup = AnalysisPanelControls::choice(this, tr("Cascade/parallel"), tr("All parallel"), methodRow);
+    method->setLayout(methodRow);
 
-    QDialogButtonBox* buttons = makeButtons(true);
+    QDialogButtonBox* buttons = layOut(grid, {method}, true);
     connect(defaultButton(), &QPushButton::clicked, this, &optionsParameters::defaultSetting);
     QPushButton* limits = buttons->addButton(tr("Parameters..."), QDialogButtonBox::ActionRole);
     connect(limits, &QPushButton::clicked, this, &optionsParameters::parameterstButton);
-
-    auto* outer = new QVBoxLayout(this);
-    outer->addLayout(grid);
-    outer->addWidget(method);
-    outer->addWidget(buttons);
 }
 
 void optionsParameters::setup(MyDocument* doc)

@@ -3,6 +3,7 @@
 #include "phonemes/PhonemeInventory.h"
 
 #include "document/ParameterDefinition.h"
+#include "document/TextFields.h"
 #include "phonemes/PhonemeError.h"
 
 #include <algorithm>
@@ -16,15 +17,8 @@ namespace
 std::vector<std::string> splitTabs(std::string_view line)
 {
     std::vector<std::string> fields;
-    std::size_t start = 0;
-    while (true) {
-        const std::size_t tab = line.find('\t', start);
-        fields.emplace_back(
-            line.substr(start, tab == std::string_view::npos ? std::string_view::npos : tab - start));
-        if (tab == std::string_view::npos)
-            break;
-        start = tab + 1;
-    }
+    for (std::string_view field : tabSeparated(line))
+        fields.emplace_back(field);
     for (std::string& f : fields) {
         while (!f.empty() && (f.back() == ' ' || f.back() == '\r'))
             f.pop_back();

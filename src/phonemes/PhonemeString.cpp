@@ -98,6 +98,24 @@ void stressFirstSyllables(std::vector<PhonemeToken>& tokens)
     }
 }
 
+// How many bytes at text[i] carry nothing the rules use (0: none): slashes and brackets, a dot
+// inside a word (a syllable break; before a space or the end it ends a sentence), length marks
+// without a spelling of their own, tie bars and combining marks (syllabic, nasalised).
+std::size_t silentIpaLength(std::string_view text, std::size_t i)
+{
+    const unsigned char c = static_cast<unsigned char>(text[i]);
+    const std::string_view rest = text.substr(i);
+    const bool syllableDot = c == '.' && i + 1 < text.size() &&
+                             !std::isspace(static_cast<unsigned char>(text[i + 1])) && text[i + 1] != '/' &&
+                             text[i + 1] != ']';
+    if (c == '/' || c == '[' || c == ']' || syllableDot)
+        return 1;
+    if (rest.starts_with("ː") || rest.starts_with("͡") || rest.starts_with("‿") ||
+        (c == 0xCC || (c == 0xCD && static_cast<unsigned char>(rest.size() > 1 ? rest[1] : 0) < 0xB0)))
+        return utf8Length(c);
+    return 0;
+}
+
 } // namespace
 
 bool PhonemeString::isMark(char c)
@@ -153,12 +171,8 @@ std::vector<PhonemeToken> PhonemeString::parseIpa(std::string_view text, const P
     while (i < text.size()) {
         const unsigned char c = static_cast<unsigned char>(text[i]);
         const std::string_view rest = text.substr(i);
-        // A dot inside a word is a syllable break; before a space or the end it ends a sentence.
-        const bool syllableDot = c == '.' && i + 1 < text.size() &&
-                                 !std::isspace(static_cast<unsigned char>(text[i + 1])) &&
-                                 text[i + 1] != '/' && text[i + 1] != ']';
-        if (c == '/' || c == '[' || c == ']' || syllableDot) {
-            ++i;
+        if (const std::size_t silent = silentIpaLength(text, i)) {
+            i += silent;
             continue;
         }
         if (std::isspace(c)) {
@@ -175,13 +189,6 @@ std::vector<PhonemeToken> PhonemeString::parseIpa(std::string_view text, const P
         if (rest.starts_with("ˈ") || rest.starts_with("ˌ") || rest.starts_with("'")) {
             stress = rest.starts_with("ˌ") ? 2 : 1;
             i += rest.starts_with("'") ? 1 : 2;
-            continue;
-        }
-        // Length marks without a spelling of their own, tie bars, combining marks (syllabic,
-        // nasalised) and syllable breaks carry nothing the rules use.
-        if (rest.starts_with("ː") || rest.starts_with("͡") || rest.starts_with("‿") ||
-            (c == 0xCC || (c == 0xCD && static_cast<unsigned char>(rest.size() > 1 ? rest[1] : 0) < 0xB0))) {
-            i += utf8Length(c);
             continue;
         }
         const Phoneme* found = nullptr;

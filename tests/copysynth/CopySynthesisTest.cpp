@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <stdexcept>
+#include <thread>
 
 using namespace copytest;
 
@@ -106,6 +107,29 @@ TEST(CopySynthesis, SameInputSameDocument)
     // Undo brings back the document as it was, one step.
     applied.doUndo();
     EXPECT_NE(applied.parameterDocumentText(true), made->parameterDocumentText(true));
+}
+
+// Estimations on several threads at once (each of which synthesizes on threads of its own)
+// give the values of one alone, and one cancelled while its ceilings are judged stops cleanly.
+TEST(CopySynthesis, ConcurrentEstimationsAgreeWithOneAlone)
+{
+    const std::vector<float> samples = vowel(40);
+    const CopySynthesisResult alone = estimate(samples);
+    std::vector<CopySynthesisResult> results(3);
+    std::vector<std::thread> threads;
+    for (CopySynthesisResult& r : results)
+        threads.emplace_back([&samples, &r] { r = estimate(samples); });
+    int calls = 0;
+    const CopySynthesisResult stopped =
+        copySynthesize(samples.data(), samples.size(), kRate, {}, [&](double) { return ++calls < 3; });
+    for (std::thread& t : threads)
+        t.join();
+    for (const CopySynthesisResult& r : results) {
+        EXPECT_EQ(r.frames, alone.frames);
+        EXPECT_EQ(r.report.maxFormantHz, alone.report.maxFormantHz);
+    }
+    EXPECT_TRUE(stopped.cancelled);
+    EXPECT_EQ(calls, 3);
 }
 
 // At 22050 Hz the sixth to eighth formants are in use (so the document synthesizes at that rate)

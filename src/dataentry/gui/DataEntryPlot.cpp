@@ -5,6 +5,9 @@
 #include "table/gui/mainTable.h"
 
 #include <QMouseEvent>
+#include <QPainter>
+
+#include <optional>
 
 #include <algorithm>
 
@@ -37,6 +40,30 @@ int DataEntryPlot::frameAt(double x) const
 int DataEntryPlot::valueAt(double y) const
 {
     return valueAtHeight(y, height(), fullScale());
+}
+
+void DataEntryPlot::drawGrids(QPainter& painter, const QRect& area) const
+{
+    if (!_pDoc)
+        return;
+    const auto [startMS, endMS] = m_axis->visibleMS(gridLengthMS(), width());
+    TimeGrids(painter, area, startMS, endMS,
+              m_axis->timeGridStep(_pDoc->m_nSpecTimeGrid, gridLengthMS(), width()), false);
+    const ValueGrid grid = valueGrid();
+    DrawAnyGrid(painter, area, grid.low, grid.high, grid.step, grid.fullScale, grid.label, ValueLabels::None);
+}
+
+std::vector<GridLabel> DataEntryPlot::gridLabels(const QFontMetrics& metrics) const
+{
+    if (!_pDoc)
+        return {};
+    std::optional<TimeSpan> times;
+    if (timeLabels()) {
+        const auto [startMS, endMS] = m_axis->visibleMS(gridLengthMS(), width());
+        times =
+            TimeSpan{startMS, endMS, m_axis->timeGridStep(_pDoc->m_nSpecTimeGrid, gridLengthMS(), width())};
+    }
+    return plotLabels(metrics, rect(), valueGrid(), times, captionBox());
 }
 
 bool DataEntryPlot::inside(const QPointF& p) const

@@ -14,6 +14,7 @@
 // Subclasses: TrackPlotView (graphical window), TraceView (trace window). Main thread only.
 #include "dataentry/StrokePlayback.h"
 #include "dataentry/gui/TimeAxisZoom.h"
+#include "display/gui/GraphGrids.h"
 
 #include <QPointF>
 #include <QWidget>
@@ -50,6 +51,11 @@ public:
     int frameAt(double x) const;
     int valueAt(double y) const;
 
+    // The grid labels the view draws (over its tracks), none colliding with another or with
+    // the caption, all inside the view; and the caption's box (empty without one).
+    std::vector<GridLabel> gridLabels(const QFontMetrics& metrics) const;
+    virtual QRect captionBox() const { return {}; }
+
 signals:
     // A drag ended and was committed to the table (undo and redo recorded).
     void committed();
@@ -57,9 +63,19 @@ signals:
 protected:
     explicit DataEntryPlot(QWidget* parent);
 
+    using ValueGrid = ::ValueGrid;
+
     // Channel 0's frame count (0 without a document).
     int frameCount() const;
     bool inside(const QPointF& p) const;
+
+    // The grids: the value grid of the view, and the time grid (every m_nSpecTimeGrid ms, or a
+    // step to suit the zoom) along the time axis of gridLengthMS(); labelled by gridLabels().
+    virtual ValueGrid valueGrid() const = 0;
+    virtual bool timeLabels() const { return false; }
+    virtual double gridLengthMS() const = 0;
+    // Draws both grids over `area` (with a document only).
+    void drawGrids(QPainter& painter, const QRect& area) const;
 
     // The steps of a drag, in order.
     virtual bool mayStartDrag() const { return hasActiveTrack(); }

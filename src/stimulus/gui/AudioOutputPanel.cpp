@@ -53,17 +53,8 @@ AudioOutputPanel::AudioOutputPanel(QWidget* parent) : OptionPanel(parent)
     m_pSummary = new QLabel;
     m_pSummary->setObjectName(QStringLiteral("summary"));
     m_pSummary->setWordWrap(true);
-    m_pRefusal = new QLabel;
-    m_pRefusal->setObjectName(QStringLiteral("refusal"));
-    m_pRefusal->setWordWrap(true);
-    m_pRefusal->setStyleSheet(QStringLiteral("color: #b00000;"));
-    m_pRefusal->hide();
-
-    auto* outer = new QVBoxLayout(this);
-    outer->addLayout(form);
-    outer->addWidget(m_pSummary);
-    outer->addWidget(m_pRefusal);
-    outer->addWidget(makeButtons(false));
+    m_pRefusal = makeRefusalLabel();
+    layOut(form, {m_pSummary, m_pRefusal}, false);
 
     for (QComboBox* box : {m_pLevel, m_pBits, m_pFormat})
         connect(box, &QComboBox::currentIndexChanged, this, &AudioOutputPanel::updateSummary);

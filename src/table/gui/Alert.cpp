@@ -1,26 +1,24 @@
 #include "table/gui/Alert.h"
 
+#include "document/InstalledHook.h"
+
 #include <QMessageBox>
 #include <QPushButton>
 
 namespace
 {
-Alert::Handler& handler()
-{
-    static Alert::Handler h;
-    return h;
-}
+using InstalledHandler = InstalledHook<struct AlertHandlerTag, Alert::Handler>;
 } // namespace
 
 void Alert::setHandler(Handler h)
 {
-    handler() = std::move(h);
+    InstalledHandler::install(std::move(h));
 }
 
 void Alert::show(QWidget* parent, const QString& title, const QString& message, const QString& button)
 {
-    if (handler()) {
-        handler()(title, message, button);
+    if (InstalledHandler::installed()) {
+        InstalledHandler::function()(title, message, button);
         return;
     }
     QMessageBox box(QMessageBox::Warning, title, message, QMessageBox::NoButton, parent);

@@ -26,6 +26,7 @@
 class AudioPlayer;
 class FrozenColumnView;
 class MyDocument;
+class OptionPanel;
 class PlayCursor;
 struct StimulusOutput;
 class TablePlayback;
@@ -235,6 +236,10 @@ private:
     QRect selectedCellBlock() const;
     // Asks before Options > File... removes frames that hold entered values; true to go on.
     bool mayShorten();
+    // Runs an analysis option panel; on OK the settings go to the configuration file and the
+    // open analyses are told, the trace window too when `traceAnalyses` (it analyses the model
+    // with the spectrogram and pitch settings).
+    void runAnalysisPanel(OptionPanel& panel, bool traceAnalyses);
     void openDataEntry(std::unique_ptr<DataEntryController>& slot, const DataEntryFactory& factory,
                        const QString& titlePrefix);
     // Titles a data-entry window: the prefix, the document's name and its modified marker.

@@ -3,6 +3,7 @@
 // come from factories the application installs (they live above the table).
 #include "table/gui/mainTable.h"
 
+#include "document/InstalledHook.h"
 #include "document/MyDocument.h"
 
 #include <QWidget>
@@ -11,16 +12,8 @@
 
 namespace
 {
-mainTable::FFTLPCFactory& fftlpcFactory()
-{
-    static mainTable::FFTLPCFactory factory;
-    return factory;
-}
-mainTable::SpectrogramPitchFactory& spectrogramFactory()
-{
-    static mainTable::SpectrogramPitchFactory factory;
-    return factory;
-}
+using FFTLPCWindows = InstalledHook<struct FFTLPCWindowsTag, mainTable::FFTLPCFactory>;
+using SpectrogramWindows = InstalledHook<struct SpectrogramWindowsTag, mainTable::SpectrogramPitchFactory>;
 
 void bringToFront(QWidget* window, const QString& titlePrefix)
 {
@@ -33,13 +26,13 @@ void bringToFront(QWidget* window, const QString& titlePrefix)
 
 void mainTable::setAnalysisWindowFactories(FFTLPCFactory fftlpc, SpectrogramPitchFactory spectrogram)
 {
-    fftlpcFactory() = std::move(fftlpc);
-    spectrogramFactory() = std::move(spectrogram);
+    FFTLPCWindows::install(std::move(fftlpc));
+    SpectrogramWindows::install(std::move(spectrogram));
 }
 
 bool mainTable::hasAnalysisWindows()
 {
-    return fftlpcFactory() && spectrogramFactory();
+    return FFTLPCWindows::installed() && SpectrogramWindows::installed();
 }
 
 double mainTable::FFTLPCStartSample() const
@@ -53,14 +46,14 @@ double mainTable::FFTLPCStartSample() const
 
 void mainTable::_analysisFFTLPC()
 {
-    if (!fftlpcFactory() || selectedColumnSpan().first <= 1)
+    if (!FFTLPCWindows::installed() || selectedColumnSpan().first <= 1)
         return;
     guarded(QStringLiteral("OK"), [&] {
         synthesizeIfNeeded(); // the start sample is taken from the synthesis's length
         // One FFT/LPC window per document: the open one goes first.
         if (m_pFFTLPC)
             delete m_pFFTLPC.data();
-        m_pFFTLPC = fftlpcFactory()(this, FFTLPCStartSample());
+        m_pFFTLPC = FFTLPCWindows::function()(this, FFTLPCStartSample());
         if (m_pFFTLPC)
             bringToFront(m_pFFTLPC, QStringLiteral("FFT/LPC:: "));
     });
@@ -68,21 +61,21 @@ void mainTable::_analysisFFTLPC()
 
 void mainTable::_analysisSpectrogramPitch()
 {
-    if (!spectrogramFactory())
+    if (!SpectrogramWindows::installed())
         return;
     guarded(QStringLiteral("OK"), [&] {
         synthesizeIfNeeded();
-        if (QWidget* w = spectrogramFactory()(this, 0))
+        if (QWidget* w = SpectrogramWindows::function()(this, 0))
             bringToFront(w, QStringLiteral("Spectrogram and Pitch of table data:: "));
     });
 }
 
 void mainTable::_analysisSpectrogramPitchModel()
 {
-    if (!spectrogramFactory() || !m_pDoc->getChannel(2)->hasAudio())
+    if (!SpectrogramWindows::installed() || !m_pDoc->getChannel(2)->hasAudio())
         return;
     guarded(QStringLiteral("OK"), [&] {
-        if (QWidget* w = spectrogramFactory()(this, 2))
+        if (QWidget* w = SpectrogramWindows::function()(this, 2))
             bringToFront(w, QStringLiteral("Spectrogram and Pitch of model:: "));
     });
 }

@@ -3,6 +3,7 @@
 #include "table/gui/mainTable.h"
 
 #include "document/DocumentException.h"
+#include "document/InstalledHook.h"
 #include "document/MyDocument.h"
 #include "options/optionFFTLPC.h"
 #include "options/optionFile.h"
@@ -22,36 +23,28 @@ namespace
 const QString kGraphicalTitle = QStringLiteral("data entry:: ");
 const QString kTraceTitle = QStringLiteral("data entry by tracing over a model:: ");
 
-mainTable::DataEntryFactory& graphicalFactory()
-{
-    static mainTable::DataEntryFactory factory;
-    return factory;
-}
-mainTable::DataEntryFactory& traceFactory()
-{
-    static mainTable::DataEntryFactory factory;
-    return factory;
-}
+using GraphicalWindows = InstalledHook<struct GraphicalWindowsTag, mainTable::DataEntryFactory>;
+using TraceWindows = InstalledHook<struct TraceWindowsTag, mainTable::DataEntryFactory>;
 } // namespace
 
 void mainTable::setGraphicalDataEntryFactory(DataEntryFactory factory)
 {
-    graphicalFactory() = std::move(factory);
+    GraphicalWindows::install(std::move(factory));
 }
 
 void mainTable::setTraceDataEntryFactory(DataEntryFactory factory)
 {
-    traceFactory() = std::move(factory);
+    TraceWindows::install(std::move(factory));
 }
 
 bool mainTable::hasGraphicalDataEntry()
 {
-    return static_cast<bool>(graphicalFactory());
+    return GraphicalWindows::installed();
 }
 
 bool mainTable::hasTraceDataEntry()
 {
-    return static_cast<bool>(traceFactory());
+    return TraceWindows::installed();
 }
 
 void mainTable::afterSnapshotRestored()
@@ -157,46 +150,34 @@ bool mainTable::mayShorten()
     return box.clickedButton() == shorten;
 }
 
-namespace
+void mainTable::runAnalysisPanel(OptionPanel& panel, bool traceAnalyses)
 {
-template <class Panel> bool runAnalysisPanel(QWidget* parent, MyDocument* doc)
-{
-    Panel panel(parent);
-    if (panel.showInWindow(parent, doc) != OptionPanel::kOK)
-        return false;
-    doc->saveConfig();
-    return true;
+    guarded(QStringLiteral("OK"), [&] {
+        if (panel.showInWindow(window(), m_pDoc) != OptionPanel::kOK)
+            return;
+        m_pDoc->saveConfig();
+        if (traceAnalyses && m_pDataentryTrace)
+            m_pDataentryTrace->analysisSettingsChanged();
+        emit analysisSettingsChanged();
+    });
 }
-} // namespace
 
 void mainTable::_optionsFFTLPC()
 {
-    guarded(QStringLiteral("OK"), [&] {
-        if (runAnalysisPanel<optionFFTLPC>(window(), m_pDoc))
-            emit analysisSettingsChanged();
-    });
+    optionFFTLPC panel(window());
+    runAnalysisPanel(panel, false);
 }
 
 void mainTable::_optionsSpectrogram()
 {
-    guarded(QStringLiteral("OK"), [&] {
-        if (!runAnalysisPanel<optionSpectrogram>(window(), m_pDoc))
-            return;
-        if (m_pDataentryTrace)
-            m_pDataentryTrace->analysisSettingsChanged();
-        emit analysisSettingsChanged();
-    });
+    optionSpectrogram panel(window());
+    runAnalysisPanel(panel, true);
 }
 
 void mainTable::_optionsPitch()
 {
-    guarded(QStringLiteral("OK"), [&] {
-        if (!runAnalysisPanel<optionPitch>(window(), m_pDoc))
-            return;
-        if (m_pDataentryTrace)
-            m_pDataentryTrace->analysisSettingsChanged();
-        emit analysisSettingsChanged();
-    });
+    optionPitch panel(window());
+    runAnalysisPanel(panel, true);
 }
 
 void mainTable::saveParameters()
@@ -248,14 +229,14 @@ void mainTable::openDataEntry(std::unique_ptr<DataEntryController>& slot, const 
 
 void mainTable::_dataentryGraphical()
 {
-    openDataEntry(m_pDataentryGraphical, graphicalFactory(), kGraphicalTitle);
+    openDataEntry(m_pDataentryGraphical, GraphicalWindows::function(), kGraphicalTitle);
 }
 
 void mainTable::_dataentryTrace()
 {
     if (!m_pDoc->getChannel(2)->hasAudio())
         return;
-    openDataEntry(m_pDataentryTrace, traceFactory(), kTraceTitle);
+    openDataEntry(m_pDataentryTrace, TraceWindows::function(), kTraceTitle);
 }
 
 void mainTable::titleDataEntry(DataEntryController* controller, const QString& titlePrefix)

@@ -169,12 +169,7 @@ void TrackPlotView::paintEvent(QPaintEvent* event)
     if (!_pDoc)
         return;
 
-    const auto [startMS, stopMS] = m_axis->visibleMS(lengthMS(), width());
-    TimeGrids(painter, bounds, startMS, stopMS,
-              m_axis->timeGridStep(_pDoc->m_nSpecTimeGrid, lengthMS(), width()), false);
-    const ValueGrid grid = valueGrid();
-    DrawAnyGrid(painter, bounds, grid.low, grid.high, grid.step, grid.fullScale, grid.label,
-                ValueLabels::None);
+    drawGrids(painter, bounds);
 
     drawTrace(painter, event->rect());
 
@@ -193,22 +188,10 @@ void TrackPlotView::paintEvent(QPaintEvent* event)
     drawCaption(painter);
 }
 
-double TrackPlotView::lengthMS() const
+double TrackPlotView::gridLengthMS() const
 {
     const double length = _pDoc->getChannel(0)->m_dLengthMS;
     return std::isfinite(length) && length > 0.0 ? std::trunc(length) : 0.0;
-}
-
-std::vector<GridLabel> TrackPlotView::gridLabels(const QFontMetrics& metrics) const
-{
-    if (!_pDoc)
-        return {};
-    std::optional<TimeSpan> times;
-    if (timeLabels()) {
-        const auto [startMS, stopMS] = m_axis->visibleMS(lengthMS(), width());
-        times = TimeSpan{startMS, stopMS, m_axis->timeGridStep(_pDoc->m_nSpecTimeGrid, lengthMS(), width())};
-    }
-    return plotLabels(metrics, rect(), valueGrid(), times, captionBox());
 }
 
 void TrackPlotView::drawTrace(QPainter& painter, const QRect& clip) const

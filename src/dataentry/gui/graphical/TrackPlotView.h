@@ -54,14 +54,10 @@ public:
 
     int _nScale() const { return m_nScale; }
     const std::vector<Track>& tracks() const { return m_tracks; }
+    bool _bActiveF(int slot) const { return m_tracks[slot].active; }
     bool hasActiveTrack() const override;
     double fullScale() const override { return m_nScale; }
     bool isActive(const std::string& name) const;
-
-    // The grid labels the view draws (over its tracks), none colliding with another or with
-    // the caption, all inside the view; and the caption's box (empty without one).
-    std::vector<GridLabel> gridLabels(const QFontMetrics& metrics) const;
-    virtual QRect captionBox() const { return {}; }
 
     // Repaints the strip of the view where frame k's points are drawn.
     void updateFrame(int frame);
@@ -71,20 +67,16 @@ signals:
     void frameEdited(int frame);
 
 protected:
-    using ValueGrid = ::ValueGrid;
-
     TrackPlotView(int scale, std::initializer_list<TrackDefinition> tracks, QWidget* parent);
 
-    virtual ValueGrid valueGrid() const = 0;
-    virtual bool timeLabels() const { return false; }
     virtual bool drawsTrack(const Track&) const { return _pDoc != nullptr; }
     virtual void drawCaption(QPainter&) {}
-    // The length of the time axis in whole ms (0 without a length).
-    double lengthMS() const;
+    // The length of the time axis: channel 0's length in whole ms (0 without a length).
+    double gridLengthMS() const override;
     void setTrackColor(int slot, const QColor& color);
 
-    // The drag (see DataEntryPlot): the press takes the cells afresh, the release stores the
-    // active tracks' cells back into the table data.
+    // The drag (see DataEntryPlot): each position sets the active tracks' cells of its frame,
+    // the release sets the texts of the stroke's cells.
     void startDrag() override;
     void pointerMoved(const QPointF& p, bool buttonDown) override;
     void dragTo(const QPointF& p) override;

@@ -42,13 +42,7 @@ constexpr int kWellWidth = 30;
 dataentryGraphicalController::dataentryGraphicalController(MyDocument* doc, mainTable* table, QObject* parent)
     : DataEntryWindow(doc, parent)
 {
-    m_window = std::make_unique<QMainWindow>();
-    m_content = new QWidget(m_window.get());
-    m_window->setCentralWidget(m_content);
-    m_viewF0 = new viewF0(m_content);
-    m_viewFormants = new viewFormants(m_content);
-    m_viewOthers = new viewOthers(m_content);
-    makeTimeAxis(m_content);
+    makePlots(m_viewF0, m_viewFormants, m_viewOthers);
     // An edited amplitude decides which F0 and formant points show: every plot repaints the
     // strip of an edited frame.
     for (TrackPlotView* source : views())
@@ -58,37 +52,17 @@ dataentryGraphicalController::dataentryGraphicalController(MyDocument* doc, main
     // Undo becomes possible after a drag: the shortcut must not wait for the menu to open.
     for (TrackPlotView* view : views())
         connect(view, &TrackPlotView::committed, this, &dataentryGraphicalController::validateMenus);
-    makeControls();
+    // Radio behaviour is ours: a click on the pressed button keeps it pressed.
+    makeParameterControls(kWellWidth, [this](Button b) { actionParameter(b); });
+    m_window->installEventFilter(this); // WindowActivate: see eventFilter
     makeMenus();
     setmaintableID(table);
     windowDidLoad();
 }
 
-dataentryGraphicalController::~dataentryGraphicalController() = default;
-
 std::array<TrackPlotView*, 3> dataentryGraphicalController::views() const
 {
     return {m_viewF0, m_viewFormants, m_viewOthers};
-}
-
-QWidget* dataentryGraphicalController::window()
-{
-    return m_window.get();
-}
-
-std::array<DataEntryPlot*, 3> dataentryGraphicalController::plots() const
-{
-    return {m_viewF0, m_viewFormants, m_viewOthers};
-}
-
-void dataentryGraphicalController::makeControls()
-{
-    // Radio behaviour is ours: a click on the pressed button keeps it pressed.
-    m_controls.emplace(
-        m_content, kWellWidth, this, [this](Button b) { actionParameter(b); },
-        [this](int well, const QColor& color) { actionColor(well, color); });
-    m_content->installEventFilter(this);
-    m_window->installEventFilter(this);
 }
 
 void dataentryGraphicalController::makeMenus()
@@ -154,13 +128,8 @@ void dataentryGraphicalController::actionParameter(Button button)
     m_viewOthers->activeParameter(kButtons[button].lowerPlot);
 }
 
-void dataentryGraphicalController::actionColor(int well, const QColor& color)
+void dataentryGraphicalController::colorPlots(int well, const QColor& color)
 {
-    if (well < 0 || well >= 6 || !color.isValid())
-        return;
-    m_controls->setWellColor(well, color);
-    if (m_pDoc)
-        m_pDoc->m_ColorTracing[well] = toColor(color);
     if (well == 0)
         m_viewF0->setColor(color);
     else
@@ -169,21 +138,11 @@ void dataentryGraphicalController::actionColor(int well, const QColor& color)
 
 bool dataentryGraphicalController::eventFilter(QObject* watched, QEvent* event)
 {
-    if (watched == m_content && event->type() == QEvent::Resize) {
-        const QSize size = static_cast<QResizeEvent*>(event)->size();
-        specialWindowDidResize(size.width(), size.height());
-    }
     // Edits in the table (typed values, interpolation) replace cells; coming back to this
     // window shows the cells the table holds now.
     if (watched == m_window.get() && event->type() == QEvent::WindowActivate)
         setupViews();
-    return QObject::eventFilter(watched, event);
-}
-
-void dataentryGraphicalController::setLabelStrip(QWidget* strip)
-{
-    m_labelStrip = strip;
-    relayout();
+    return DataEntryWindow::eventFilter(watched, event);
 }
 
 void dataentryGraphicalController::relayout()
@@ -193,13 +152,7 @@ void dataentryGraphicalController::relayout()
 
 void dataentryGraphicalController::specialWindowDidResize(int w, int h)
 {
-    const DataEntryControls::Stack plots =
-        DataEntryControls::stack(w, h, DataEntryControls::labelHeight(m_labelStrip));
-    m_viewF0->setPosition(plots.upper);
-    m_viewFormants->setPosition(plots.middle);
-    m_viewOthers->setPosition(plots.lower);
-    if (m_labelStrip)
-        m_labelStrip->setGeometry(plots.labels);
+    const DataEntryControls::Stack plots = placePlots(w, h);
     m_timeAxis->setViewWidth(plots.upper.width());
     // The scroll bar under the plots, in the strip the plots leave free.
     const int gap = DataEntryControls::kGap;

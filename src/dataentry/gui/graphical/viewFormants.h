@@ -11,8 +11,7 @@ class viewFormants : public TrackPlotView
 public:
     explicit viewFormants(QWidget* parent = nullptr);
 
-    // Slot 0 .. 4 = F1 .. F5.
-    bool _bActiveF(int slot) const { return tracks()[slot].active; }
+    // Track slots (_bActiveF, _tracingColor): 0 .. 4 = F1 .. F5.
     QColor _tracingColor(int slot) const { return tracks()[slot].color; }
     void setColor(const QColor& color, int formant) { setTrackColor(formant, color); }
 

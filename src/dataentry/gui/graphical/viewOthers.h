@@ -11,8 +11,8 @@ class viewOthers : public TrackPlotView
 public:
     explicit viewOthers(QWidget* parent = nullptr);
 
-    // Slot 0 .. 4 = a1f .. a5f, 5 = av, 6 = apv.
-    bool _bActiveF(int slot) const { return tracks()[slot].active; }
+    // Track slots (_bActiveF): 0 .. 4 = a1f .. a5f, 5 = av, 6 = apv.
+
     // The caption of the active track, empty when none is active.
     QString caption() const;
     QRect captionBox() const override;

@@ -164,14 +164,7 @@ void TraceView::paintEvent(QPaintEvent* event)
     painter.setClipRect(clip);
     painter.fillRect(rect(), Qt::white);
     drawAnalysis(painter, clip);
-    if (_pDoc) {
-        const auto [startMS, endMS] = m_axis->visibleMS(gridLengthMS(), width());
-        TimeGrids(painter, rect(), startMS, endMS,
-                  m_axis->timeGridStep(_pDoc->m_nSpecTimeGrid, gridLengthMS(), width()), false);
-        const ValueGrid grid = valueGrid();
-        DrawAnyGrid(painter, rect(), grid.low, grid.high, grid.step, grid.fullScale, grid.label,
-                    ValueLabels::None);
-    }
+    drawGrids(painter, rect());
     drawOverlay(painter, clip);
     const int frames = frameCount();
     if (frames > 0 && width() > 0) {
@@ -243,19 +236,6 @@ void TraceView::drawTrace(QPainter& painter) const
     for (const QPointF& p : m_arraytrace)
         path.addEllipse(QRectF(p.x(), p.y(), 1.0, 1.0));
     painter.strokePath(path, QPen(Qt::black));
-}
-
-std::vector<GridLabel> TraceView::gridLabels(const QFontMetrics& metrics) const
-{
-    if (!_pDoc)
-        return {};
-    std::optional<TimeSpan> times;
-    if (timeLabels()) {
-        const auto [startMS, endMS] = m_axis->visibleMS(gridLengthMS(), width());
-        times =
-            TimeSpan{startMS, endMS, m_axis->timeGridStep(_pDoc->m_nSpecTimeGrid, gridLengthMS(), width())};
-    }
-    return plotLabels(metrics, rect(), valueGrid(), times, captionBox());
 }
 
 QFont TraceView::captionFont() const

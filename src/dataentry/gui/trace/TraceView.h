@@ -44,23 +44,17 @@ public:
     TraceTrackLists& lists() { return m_lists; }
     double fullScale() const override { return m_nScale; }
     int columnAt(double x) const { return frameAt(x); }
-    // The grid labels the view draws (over its tracks), none colliding with another or with
-    // the caption, all inside the view; and the caption's box at the top right.
-    std::vector<GridLabel> gridLabels(const QFontMetrics& metrics) const;
-    QRect captionBox() const;
+    // The caption's box at the top right.
+    QRect captionBox() const override;
 
 signals:
     // Where the pointer is, as a line for the window's status strip.
     void pointerReadout(const QString& text);
 
 protected:
-    using ValueGrid = ::ValueGrid;
-
     TraceView(double fullScale, std::vector<std::string> keys, std::vector<int> rows, QWidget* parent);
 
-    virtual ValueGrid valueGrid() const = 0;
     virtual QString caption() const = 0;
-    virtual bool timeLabels() const { return false; }
     // Readout of a value under the pointer, in the view's unit.
     virtual QString valueText(int value) const { return QString::number(value); }
     // The pitch view saves an undo step on any press inside it, active track or not.
@@ -91,7 +85,8 @@ protected:
 
     // Repaints the strip of the view where column index `column` is drawn.
     void updateColumn(int column);
-    double gridLengthMS() const;
+    // The length of the time axis: the frames times the update interval, ms.
+    double gridLengthMS() const override;
     // The area over which the whole time axis is drawn: the view's rectangle at fit all, wider
     // and shifted left by the scroll offset when zoomed.
     QRect contentRect() const;

@@ -56,14 +56,7 @@ constexpr int kStatusWidth = 250;  // the pointer's readout and the entry's repo
 dataentryTraceContoller::dataentryTraceContoller(MyDocument* doc, mainTable* table, QObject* parent)
     : DataEntryWindow(doc, parent)
 {
-    m_window = std::make_unique<QMainWindow>();
-    m_window->setAttribute(Qt::WA_DeleteOnClose, false);
-    m_content = new QWidget(m_window.get());
-    m_window->setCentralWidget(m_content);
-    m_viewPitch = new viewPitch(m_content);
-    m_viewSpectrogram = new viewSpectrogram(m_content);
-    m_viewAmplitudes = new viewAmplitudes(m_content);
-    makeTimeAxis(m_content);
+    makePlots(m_viewPitch, m_viewSpectrogram, m_viewAmplitudes);
     // The readout named the time under the pointer before the axis moved.
     connect(m_timeAxis, &TimeAxisZoom::changed, this, [this] {
         if (!m_viewSpectrogram->isComputing())
@@ -87,28 +80,14 @@ dataentryTraceContoller::dataentryTraceContoller(MyDocument* doc, mainTable* tab
     windowDidLoad();
 }
 
-dataentryTraceContoller::~dataentryTraceContoller() = default;
-
 std::array<TraceView*, 3> dataentryTraceContoller::views() const
-{
-    return {m_viewPitch, m_viewSpectrogram, m_viewAmplitudes};
-}
-
-QWidget* dataentryTraceContoller::window()
-{
-    return m_window.get();
-}
-
-std::array<DataEntryPlot*, 3> dataentryTraceContoller::plots() const
 {
     return {m_viewPitch, m_viewSpectrogram, m_viewAmplitudes};
 }
 
 void dataentryTraceContoller::makeControls()
 {
-    m_controls.emplace(
-        m_content, kWellWidth, this, [this](Button b) { actionTrace(b); },
-        [this](int well, const QColor& color) { actionColor(well, color); });
+    makeParameterControls(kWellWidth, [this](Button b) { actionTrace(b); });
     m_enterAllData = new QPushButton(QStringLiteral("Enter All Data"), m_content);
     m_enterAllData->setFocusPolicy(Qt::NoFocus);
     m_enterAllData->setToolTip(
@@ -124,7 +103,6 @@ void dataentryTraceContoller::makeControls()
     connect(m_viewOldData, &QCheckBox::clicked, this, &dataentryTraceContoller::actionViewOldData);
     m_status = new QLabel(m_content);
     m_status->setTextFormat(Qt::PlainText);
-    m_content->installEventFilter(this);
 }
 
 void dataentryTraceContoller::windowDidLoad()
@@ -188,13 +166,8 @@ void dataentryTraceContoller::actionTrace(Button button)
         m_viewAmplitudes->setColor(toQColor(m_pDoc->m_ColorTracing[button]), button - F1);
 }
 
-void dataentryTraceContoller::actionColor(int well, const QColor& color)
+void dataentryTraceContoller::colorPlots(int well, const QColor& color)
 {
-    if (well < 0 || well >= 6 || !color.isValid())
-        return;
-    m_controls->setWellColor(well, color);
-    if (m_pDoc)
-        m_pDoc->m_ColorTracing[well] = toColor(color);
     if (well == 0) {
         m_viewPitch->setColor(color);
         return;
@@ -310,21 +283,6 @@ void dataentryTraceContoller::actionViewOldData(bool show)
     ConfigurationFile::writeShowGridData(ConfigurationFile::defaultPath(), show);
 }
 
-bool dataentryTraceContoller::eventFilter(QObject* watched, QEvent* event)
-{
-    if (watched == m_content && event->type() == QEvent::Resize) {
-        const QSize size = static_cast<QResizeEvent*>(event)->size();
-        specialWindowDidResize(size.width(), size.height());
-    }
-    return QObject::eventFilter(watched, event);
-}
-
-void dataentryTraceContoller::setLabelStrip(QWidget* strip)
-{
-    m_labelStrip = strip;
-    relayout();
-}
-
 void dataentryTraceContoller::relayout()
 {
     specialWindowDidResize(m_window->width(), m_window->height());
@@ -333,13 +291,7 @@ void dataentryTraceContoller::relayout()
 void dataentryTraceContoller::specialWindowDidResize(int w, int h)
 {
     // The views share the height less the bottom strip in the proportion 1 : 2 : 1.
-    const DataEntryControls::Stack views =
-        DataEntryControls::stack(w, h, DataEntryControls::labelHeight(m_labelStrip));
-    m_viewPitch->setPosition(views.upper);
-    m_viewSpectrogram->setPosition(views.middle);
-    m_viewAmplitudes->setPosition(views.lower);
-    if (m_labelStrip)
-        m_labelStrip->setGeometry(views.labels);
+    const DataEntryControls::Stack views = placePlots(w, h);
     m_controls->place(views);
     const int width = views.upper.width();
     const int stripTop = h - kStrip + 2;

@@ -40,26 +40,22 @@ class dataentryTraceContoller : public DataEntryWindow
     Q_OBJECT
 public:
     dataentryTraceContoller(MyDocument* doc, mainTable* table, QObject* parent = nullptr);
-    ~dataentryTraceContoller() override;
 
     // DataEntryController: after undo, redo and revert.
     void setupViews() override;
     // The analysis settings or the model changed: the views' analyses are computed again.
     void analysisSettingsChanged() override;
-    QWidget* window() override;
 
     // What Ctrl+S runs (the document window's save); none: Ctrl+S does nothing.
     void setSaveCommand(std::function<void()> save) { m_save = std::move(save); }
 
     void actionTrace(Button button);
-    void actionColor(int well, const QColor& color);
     void actionEnterAllData();
     // Every parameter estimated from the model, as one undo step (see CopySynthesisCommand).
     void actionCopySynthesis();
     void actionViewOldData(bool show);
     QColor getControlColor(const std::string& key) const;
 
-    QAction* playAfterStrokeAction() const { return m_playAfterStroke; }
     viewPitch* _viewPitch() const { return m_viewPitch; }
     viewSpectrogram* _viewSpectrogram() const { return m_viewSpectrogram; }
     viewAmplitudes* _viewAmplitudes() const { return m_viewAmplitudes; }
@@ -75,14 +71,11 @@ public:
     // at least one frame per document frame, whatever the window's size): it runs on arrival.
     bool enterAllDataPending() const { return m_bEnterPending; }
 
-    void specialWindowDidResize(int w, int h);
-    // The label strip under the views (made by the labels' code, a child of the window's
-    // content): laid out at its size hint while shown; relayout() after its height changes.
-    void setLabelStrip(QWidget* strip);
-    void relayout();
+    void specialWindowDidResize(int w, int h) override;
+    void relayout() override;
 
 protected:
-    bool eventFilter(QObject* watched, QEvent* event) override;
+    void colorPlots(int well, const QColor& color) override;
 
 private:
     void windowDidLoad();
@@ -94,11 +87,7 @@ private:
     void showStatus(const QString& text);
     void enterAllDataNow(const SpectrogramComputation& analysis);
     std::array<TraceView*, 3> views() const;
-    std::array<DataEntryPlot*, 3> plots() const override;
 
-    std::unique_ptr<QMainWindow> m_window;
-    QWidget* m_content = nullptr; // the window's central widget, which the views share
-    QAction* m_playAfterStroke = nullptr;
     viewPitch* m_viewPitch = nullptr;
     viewSpectrogram* m_viewSpectrogram = nullptr;
     viewAmplitudes* m_viewAmplitudes = nullptr;
@@ -107,7 +96,6 @@ private:
     QCheckBox* m_viewOldData = nullptr;
     QLabel* m_status = nullptr;
     QString m_statusText;
-    QPointer<QWidget> m_labelStrip;
     QPointer<QMessageBox> m_sheet;
     std::function<void()> m_save;
     bool m_bEnterPending = false;
