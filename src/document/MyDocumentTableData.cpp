@@ -89,11 +89,14 @@ FrameImage gridImage(const Channels& c, int columns)
         FrameImage::Block& block = image.open();
         for (int frame = image.firstFrame(b); frame < image.endFrame(b); ++frame) {
             const int at = frame - image.firstFrame(b);
-            const bool inGrid = static_cast<std::size_t>(frame) < grid.size();
-            for (int row = 0; row < kParameterCount; ++row)
-                block.setValue(at, row,
-                               inGrid ? grid[static_cast<std::size_t>(frame)][row]
-                                      : c.m_Parameters[row].nValue);
+            if (static_cast<std::size_t>(frame) < grid.size()) {
+                const GridColumn& column = grid[static_cast<std::size_t>(frame)];
+                std::copy_n(column.begin(), kParameterCount,
+                            block.values[static_cast<std::size_t>(at)].begin());
+            } else {
+                for (int row = 0; row < kParameterCount; ++row)
+                    block.setValue(at, row, c.m_Parameters[row].nValue);
+            }
             block.anchors[static_cast<std::size_t>(at)] = anchorRows[static_cast<std::size_t>(frame)];
         }
         image.close(b, nullptr, nullptr);
