@@ -34,5 +34,5 @@ FrameImage writeSnapshotImage(MyDocument& document, const FrameImage& previous, 
 // *gridIsImage tells whether the grid now holds exactly the image's values and anchors (so the
 // table data may be built from the image itself). Answers 0, or -1 with `reason` set and the
 // document unchanged.
-int readSnapshotImage(MyDocument& document, std::string_view head, const FrameImage& frames, std::string& reason,
-                      bool* gridIsImage);
+int readSnapshotImage(MyDocument& document, std::string_view head, const FrameImage& frames,
+                      std::string& reason, bool* gridIsImage);

@@ -55,10 +55,6 @@ TEST(PlotThinning, ALineKeepsEveryVertexOfItsOwnColumnAndTheExtremesOfSharedOnes
     for (double y : {40.0, 45.0, 90.0, 60.0, 10.0, 30.0, 35.0})
         shared.add({7.0 + y / 1000.0, y});
     shared.add({8.5, 20});
-    EXPECT_EQ(vertices(shared.path()), (std::vector<QPointF>{{6.5, 50},
-                                                             {7.04, 40},
-                                                             {7.09, 90},
-                                                             {7.01, 10},
-                                                             {7.035, 35},
-                                                             {8.5, 20}}));
+    EXPECT_EQ(vertices(shared.path()),
+              (std::vector<QPointF>{{6.5, 50}, {7.04, 40}, {7.09, 90}, {7.01, 10}, {7.035, 35}, {8.5, 20}}));
 }

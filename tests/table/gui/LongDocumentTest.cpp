@@ -23,7 +23,9 @@ TEST(LongDocument, TypingUndoRedoAndSavingAnHourMakeOnlyTheColumnsShown)
     table.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&table));
     const std::size_t fewerThanAll = MyDocument::kMaxFrames - 300;
-    auto value = [&](int column) { return doc._dataTableDictionary.cellAt(10LL * column, Row::f1)->_nValue(); };
+    auto value = [&](int column) {
+        return doc._dataTableDictionary.cellAt(10LL * column, Row::f1)->_nValue();
+    };
     const int before = value(200000);
 
     const auto type = [&](int row, int column, const char* text) {
