@@ -86,8 +86,9 @@ TEST(Recovery, CopiesLeftByAWorkbenchThatEndedAreRecoveredOrDiscarded)
         EXPECT_EQ(now.size(), 3);
         EXPECT_TRUE(now.contains("999.1-1.stk"));
         for (const QString& copy : old) {
-            if (copy != "999.1-1.stk")
+            if (copy != "999.1-1.stk") {
                 EXPECT_FALSE(now.contains(copy)) << copy.toStdString();
+            }
         }
     }
 

@@ -152,8 +152,8 @@ TEST(CliStimulusOutput, ClippingGainsAndBadValuesAreRefusedBeforeAnythingIsWritt
     EXPECT_EQ(allowed.exitCode, 0) << allowed.err;
     EXPECT_NE(allowed.err.find("samples clipped"), std::string::npos) << allowed.err;
 
-    for (const std::string& bad : {"--rate 7000", "--rate 44.1k", "--normalize loud", "--normalize rms:+3",
-                                   "--ramp -5", "--pad 1,2,3", "--bits 32", "--format mp3"}) {
+    for (const std::string bad : {"--rate 7000", "--rate 44.1k", "--normalize loud", "--normalize rms:+3",
+                                  "--ramp -5", "--pad 1,2,3", "--bits 32", "--format mp3"}) {
         CliResult r = runCli("synth " + dir / "b.stk " + bad + " -o " + dir / "bad.wav");
         EXPECT_EQ(r.exitCode, 1) << bad;
         EXPECT_NE(r.err.find(bad.substr(0, bad.find(' '))), std::string::npos) << bad << ": " << r.err;

@@ -237,8 +237,9 @@ TEST_F(SynthesizeTest, SilentSynthesisIsReportedAsClippingIs)
         const std::string image = doc.save_Wave_FileType();
         const bool allZero = std::all_of(image.begin() + 48, image.end(), [](char b) { return b == 0; });
         EXPECT_EQ(doc.isSilent(), allZero) << "row " << row;
-        if (doc.isSilent())
+        if (doc.isSilent()) {
             EXPECT_NE(doc.synthesisWarning().find("silent"), std::string::npos) << doc.synthesisWarning();
+        }
     }
     setRow(Row::gain, 10);
     doc.Synthesize();

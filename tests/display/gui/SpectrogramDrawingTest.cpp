@@ -95,10 +95,11 @@ TEST(SpectrogramImage, RampAndPixelPlacement)
                 // Where two values share a pixel, the later one stands.
                 const bool last = static_cast<int>(sx * (x + 1)) + p != px || x == 36;
                 const bool top = y == 22 || size.height() - (static_cast<int>(sy * (y + 1)) + p) != py;
-                if (px < size.width() && py >= 0 && last && top)
+                if (px < size.width() && py >= 0 && last && top) {
                     ASSERT_EQ(picture.pixel(px, py),
                               ramp.rampColor(SpectrogramImage::rampPosition(wide.frame(x)[y], 50)))
                         << size.width() << " " << x << " " << y;
+                }
             }
     }
     // A computation without a spectrogram gives no picture.
