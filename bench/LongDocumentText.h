@@ -5,6 +5,7 @@
 #include "document/MyDocument.h"
 
 #include <charconv>
+#include <fstream>
 #include <string>
 
 inline std::string longDocumentText(int frames)
@@ -29,4 +30,15 @@ inline std::string longDocumentText(int frames)
         text += "\r\n";
     }
     return text;
+}
+
+// A line of /proc/self/status in MB ("VmRSS:", "VmHWM:"); 0 when it is not there.
+inline double statusMB(const char* field)
+{
+    std::ifstream status("/proc/self/status");
+    std::string line;
+    while (std::getline(status, line))
+        if (line.rfind(field, 0) == 0)
+            return std::stod(line.substr(std::string(field).size())) / 1024.0;
+    return 0.0;
 }

@@ -34,16 +34,6 @@ const std::string& hourText()
     return text;
 }
 
-double statusMB(const char* field)
-{
-    std::ifstream status("/proc/self/status");
-    std::string line;
-    while (std::getline(status, line))
-        if (line.rfind(field, 0) == 0)
-            return std::stod(line.substr(std::string(field).size())) / 1024.0;
-    return 0.0;
-}
-
 // Measures how far the peak resident memory rises over a step: hand memory freed by earlier
 // steps back to the system (or the step would reuse it unseen), reset the peak to what is
 // resident now, run the step, read the peak.

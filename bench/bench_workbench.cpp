@@ -7,6 +7,7 @@
 //  - opening a document of varying frames from its file text to the table's first paint:
 //    60 s (target: 150 ms or less) and one hour (target: 1.5 s and 800 MB resident or less).
 #include "GuiBenchMain.h"
+#include "LongDocumentText.h"
 #include "audio/AudioPlayer.h"
 #include "document/Log.h"
 #include "document/MyDocument.h"
@@ -16,8 +17,6 @@
 #include <QElapsedTimer>
 #include <benchmark/benchmark.h>
 
-#include <charconv>
-#include <fstream>
 
 namespace
 {
@@ -32,38 +31,6 @@ std::unique_ptr<MyDocument> documentOf(double lengthMS)
     doc->SetUpDataGridMemory();
     doc->buildDataTableDictionary();
     return doc;
-}
-
-// The file text of a document of `frames` frames whose values change every frame, written the
-// way the saved files are (a one-frame document's head, then one line of 48 values a frame).
-std::string documentText(int frames)
-{
-    auto doc = documentOf(10.0);
-    std::string text = doc->Save_STK_FileType50(true);
-    text.replace(0, text.find('\t'), std::to_string(frames * 10));
-    text.resize(text.rfind("\r\n", text.size() - 3) + 2); // drop the one frame's values
-    const Channels& c = *doc->getChannel(0);
-    char number[16];
-    for (int k = 0; k < frames; ++k) {
-        for (int row = 0; row < kParameterCount; ++row) {
-            const int base = c.m_Parameters[row].nValue;
-            const int v = base > 0 ? base + (k * 7 + row) % 11 : base;
-            text.append(number, std::to_chars(number, number + sizeof number, v).ptr);
-            text += '\t';
-        }
-        text += "\r\n";
-    }
-    return text;
-}
-
-double residentMB(const char* field)
-{
-    std::ifstream status("/proc/self/status");
-    std::string line;
-    while (std::getline(status, line))
-        if (line.rfind(field, 0) == 0)
-            return std::stod(line.substr(std::string(field).size())) / 1024.0;
-    return 0.0;
 }
 
 // Reading the text, building the table data, and the table window up to its first paint. The
@@ -83,7 +50,7 @@ void openToFirstPaint(benchmark::State& state, const std::string& text)
         table->show();
         table->viewport()->repaint();
         state.PauseTiming();
-        state.counters["VmRSS_MB"] = residentMB("VmRSS:");
+        state.counters["VmRSS_MB"] = statusMB("VmRSS:");
         table.reset();
         doc.reset();
         state.ResumeTiming();
@@ -92,15 +59,15 @@ void openToFirstPaint(benchmark::State& state, const std::string& text)
 
 void BM_OpenSixtySecondDocument(benchmark::State& state)
 {
-    openToFirstPaint(state, documentText(6000));
+    openToFirstPaint(state, longDocumentText(6000));
 }
 BENCHMARK(BM_OpenSixtySecondDocument)->Unit(benchmark::kMillisecond)->Iterations(10);
 
 void BM_OpenOneHourDocument(benchmark::State& state)
 {
-    const std::string text = documentText(360000);
+    const std::string text = longDocumentText(360000);
     openToFirstPaint(state, text);
-    state.counters["VmHWM_MB"] = residentMB("VmHWM:");
+    state.counters["VmHWM_MB"] = statusMB("VmHWM:");
 }
 BENCHMARK(BM_OpenOneHourDocument)->Unit(benchmark::kMillisecond)->Iterations(3);
 
