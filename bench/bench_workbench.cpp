@@ -17,7 +17,6 @@
 #include <QElapsedTimer>
 #include <benchmark/benchmark.h>
 
-
 namespace
 {
 std::unique_ptr<MyDocument> documentOf(double lengthMS)

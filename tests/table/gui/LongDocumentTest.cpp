@@ -1,6 +1,7 @@
 // A document of an hour in the table: typing, undo, redo and saving touch what they change and
 // the columns on screen, never the whole document, and lose nothing.
 #include "document/MyDocument.h"
+#include "support/TestDocuments.h"
 #include "support/TestFiles.h"
 #include "table/gui/TableClicks.h"
 
@@ -13,11 +14,8 @@
 TEST(LongDocument, TypingUndoRedoAndSavingAnHourMakeOnlyTheColumnsShown)
 {
     MyDocument doc;
-    Channels& c = *doc.getChannel(0);
-    c.m_dLengthMS = MyDocument::kMaxLengthMS;
-    c.m_nColumnNum = MyDocument::kMaxFrames;
-    doc.SetUpDataGridMemory();
-    doc.buildDataTableDictionary();
+    setTestFrames(doc, MyDocument::kMaxFrames, 10, 1);
+    const Channels& c = *doc.getChannel(0);
     mainTable table(&doc);
     table.resize(900, 600);
     table.show();
