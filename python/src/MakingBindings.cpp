@@ -29,12 +29,7 @@ std::unique_ptr<PythonDocument> trace(const SampleArray& samples, double rate, c
         throw BadArgument("samples: the recording is shorter than one frame");
     const double modelRate = document->getChannel(2)->m_dSampleRate;
     o.applyTo(*document, modelRate);
-    document->m_dPitchWindowLength = pitch.m_dPitchWindowLength;
-    document->m_dPitchStepSize = pitch.m_dPitchStepSize;
-    document->m_dCalculationLow = pitch.m_dCalculationLow;
-    document->m_dCalculationHigh = pitch.m_dCalculationHigh;
-    document->m_dFreqDeviation = pitch.m_dFreqDeviation;
-    document->m_dPitchTrackingThreshHold = pitch.m_dPitchTrackingThreshHold;
+    document->pitchSettings() = pitch;
     try {
         TraceDataEntry::traceDocument(*document, o.columns, o.rows);
     } catch (const std::bad_alloc&) {

@@ -187,12 +187,7 @@ struct TraceOptions {
 void applyTraceSettings(const TraceOptions& o, MyDocument& document, double sampleRate)
 {
     o.spectrogram.overrides.applyTo(document, sampleRate);
-    document.m_dPitchWindowLength = o.pitch.m_dPitchWindowLength;
-    document.m_dPitchStepSize = o.pitch.m_dPitchStepSize;
-    document.m_dCalculationLow = o.pitch.m_dCalculationLow;
-    document.m_dCalculationHigh = o.pitch.m_dCalculationHigh;
-    document.m_dFreqDeviation = o.pitch.m_dFreqDeviation;
-    document.m_dPitchTrackingThreshHold = o.pitch.m_dPitchTrackingThreshHold;
+    document.pitchSettings() = o.pitch;
 }
 
 void commandTrace(const TraceOptions& o)

@@ -18,10 +18,11 @@ public:
     // What an option given does to the document (the recording's rate at hand).
     using Apply = std::function<void(MyDocument&, double sampleRate)>;
 
-    // An option whose value `value` goes into the document's `field`.
-    template <typename T, typename Field>
+    // An option whose value `value` goes into the document's `field` (its own or one of the
+    // analysis settings it derives from).
+    template <typename T, typename Field, typename Owner>
     CLI::Option* add(CLI::App* command, const std::string& name, T& value, const std::string& help,
-                     Field MyDocument::*field)
+                     Field Owner::*field)
     {
         return add(command, name, value, help,
                    [&value, field](MyDocument& d, double) { d.*field = static_cast<Field>(value); });

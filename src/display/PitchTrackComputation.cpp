@@ -2,22 +2,9 @@
 
 #include "analysis/CMathFunc.h"
 #include "document/Log.h"
-#include "document/MyDocument.h"
 
 #include <algorithm>
 #include <cmath>
-
-PitchSettings PitchSettings::fromDocument(const MyDocument& document)
-{
-    PitchSettings s;
-    s.m_dPitchWindowLength = document.m_dPitchWindowLength;
-    s.m_dPitchStepSize = document.m_dPitchStepSize;
-    s.m_dPitchTrackingThreshHold = document.m_dPitchTrackingThreshHold;
-    s.m_dFreqDeviation = document.m_dFreqDeviation;
-    s.m_dCalculationHigh = document.m_dCalculationHigh;
-    s.m_dCalculationLow = document.m_dCalculationLow;
-    return s;
-}
 
 namespace
 {

@@ -7,24 +7,11 @@
 // Plain result object: compute on any thread into an object that thread owns. Cepstral work
 // arrays are per thread, and frames near the end of a recording deliberately reuse what the
 // previous frame of the same thread left in them, so a track is computed frame by frame in order.
+#include "document/AnalysisSettings.h"
 #include "document/Channels.h"
 
 #include <cstdint>
 #include <vector>
-
-class MyDocument;
-
-// The document's pitch settings (copied, so that a worker does not read the document).
-struct PitchSettings {
-    double m_dPitchWindowLength = 35.0;      // ms
-    double m_dPitchStepSize = 10.0;          // ms
-    double m_dPitchTrackingThreshHold = 1.0; // per cent of the loudest frame's energy
-    double m_dFreqDeviation = 100.0;         // Hz: a jump of at least this much is removed
-    double m_dCalculationHigh = 500.0;       // Hz
-    double m_dCalculationLow = 50.0;         // Hz
-
-    static PitchSettings fromDocument(const MyDocument& document);
-};
 
 class PitchTrackComputation
 {

@@ -10,14 +10,7 @@
 
 SliceSettings SliceSettings::fromDocument(MyDocument& document)
 {
-    SliceSettings s;
-    s.m_nFFTWindowLength = document.m_nFFTWindowLength;
-    s.m_nFFTAppliedWindowLength = document.m_nFFTAppliedWindowLength;
-    s.m_nFFTfrequencyRange = document.m_nFFTfrequencyRange;
-    s.m_nFFTAverageStepSize = document.m_nFFTAverageStepSize;
-    s.m_nLPCNumberofCoefficients = document.m_nLPCNumberofCoefficients;
-    s.m_nUpdateIntervalMS = document.updateInterval();
-    return s;
+    return SliceSettings{document, document.updateInterval()};
 }
 
 namespace

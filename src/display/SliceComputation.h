@@ -14,6 +14,8 @@
 // Levels are dB re full scale: a sine of amplitude 1.0 centred on a bin reads 0 dB. A window of
 // digital silence contributes nothing to the envelope; its spectrum sits at the floor (about
 // -120 dB). Plain result object: any thread may compute into an object it owns.
+#include "document/AnalysisSettings.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -21,14 +23,10 @@
 class Channels;
 class MyDocument;
 
-// The document's FFT/LPC settings (copied, so that a worker does not read the document).
-struct SliceSettings {
-    std::int32_t m_nFFTWindowLength = 256;       // transform points, a power of two 32 .. 8192
-    std::int32_t m_nFFTAppliedWindowLength = 23; // ms of samples windowed (at most the transform)
-    std::int32_t m_nFFTfrequencyRange = 5000;    // Hz: bins above it are not kept
-    std::int32_t m_nFFTAverageStepSize = 10;     // windows averaged over one update interval
-    std::int32_t m_nLPCNumberofCoefficients = 14;
-    std::int32_t m_nUpdateIntervalMS = 10; // the span the averaged windows cover
+// The document's FFT/LPC settings and the span the averaged windows cover (copied, so that a
+// worker does not read the document).
+struct SliceSettings : FFTLPCSettings {
+    std::int32_t m_nUpdateIntervalMS = 10;
 
     static SliceSettings fromDocument(MyDocument& document);
 };

@@ -1,22 +1,9 @@
 #include "display/SpectrogramComputation.h"
 
 #include "analysis/CMathFunc.h"
-#include "document/MyDocument.h"
 
 #include <algorithm>
 #include <cmath>
-
-SpectrogramSettings SpectrogramSettings::fromDocument(const MyDocument& document)
-{
-    SpectrogramSettings s;
-    s.m_nSpecWindowLength = document.m_nSpecWindowLength;
-    s.m_dPreEmphasis = document.m_dPreEmphasis;
-    s.m_nSpecDynamicRange = document.m_nSpecDynamicRange;
-    s.m_nSpecfrequencyRange = document.m_nSpecfrequencyRange;
-    s.m_nSpecLPCNumberofCoefficients = document.m_nSpecLPCNumberofCoefficients;
-    s.m_bSpecDrawFormantTracking = document.m_bSpecDrawFormantTracking != 0;
-    return s;
-}
 
 namespace
 {

@@ -10,6 +10,7 @@
 // thread, so several computations may run at once. An object is used by one thread at a time.
 // The cancel flag is checked once per column: a cancelled run leaves m_bHaveSpectrogram clear.
 #include "analysis/AnalysisRecords.h"
+#include "document/AnalysisSettings.h"
 #include "document/BulkMemory.h"
 #include "document/Channels.h"
 
@@ -18,22 +19,8 @@
 #include <cstdint>
 #include <vector>
 
-class MyDocument;
-
 // Smallest ratio of a formant's frequency to its bandwidth that the tracks accept.
 inline constexpr double gRatioFormantBanswodth = 2.0;
-
-// The document's spectrogram settings (copied, so that a worker does not read the document).
-struct SpectrogramSettings {
-    std::int32_t m_nSpecWindowLength = 128;    // FFT frame length in samples
-    double m_dPreEmphasis = 0.98;              // forward-difference coefficient, <= 0 off
-    std::int32_t m_nSpecDynamicRange = 50;     // dB shown
-    std::int32_t m_nSpecfrequencyRange = 5000; // Hz at the top row
-    std::int32_t m_nSpecLPCNumberofCoefficients = 14;
-    bool m_bSpecDrawFormantTracking = true;
-
-    static SpectrogramSettings fromDocument(const MyDocument& document);
-};
 
 // Five formant slots and one spare, 12 bytes as the tracks store them.
 using FormantRecord = std::array<std::int16_t, 6>;

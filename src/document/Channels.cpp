@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-Channels::Channels() : m_strTitle(std::make_shared<std::string>("channel")) {}
+Channels::Channels() = default;
 
 std::size_t Channels::sampleCount() const
 {
@@ -25,61 +25,9 @@ std::unique_ptr<MemoryBlock> copyBlock(const std::unique_ptr<MemoryBlock>& sourc
         std::memcpy(block->bytes(), source->bytes(), source->size());
     return block;
 }
-// The two halves of Channels::copyStateFrom: the file, display and cursor fields; the labels
-// and the analysis tracks.
-void copyFileAndViewState(Channels& d, const Channels& s)
-{
-    d.m_nChannelType = s.m_nChannelType;
-    d.m_nChannelsinFile = s.m_nChannelsinFile;
-    d.m_dLengthMS = s.m_dLengthMS;
-    d.m_dSampleRate = s.m_dSampleRate;
-    d.m_dwFileLength = s.m_dwFileLength;
-    d.m_nResolutionBits = s.m_nResolutionBits;
-    d.m_nDataType = s.m_nDataType;
-    d.m_rLocation = s.m_rLocation;
-    d.m_nHeigth = s.m_nHeigth;
-    d.m_strTitle = s.m_strTitle; // shared, not copied
-    d.m_nOrder = s.m_nOrder;
-    d.m_bAnchorChannel = s.m_bAnchorChannel;
-    d.m_bShow = s.m_bShow;
-    d.m_nColorRed = s.m_nColorRed;
-    d.m_nColorGreen = s.m_nColorGreen;
-    d.m_nColorBlue = s.m_nColorBlue;
-    d.m_strUnit = s.m_strUnit; // shared, not copied
-    d.m_dGain = s.m_dGain;
-    d.m_dFilterRate = s.m_dFilterRate;
-    d.m_dReference = s.m_dReference;
-    d.m_bDrawReference = s.m_bDrawReference;
-    d.m_dADInputVoltageRangeMV = s.m_dADInputVoltageRangeMV;
-    d.m_dMaxRangeBits = s.m_dMaxRangeBits;
-    d.m_dA3Cal = s.m_dA3Cal;
-    d.m_dB2Cal = s.m_dB2Cal;
-    d.m_dC1Cal = s.m_dC1Cal;
-    d.m_dD0Cal = s.m_dD0Cal;
-    d.m_dPageMin = s.m_dPageMin;
-    d.m_dPageMax = s.m_dPageMax;
-    d.m_dPageSize = s.m_dPageSize;
-    d.m_dPageTimeMin = s.m_dPageTimeMin;
-    d.m_dPageTimeMax = s.m_dPageTimeMax;
-    d.m_dPageTimeSize = s.m_dPageTimeSize;
-    d.m_ptOldCursorLoc = s.m_ptOldCursorLoc;
-    d.m_ptNewCursorLoc = s.m_ptNewCursorLoc;
-    d.m_dCursorDataValue = s.m_dCursorDataValue;
-    d.m_dMarkerDataValue = s.m_dMarkerDataValue;
-    d.m_dCursorFileValue = s.m_dCursorFileValue;
-    d.m_dMarkerFileValue = s.m_dMarkerFileValue;
-    d.m_dCursorTime = s.m_dCursorTime;
-    d.m_dMarkerTime = s.m_dMarkerTime;
-    d.m_dDurationStartTime = s.m_dDurationStartTime;
-    d.m_dDurationStopTime = s.m_dDurationStopTime;
-    d.m_dDurationStartFile = s.m_dDurationStartFile;
-    d.m_dDurationStopFile = s.m_dDurationStopFile;
-    d.m_dDurationTime = s.m_dDurationTime;
-    d.m_dDurationFile = s.m_dDurationFile;
-    d.m_dMinUnZoom = s.m_dMinUnZoom;
-    d.m_dMaxUnZoom = s.m_dMaxUnZoom;
-}
 
+// What Channels::copyStateFrom does beside the assignment of the state: the labels and the
+// derived signals.
 void copyLabelsAndTracks(Channels& d, const Channels& s)
 {
     d.m_pArrayLabels.clear();
@@ -95,23 +43,6 @@ void copyLabelsAndTracks(Channels& d, const Channels& s)
     d.m_hdPitch = copyBlock(s.m_hdPitch, true);
     d.m_hdVelocity = copyBlock(s.m_hdVelocity, false);
     d.m_hdAcceleration = copyBlock(s.m_hdAcceleration, false);
-    d.m_dIntensityWindowLengthMS = s.m_dIntensityWindowLengthMS;
-    d.m_dIntensityStepSizeMS = s.m_dIntensityStepSizeMS;
-    d.m_bDrawIntensity = s.m_bDrawIntensity;
-    d.m_dSmoothNumOfPoints = s.m_dSmoothNumOfPoints;
-    d.m_nVelocityColorRed = s.m_nVelocityColorRed;
-    d.m_nVelocityColorGreen = s.m_nVelocityColorGreen;
-    d.m_nVelocityColorBlue = s.m_nVelocityColorBlue;
-    d.m_dVelocitySmoothingWindow = s.m_dVelocitySmoothingWindow;
-    d.m_nAccelerationColorRed = s.m_nAccelerationColorRed;
-    d.m_nAccelerationColorGreen = s.m_nAccelerationColorGreen;
-    d.m_nAccelerationColorBlue = s.m_nAccelerationColorBlue;
-    d.m_dAccelerationSmoothingWindow = s.m_dAccelerationSmoothingWindow;
-    d.m_dPositionEstimationWindow = s.m_dPositionEstimationWindow;
-    d.m_dVelocityEstimationWindow = s.m_dVelocityEstimationWindow;
-    d.m_dAccelerationEstimationWindow = s.m_dAccelerationEstimationWindow;
-    d.m_dDCShiftWindowMS = s.m_dDCShiftWindowMS;
-    d.m_dThresholdLevelDetectPerCent = s.m_dThresholdLevelDetectPerCent;
 }
 
 } // namespace
@@ -159,6 +90,6 @@ void Channels::DuplicateTakingSamples(Channels& s)
 
 void Channels::copyStateFrom(const Channels& s)
 {
-    copyFileAndViewState(*this, s);
+    static_cast<ChannelState&>(*this) = s;
     copyLabelsAndTracks(*this, s);
 }

@@ -36,7 +36,60 @@ struct FloatPoint {
     float x = 0.0f, y = 0.0f;
 };
 
-class Channels
+// The fields of a channel that a duplicate takes as they are: the audio's description, the
+// display, calibration and cursor state, and the settings of the derived signals. The title and
+// unit strings are shared by the copies.
+struct ChannelState {
+    // --- audio (the samples are Channels::m_hData) ---
+    std::int32_t m_nChannelType = 0;
+    std::int32_t m_nChannelsinFile = 0;
+    double m_dLengthMS = 0.0;
+    double m_dSampleRate = 11025.0;
+    double m_dwFileLength = 0.0;
+    std::int32_t m_nResolutionBits = 16;
+    std::int32_t m_nDataType = 0;
+
+    // --- display and calibration ---
+    ShortRect m_rLocation;
+    std::int32_t m_nHeigth = 100;
+    std::shared_ptr<std::string> m_strTitle = std::make_shared<std::string>("channel");
+    std::int32_t m_nOrder = 0;
+    std::uint8_t m_bAnchorChannel = 0;
+    std::uint8_t m_bShow = 1;
+    std::int32_t m_nColorRed = 0, m_nColorGreen = 0, m_nColorBlue = 0;
+    std::shared_ptr<std::string> m_strUnit;
+    double m_dGain = 1.0;
+    double m_dFilterRate = 5500.0;
+    double m_dReference = 0.0;
+    std::uint8_t m_bDrawReference = 1;
+    double m_dADInputVoltageRangeMV = 1.0, m_dMaxRangeBits = 1.0;
+    double m_dA3Cal = 0.0, m_dB2Cal = 0.0, m_dC1Cal = 1.0, m_dD0Cal = 0.0;
+    double m_dPageMin = 0.0, m_dPageMax = 0.0, m_dPageSize = 0.0;
+    double m_dPageTimeMin = 0.0, m_dPageTimeMax = 0.0, m_dPageTimeSize = 0.0;
+    FloatPoint m_ptOldCursorLoc, m_ptNewCursorLoc;
+    double m_dCursorDataValue = 0.0, m_dMarkerDataValue = 0.0, m_dCursorFileValue = 0.0,
+           m_dMarkerFileValue = 0.0;
+    double m_dCursorTime = 0.0, m_dMarkerTime = 0.0;
+    double m_dDurationStartTime = 0.0, m_dDurationStopTime = 0.0, m_dDurationStartFile = 0.0,
+           m_dDurationStopFile = 0.0, m_dDurationTime = 0.0, m_dDurationFile = 0.0;
+    double m_dMinUnZoom = 0.0, m_dMaxUnZoom = 0.0;
+
+    // --- settings of the derived signals (the signals are blocks of Channels) ---
+    double m_dIntensityWindowLengthMS = 30.0;
+    double m_dIntensityStepSizeMS = 10.0;
+    std::uint8_t m_bDrawIntensity = 1;
+    double m_dSmoothNumOfPoints = 5.0;
+    std::int32_t m_nVelocityColorRed = 0, m_nVelocityColorGreen = 0, m_nVelocityColorBlue = 65535;
+    double m_dVelocitySmoothingWindow = 0.5;
+    std::int32_t m_nAccelerationColorRed = 0, m_nAccelerationColorGreen = 65535, m_nAccelerationColorBlue = 0;
+    double m_dAccelerationSmoothingWindow = 0.5;
+    double m_dPositionEstimationWindow = 20.0, m_dVelocityEstimationWindow = 20.0,
+           m_dAccelerationEstimationWindow = 20.0;
+    double m_dDCShiftWindowMS = 8.0;
+    double m_dThresholdLevelDetectPerCent = 10.0;
+};
+
+class Channels : public ChannelState
 {
 public:
     Channels(); // every field takes its fresh value
@@ -65,59 +118,14 @@ public:
     std::size_t sampleCount() const;
     bool hasAudio() const { return m_hData != nullptr; }
 
-    // --- audio ---
-    std::int32_t m_nChannelType = 0;
-    std::int32_t m_nChannelsinFile = 0;
-    std::unique_ptr<MemoryBlock> m_hData;
-    double m_dLengthMS = 0.0;
-    double m_dSampleRate = 11025.0;
-    double m_dwFileLength = 0.0;
-    std::int32_t m_nResolutionBits = 16;
-    std::int32_t m_nDataType = 0;
-
-    // --- display and calibration ---
-    ShortRect m_rLocation;
-    std::int32_t m_nHeigth = 100;
-    std::shared_ptr<std::string> m_strTitle;
-    std::int32_t m_nOrder = 0;
-    std::uint8_t m_bAnchorChannel = 0;
-    std::uint8_t m_bShow = 1;
-    std::int32_t m_nColorRed = 0, m_nColorGreen = 0, m_nColorBlue = 0;
-    std::shared_ptr<std::string> m_strUnit;
+    // --- what a duplicate does not take as it is ---
+    std::unique_ptr<MemoryBlock> m_hData; // the samples
     std::map<std::string, std::int32_t> m_AnchorPositionDict;
-    double m_dGain = 1.0;
-    double m_dFilterRate = 5500.0;
-    double m_dReference = 0.0;
-    std::uint8_t m_bDrawReference = 1;
-    double m_dADInputVoltageRangeMV = 1.0, m_dMaxRangeBits = 1.0;
-    double m_dA3Cal = 0.0, m_dB2Cal = 0.0, m_dC1Cal = 1.0, m_dD0Cal = 0.0;
     std::uint8_t m_bApplyCalibration = 0;
-    double m_dPageMin = 0.0, m_dPageMax = 0.0, m_dPageSize = 0.0;
-    double m_dPageTimeMin = 0.0, m_dPageTimeMax = 0.0, m_dPageTimeSize = 0.0;
-    FloatPoint m_ptOldCursorLoc, m_ptNewCursorLoc;
-    double m_dCursorDataValue = 0.0, m_dMarkerDataValue = 0.0, m_dCursorFileValue = 0.0,
-           m_dMarkerFileValue = 0.0;
-    double m_dCursorTime = 0.0, m_dMarkerTime = 0.0;
-    double m_dDurationStartTime = 0.0, m_dDurationStopTime = 0.0, m_dDurationStartFile = 0.0,
-           m_dDurationStopFile = 0.0, m_dDurationTime = 0.0, m_dDurationFile = 0.0;
-    double m_dMinUnZoom = 0.0, m_dMaxUnZoom = 0.0;
     std::int32_t m_nLabelCount = 0;
     std::vector<std::unique_ptr<Labels>> m_pArrayLabels;
-
-    // --- derived signals: carried with their settings, never computed ---
+    // Derived signals: carried with their settings, never computed.
     std::unique_ptr<MemoryBlock> m_hdIntensity, m_hdPitch, m_hdVelocity, m_hdAcceleration;
-    double m_dIntensityWindowLengthMS = 30.0;
-    double m_dIntensityStepSizeMS = 10.0;
-    std::uint8_t m_bDrawIntensity = 1;
-    double m_dSmoothNumOfPoints = 5.0;
-    std::int32_t m_nVelocityColorRed = 0, m_nVelocityColorGreen = 0, m_nVelocityColorBlue = 65535;
-    double m_dVelocitySmoothingWindow = 0.5;
-    std::int32_t m_nAccelerationColorRed = 0, m_nAccelerationColorGreen = 65535, m_nAccelerationColorBlue = 0;
-    double m_dAccelerationSmoothingWindow = 0.5;
-    double m_dPositionEstimationWindow = 20.0, m_dVelocityEstimationWindow = 20.0,
-           m_dAccelerationEstimationWindow = 20.0;
-    double m_dDCShiftWindowMS = 8.0;
-    double m_dThresholdLevelDetectPerCent = 10.0;
 
     // --- parameter definitions and grid settings ---
     std::array<ParameterDefinition, kParameterRecords> m_Parameters{};

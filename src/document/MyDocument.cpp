@@ -73,6 +73,16 @@ MyDocument::MyDocument()
 
 MyDocument::~MyDocument() = default;
 
+PitchSettings PitchSettings::fromDocument(const MyDocument& document)
+{
+    return document;
+}
+
+SpectrogramSettings SpectrogramSettings::fromDocument(const MyDocument& document)
+{
+    return document;
+}
+
 void MyDocument::setAnalysisDefaults(double sampleRate)
 {
     const int rate = static_cast<int>(sampleRate);
@@ -82,12 +92,17 @@ void MyDocument::setAnalysisDefaults(double sampleRate)
     int specOrder = static_cast<int>(2.0 * sampleRate / 2000.0) + 4;
     specOrder -= specOrder % 2;
 
-    m_nFFTWindowLengthSelector = 3;
-    m_nFFTWindowLength = 256;
+    // What the analyses compute with: the factory values, then those that depend on the rate.
+    pitchSettings() = PitchSettings{};
+    spectrogramSettings() = SpectrogramSettings{};
+    fftlpcSettings() = FFTLPCSettings{};
     m_nFFTAppliedWindowLength = static_cast<int>(256000.0 / sampleRate);
     m_nFFTfrequencyRange = frequencyRange;
-    m_nFFTAverageStepSize = 10;
     m_nLPCNumberofCoefficients = fftOrder > 400 ? 400 : fftOrder;
+    m_nSpecfrequencyRange = frequencyRange;
+    m_nSpecLPCNumberofCoefficients = specOrder;
+
+    m_nFFTWindowLengthSelector = 3;
     m_bFFTDrawLPC = 1;
     m_bFFTAbsolute = 1;
     m_nFFTAbsoluteRange = 80;
@@ -101,12 +116,6 @@ void MyDocument::setAnalysisDefaults(double sampleRate)
     m_nFFTDBGrid = 20;
 
     m_nSpecWindowLengthSelector = 2;
-    m_nSpecWindowLength = 128;
-    m_nSpecDynamicRange = 50;
-    m_nSpecfrequencyRange = frequencyRange;
-    m_dPreEmphasis = 0.98;
-    m_bSpecDrawFormantTracking = 1;
-    m_nSpecLPCNumberofCoefficients = specOrder;
     m_bSpecDrawFrequencyGrid = 1;
     m_nSpecFrequencyGrid = 1000;
     m_bSpecDrawTimeGrid = 1;
@@ -115,12 +124,6 @@ void MyDocument::setAnalysisDefaults(double sampleRate)
     m_dSpecWidth = 6.0;
     m_dSpecHeight = 4.0;
 
-    m_dPitchWindowLength = 35.0;
-    m_dPitchStepSize = 10.0;
-    m_dFreqDeviation = 100.0;
-    m_dPitchTrackingThreshHold = 1.0;
-    m_dCalculationLow = 50.0;
-    m_dCalculationHigh = 500.0;
     m_nPitchDisplayLow = 50;
     m_nPitchDisplayHigh = 500;
     m_bPitchDrawFreqGrid = 1;

@@ -9,6 +9,7 @@
 // parameter documents in StkFile.cpp, WAVE files in WaveFile.cpp, undo/redo/revert in
 // UndoRedo.cpp (all src/document/). Synthesize runs the synthesizer installed through
 // SynthesisHook.h (src/synthesis/Synthesize.cpp in every program that links the synthesis).
+#include "document/AnalysisSettings.h"
 #include "document/AtomicFile.h"
 #include "document/Channels.h"
 #include "document/Color.h"
@@ -23,7 +24,9 @@
 #include <string_view>
 #include <vector>
 
-class MyDocument
+// The analysis settings are the document's own fields, inherited from the structs the analyses
+// take (AnalysisSettings.h): a copy of them is one assignment.
+class MyDocument : public PitchSettings, public SpectrogramSettings, public FFTLPCSettings
 {
 public:
     enum ChangeKind { ChangeDone = 0, ChangeUndone = 1, ChangeCleared = 2 };
@@ -208,13 +211,9 @@ public:
     std::int32_t _nindexModifyColumn = 2;
     std::int32_t _nDurationModifyColumn = 100;
 
-    // Analysis settings: FFT/LPC slice.
+    // How the analyses are shown and printed (what they compute with is in the base structs).
+    // FFT/LPC slice.
     std::int32_t m_nFFTWindowLengthSelector = 3;
-    std::int32_t m_nFFTWindowLength = 256;
-    std::int32_t m_nFFTAppliedWindowLength = 23;
-    std::int32_t m_nFFTfrequencyRange = 5000;
-    std::int32_t m_nFFTAverageStepSize = 10;
-    std::int32_t m_nLPCNumberofCoefficients = 14;
     std::uint8_t m_bFFTDrawLPC = 1;
     std::uint8_t m_bFFTAbsolute = 1;
     std::int32_t m_nFFTAbsoluteRange = 80;
@@ -227,12 +226,6 @@ public:
     std::int32_t m_nFFTDBGrid = 20;
     // Spectrogram.
     std::int32_t m_nSpecWindowLengthSelector = 2;
-    std::int32_t m_nSpecWindowLength = 128;
-    std::int32_t m_nSpecDynamicRange = 50;
-    std::int32_t m_nSpecfrequencyRange = 5000;
-    double m_dPreEmphasis = 0.98;
-    std::uint8_t m_bSpecDrawFormantTracking = 1;
-    std::int32_t m_nSpecLPCNumberofCoefficients = 14;
     std::uint8_t m_bSpecDrawFrequencyGrid = 1;
     std::int32_t m_nSpecFrequencyGrid = 1000;
     std::uint8_t m_bSpecDrawTimeGrid = 1;
@@ -240,12 +233,6 @@ public:
     std::int32_t m_bSpecInches = 1;
     double m_dSpecWidth = 6.0, m_dSpecHeight = 4.0;
     // Pitch.
-    double m_dPitchWindowLength = 35.0;
-    double m_dPitchStepSize = 10.0;
-    double m_dFreqDeviation = 100.0;
-    double m_dPitchTrackingThreshHold = 1.0;
-    double m_dCalculationLow = 50.0;
-    double m_dCalculationHigh = 500.0;
     std::int32_t m_nPitchDisplayLow = 50;
     std::int32_t m_nPitchDisplayHigh = 500;
     std::uint8_t m_bPitchDrawFreqGrid = 1;
@@ -256,6 +243,10 @@ public:
     // Sets the analysis settings to the values the option panels' Default buttons give for
     // a sample rate (frequency ranges and LPC orders depend on it).
     void setAnalysisDefaults(double sampleRate);
+    // The settings each analysis computes with, as the document holds them.
+    PitchSettings& pitchSettings() { return *this; }
+    SpectrogramSettings& spectrogramSettings() { return *this; }
+    FFTLPCSettings& fftlpcSettings() { return *this; }
 
 private:
     // Builds the table data from the frames given (an image of the grid, or none: every frame

@@ -4,7 +4,8 @@
 // document in the controls, save() writes the controls back, both in the order the rows were
 // made (a later row that saves into the same setting wins). Whole numbers are shown truncated
 // and saved as typed; on/off settings read any non-zero value as on and save 1 or 0; a choice's
-// first button (tag 1) stands for on. The controls are those of AnalysisPanelControls.
+// first button (tag 1) stands for on. The controls are those of AnalysisPanelControls. A setting
+// is a field of MyDocument, its own or one of the analysis settings it derives from.
 // Main thread only.
 #include "document/MyDocument.h"
 #include "options/AnalysisPanelControls.h"
@@ -30,14 +31,15 @@ public:
     void save(MyDocument& doc) const;
 
     // A whole-number field shown from `from` and saved into `into` (usually the same setting).
-    template <class From, class Into> QLineEdit* integerField(From MyDocument::*from, Into MyDocument::*into)
+    template <class From, class FromOwner, class Into, class IntoOwner>
+    QLineEdit* integerField(From FromOwner::*from, Into IntoOwner::*into)
     {
         QLineEdit* field = AnalysisPanelControls::integerField();
         bind([=](const MyDocument& d) { AnalysisPanelControls::setInteger(field, d.*from); },
              [=](MyDocument& d) { d.*into = AnalysisPanelControls::integerOf(field); });
         return field;
     }
-    template <class T> QLineEdit* integer(const QString& label, T MyDocument::*setting)
+    template <class T, class Owner> QLineEdit* integer(const QString& label, T Owner::*setting)
     {
         QLineEdit* field = integerField(setting, setting);
         m_layout->addRow(label, field);
@@ -46,7 +48,7 @@ public:
     // A decimal field, shown as QString::number gives it or in a printf `format`.
     QLineEdit* decimal(const QString& label, double MyDocument::*setting, const char* format = nullptr);
     // A check box in a row of its own (no label).
-    template <class T> QCheckBox* check(const QString& text, T MyDocument::*setting)
+    template <class T, class Owner> QCheckBox* check(const QString& text, T Owner::*setting)
     {
         QCheckBox* box = checkBox(text, setting);
         m_layout->addRow(QString(), box);
@@ -80,7 +82,7 @@ public:
                           std::int32_t MyDocument::*points);
 
 private:
-    template <class T> QCheckBox* checkBox(const QString& text, T MyDocument::*setting)
+    template <class T, class Owner> QCheckBox* checkBox(const QString& text, T Owner::*setting)
     {
         auto* box = new QCheckBox(text);
         bind([=](const MyDocument& d) { box->setChecked(d.*setting != 0); },
