@@ -77,11 +77,6 @@ struct SpectrogramOptions {
     std::string output;
     int columns = 500;
     int rows = 256;
-    int window = 0;
-    int range = 0;
-    int order = 0;
-    double preemphasis = 0.0;
-    int dynamicRange = 0;
     bool formants = false;
     AnalysisOverrides overrides; // the spectrogram panel's settings
     LabelOptions labels;         // a TextGrid's segments under the picture
@@ -136,20 +131,18 @@ void addSpectrogramOptions(CLI::App* command, SpectrogramOptions& o)
     addRangedOption(command, "--columns", o.columns, "Display width: analysis frames", 1, 5000);
     addRangedOption(command, "--rows", o.rows, "Display height: levels per frame", 1, 2000);
     AnalysisOverrides& a = o.overrides;
-    a.add(command, "--window", o.window, "FFT frame in samples (default 128)",
-          &MyDocument::m_nSpecWindowLength)
+    a.add(command, "--window", "FFT frame in samples (default 128)", &MyDocument::m_nSpecWindowLength)
         ->check(CLI::Range(2, 8192));
-    a.add(command, "--range", o.range, "Frequency at the top row in Hz (default: by sample rate)",
+    a.add(command, "--range", "Frequency at the top row in Hz (default: by sample rate)",
           &MyDocument::m_nSpecfrequencyRange)
         ->check(CLI::Range(1, 1000000));
-    a.add(command, "--order", o.order, "LPC order (default: by sample rate)",
+    a.add(command, "--order", "LPC order (default: by sample rate)",
           &MyDocument::m_nSpecLPCNumberofCoefficients)
         ->check(CLI::Range(2, 400));
-    a.add(command, "--preemphasis", o.preemphasis, "Pre-emphasis coefficient, 0 = off (default 0.98)",
+    a.add(command, "--preemphasis", "Pre-emphasis coefficient, 0 = off (default 0.98)",
           &MyDocument::m_dPreEmphasis)
         ->check(CLI::Range(0.0, 1.0));
-    a.add(command, "--dynamic-range", o.dynamicRange, "Levels shown, in dB (default 50)",
-          &MyDocument::m_nSpecDynamicRange)
+    a.add(command, "--dynamic-range", "Levels shown, in dB (default 50)", &MyDocument::m_nSpecDynamicRange)
         ->check(CLI::Range(1, 200));
 }
 

@@ -8,6 +8,7 @@
 #include <CLI/CLI.hpp>
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -18,23 +19,26 @@ public:
     // What an option given does to the document (the recording's rate at hand).
     using Apply = std::function<void(MyDocument&, double sampleRate)>;
 
-    // An option whose value `value` goes into the document's `field` (its own or one of the
-    // analysis settings it derives from).
-    template <typename T, typename Field, typename Owner>
-    CLI::Option* add(CLI::App* command, const std::string& name, T& value, const std::string& help,
-                     Field Owner::*field)
+    // An option whose value goes into the document's `field` (its own or one of the analysis
+    // settings it derives from).
+    template <typename Field, typename Owner>
+    CLI::Option* add(CLI::App* command, const std::string& name, const std::string& help, Field Owner::*field)
     {
-        return add(command, name, value, help,
-                   [&value, field](MyDocument& d, double) { d.*field = static_cast<Field>(value); });
+        return add<Field>(command, name, help,
+                          [field](MyDocument& d, double, Field value) { d.*field = value; });
     }
 
-    // An option with its own way of applying it.
+    // An option with its own way of applying the value given. The value lives as long as this
+    // object: CLI11 writes it while parsing, applyTo reads it.
     template <typename T>
-    CLI::Option* add(CLI::App* command, const std::string& name, T& value, const std::string& help,
-                     Apply apply)
+    CLI::Option* add(CLI::App* command, const std::string& name, const std::string& help,
+                     std::function<void(MyDocument&, double sampleRate, T value)> apply)
     {
-        CLI::Option* option = command->add_option(name, value, help);
-        m_options.emplace_back(option, std::move(apply));
+        auto value = std::make_shared<T>();
+        CLI::Option* option = command->add_option(name, *value, help);
+        m_options.emplace_back(option, [value, apply = std::move(apply)](MyDocument& d, double sampleRate) {
+            apply(d, sampleRate, *value);
+        });
         return option;
     }
 

@@ -33,10 +33,6 @@ struct SliceOptions {
     std::string input;
     std::string output;
     double atMS = 0.0;
-    int window = 0;
-    int applied = 0;
-    int order = 0;
-    int range = 0;
     bool lpc = false;
     AnalysisOverrides overrides; // the FFT/LPC panel's settings
     LabelOptions labels;         // the segment the slice falls in names it
@@ -144,22 +140,20 @@ void addSliceCommand(CLI::App& app)
     slice->add_option("input", o->input, "WAVE file (or parameter document with a model)")->required();
     slice->add_option("--at", o->atMS, "Start of the frame in ms")->required()->check(CLI::Range(0.0, 1.0e9));
     AnalysisOverrides& a = o->overrides;
-    const int& window = o->window;
-    a.add(slice, "--window", o->window, "Transform length in points (default 256)",
-          [&window](MyDocument& d, double sampleRate) {
-              // As the panel does on choosing a length: the whole transform is windowed.
-              d.m_nFFTWindowLength = window;
-              d.m_nFFTAppliedWindowLength = static_cast<int>(window * 1000.0 / sampleRate);
-          })
+    a.add<int>(slice, "--window", "Transform length in points (default 256)",
+               [](MyDocument& d, double sampleRate, int window) {
+                   // As the panel does on choosing a length: the whole transform is windowed.
+                   d.m_nFFTWindowLength = window;
+                   d.m_nFFTAppliedWindowLength = static_cast<int>(window * 1000.0 / sampleRate);
+               })
         ->check(CLI::IsMember({32, 64, 128, 256, 512, 1024, 2048, 4096, 8192}));
-    a.add(slice, "--applied", o->applied, "Samples windowed, in ms (default: the transform's length)",
+    a.add(slice, "--applied", "Samples windowed, in ms (default: the transform's length)",
           &MyDocument::m_nFFTAppliedWindowLength)
         ->check(CLI::Range(1, 10000));
-    a.add(slice, "--order", o->order, "LPC order (default: by sample rate)",
-          &MyDocument::m_nLPCNumberofCoefficients)
+    a.add(slice, "--order", "LPC order (default: by sample rate)", &MyDocument::m_nLPCNumberofCoefficients)
         ->check(CLI::Range(1, 400));
     slice->add_flag("--lpc", o->lpc, "Add the LPC envelope (a third column, or a curve in the picture)");
-    a.add(slice, "--range", o->range, "Highest frequency in Hz (default: by sample rate)",
+    a.add(slice, "--range", "Highest frequency in Hz (default: by sample rate)",
           &MyDocument::m_nFFTfrequencyRange)
         ->check(CLI::Range(1, 1000000));
     slice->add_option("-o,--output", o->output,
