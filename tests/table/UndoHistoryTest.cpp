@@ -166,7 +166,7 @@ struct Twins {
     {
         const int kind = pick(0, 2), row = pick(0, kParameterCount - 1),
                   column = pick(1, std::max(frames(), 1));
-        const int value = pick(0, 40000); // beyond 16 bits now and then
+        const int value = pick(-40000, 40000); // beyond 16 bits now and then
         both([&](MyDocument& d) {
             if (kind == 0)
                 removeAnchors(d, row, row + 3);
