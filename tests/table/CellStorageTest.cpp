@@ -63,7 +63,8 @@ TEST(CellStorage, DisplayedTextIsKeptAsWrittenAndReadAsTheTableReadsIt)
     const struct {
         const char* text;
         int value;
-    } typed[] = {{" 12abc", 12}, {"  -15xyz", -15}, {"007", 7}, {"+5", 5}, {"x", 0}, {"99999999999", 2147483647}};
+    } typed[] = {{" 12abc", 12}, {"  -15xyz", -15}, {"007", 7},
+                 {"+5", 5},      {"x", 0},          {"99999999999", 2147483647}};
     for (const auto& t : typed) {
         cell.setStringValue(t.text);
         EXPECT_EQ(cell.stringValue(), t.text);
