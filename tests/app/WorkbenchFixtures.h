@@ -105,6 +105,16 @@ template <typename T> void whenModal(std::function<void(T*)> answer)
     poll->start(20);
 }
 
+// Answers the next question about unsaved changes with Don't Save.
+inline void dontSaveWhenAsked()
+{
+    whenModal<QMessageBox>([](QMessageBox* box) {
+        for (QAbstractButton* b : box->buttons())
+            if (box->buttonRole(b) == QMessageBox::DestructiveRole)
+                b->click();
+    });
+}
+
 inline std::string fileText(const QString& path)
 {
     return slurp(path.toStdString());
