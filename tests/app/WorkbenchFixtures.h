@@ -32,7 +32,6 @@
 
 #include <fstream>
 #include <functional>
-#include <sstream>
 
 inline QAction* action(QWidget* window, const QString& text)
 {

@@ -25,11 +25,8 @@ namespace testsignals = signals; // before Qt's `signals` keyword
 #include <QTest>
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cmath>
-#include <fstream>
 #include <map>
-#include <sstream>
 
 namespace
 {
