@@ -166,7 +166,7 @@ struct Twins {
     {
         const int kind = pick(0, 2), row = pick(0, kParameterCount - 1),
                   column = pick(1, std::max(frames(), 1));
-        const int value = pick(0, 40000); // beyond 16 bits now and then
+        const int value = pick(-40000, 40000); // beyond 16 bits now and then
         both([&](MyDocument& d) {
             if (kind == 0)
                 removeAnchors(d, row, row + 3);
@@ -189,10 +189,12 @@ struct Twins {
             return true;
         });
     }
+    // Now and then with no frame selected: a step that changes nothing.
     void removeFrames()
     {
-        const int first = pick(1, std::max(frames(), 1));
-        const int last = std::min(first + pick(0, 400), frames());
+        const bool none = pick(0, 5) == 0;
+        const int first = none ? -1 : pick(1, std::max(frames(), 1));
+        const int last = none ? -1 : std::min(first + pick(0, 400), frames());
         both([&](MyDocument& d) {
             removeColumns(d, first, last);
             return true;

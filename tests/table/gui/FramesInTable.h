@@ -1,7 +1,8 @@
 #pragma once
 // A shown parameter table over a document of 10 ms frames whose frame k (1-based) has f0
-// 1000 + k, so that every frame can be recognised wherever it ends up; alerts are recorded
-// instead of shown. For the tests of the table's frame, row and selection commands.
+// 1000 + k (unless the frames are left at the factory values), so that every frame can be
+// recognised wherever it ends up; alerts are recorded instead of shown. For the tests of the
+// table's commands, selections and views.
 #include "TableClicks.h"
 #include "document/MyDocument.h"
 #include "support/TestDocuments.h"
@@ -23,11 +24,15 @@ struct FramesInTable : ::testing::Test {
     std::unique_ptr<mainTable> table;
     std::vector<RecordedAlert> alerts;
 
-    void open(int frames, int width, int height)
+    void open(int frames, int width, int height, bool markFrames = true)
     {
-        setTestFrames(doc, frames, 10, 1, false);
-        for (int k = 1; k <= frames; ++k)
+        setTestFrames(doc, frames, 10, 1);
+        for (int k = 1; markFrames && k <= frames; ++k)
             setValue(k, Row::f0, 1000 + k);
+        show(width, height);
+    }
+    void show(int width, int height)
+    {
         table = std::make_unique<mainTable>(&doc);
         table->resize(width, height);
         table->show();
@@ -58,5 +63,16 @@ struct FramesInTable : ::testing::Test {
         for (int k = 1; k <= doc.getChannel(0)->m_nColumnNum; ++k)
             values.push_back(value(k, Row::f0));
         return values;
+    }
+    QString shown(int frame, int row) const { return table->model()->index(row, frame).data().toString(); }
+    // Types text into a cell through the keyboard, as a user does.
+    void type(int frame, int row, const QString& text)
+    {
+        const QModelIndex index = table->model()->index(row, frame);
+        table->setCurrentIndex(index);
+        table->scrollTo(index);
+        table->activateWindow();
+        table->setFocus();
+        typeIntoCurrentCell(*table, text);
     }
 };
