@@ -23,12 +23,6 @@
 namespace
 {
 
-// Press, move and release at one point.
-void click(QWidget& view, QPointF at)
-{
-    dragThrough(view, {at, at});
-}
-
 // A 6000-frame (60 s) document in the graphical window, plots 400 x 100 (F0) wide.
 struct GraphicalZoom : ::testing::Test {
     MyDocument doc;
@@ -60,7 +54,7 @@ TEST_F(GraphicalZoom, ZoomedDragWritesTheFrameUnderThePointerAndFitAllRestoresTh
     ASSERT_EQ(axis().offset(), 1000);
 
     // x = 100 shows content pixel 1100 of 3200: frame 1100 x 6000 / 3200 = 2062.
-    click(view, {100.0, 50.0});
+    dragThrough(view, {{100.0, 50.0}, {100.0, 50.0}});
     EXPECT_EQ(f0(2062), 1500);
     EXPECT_EQ(f0(1500), factory); // the frame x = 100 shows when all fits is untouched
     EXPECT_EQ(f0(2061), factory);
@@ -74,7 +68,7 @@ TEST_F(GraphicalZoom, ZoomedDragWritesTheFrameUnderThePointerAndFitAllRestoresTh
     EXPECT_EQ(axis().offset(), 0);
     for (int x = 0; x <= 400; ++x)
         ASSERT_EQ(view.frameAt(x), x * 6000 / 400) << x;
-    click(view, {100.0, 75.0});
+    dragThrough(view, {{100.0, 75.0}, {100.0, 75.0}});
     EXPECT_EQ(f0(1500), 750);
 }
 

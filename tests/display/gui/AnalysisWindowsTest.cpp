@@ -80,8 +80,6 @@ TEST_F(AnalysisWindows, FFTLPCCommandStartsAtTheSelectedFrameAndStepsByFrames)
     EXPECT_TRUE(window->windowTitle().startsWith(QStringLiteral("FFT/LPC:: ")));
     EXPECT_EQ(window->startSample(), std::trunc(4 * c.m_dwFileLength / c.m_nColumnNum));
     EXPECT_EQ(window->frameOf(window->startSample()), 5);
-    // The column titled 50 is frame 5, and the picture says which stretch of the table that is.
-    EXPECT_EQ(window->view()->title(), QStringLiteral("frame 5, 40-50 ms"));
 
     // Right and Left step one frame; the ends hold.
     QTest::keyClick(window, Qt::Key_Right);

@@ -160,7 +160,6 @@ TEST(LabelWindows, ExportWritesWhatImportReadsBack)
     ASSERT_TRUE(w->exportTo(wb.path("out.tsv")));
     ASSERT_TRUE(w->exportTo(wb.path("out.klp")));
     const std::string tsv = slurp(wb.path("out.tsv").toStdString());
-    EXPECT_EQ(tsv.substr(0, 8), "time_ms\t");
     for (const char* name : {"out.tsv", "out.klp"}) {
         const std::string text = slurp(wb.path(name).toStdString());
         ImportedDocument back = importDocument(text, name);
