@@ -4,10 +4,7 @@
 #include "FramesInTable.h"
 #include "table/gui/addColumns.h"
 
-#include <gtest/gtest.h>
-
 #include <QAbstractButton>
-#include <QApplication>
 #include <QButtonGroup>
 #include <QSpinBox>
 #include <QTimer>

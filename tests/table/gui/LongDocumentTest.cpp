@@ -2,7 +2,6 @@
 // the last frame, and typing, undo and redo touch what they change and the columns on screen.
 // (Saving an hour without making its columns: UndoHistoryTest.cpp.)
 #include "FramesInTable.h"
-#include "table/gui/FrozenColumnView.h"
 
 namespace
 {

@@ -1,17 +1,12 @@
 // The table view's frozen name column and its play cursor, on real widgets under the
 // offscreen platform; the checks are on the views' state, not on pixels.
+#include "FramesInTable.h"
 #include "audio/AudioPlayer.h"
 #include "support/WidgetEvents.h"
-#include "table/gui/FramesInTable.h"
-#include "table/gui/FrozenColumnView.h"
 #include "table/gui/PlayCursor.h"
 
-#include <QHeaderView>
-#include <QLineEdit>
 #include <QScrollBar>
 #include <QSignalSpy>
-#include <QTest>
-#include <gtest/gtest.h>
 
 #include <cmath>
 #include <limits>

@@ -1,21 +1,18 @@
 #include "table/gui/mainTable.h"
 
+#include "FramesInTable.h"
 #include "audio/AudioPlayer.h"
 #include "document/Log.h"
 #include "options/optionFile.h"
 #include "support/TestFiles.h"
-#include "table/gui/FramesInTable.h"
 
 #include <QAbstractButton>
-#include <QApplication>
 #include <QClipboard>
 #include <QItemSelectionModel>
 #include <QMessageBox>
 #include <QPointer>
 #include <QSignalSpy>
-#include <QTest>
 #include <QTimer>
-#include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <fstream>
