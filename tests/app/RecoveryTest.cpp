@@ -23,11 +23,7 @@ TEST(Recovery, AnEditIsCopiedAWhileAfterAndTheCopyGoesWithSaveOrClose)
     typeInto(w, Row::f1, 4, 800);
     ASSERT_TRUE(w->autosaveNow());
     EXPECT_EQ(state.copies().size(), 1);
-    whenModal<QMessageBox>([](QMessageBox* box) {
-        for (QAbstractButton* b : box->buttons())
-            if (box->buttonRole(b) == QMessageBox::DestructiveRole)
-                b->click();
-    });
+    dontSaveWhenAsked();
     EXPECT_TRUE(w->close());
     EXPECT_TRUE(state.copies().isEmpty()) << "closed without saving on purpose";
 }
@@ -112,11 +108,7 @@ TEST(Recovery, QuitWithDontSaveLeavesNoCopyAndNoLock)
             << "this workbench's own";
 
         // File > Quit, then Don't Save in the question about the changes.
-        whenModal<QMessageBox>([](QMessageBox* box) {
-            for (QAbstractButton* b : box->buttons())
-                if (box->buttonRole(b) == QMessageBox::DestructiveRole)
-                    b->click();
-        });
+        dontSaveWhenAsked();
         QAction* quit = action(w, "&Quit");
         ASSERT_NE(quit, nullptr);
         quit->trigger();

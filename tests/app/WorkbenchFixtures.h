@@ -32,7 +32,6 @@
 
 #include <fstream>
 #include <functional>
-#include <sstream>
 
 inline QAction* action(QWidget* window, const QString& text)
 {
@@ -103,6 +102,16 @@ template <typename T> void whenModal(std::function<void(T*)> answer)
             ADD_FAILURE() << "no dialog came up";
     });
     poll->start(20);
+}
+
+// Answers the next question about unsaved changes with Don't Save.
+inline void dontSaveWhenAsked()
+{
+    whenModal<QMessageBox>([](QMessageBox* box) {
+        for (QAbstractButton* b : box->buttons())
+            if (box->buttonRole(b) == QMessageBox::DestructiveRole)
+                b->click();
+    });
 }
 
 inline std::string fileText(const QString& path)

@@ -72,12 +72,8 @@ TEST(Workbench, WaveFilesOpenAsNewDocumentsWithAModel)
     fresh->updateActions();
     EXPECT_FALSE(action(fresh, "Play &Model")->isEnabled());
 
-    // Damaged or missing files are refused with the reason, and open nothing.
-    const QString junk = wb.path("junk.stk");
-    std::ofstream(junk.toStdString()) << "RIFF junk";
+    // A missing file opens nothing (damaged ones: below).
     const std::size_t open = wb.app.windows().size();
-    EXPECT_EQ(wb.app.openFile(junk), nullptr);
-    EXPECT_TRUE(wb.app.lastAlert().contains("could not be opened"));
     EXPECT_EQ(wb.app.openFile(wb.path("missing.stk")), nullptr);
     EXPECT_EQ(wb.app.windows().size(), open);
 }
@@ -152,10 +148,8 @@ TEST(Workbench, OpeningReportsValuesThatDidNotFitAndStartsInTheDocumentsFolder)
            "f0\tf1\t\r\n99999\t600\t\r\n1200\t600\t\r\n99999\t600\t\r\n";
     DocumentWindow* w = wb.app.openFile(file);
     ASSERT_NE(w, nullptr);
-    EXPECT_TRUE(wb.app.lastAlert().contains("wide.stk")) << wb.app.lastAlert().toStdString();
-    EXPECT_TRUE(wb.app.lastAlert().contains("2 values did not fit")) << wb.app.lastAlert().toStdString();
-    EXPECT_TRUE(wb.app.lastAlert().contains("declares 5 frames but holds values for 3"))
-        << wb.app.lastAlert().toStdString();
+    for (const char* part : {"wide.stk", "2 values did not fit", "declares 5 frames but holds values for 3"})
+        EXPECT_TRUE(wb.app.lastAlert().contains(part)) << wb.app.lastAlert().toStdString();
     EXPECT_EQ(value(w, Row::f0, 1), 5000) << "the row's maximum, not a wrapped number";
     EXPECT_EQ(value(w, Row::f0, 2), 1200);
     EXPECT_EQ(w->table()->model()->data(w->table()->model()->index(Row::f0, 3)).toString(), "5000");
@@ -269,20 +263,6 @@ TEST(Workbench, TheFirstSaveOfARecordingsDocumentNeverReplacesAFileUnasked)
     EXPECT_EQ(fileText(wb.path("y.stk")).substr(0, 4), "400\t");
 }
 
-TEST(Workbench, ATruncatedDocumentOpensWithAnAlertNamingWhatIsMissing)
-{
-    Workbench wb;
-    const QString path = wb.path("cut.stk");
-    std::ofstream(path.toStdString(), std::ios::binary)
-        << "50\t11025\t10\t\r\n1\t0\t0\t0\t0\t0\t0\t0\t0\t50\t\r\n255\t\r\nf0\t\r\n1100\t\r\n1200\t\r\n";
-    DocumentWindow* w = wb.app.openFile(path);
-    ASSERT_NE(w, nullptr) << "read as far as it goes";
-    EXPECT_EQ(value(w, Row::f0, 2), 1200);
-    EXPECT_TRUE(wb.app.lastAlert().contains("cut.stk")) << wb.app.lastAlert().toStdString();
-    EXPECT_TRUE(wb.app.lastAlert().contains("declares 5 frames but holds values for 2"))
-        << wb.app.lastAlert().toStdString();
-}
-
 TEST(Workbench, DamagedWaveFilesAreNamedAndAShortOneOpensWithAnAlert)
 {
     Workbench wb;
@@ -292,21 +272,18 @@ TEST(Workbench, DamagedWaveFilesAreNamedAndAShortOneOpensWithAnAlert)
         noise += static_cast<char>((i * 7919 + 13) % 256);
     std::ofstream(wb.path("x.wav").toStdString(), std::ios::binary) << noise;
     EXPECT_EQ(wb.app.openFile(wb.path("x.wav")), nullptr);
-    EXPECT_TRUE(wb.app.lastAlert().contains("x.wav is not a WAVE file")) << wb.app.lastAlert().toStdString();
+    for (const char* part : {"could not be opened", "x.wav is not a WAVE file"})
+        EXPECT_TRUE(wb.app.lastAlert().contains(part)) << wb.app.lastAlert().toStdString();
+    EXPECT_TRUE(wb.app.windows().empty());
 
-    // A recording cut inside its header, and one cut inside its samples.
+    // A recording cut inside its samples.
     writeRecording(wb.path("whole.wav"));
     const std::string whole = fileText(wb.path("whole.wav"));
-    std::ofstream(wb.path("cut.wav").toStdString(), std::ios::binary) << whole.substr(0, 30);
-    EXPECT_EQ(wb.app.openFile(wb.path("cut.wav")), nullptr);
-    EXPECT_TRUE(wb.app.lastAlert().contains("its header ends after 30 bytes"))
-        << wb.app.lastAlert().toStdString();
     std::ofstream(wb.path("short.wav").toStdString(), std::ios::binary)
         << whole.substr(0, whole.size() - 2000);
     DocumentWindow* w = wb.app.openFile(wb.path("short.wav"));
     ASSERT_NE(w, nullptr) << "read as far as it goes";
-    EXPECT_TRUE(wb.app.lastAlert().contains("short.wav")) << wb.app.lastAlert().toStdString();
-    EXPECT_TRUE(wb.app.lastAlert().contains("holds 3410 samples of the 4410 it declares"))
-        << wb.app.lastAlert().toStdString();
+    for (const char* part : {"short.wav", "holds 3410 samples of the 4410 it declares"})
+        EXPECT_TRUE(wb.app.lastAlert().contains(part)) << wb.app.lastAlert().toStdString();
     EXPECT_EQ(w->document()->getChannel(2)->sampleCount(), 3410u);
 }

@@ -16,16 +16,6 @@
 namespace
 {
 
-constexpr double kRate = 11025.0;
-
-// Two seconds of a 120 Hz vowel as a 16-bit WAVE file, written by the document's own writer.
-std::string vowelWave(const TempDir& dir)
-{
-    const std::vector<float> samples = signals::toFloat(
-        signals::vowel(22050, 120.0, kRate, {{700.0, 130.0}, {1220.0, 70.0}, {2600.0, 160.0}}), 0.05);
-    return writeWave(dir / "vowel.wav", samples, kRate);
-}
-
 // The CSV's header line and the first field of every row.
 std::vector<double> firstColumn(const std::string& csv, std::string* header)
 {
@@ -37,20 +27,12 @@ std::vector<double> firstColumn(const std::string& csv, std::string* header)
     return column;
 }
 
-std::uint32_t bigEndian32(const std::string& bytes, std::size_t at)
-{
-    std::uint32_t v = 0;
-    for (std::size_t i = at; i < at + 4; ++i)
-        v = v << 8 | std::uint8_t(bytes[i]);
-    return v;
-}
-
 } // namespace
 
 TEST(AnalysisCommands, TracksAndImageHaveTheShapeTheOptionsAskFor)
 {
     TempDir dir;
-    const std::string wav = vowelWave(dir);
+    const std::string wav = writeVowel(dir / "vowel.wav", 2.0);
     std::string header;
     CliResult r = runCli("pitch " + wav);
     ASSERT_EQ(r.exitCode, 0) << r.err;
@@ -64,12 +46,9 @@ TEST(AnalysisCommands, TracksAndImageHaveTheShapeTheOptionsAskFor)
 
     r = runCli("formants " + wav + " --columns 50 --rows 128");
     ASSERT_EQ(r.exitCode, 0) << r.err;
-    EXPECT_EQ(firstColumn(r.out, &header), [] {
-        std::vector<double> columns(50);
-        for (int c = 0; c < 50; ++c)
-            columns[c] = c;
-        return columns;
-    }());
+    const std::vector<double> columns = firstColumn(r.out, &header);
+    ASSERT_EQ(columns.size(), 50u);
+    EXPECT_EQ(columns.back(), 49.0);
     EXPECT_EQ(header, "column,time_ms,f1,f2,f3,f4,f5");
 
     // The PNG signature and IHDR size other programs read; formant marks change the pixels.
@@ -99,10 +78,14 @@ TEST(AnalysisCommands, DocumentWithoutRecordingAndBadOptionsAreRefused)
     EXPECT_EQ(r.exitCode, 2);
     EXPECT_NE(r.err.find("model utterance"), std::string::npos) << r.err;
 
-    const std::string wav = vowelWave(dir);
+    const std::string wav = writeVowel(dir / "vowel.wav", 2.0);
     EXPECT_EQ(runCli("spectrogram " + wav).exitCode, 1); // no output named
     EXPECT_EQ(runCli("formants " + wav + " --rows 0").exitCode, 1);
     EXPECT_EQ(runCli("pitch " + wav + " --step 0.01").exitCode, 1); // below one sample
+    r = runCli("pitch " + wav + " --low 500 --high 50");            // an upside-down range
+    EXPECT_EQ(r.exitCode, 1);
+    EXPECT_NE(r.err.find("--low"), std::string::npos) << r.err;
+    EXPECT_EQ(r.out, "");
 }
 
 namespace
@@ -125,7 +108,7 @@ double rowMedian(const MyDocument& document, int row, bool (*keep)(int))
 TEST(AnalysisCommands, TraceEntersTheVowelsPitchFormantsAndAmplitudes)
 {
     TempDir dir;
-    const std::string wav = vowelWave(dir);
+    const std::string wav = writeVowel(dir / "vowel.wav", 2.0);
     CliResult r = runCli("trace " + wav);
     ASSERT_EQ(r.exitCode, 0) << r.err;
     EXPECT_TRUE(r.out.empty());

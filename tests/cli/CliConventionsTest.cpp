@@ -1,5 +1,5 @@
-// The conventions every command shares: what may be written over, quiet success, usage errors
-// for contradictory options, failures under a memory limit, the progress bar on a terminal.
+// The conventions every command shares: what may be written over, failures under a memory
+// limit, the progress bar on a terminal (quiet success and --verbose: DocumentCommandsTest.cpp).
 #include "CliRunner.h"
 
 #include <gtest/gtest.h>
@@ -98,33 +98,6 @@ TEST(CliConventions, OutputsAreNeverWrittenOverBySurprise)
     EXPECT_EQ(unwritable.exitCode, 2);
     EXPECT_NE(unwritable.err.find("missing/a.wav"), std::string::npos) << unwritable.err;
     EXPECT_EQ(strayFiles(dir, {"a.stk", "a.wav", "sub"}), std::vector<std::string>{});
-}
-
-TEST(CliConventions, QuietOnSuccessDiagnosticsWithVerbose)
-{
-    TempDir dir;
-    ASSERT_EQ(runCli("new -o " + dir / "a.stk").exitCode, 0);
-    CliResult quiet = runCli("synth " + dir / "a.stk");
-    ASSERT_EQ(quiet.exitCode, 0);
-    EXPECT_EQ(quiet.err, "");
-    EXPECT_EQ(quiet.out, "");
-    // The flag may stand after the command's own arguments.
-    CliResult verbose = runCli("synth " + dir / "a.stk" + " --force --verbose");
-    ASSERT_EQ(verbose.exitCode, 0) << verbose.err;
-    EXPECT_NE(verbose.err.find("synthesize"), std::string::npos) << verbose.err;
-    EXPECT_EQ(verbose.out, "");
-}
-
-TEST(CliConventions, UpsideDownRangeIsAUsageError)
-{
-    TempDir dir;
-    ASSERT_EQ(runCli("new -o " + dir / "a.stk").exitCode, 0);
-    ASSERT_EQ(runCli("synth " + dir / "a.stk").exitCode, 0);
-    CliResult r = runCli("pitch " + dir / "a.wav" + " --low 500 --high 50");
-    EXPECT_EQ(r.exitCode, 1);
-    EXPECT_NE(r.err.find("--low"), std::string::npos) << r.err;
-    EXPECT_EQ(r.out, "");
-    EXPECT_EQ(runCli("pitch " + dir / "a.wav" + " --low 50 --high 500").exitCode, 0);
 }
 
 TEST(CliConventions, AllocationFailureIsOneLineNamingTheFile)

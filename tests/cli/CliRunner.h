@@ -5,6 +5,7 @@
 #include "support/TestChannels.h"
 #include "support/TestDocuments.h"
 #include "support/TestFiles.h"
+#include "support/TestSignals.h"
 
 #include <gtest/gtest.h>
 
@@ -76,4 +77,25 @@ inline std::string writeWave(const std::string& path, const std::vector<float>& 
 {
     std::ofstream(path, std::ios::binary) << waveFileBytes(samples, sampleRate);
     return path;
+}
+
+// Writes one steady vowel (120 Hz; formants at 700, 1220 and 2600 Hz) of `seconds` at 11025 Hz
+// as a WAVE file; the path.
+inline std::string writeVowel(const std::string& path, double seconds, double gain = 0.05)
+{
+    const int count = static_cast<int>(seconds * 11025);
+    return writeWave(
+        path,
+        signals::toFloat(
+            signals::vowel(count, 120.0, 11025.0, {{700.0, 130.0}, {1220.0, 70.0}, {2600.0, 160.0}}), gain),
+        11025.0);
+}
+
+// The big-endian 32-bit number at `at` (PNG header fields).
+inline std::uint32_t bigEndian32(const std::string& bytes, std::size_t at)
+{
+    std::uint32_t v = 0;
+    for (std::size_t i = at; i < at + 4; ++i)
+        v = v << 8 | std::uint8_t(bytes[i]);
+    return v;
 }

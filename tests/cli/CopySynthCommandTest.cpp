@@ -1,8 +1,6 @@
 // tessaphon-cli copysynth run as a user runs it: the document it writes, the files it refuses,
 // and what it says about a damaged, empty or silent recording.
 #include "cli/CliRunner.h"
-#include "support/TestChannels.h"
-#include "support/TestSignals.h"
 
 #include <gtest/gtest.h>
 
@@ -12,14 +10,6 @@
 
 namespace
 {
-
-constexpr double kRate = 11025.0;
-
-std::vector<float> vowel()
-{
-    return signals::toFloat(
-        signals::vowel(11025, 120.0, kRate, {{700.0, 130.0}, {1220.0, 70.0}, {2600.0, 160.0}}), 0.2);
-}
 
 std::unique_ptr<MyDocument> readDocument(const std::string& path)
 {
@@ -34,7 +24,8 @@ std::unique_ptr<MyDocument> readDocument(const std::string& path)
 TEST(CopySynthCommand, WritesADocumentOfTheRecordingsLength)
 {
     TempDir dir;
-    const std::string wav = writeWave(dir / "vowel.wav", vowel(), kRate);
+    const std::string wav = writeVowel(dir / "vowel.wav", 1.0, 0.2);
+    const std::string recording = slurp(wav);
     const CliResult r = runCli("copysynth " + wav);
     ASSERT_EQ(r.exitCode, 0) << r.err;
     EXPECT_EQ(r.out, "");
@@ -56,15 +47,15 @@ TEST(CopySynthCommand, WritesADocumentOfTheRecordingsLength)
     ASSERT_EQ(runCli("copysynth " + wav + " --rate 22050 -o " + (dir / "high.stk")).exitCode, 0);
     EXPECT_EQ(readDocument(dir / "high.stk")->synthesisSampleRate(), 22050);
     EXPECT_EQ(runCli("copysynth " + wav + " -o " + wav).exitCode, 2); // never over its input
-    EXPECT_EQ(slurp(wav), waveFileBytes(vowel(), kRate));
+    EXPECT_EQ(slurp(wav), recording);
 }
 
 TEST(CopySynthCommand, DamagedEmptyAndSilentRecordings)
 {
     TempDir dir;
     const std::string damaged = dir / "damaged.wav";
-    std::ofstream(damaged, std::ios::binary) << waveFileBytes(vowel(), kRate).substr(0, 30);
-    const std::string empty = writeWave(dir / "empty.wav", {}, kRate);
+    std::ofstream(damaged, std::ios::binary) << slurp(writeVowel(dir / "whole.wav", 1.0)).substr(0, 30);
+    const std::string empty = writeWave(dir / "empty.wav", {}, 11025.0);
     for (const std::string& path : {damaged, empty, dir / "missing.wav"}) {
         const CliResult r = runCli("copysynth " + path + " -o " + (dir / "out.stk"));
         EXPECT_EQ(r.exitCode, 2) << path;
@@ -72,7 +63,7 @@ TEST(CopySynthCommand, DamagedEmptyAndSilentRecordings)
         EXPECT_NE(r.err.find(path), std::string::npos) << r.err;
         EXPECT_FALSE(std::filesystem::exists(dir / "out.stk"));
     }
-    const std::string silent = writeWave(dir / "silent.wav", std::vector<float>(5000, 0.0f), kRate);
+    const std::string silent = writeWave(dir / "silent.wav", std::vector<float>(5000, 0.0f), 11025.0);
     const CliResult r = runCli("copysynth " + silent);
     EXPECT_EQ(r.exitCode, 0);
     EXPECT_NE(r.err.find("silent"), std::string::npos) << r.err;

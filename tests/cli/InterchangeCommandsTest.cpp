@@ -1,6 +1,4 @@
 #include "cli/CliRunner.h"
-#include "support/TestChannels.h"
-#include "support/TestSignals.h"
 
 #include <gtest/gtest.h>
 
@@ -19,14 +17,6 @@ std::string valueLines(const std::string& stk)
 {
     const std::size_t names = stk.find("f0\t");
     return names == std::string::npos ? std::string() : stk.substr(stk.find('\n', names) + 1);
-}
-
-std::uint32_t bigEndian32(const std::string& bytes, std::size_t at)
-{
-    std::uint32_t v = 0;
-    for (std::size_t i = at; i < at + 4; ++i)
-        v = v << 8 | std::uint8_t(bytes[i]);
-    return v;
 }
 
 const char* const kTextGrid = "File type = \"ooTextFile\"\nObject class = \"TextGrid\"\n\n0\n1\n<exists>\n1\n"
@@ -86,9 +76,7 @@ TEST(InterchangeCommands, RefusalsAreOneLineWithTheirExitCodes)
 TEST(InterchangeCommands, SpectrogramDrawsTheLabelStripAndSliceNamesItsSegment)
 {
     TempDir dir;
-    const std::vector<float> samples =
-        signals::toFloat(signals::vowel(11025, 120.0, 11025.0, {{700.0, 130.0}, {1220.0, 70.0}}), 0.05);
-    write(dir / "rec.wav", waveFileBytes(samples, 11025.0));
+    writeVowel(dir / "rec.wav", 1.0);
     write(dir / "rec.TextGrid", kTextGrid);
     ASSERT_EQ(runCli("spectrogram " + dir / "rec.wav" + " -o " + dir / "plain.png").exitCode, 0);
     CliResult r = runCli("spectrogram " + dir / "rec.wav" + " --labels " + dir / "rec.TextGrid" + " -o " +

@@ -3,6 +3,7 @@
 // synthesized by the synthesizer itself, so the estimate must give back their parameters.
 #include "copysynth/CopySynthesis.h"
 #include "copysynth/KlattRender.h"
+#include "support/SignalProbe.h"
 
 #include <algorithm>
 #include <cmath>
@@ -45,12 +46,8 @@ inline std::vector<double> levels(const std::vector<float>& x, double rate)
 {
     const std::size_t n = static_cast<std::size_t>(0.02 * rate);
     std::vector<double> out;
-    for (std::size_t i = 0; i + n <= x.size(); i += n) {
-        double sum = 0.0;
-        for (std::size_t j = i; j < i + n; ++j)
-            sum += x[j] * x[j];
-        out.push_back(10.0 * std::log10(sum / n + 1e-15));
-    }
+    for (std::size_t i = 0; i + n <= x.size(); i += n)
+        out.push_back(probe::rmsDb(x, i, i + n));
     return out;
 }
 

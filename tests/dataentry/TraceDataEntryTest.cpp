@@ -4,6 +4,8 @@
 #include "dataentry/TraceDataEntry.h"
 #include "dataentry/StrokePlayback.h"
 #include "document/MyDocument.h"
+#include "support/DocumentTestSupport.h"
+#include "support/TestDocuments.h"
 
 #include <gtest/gtest.h>
 
@@ -13,22 +15,9 @@ namespace
 // A document of `columns` 10 ms frames with its table data.
 struct Grid {
     MyDocument doc;
-    explicit Grid(int columns)
-    {
-        Channels& c = *doc.getChannel(0);
-        c.m_nColumnNum = columns;
-        c.m_dLengthMS = columns * 10.0;
-        doc.SetUpDataGridMemory();
-        doc.buildDataTableDictionary();
-    }
-    int value(int column, int row) const
-    {
-        return doc._dataTableDictionary.cellAt(column * 10LL, row)->_nValue();
-    }
-    std::string text(int column, int row) const
-    {
-        return doc._dataTableDictionary.cellAt(column * 10LL, row)->stringValue();
-    }
+    explicit Grid(int columns) { setTestFrames(doc, columns, 10, 1); }
+    int value(int column, int row) { return frameValue(doc, column, row); }
+    std::string text(int column, int row) { return frameCell(doc, column, row)->stringValue(); }
 };
 
 // A spectrogram of `frames` formant frames, frame f holding 1000 + f, 2000 + f, ... Hz, and a

@@ -189,13 +189,10 @@ TEST(SlicePlot, PictureMapsTheSpectrumOntoItsAxes)
     EXPECT_NEAR(f.frequencyAt(bestX), 1500.0, 50.0);
     EXPECT_NEAR(f.levelAt(bestY), -6.0, 2.5);
 
-    // The vector picture states its physical size.
+    // With a model laid over, the picture states their distance.
     SvgCanvas svg(432, 288);
     SlicePlot::draw(svg, 432, 288, style, slice, &slice, "t", "synthesis", "model");
-    const std::string doc = svg.document();
-    EXPECT_NE(doc.find("width=\"6.00in\" height=\"4.00in\" viewBox=\"0 0 432.00 288.00\""),
-              std::string::npos);
-    EXPECT_NE(doc.find("distance 0.0 dB"), std::string::npos);
+    EXPECT_NE(svg.document().find("distance 0.0 dB"), std::string::npos);
     EXPECT_EQ(gridStep(5000, 500, 1000, 6), 1000);
     EXPECT_EQ(gridStep(5000, 50, 100, 6), 1000);
 }

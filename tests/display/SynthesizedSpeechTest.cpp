@@ -2,6 +2,8 @@
 #include "display/SpectrogramComputation.h"
 #include "document/Log.h"
 #include "document/MyDocument.h"
+#include "support/DocumentTestSupport.h"
+#include "support/TestDocuments.h"
 #include "support/TestSignals.h"
 
 #include <gtest/gtest.h>
@@ -14,14 +16,7 @@ namespace
 // A steady vowel of one second: f0 in Hz, the first three formants in Hz.
 std::unique_ptr<MyDocument> synthesizedVowel(double f0, int f1, int f2, int f3)
 {
-    auto document = std::make_unique<MyDocument>();
-    for (int ch = 0; ch < 3; ++ch) {
-        Channels* c = document->getChannel(ch);
-        c->m_dLengthMS = 1000.0;
-        c->m_nColumnNum = 100;
-    }
-    document->SetUpDataGridMemory();
-    document->buildDataTableDictionary();
+    auto document = makeTestDocument(100);
     const std::pair<int, int> values[] = {{Row::f0, static_cast<int>(f0 * 10)},
                                           {Row::f1, f1},
                                           {Row::f2, f2},
@@ -29,13 +24,9 @@ std::unique_ptr<MyDocument> synthesizedVowel(double f0, int f1, int f2, int f3)
                                           {Row::b1, 90},
                                           {Row::b2, 110},
                                           {Row::b3, 170}};
-    for (int k = 1; k <= 100; ++k) {
-        for (const auto& [row, value] : values) {
-            CellRef cell = document->_dataTableDictionary.cellAt(k * 10LL, row);
-            cell->set_nValue(value);
-            cell->setInttoStringValue(value);
-        }
-    }
+    for (int k = 1; k <= 100; ++k)
+        for (const auto& [row, value] : values)
+            setValue(*document, k, row, value);
     Log::setSink([](const std::string&) {}); // the driver's progress lines
     document->Synthesize();
     Log::setSink({});

@@ -56,7 +56,17 @@ TEST(LargeBuffers, ClearedBlocksAreZeroAtEverySizeAndUnclearedOnesKeepTheirPaddi
 TEST(LargeBuffers, ADuplicateHoldsTheSourcesSamplesAndZerosWhereTheSourceHasNone)
 {
     Channels source, copy;
+    EXPECT_DOUBLE_EQ(source.m_dSampleRate, 11025.0);
+    EXPECT_EQ(source.m_nResolutionBits, 16);
+    EXPECT_EQ(*source.m_strTitle, "channel");
+    EXPECT_FALSE(source.hasAudio());
+    copy.Duplicate(source); // no samples: an empty block, not a missing one
+    ASSERT_TRUE(copy.hasAudio());
+    EXPECT_EQ(copy.sampleCount(), 0u);
+
     source.m_dwFileLength = 1000.0;
+    source.m_dSampleRate = 22050;
+    source.m_bApplyCalibration = 1;
     source.m_hData = MemoryBlock::newHandle(600 * sizeof(float)); // holds fewer than its length says
     std::fill(source.samples(), source.samples() + 600, 0.25f);
     copy.m_hData = MemoryBlock::newHandle(4000); // a dirty block that the duplicate replaces
@@ -66,6 +76,12 @@ TEST(LargeBuffers, ADuplicateHoldsTheSourcesSamplesAndZerosWhereTheSourceHasNone
     EXPECT_TRUE(std::all_of(copy.samples(), copy.samples() + 600, [](float s) { return s == 0.25f; }));
     EXPECT_TRUE(std::all_of(copy.samples() + 600, copy.samples() + 1000, [](float s) { return s == 0.0f; }));
     EXPECT_TRUE(source.hasAudio());
+    EXPECT_DOUBLE_EQ(copy.m_dSampleRate, 22050);
+    EXPECT_EQ(copy.m_bApplyCalibration, 0); // the calibration switch is not copied
+    *source.m_strTitle = "renamed";
+    EXPECT_EQ(*copy.m_strTitle, "renamed"); // the title is shared, the samples are not
+    source.samples()[0] = -1.0f;
+    EXPECT_EQ(copy.samples()[0], 0.25f);
 
     // Taking the samples moves a block of exactly the duplicate's size, unless it is being played
     // (locked), which is copied and stays with the source.
@@ -126,6 +142,20 @@ TEST(LargeBuffers, ALengthDeclaredFarBeyondTheTextCostsOnlyTheFramesItHolds)
     c->m_snppDataImage_Col_Row[360002][Row::f0] = 5;
     EXPECT_EQ(grid[360002][Row::f0], 0);
     EXPECT_EQ(grid.storedColumns(), 11u);
+
+    // The table data costs 16 bytes a cell: every column's cells lie in one block.
+    EXPECT_EQ(sizeof(ImageAndTextCell), 16u);
+    document.m_bReadFile = 1;
+    document.buildDataTableDictionary();
+    ASSERT_EQ(document._dataTableDictionary.count(), 360001u);
+    EXPECT_EQ(frameValue(document, 360000, Row::f0), c->m_Parameters[Row::f0].nDefaultValue);
+    for (long long k : {1LL, 180000LL, 360000LL}) {
+        const CellArray& column = *document._dataTableDictionary.objectForKey(k * 10);
+        for (int row = 1; row < kParameterCount; ++row)
+            ASSERT_EQ(reinterpret_cast<const char*>(column[row].get()) -
+                          reinterpret_cast<const char*>(column[row - 1].get()),
+                      16);
+    }
 }
 
 TEST(LargeBuffers, TheWaveImageInPiecesIsTheWholeImageAndAFailedPieceStopsTheFile)

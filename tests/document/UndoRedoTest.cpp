@@ -18,52 +18,6 @@ void edit(MyDocument& document, int frame, int row, int value)
 
 } // namespace
 
-TEST(UndoRedo, ElevenEditsKeepTenAndWalkBothWays)
-{
-    auto document = makeTestDocument(10, 10, 1);
-    EXPECT_FALSE(document->canUndo());
-    EXPECT_FALSE(document->canRedo());
-    document->doUndo(); // nothing to undo: no effect
-    document->doRedo();
-
-    // Edit i sets f1 of frame 2 to 500 + i.
-    for (int i = 1; i <= 11; ++i)
-        edit(*document, 2, Row::f1, 500 + i);
-    ASSERT_EQ(document->_arrayUndo.size(), 10u);
-    ASSERT_EQ(document->_arrayRedo.size(), 10u);
-    EXPECT_EQ(document->_nUndoRedoIndex, 10);
-    EXPECT_TRUE(document->canUndo());
-    EXPECT_FALSE(document->canRedo());
-
-    // Ten undos restore the states before edits 11, 10, ..., 2; the first edit is forgotten.
-    for (int i = 11; i >= 2; --i) {
-        ASSERT_TRUE(document->canUndo());
-        document->doUndo();
-        EXPECT_EQ(frameValue(*document, 2, Row::f1), 500 + i - 1) << i;
-        EXPECT_TRUE(document->canRedo());
-    }
-    EXPECT_FALSE(document->canUndo());
-    EXPECT_EQ(document->_nUndoRedoIndex, 0);
-
-    // Redo walks forward through the states after edits 2 .. 11.
-    for (int i = 2; i <= 11; ++i) {
-        ASSERT_TRUE(document->canRedo());
-        document->doRedo();
-        EXPECT_EQ(frameValue(*document, 2, Row::f1), 500 + i) << i;
-    }
-    EXPECT_FALSE(document->canRedo());
-
-    // A new edit after two undos drops only the oldest entries; the position follows the lists.
-    document->doUndo();
-    document->doUndo();
-    edit(*document, 3, Row::f2, 1111);
-    EXPECT_EQ(document->_arrayUndo.size(), 10u);
-    EXPECT_EQ(document->_nUndoRedoIndex, 10);
-    document->doUndo();
-    EXPECT_EQ(frameValue(*document, 3, Row::f2), 1500);
-    EXPECT_EQ(frameValue(*document, 2, Row::f1), 509); // the state the edit was made on
-}
-
 TEST(UndoRedo, SnapshotsRestoreFramesSelectionAndEveryAnchor)
 {
     auto document = makeTestDocument(5, 10, 1);

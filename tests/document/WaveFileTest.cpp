@@ -50,9 +50,12 @@ TEST(WaveFile, WrittenHeaderIsByteExactAndSamplesWrapWithoutClipping)
 
 TEST(WaveFile, WrittenFileReadsBackAsModelWithGridAndStkLocation)
 {
-    MyDocument writer;
-    setSamples(*writer.getChannel(0), {0.25f, -0.5f, 0.125f, 0.0f}, 8000.0);
-    const std::string image = writer.save_Wave_FileType();
+    // One second at 8000 Hz: 100 frames of 10 ms.
+    std::vector<float> samples(8000, 0.0f);
+    samples[0] = 0.25f;
+    samples[1] = -0.5f;
+    samples[2] = 0.125f;
+    const std::string image = waveFileBytes(samples, 8000.0);
 
     MyDocument document;
     document.setFileURL("/some/folder/take.1.wav");
@@ -61,32 +64,19 @@ TEST(WaveFile, WrittenFileReadsBackAsModelWithGridAndStkLocation)
     EXPECT_EQ(code, 0);
     const Channels* model = document.getChannel(2);
     EXPECT_DOUBLE_EQ(model->m_dSampleRate, 8000.0);
-    EXPECT_DOUBLE_EQ(model->m_dwFileLength, 4.0);
-    EXPECT_DOUBLE_EQ(model->m_dLengthMS, 0.5);
-    ASSERT_EQ(model->sampleCount(), 4u);
+    EXPECT_DOUBLE_EQ(model->m_dwFileLength, 8000.0);
+    EXPECT_DOUBLE_EQ(model->m_dLengthMS, 1000.0);
+    ASSERT_EQ(model->sampleCount(), 8000u);
     EXPECT_FLOAT_EQ(model->samples()[0], 0.25f);
     EXPECT_FLOAT_EQ(model->samples()[1], -0.5f);
     EXPECT_FLOAT_EQ(model->samples()[2], 0.125f);
-    EXPECT_EQ(model->m_hData->size(), 4u * 4u + 100u);
+    EXPECT_EQ(model->m_hData->size(), 8000u * 4u + 100u);
     EXPECT_EQ(model->m_nChannelsinFile, 1);
     EXPECT_EQ(model->m_nDataType, 3);
     EXPECT_DOUBLE_EQ(model->m_dC1Cal, 1000.0);
     EXPECT_DOUBLE_EQ(model->m_dFilterRate, 11025.0 * 0.5); // from channel 0's rate
 
-    EXPECT_EQ(document.fileURL(), "/some/folder/take.1.stk");
-    EXPECT_EQ(document.fileType(), "stk");
-    EXPECT_TRUE(document.isDocumentEdited());
-    EXPECT_EQ(document.m_bReadFile, 1);
-    EXPECT_EQ(document._fileTypeName, "wav");
-    EXPECT_EQ(document._fileData, image);
-}
-
-TEST(WaveFile, GridFollowsTheRecordingLength)
-{
-    // One second of silence at 11025 Hz: 100 frames of 10 ms, grid of defaults.
-    const std::string image = waveImage(1, 1, 11025, 2, 16, std::string(22050, '\0'));
-    MyDocument document;
-    ASSERT_TRUE(document.readFromData(image, "wav", nullptr));
+    // The grid follows the recording's length, at the defaults.
     const Channels* c = document.getChannel(0);
     EXPECT_DOUBLE_EQ(c->m_dLengthMS, 1000.0);
     EXPECT_EQ(c->m_nColumnNum, 100);
@@ -94,6 +84,13 @@ TEST(WaveFile, GridFollowsTheRecordingLength)
     EXPECT_EQ(c->m_snppDataImage_Col_Row[99][Row::f0], 1000);
     document.buildDataTableDictionary();
     EXPECT_EQ(document._dataTableDictionary.count(), 101u);
+
+    EXPECT_EQ(document.fileURL(), "/some/folder/take.1.stk");
+    EXPECT_EQ(document.fileType(), "stk");
+    EXPECT_TRUE(document.isDocumentEdited());
+    EXPECT_EQ(document.m_bReadFile, 1);
+    EXPECT_EQ(document._fileTypeName, "wav");
+    EXPECT_EQ(document._fileData, image);
 }
 
 TEST(WaveFile, ChunkWalkStereoFloatAndMuLaw)

@@ -25,6 +25,14 @@ std::vector<LabelStripItem> itemsOf(const std::vector<LabelStripItem>& items, La
     return out;
 }
 
+std::vector<double> xsOf(const std::vector<LabelStripItem>& items, LabelStripItem::Kind kind, std::size_t row)
+{
+    std::vector<double> xs;
+    for (const LabelStripItem& item : itemsOf(items, kind, row))
+        xs.push_back(item.x);
+    return xs;
+}
+
 // Every text inside the strip's width and its row, no two texts meeting, no boundary through one.
 void expectTextsClear(const std::vector<LabelStripItem>& items, const LabelStripFrame& frame,
                       double rowHeight)
@@ -60,21 +68,11 @@ TEST(LabelStrip, PlacesBoundariesTextsAndTicksAtEveryZoom)
     // The whole 1.5 s over 600 px: 400 px per second.
     LabelStripFrame whole{100.0, 600.0, 10.0, 0.0, 1.5};
     auto items = strip.layout(canvas, whole);
-    auto bounds = itemsOf(items, LabelStripItem::Boundary, 0);
-    ASSERT_EQ(bounds.size(), 4u);
-    EXPECT_DOUBLE_EQ(bounds[0].x, 100.0);
-    EXPECT_DOUBLE_EQ(bounds[1].x, 200.0);
-    EXPECT_DOUBLE_EQ(bounds[2].x, 420.0);
-    EXPECT_DOUBLE_EQ(bounds[3].x, 700.0);
-    auto texts = itemsOf(items, LabelStripItem::Text, 0);
-    ASSERT_EQ(texts.size(), 2u); // the empty interval draws no text
-    EXPECT_EQ(texts[0].text, "say \"wa\"");
-    EXPECT_DOUBLE_EQ(texts[0].x, 310.0);
-    EXPECT_DOUBLE_EQ(texts[1].x, 560.0);
-    auto ticks = itemsOf(items, LabelStripItem::Tick, 1);
-    ASSERT_EQ(ticks.size(), 2u);
-    EXPECT_DOUBLE_EQ(ticks[0].x, 260.0);
-    EXPECT_DOUBLE_EQ(ticks[1].x, 580.0);
+    EXPECT_EQ(xsOf(items, LabelStripItem::Boundary, 0), (std::vector<double>{100.0, 200.0, 420.0, 700.0}));
+    // The empty interval draws no text.
+    EXPECT_EQ(xsOf(items, LabelStripItem::Text, 0), (std::vector<double>{310.0, 560.0}));
+    EXPECT_EQ(itemsOf(items, LabelStripItem::Text, 0).at(0).text, "say \"wa\"");
+    EXPECT_EQ(xsOf(items, LabelStripItem::Tick, 1), (std::vector<double>{260.0, 580.0}));
     EXPECT_EQ(itemsOf(items, LabelStripItem::Text, 1).size(), 2u);
     expectTextsClear(items, whole, h);
 
@@ -82,15 +80,14 @@ TEST(LabelStrip, PlacesBoundariesTextsAndTicksAtEveryZoom)
     // starts before the view, so its text is centred in the part that shows.
     LabelStripFrame zoomed{100.0, 600.0, 10.0, 0.5, 1.0};
     items = strip.layout(canvas, zoomed);
-    bounds = itemsOf(items, LabelStripItem::Boundary, 0);
+    const std::vector<double> bounds = xsOf(items, LabelStripItem::Boundary, 0);
     ASSERT_EQ(bounds.size(), 1u);
-    EXPECT_DOUBLE_EQ(bounds[0].x, 100.0 + 0.3 * 1200.0);
-    texts = itemsOf(items, LabelStripItem::Text, 0);
+    EXPECT_DOUBLE_EQ(bounds[0], 100.0 + 0.3 * 1200.0);
+    const std::vector<double> texts = xsOf(items, LabelStripItem::Text, 0);
     ASSERT_EQ(texts.size(), 2u);
-    EXPECT_DOUBLE_EQ(texts[0].x, (100.0 + 460.0) / 2.0);
-    EXPECT_DOUBLE_EQ(texts[1].x, (460.0 + 700.0) / 2.0);
-    ticks = itemsOf(items, LabelStripItem::Tick, 1);
-    EXPECT_TRUE(ticks.empty()); // 0.4 and 1.2 s are both outside
+    EXPECT_DOUBLE_EQ(texts[0], (100.0 + 460.0) / 2.0);
+    EXPECT_DOUBLE_EQ(texts[1], (460.0 + 700.0) / 2.0);
+    EXPECT_TRUE(itemsOf(items, LabelStripItem::Tick, 1).empty()); // 0.4 and 1.2 s are both outside
     expectTextsClear(items, zoomed, h);
 
     // Zoomed out to 40 px for the whole: the texts are shortened or left out, never overlapping.

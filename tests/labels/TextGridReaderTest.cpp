@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
-#include <filesystem>
 #include <fstream>
 
 namespace
@@ -105,77 +104,56 @@ TEST(TextGridReader, TextsKeepTheirCharactersAndTiersMayBeEmptyOrMany)
     EXPECT_EQ(forty.tiers[39].intervals[1].text, "b");
 }
 
-TEST(TextGridReader, RefusesDamagedFilesNamingTheLine)
+TEST(TextGridReader, RefusesDamagedFilesNamingTheReasonAndTheLine)
 {
     // Cut short at every line of the long layout: never accepted, always a line inside the file.
-    const std::string whole = longTextGrid();
-    for (std::size_t at = whole.find('\n'); at + 1 < whole.size(); at = whole.find('\n', at + 1)) {
+    const std::string full = longTextGrid(), brief = shortTextGrid();
+    for (std::size_t at = full.find('\n'); at + 1 < full.size(); at = full.find('\n', at + 1)) {
         TextGrid grid;
         TextGridError error;
-        if (readTextGrid(whole.substr(0, at + 1), grid, error))
+        if (readTextGrid(full.substr(0, at + 1), grid, error))
             ADD_FAILURE() << "accepted when cut after byte " << at;
         else
             EXPECT_GE(error.line, 1) << error.what;
     }
-    // Cut in the middle of a text: the line where the text opens.
-    TextGridError cut = refusal(whole.substr(0, whole.find("say") + 2));
-    EXPECT_EQ(cut.line, 22);
-    EXPECT_NE(cut.what.find("never closed"), std::string::npos) << cut.what;
-
-    // An interval that starts before the one before it ends.
-    TextGridError back = refusal(replaced(whole, "xmin = 0.8", "xmin = 0.7"));
-    EXPECT_EQ(back.line, 24);
-    EXPECT_NE(back.what.find("runs backwards"), std::string::npos) << back.what;
-    // An interval that ends before it starts, a point before the one before it.
-    EXPECT_NE(refusal(replaced(whole, "xmax = 0.8", "xmax = 0.2")).what.find("runs backwards"),
-              std::string::npos);
-    const TextGridError points = refusal(replaced(whole, "number = 1.2", "number = 0.3"));
-    EXPECT_EQ(points.line, 37);
-    EXPECT_NE(points.what.find("point 2 of tier 2 \"tones\""), std::string::npos) << points.what;
-    // A tier that ends before it starts.
-    EXPECT_NE(refusal(replaced(shortTextGrid(), "\"words\"\n0\n1.5", "\"words\"\n2\n1.5"))
-                  .what.find("runs backwards"),
-              std::string::npos);
-}
-
-TEST(TextGridReader, RefusesCountsThatDoNotMatch)
-{
-    // Long layout: four intervals declared, three present; the block numbers give it away.
-    const TextGridError fewer =
-        refusal(replaced(longTextGrid(), "intervals: size = 3", "intervals: size = 4"));
-    EXPECT_EQ(fewer.line, 27);
-    EXPECT_NE(fewer.what.find("counts do not match"), std::string::npos) << fewer.what;
-    // Two intervals declared, three present.
-    EXPECT_NE(
-        refusal(replaced(longTextGrid(), "intervals: size = 3", "intervals: size = 2")).what.find("counts"),
-        std::string::npos);
-    // Short layout: one tier declared, two present; three declared, two present.
-    const TextGridError extra = refusal(replaced(shortTextGrid(), "<exists>\n2", "<exists>\n1"));
-    EXPECT_EQ(extra.line, 22); // where the second tier begins
-    EXPECT_NE(extra.what.find("counts do not match"), std::string::npos) << extra.what;
-    EXPECT_NE(refusal(replaced(shortTextGrid(), "<exists>\n2", "<exists>\n3")).what.find("ends before"),
-              std::string::npos);
-    // Short layout, a point count too large: the next value is not the time it should be.
-    EXPECT_NE(
-        refusal(replaced(shortTextGrid(), "0\n1.5\n3\n", "0\n1.5\n4\n")).what.find("do the counts match"),
-        std::string::npos);
-    // Counts that no file could hold are refused before anything is made of them.
-    EXPECT_NE(
-        refusal(replaced(shortTextGrid(), "0\n1.5\n3\n", "0\n1.5\n3000000000\n")).what.find("cannot hold"),
-        std::string::npos);
-}
-
-TEST(TextGridReader, RefusesWhatIsNotATextGrid)
-{
-    EXPECT_NE(refusal("ooBinaryFile\x08TextGrid").what.find("binary"), std::string::npos);
-    EXPECT_NE(refusal("").what.find("ends before"), std::string::npos);
-    EXPECT_NE(refusal(replaced(longTextGrid(), "\"TextGrid\"", "\"Pitch\"")).what.find("not \"TextGrid\""),
-              std::string::npos);
-    EXPECT_NE(refusal(replaced(longTextGrid(), "\"TextTier\"", "\"Tier\"")).what.find("neither"),
-              std::string::npos);
-    EXPECT_NE(refusal(toUtf16(longTextGrid(), true) + "x").what.find("UTF-16"), std::string::npos);
-    EXPECT_NE(refusal(replaced(longTextGrid(), "xmax = 0.25", "xmax = 1e999")).what.find("not a number"),
-              std::string::npos);
+    struct Case {
+        std::string bytes;
+        const char* reason;
+        int line; // 0: any
+    };
+    const Case cases[] = {
+        // Cut in the middle of a text: the line where the text opens.
+        {full.substr(0, full.find("say") + 2), "never closed", 22},
+        // An interval that starts before the one before it ends, one that ends before it starts,
+        // a point before the one before it, a tier that ends before it starts.
+        {replaced(full, "xmin = 0.8", "xmin = 0.7"), "runs backwards", 24},
+        {replaced(full, "xmax = 0.8", "xmax = 0.2"), "runs backwards", 0},
+        {replaced(full, "number = 1.2", "number = 0.3"), "point 2 of tier 2 \"tones\"", 37},
+        {replaced(brief, "\"words\"\n0\n1.5", "\"words\"\n2\n1.5"), "runs backwards", 0},
+        // Four intervals declared, three present (the block numbers give it away); two declared.
+        {replaced(full, "intervals: size = 3", "intervals: size = 4"), "counts do not match", 27},
+        {replaced(full, "intervals: size = 3", "intervals: size = 2"), "counts", 0},
+        // Short layout: one tier declared, two present (where the second begins); three declared.
+        {replaced(brief, "<exists>\n2", "<exists>\n1"), "counts do not match", 22},
+        {replaced(brief, "<exists>\n2", "<exists>\n3"), "ends before", 0},
+        // A count too large: the next value is not the time it should be; counts no file could
+        // hold are refused before anything is made of them.
+        {replaced(brief, "0\n1.5\n3\n", "0\n1.5\n4\n"), "do the counts match", 0},
+        {replaced(brief, "0\n1.5\n3\n", "0\n1.5\n3000000000\n"), "cannot hold", 0},
+        // Not a TextGrid, or not one this reader takes.
+        {"ooBinaryFile\x08TextGrid", "binary", 0},
+        {"", "ends before", 0},
+        {replaced(full, "\"TextGrid\"", "\"Pitch\""), "not \"TextGrid\"", 0},
+        {replaced(full, "\"TextTier\"", "\"Tier\""), "neither", 0},
+        {toUtf16(full, true) + "x", "UTF-16", 0},
+        {replaced(full, "xmax = 0.25", "xmax = 1e999"), "not a number", 0},
+    };
+    for (const Case& c : cases) {
+        const TextGridError error = refusal(c.bytes);
+        EXPECT_NE(error.what.find(c.reason), std::string::npos) << c.reason << ": " << error.what;
+        if (c.line != 0)
+            EXPECT_EQ(error.line, c.line) << c.reason;
+    }
 }
 
 TEST(TextGridReader, FindsTheSegmentOfATime)

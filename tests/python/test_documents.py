@@ -6,16 +6,12 @@ import pytest
 import tessaphon
 from conftest import EXAMPLES, cli
 
-FACTORY = {"f0": 1000, "av": 60, "f1": 500, "f2": 1500, "b1": 60, "gain": 60, "atu": 40}
-
-
 def test_new_document_matches_the_tools_new_document(tmp_path):
     doc = tessaphon.Document.new(length_ms=300, interval_ms=5)
     assert (doc.frames, doc.interval_ms, doc.length_ms, doc.sample_rate) == (60, 5, 300.0, 11025)
     assert doc.params.shape == (60, 48)
     assert doc.names[0] == "f0" and doc.names[12] == "f1" and doc.names[47] == "gain"
-    for name, value in FACTORY.items():
-        assert (doc[name] == value).all(), name
+    assert (doc["f1"] == 500).all()  # every factory value: the bytes of the tool's new document below
     assert repr(doc) == "<tessaphon.Document: 60 frames of 5 ms, 300 ms, 11025 Hz>"
     ours, theirs = tmp_path / "ours.stk", tmp_path / "theirs.stk"
     doc.write(ours)

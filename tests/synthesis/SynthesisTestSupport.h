@@ -35,16 +35,22 @@ inline klatt_global_t preparedRun(int rate, int cascade, int samplesPerFrame, in
     return g;
 }
 
+// Runs parwave on a fresh copy of each frame in turn.
+inline std::vector<int> runFrames(klatt_global_t& g, const std::vector<klatt_frame_t>& frames)
+{
+    CKlattEngine engine;
+    std::vector<int> out(frames.size() * static_cast<std::size_t>(g.samples_per_frame));
+    for (std::size_t i = 0; i < frames.size(); ++i) {
+        klatt_frame_t scratch = frames[i];
+        engine.parwave(&g, &scratch, out.data() + i * static_cast<std::size_t>(g.samples_per_frame));
+    }
+    return out;
+}
+
 // Runs `frames` calls of parwave with a fresh copy of `frame` each time.
 inline std::vector<int> runFrames(klatt_global_t& g, const klatt_frame_t& frame, int frames)
 {
-    CKlattEngine engine;
-    std::vector<int> out(static_cast<std::size_t>(frames) * g.samples_per_frame);
-    for (int i = 0; i < frames; ++i) {
-        klatt_frame_t scratch = frame;
-        engine.parwave(&g, &scratch, out.data() + static_cast<std::size_t>(i) * g.samples_per_frame);
-    }
-    return out;
+    return runFrames(g, std::vector<klatt_frame_t>(static_cast<std::size_t>(frames), frame));
 }
 
 // One fresh run of a steady frame at 11025 Hz with five cascade formants.

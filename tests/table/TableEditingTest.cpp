@@ -1,5 +1,7 @@
 #include "table/TableEditing.h"
 
+#include "support/DocumentTestSupport.h"
+
 #include <gtest/gtest.h>
 
 namespace
@@ -8,18 +10,12 @@ namespace
 struct NewDocument {
     MyDocument doc;
     NewDocument() { doc.buildDataTableDictionary(); }
-    CellRef cell(int row, int tableColumn)
-    {
-        return doc._dataTableDictionary.cellAt(static_cast<long long>(tableColumn) * doc.updateInterval(),
-                                               row);
-    }
-    int value(int row, int tableColumn) { return cell(row, tableColumn)->_nValue(); }
+    CellRef cell(int row, int tableColumn) { return frameCell(doc, tableColumn, row); }
+    int value(int row, int tableColumn) { return frameValue(doc, tableColumn, row); }
     void setAnchor(int row, int tableColumn, int value)
     {
-        CellRef c = cell(row, tableColumn);
-        c->set_nValue(value);
-        c->setInttoStringValue(value);
-        c->set_bAnchor(true);
+        setValue(doc, tableColumn, row, value);
+        cell(row, tableColumn)->set_bAnchor(true);
     }
 };
 } // namespace
@@ -110,43 +106,33 @@ TEST(TableEditing, TypedEntryWithAnchorAndInterpolateSwitches)
 
 TEST(TableEditing, InterpolationFillsBetweenAnchorsTruncatingTowardZero)
 {
+    using Cells = std::vector<std::pair<int, int>>; // (table column, value)
+    const struct {
+        int row;
+        Cells anchors, expected;
+    } rows[] = {
+        {Row::av, {{3, 10}, {7, 50}}, {{4, 20}, {5, 30}, {6, 40}, {1, 60}, {9, 60}}},
+        {Row::ah, {{1, 10}, {4, 0}}, {{2, 6}, {3, 3}}}, // slope -10/3
+        // Three anchors: each pair is filled separately, the middle one keeps its value.
+        {Row::f1, {{1, 300}, {3, 700}, {5, 500}}, {{2, 500}, {3, 700}, {4, 600}}},
+        // Negative fractions truncate toward zero, and are not clamped: 0 -> -5 over 2 frames.
+        {Row::tl, {{10, 0}, {12, -5}}, {{11, -2}}},
+        {Row::af, {{5, 40}}, {{4, 0}, {6, 0}, {20, 0}}}, // a single anchor leaves the row alone
+    };
     NewDocument d;
-    // Anchors at frames 2 (100) and 6 (140): table columns 3 and 7.
-    d.setAnchor(Row::av, 3, 10);
-    d.setAnchor(Row::av, 7, 50);
-    // Anchors at frames 0 (10) and 3 (0): slope -10/3.
-    d.setAnchor(Row::ah, 1, 10);
-    d.setAnchor(Row::ah, 4, 0);
-    // Three anchors: each pair is filled separately, the middle one keeps its value.
-    d.setAnchor(Row::f1, 1, 300);
-    d.setAnchor(Row::f1, 3, 700);
-    d.setAnchor(Row::f1, 5, 500);
-    // Negative fractions truncate toward zero: 0 -> -5 over 2 frames gives -2.
-    d.setAnchor(Row::tl, 10, 0);
-    d.setAnchor(Row::tl, 12, -5);
-    // A single anchor leaves the row alone.
-    d.setAnchor(Row::af, 5, 40);
+    for (const auto& r : rows)
+        for (const auto& [column, value] : r.anchors)
+            d.setAnchor(r.row, column, value);
     const CellRef anchorCell = d.cell(Row::av, 3);
     const CellRef outside = d.cell(Row::av, 9);
 
     interpolateRows(d.doc, 0, 100); // rows beyond the table are ignored
-    EXPECT_EQ(d.value(Row::av, 4), 20);
-    EXPECT_EQ(d.value(Row::av, 5), 30);
-    EXPECT_EQ(d.value(Row::av, 6), 40);
+    for (const auto& r : rows)
+        for (const auto& [column, value] : r.expected)
+            EXPECT_EQ(d.value(r.row, column), value) << "row " << r.row << " column " << column;
     EXPECT_EQ(d.cell(Row::av, 5)->stringValue(), "30");
     EXPECT_EQ(d.cell(Row::av, 3), anchorCell);
     EXPECT_EQ(d.cell(Row::av, 9), outside);
-    EXPECT_EQ(d.value(Row::av, 1), 60);
-
-    EXPECT_EQ(d.value(Row::ah, 2), 6);
-    EXPECT_EQ(d.value(Row::ah, 3), 3);
-
-    EXPECT_EQ(d.value(Row::f1, 2), 500);
-    EXPECT_EQ(d.value(Row::f1, 3), 700);
-    EXPECT_EQ(d.value(Row::f1, 4), 600);
-    EXPECT_EQ(d.value(Row::tl, 11), -2) << "interpolated values are not clamped";
-    for (int col = 1; col <= 20; ++col)
-        EXPECT_EQ(d.value(Row::af, col), col == 5 ? 40 : 0);
     EXPECT_TRUE(d.doc._arrayUndo.empty()) << "the row operation records nothing itself";
 
     // Only the span of rows asked for.

@@ -5,6 +5,7 @@
 // undos and redos, and after every step the document must be exactly the one the reference
 // restores. And on a document of an hour, an edit must cost what it changes.
 #include "document/UndoStep.h"
+#include "support/TestDocuments.h"
 #include "table/FrameEditing.h"
 #include "table/TableEditing.h"
 
@@ -71,15 +72,6 @@ private:
     int m_nIndex = -1;
 };
 
-void makeFrames(MyDocument& doc, int frames)
-{
-    Channels& c = *doc.getChannel(0);
-    c.m_dLengthMS = 10.0 * frames;
-    c.m_nColumnNum = frames;
-    doc.SetUpDataGridMemory();
-    doc.buildDataTableDictionary();
-}
-
 // Everything of a document an undo or redo may touch, as text, for comparing two documents.
 std::string describe(MyDocument& doc)
 {
@@ -117,8 +109,8 @@ struct Twins {
 
     explicit Twins(unsigned seed, int frames) : random(seed)
     {
-        makeFrames(doc, frames);
-        makeFrames(twin, frames);
+        setTestFrames(doc, frames, 10, 1);
+        setTestFrames(twin, frames, 10, 1);
     }
     int pick(int low, int high) { return std::uniform_int_distribution<int>(low, high)(random); }
     int frames() const { return doc.getChannel(0)->m_nColumnNum; }
@@ -161,15 +153,18 @@ struct Twins {
             return true;
         });
     }
-    // Changes no undo step records: anchors cleared, a row hidden or shown, a cell set.
+    // Changes no undo step records: anchors cleared, a row hidden or shown (by its name cell or
+    // by its parameter setting), a cell set.
     void unrecorded()
     {
-        const int kind = pick(0, 2), row = pick(0, kParameterCount - 1),
+        const int kind = pick(0, 3), row = pick(0, kParameterCount - 1),
                   column = pick(1, std::max(frames(), 1));
-        const int value = pick(0, 40000); // beyond 16 bits now and then
+        const int value = pick(-40000, 40000); // beyond 16 bits now and then
         both([&](MyDocument& d) {
             if (kind == 0)
                 removeAnchors(d, row, row + 3);
+            else if (kind == 3)
+                d.getChannel(0)->m_Parameters[row].bSelected ^= 1;
             else if (CellRef name = d._dataTableDictionary.cellAt(0, row); kind == 1 && name)
                 name->set_bSelected(!name->_bSelected());
             else if (CellRef cell = d._dataTableDictionary.cellAt(10LL * column, row)) {
@@ -189,10 +184,12 @@ struct Twins {
             return true;
         });
     }
+    // Now and then with no frame selected: a step that changes nothing.
     void removeFrames()
     {
-        const int first = pick(1, std::max(frames(), 1));
-        const int last = std::min(first + pick(0, 400), frames());
+        const bool none = pick(0, 5) == 0;
+        const int first = none ? -1 : pick(1, std::max(frames(), 1));
+        const int last = none ? -1 : std::min(first + pick(0, 400), frames());
         both([&](MyDocument& d) {
             removeColumns(d, first, last);
             return true;

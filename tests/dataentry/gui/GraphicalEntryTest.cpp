@@ -41,14 +41,8 @@ struct GraphicalEntry : ::testing::Test {
     }
 
     viewF0& f0View() { return *controller->_viewF0(); }
-    int value(int frame, int row) const
-    {
-        return doc._dataTableDictionary.cellAt(static_cast<long long>(frame + 1) * 10, row)->_nValue();
-    }
-    std::string text(int frame, int row) const
-    {
-        return doc._dataTableDictionary.cellAt(static_cast<long long>(frame + 1) * 10, row)->stringValue();
-    }
+    int value(int frame, int row) { return frameValue(doc, frame + 1, row); }
+    std::string text(int frame, int row) { return frameCell(doc, frame + 1, row)->stringValue(); }
 };
 
 } // namespace
@@ -214,9 +208,9 @@ TEST(GraphicalEntryFromTheTable, FollowsThePointerEditsTheTablesOwnCellsAndUndoe
     // The table's undo restores the value, and the views take the cells the undo put in the
     // table: a new drag edits those, not the replaced ones.
     controller->undo();
-    EXPECT_EQ(cellValue(doc, 4, Row::f0), 2000);
+    EXPECT_EQ(frameValue(doc, 4, Row::f0), 2000);
     dragThrough(plot, {{70, 50}, {70, 50}});
-    EXPECT_EQ(cellValue(doc, 4, Row::f0), 1500);
+    EXPECT_EQ(frameValue(doc, 4, Row::f0), 1500);
 }
 
 TEST(GraphicalEntryFromTheTable, PlayKeysWorkWhateverWasClickedAndTheMenuShowsThem)

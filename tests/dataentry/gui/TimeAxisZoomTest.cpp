@@ -1,19 +1,15 @@
 // Horizontal zoom of the data-entry windows, driven with real key, wheel and mouse events under
 // the offscreen platform: a zoomed drag writes the frame under the pointer, fit all gives back
-// the unzoomed mapping, the scroll bar follows the zoom, and the time labels never overlap.
+// the unzoomed mapping, the scroll bar follows the zoom, and the time labels never overlap. The
+// plots of both windows share this mapping (DataEntryPlot); the graphical window stands for both.
 #include "dataentry/gui/TimeAxisZoom.h"
 #include "DataEntryTestSupport.h"
 #include "dataentry/gui/graphical/dataentryGraphicalController.h"
 #include "dataentry/gui/graphical/viewF0.h"
 #include "dataentry/gui/graphical/viewFormants.h"
 #include "dataentry/gui/graphical/viewOthers.h"
-#include "dataentry/gui/trace/dataentryTraceContoller.h"
-#include "dataentry/gui/trace/viewAmplitudes.h"
-#include "dataentry/gui/trace/viewPitch.h"
-#include "dataentry/gui/trace/viewSpectrogram.h"
 #include "display/gui/GraphGrids.h"
 #include "support/LabelChecks.h"
-#include "table/gui/mainTable.h"
 
 #include <gtest/gtest.h>
 
@@ -22,17 +18,10 @@
 #include <QScrollBar>
 #include <QTest>
 
-#include <cmath>
 #include <memory>
 
 namespace
 {
-
-// Press, move and release at one point.
-void click(QWidget& view, QPointF at)
-{
-    dragThrough(view, {at, at});
-}
 
 // A 6000-frame (60 s) document in the graphical window, plots 400 x 100 (F0) wide.
 struct GraphicalZoom : ::testing::Test {
@@ -46,10 +35,7 @@ struct GraphicalZoom : ::testing::Test {
         showContentAt(*controller, 505, 426);
     }
     TimeAxisZoom& axis() { return *controller->timeAxis(); }
-    int f0(int frame) const
-    {
-        return doc._dataTableDictionary.cellAt((frame + 1) * 10LL, Row::f0)->_nValue();
-    }
+    int f0(int frame) { return frameValue(doc, frame + 1, Row::f0); }
     void key(int k) { QTest::keyClick(controller->window(), static_cast<Qt::Key>(k), Qt::ControlModifier); }
 };
 
@@ -68,7 +54,7 @@ TEST_F(GraphicalZoom, ZoomedDragWritesTheFrameUnderThePointerAndFitAllRestoresTh
     ASSERT_EQ(axis().offset(), 1000);
 
     // x = 100 shows content pixel 1100 of 3200: frame 1100 x 6000 / 3200 = 2062.
-    click(view, {100.0, 50.0});
+    dragThrough(view, {{100.0, 50.0}, {100.0, 50.0}});
     EXPECT_EQ(f0(2062), 1500);
     EXPECT_EQ(f0(1500), factory); // the frame x = 100 shows when all fits is untouched
     EXPECT_EQ(f0(2061), factory);
@@ -82,7 +68,7 @@ TEST_F(GraphicalZoom, ZoomedDragWritesTheFrameUnderThePointerAndFitAllRestoresTh
     EXPECT_EQ(axis().offset(), 0);
     for (int x = 0; x <= 400; ++x)
         ASSERT_EQ(view.frameAt(x), x * 6000 / 400) << x;
-    click(view, {100.0, 75.0});
+    dragThrough(view, {{100.0, 75.0}, {100.0, 75.0}});
     EXPECT_EQ(f0(1500), 750);
 }
 
@@ -214,89 +200,6 @@ TEST_F(GraphicalZoom, GridLabelsStayClearOfEachOtherAndOfTheCaption)
     }
     // The amplitude view names its active track in a caption.
     EXPECT_FALSE(controller->_viewOthers()->captionBox().isEmpty());
-}
-
-// The trace window on a 2 s model recording: 200 columns, views 695 wide.
-struct TraceZoom : ::testing::Test {
-    MyDocument doc;
-    std::unique_ptr<mainTable> table;
-    std::unique_ptr<dataentryTraceContoller> controller;
-
-    void SetUp() override
-    {
-        setTestFrames(doc, 200);
-        table = std::make_unique<mainTable>(&doc);
-        controller = std::make_unique<dataentryTraceContoller>(&doc, table.get());
-        controller->window()->show();
-        QApplication::processEvents();
-    }
-    int value(int column, int row) const { return cellValue(doc, column, row); }
-};
-
-TEST_F(TraceZoom, ZoomedDragsWriteTheColumnUnderThePointerInEveryView)
-{
-    viewPitch& pitch = *controller->_viewPitch();
-    viewAmplitudes& amplitudes = *controller->_viewAmplitudes();
-    TimeAxisZoom& axis = *controller->timeAxis();
-    ASSERT_EQ(pitch.width(), 695);
-
-    sendWheel(*controller->_viewSpectrogram(), {100.0, 50.0}, 3 * 120, Qt::ControlModifier);
-    ASSERT_FALSE(axis.isFitAll());
-    QTest::keyClick(controller->window(), Qt::Key_Plus, Qt::ControlModifier);
-    controller->scrollBar()->setValue(900);
-    const long long content = axis.contentWidth(695);
-    EXPECT_EQ(controller->scrollBar()->maximum(), content - 695);
-    ASSERT_EQ(axis.offset(), 900);
-
-    const int expected = static_cast<int>((50 + 900) * 200 / content);
-    ASSERT_NE(expected, 50 * 200 / 695);
-    click(pitch, {50.0, pitch.height() / 2.0});
-    EXPECT_EQ(value(expected + 1, Row::f0), 1500);
-    EXPECT_NE(value(50 * 200 / 695 + 1, Row::f0), 1500);
-
-    controller->actionTrace(dataentryTraceContoller::AV);
-    const int right = static_cast<int>((690 + 900) * 200 / content);
-    click(amplitudes, {690.0, 0.0});
-    EXPECT_EQ(value(right + 1, Row::av),
-              std::min(90, doc._dataTableDictionary.cellAt(10, Row::av)->_nMaxValue()));
-
-    // Fit all: the views map as before the zoom.
-    QTest::keyClick(controller->window(), Qt::Key_0, Qt::ControlModifier);
-    EXPECT_EQ(controller->scrollBar()->maximum(), 0);
-    for (int x = 0; x < 695; x += 7)
-        ASSERT_EQ(amplitudes.columnAt(x), x * 200 / 695) << x;
-}
-
-TEST_F(TraceZoom, ZoomedInTheVisibleStretchIsComputedAgainAtScreenResolution)
-{
-    // A 2 s recording: a 500 Hz tone, louder in its second half.
-    std::vector<float> samples(22050);
-    for (std::size_t i = 0; i < samples.size(); ++i)
-        samples[i] = static_cast<float>((i < 11025 ? 0.1 : 0.4) * std::sin(2.0 * M_PI * 500.0 * i / 11025.0));
-    setSamples(*doc.getChannel(2), samples, 11025.0);
-    controller->analysisSettingsChanged();
-    viewSpectrogram& view = *controller->_viewSpectrogram();
-    ASSERT_TRUE(waitFor([&] { return !view.isComputing() && view.getHandle(); }));
-    EXPECT_EQ(view.zoomedResult(), nullptr) << "nothing of its own at fit all";
-
-    TimeAxisZoom& axis = *controller->timeAxis();
-    for (int i = 0; i < 3; ++i)
-        QTest::keyClick(controller->window(), Qt::Key_Plus, Qt::ControlModifier);
-    controller->scrollBar()->setValue(2000);
-    ASSERT_FALSE(axis.isFitAll());
-    EXPECT_NE(view.getHandle(), nullptr) << "the whole picture stays, stretched, until the stretch is ready";
-    ASSERT_TRUE(waitFor([&] { return view.zoomedResult() != nullptr && !view.isComputingZoomed(); }));
-    const auto [first, last] = axis.visibleMS(2000.0, view.width());
-    EXPECT_NEAR(view.zoomedMS().first, first, 0.2);
-    EXPECT_NEAR(view.zoomedMS().second, last, 0.2);
-    const SpectrogramWorker::Result& zoomed = *view.zoomedResult();
-    EXPECT_EQ(zoomed.width, view.width()) << "one analysis frame per pixel column of the stretch";
-    EXPECT_EQ(zoomed.computation.m_nDisplayRange, view.width());
-    EXPECT_FALSE(zoomed.image.isNull());
-
-    // Fit all shows the whole recording's picture again.
-    QTest::keyClick(controller->window(), Qt::Key_0, Qt::ControlModifier);
-    ASSERT_TRUE(waitFor([&] { return view.zoomedResult() == nullptr; }));
 }
 
 } // namespace

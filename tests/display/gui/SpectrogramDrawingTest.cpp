@@ -14,6 +14,7 @@ namespace testsignals = signals;
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <tuple>
 
 #include <QCoreApplication>
 #include <QPainter>
@@ -49,15 +50,11 @@ std::unique_ptr<Channels> vowelChannel(double seconds)
 
 TEST(SpectrogramImage, RampAndPixelPlacement)
 {
-    EXPECT_EQ(SpectrogramImage::rampPosition(0.0, 50), 0);
-    EXPECT_EQ(SpectrogramImage::rampPosition(25.0, 50), 128);
-    EXPECT_EQ(SpectrogramImage::rampPosition(50.0, 50), 256);
-    EXPECT_EQ(SpectrogramImage::rampPosition(80.0, 50), 256);
-    EXPECT_EQ(SpectrogramImage::rampPosition(-3.0, 50), 0);
-    EXPECT_EQ(SpectrogramImage::rampPosition(HUGE_VAL, 50), 256);
-    EXPECT_EQ(SpectrogramImage::rampPosition(-HUGE_VAL, 50), 0);
-    EXPECT_EQ(SpectrogramImage::rampPosition(std::nan(""), 50), 0);
-    EXPECT_EQ(SpectrogramImage::rampPosition(5.0, 0), 256);
+    const std::tuple<double, int, int> positions[] = {
+        {0.0, 50, 0},        {25.0, 50, 128},    {50.0, 50, 256},       {80.0, 50, 256}, {-3.0, 50, 0},
+        {HUGE_VAL, 50, 256}, {-HUGE_VAL, 50, 0}, {std::nan(""), 50, 0}, {5.0, 0, 256}};
+    for (const auto& [level, range, position] : positions)
+        EXPECT_EQ(SpectrogramImage::rampPosition(level, range), position) << level << " of " << range;
 
     const SpectrogramImage ramp;
     EXPECT_EQ(qGray(ramp.rampColor(0)), 255); // silence is white

@@ -136,9 +136,7 @@ TEST(LabelWindows, GraphicalWindowAndTableHeadersShowTheLabels)
     auto* strip = graphical->window()->findChild<LabelStripView*>();
     ASSERT_NE(strip, nullptr);
     EXPECT_FALSE(strip->isHidden());
-    const std::vector<LabelStripItem> items = strip->items();
-    EXPECT_EQ(xsOf(items, LabelStripItem::Boundary, 0).size(), 4u);
-    EXPECT_EQ(xsOf(items, LabelStripItem::Tick, 1).size(), 2u);
+    EXPECT_EQ(xsOf(strip->items(), LabelStripItem::Boundary, 0).size(), 4u);
 
     // Frame 26 (250-260 ms) holds the boundary at 0.25 s; frame 27 none.
     ParameterTableModel* model = w->table()->tableModel();
@@ -162,7 +160,6 @@ TEST(LabelWindows, ExportWritesWhatImportReadsBack)
     ASSERT_TRUE(w->exportTo(wb.path("out.tsv")));
     ASSERT_TRUE(w->exportTo(wb.path("out.klp")));
     const std::string tsv = slurp(wb.path("out.tsv").toStdString());
-    EXPECT_EQ(tsv.substr(0, 8), "time_ms\t");
     for (const char* name : {"out.tsv", "out.klp"}) {
         const std::string text = slurp(wb.path(name).toStdString());
         ImportedDocument back = importDocument(text, name);

@@ -1,12 +1,10 @@
-// The table's frame, anchor and interpolation commands and the add-frames dialog, run on a
-// real table under the offscreen platform; the checks are on the document.
+// The table's Add Frames command and its dialog, run on a real table under the offscreen
+// platform; the checks are on the document. (Remove Frames and the row commands, with the
+// selections they take: SelectionTest.cpp.)
 #include "FramesInTable.h"
 #include "table/gui/addColumns.h"
 
-#include <gtest/gtest.h>
-
 #include <QAbstractButton>
-#include <QApplication>
 #include <QButtonGroup>
 #include <QSpinBox>
 #include <QTimer>
@@ -79,52 +77,4 @@ TEST_F(FrameCommands, AddFramesCommandInsertsAfterTheSelectedFrame)
     table->undo();
     EXPECT_EQ(f0s(), (std::vector<int>{1001, 1002, 1003, 1004, 1005}));
     EXPECT_EQ(table->model()->columnCount(), 6);
-}
-
-TEST_F(FrameCommands, RemoveFramesTakesTheSpanOrExplainsAnEmptySelection)
-{
-    table->clearSelection();
-    table->_editRemoveColumns();
-    ASSERT_EQ(alerts.size(), 1u);
-    EXPECT_EQ(alerts[0].title, "No Column Selected");
-    EXPECT_EQ(alerts[0].message, "Select a colum or a range of clumns first.");
-    EXPECT_EQ(alerts[0].button, "OK");
-    EXPECT_EQ(doc.getChannel(0)->m_nColumnNum, 5);
-    EXPECT_EQ(doc._arrayUndo.size(), 1u);
-
-    clickHeader(*table, 2);
-    clickHeader(*table, 4, Qt::ControlModifier);
-    table->_editRemoveColumns();
-    EXPECT_EQ(alerts.size(), 1u);
-    EXPECT_EQ(f0s(), (std::vector<int>{1001, 1005}));
-    EXPECT_DOUBLE_EQ(doc.getChannel(0)->m_dLengthMS, 20.0);
-    EXPECT_EQ(table->model()->columnCount(), 3);
-    EXPECT_EQ(doc._arrayUndo.size(), 2u);
-}
-
-TEST_F(FrameCommands, InterpolatingTheSelectionFillsTheRowSpan)
-{
-    // Rows 3 (af) and 9 (f4) between anchors; the names of rows 2 and 8 clicked, so 2..8 are
-    // interpolated.
-    for (int row : {Row::af, Row::f4}) {
-        setValue(1, row, 10);
-        setValue(4, row, 0);
-        cell(1, row)->set_bAnchor(true);
-        cell(4, row)->set_bAnchor(true);
-    }
-    clickName(*table, Row::ah);
-    clickName(*table, Row::f5, Qt::ControlModifier);
-    table->_InterpolateSelection();
-
-    EXPECT_EQ(value(2, Row::af), 6);    // 10 - 3.33 truncated
-    EXPECT_EQ(value(2, Row::f4), 3250); // outside the span: untouched
-    EXPECT_EQ(doc._arrayUndo.size(), 1u);
-    EXPECT_EQ(doc._arrayRedo.size(), 1u);
-    EXPECT_TRUE(table->_bSynthesize);
-    EXPECT_TRUE(doc.isDocumentEdited());
-
-    // Nothing selected: nothing recorded.
-    table->clearSelection();
-    table->_InterpolateSelection();
-    EXPECT_EQ(doc._arrayUndo.size(), 1u);
 }

@@ -1,70 +1,56 @@
-// A document of an hour in the table: typing, undo, redo and saving touch what they change and
-// the columns on screen, never the whole document, and lose nothing.
-#include "document/MyDocument.h"
-#include "support/TestDocuments.h"
-#include "support/TestFiles.h"
-#include "table/gui/TableClicks.h"
+// A document of an hour in the table: the view makes only the columns it shows, shows and takes
+// the last frame, and typing, undo and redo touch what they change and the columns on screen.
+// (Saving an hour without making its columns: UndoHistoryTest.cpp.)
+#include "FramesInTable.h"
 
-#include <QTest>
-#include <gtest/gtest.h>
-
-#include <filesystem>
-#include <unistd.h>
-
-TEST(LongDocument, TypingUndoRedoAndSavingAnHourMakeOnlyTheColumnsShown)
+namespace
 {
-    MyDocument doc;
-    setTestFrames(doc, MyDocument::kMaxFrames, 10, 1);
-    const Channels& c = *doc.getChannel(0);
-    mainTable table(&doc);
-    table.resize(900, 600);
-    table.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&table));
-    const std::size_t fewerThanAll = MyDocument::kMaxFrames - 300;
-    auto value = [&](int column) {
-        return doc._dataTableDictionary.cellAt(10LL * column, Row::f1)->_nValue();
-    };
-    const int before = value(200000);
+struct LongDocument : FramesInTable {
+};
+} // namespace
 
-    const auto type = [&](int row, int column, const char* text) {
-        const QModelIndex index = table.model()->index(row, column);
-        table.setCurrentIndex(index);
-        table.scrollTo(index);
-        table.activateWindow();
-        table.setFocus();
-        typeIntoCurrentCell(table, text);
-    };
-    type(Row::f1, 200000, "777");
-    type(Row::f2, 200001, "1777");
-    EXPECT_EQ(value(200000), 777);
-    EXPECT_GT(doc._dataTableDictionary.pendingCount(), fewerThanAll);
+TEST_F(LongDocument, TheViewMakesOnlyTheColumnsShownAndTakesTheLastFrameAndTypingInTheMiddle)
+{
+    // As read from a file: the last frame's f1 holds 777 and an anchor.
+    const int last = MyDocument::kMaxFrames;
+    Channels& c = *doc.getChannel(0);
+    c.m_dLengthMS = MyDocument::kMaxLengthMS;
+    c.m_nColumnNum = last;
+    doc.SetUpDataGridMemory();
+    c.m_snppDataImage_Col_Row[last - 1][Row::f1] = 777;
+    c.m_pAnchorPosition = {Row::f1, last - 1};
+    doc.m_bReadFile = 1;
+    doc.buildDataTableDictionary();
+    show(640, 300);
+    QAbstractItemModel* model = table->model();
+    ASSERT_EQ(model->columnCount(), last + 1);
+    EXPECT_TRUE(table->frozenColumn()->isColumnHidden(last));
+
+    const QModelIndex lastCell = model->index(Row::f1, last);
+    table->scrollTo(lastCell);
+    table->viewport()->repaint();
+    EXPECT_GT(table->columnViewportPosition(last), table->columnWidth(0) - 1);
+    EXPECT_EQ(shown(last, Row::f1), "777");
+    EXPECT_EQ(model->data(lastCell, Qt::BackgroundRole).value<QColor>(), QColor(Qt::red));
+    EXPECT_EQ(model->headerData(last, Qt::Horizontal, Qt::DisplayRole).toString(), "3600000");
+    EXPECT_TRUE(model->flags(lastCell) & Qt::ItemIsEditable);
+    // The cell the view shows is the table data's own.
+    cell(last, Row::f1)->setInttoStringValue(778);
+    EXPECT_EQ(shown(last, Row::f1), "778");
+
+    const int f1Before = value(200000, Row::f1), f2Before = value(200001, Row::f2);
+    type(200000, Row::f1, "777");
+    type(200001, Row::f2, "1777");
+    EXPECT_EQ(value(200000, Row::f1), 777);
     ASSERT_EQ(doc._arrayUndo.size(), 2u);
-
-    table.undo();
-    table.undo();
-    EXPECT_EQ(value(200000), before);
-    table.redo();
-    EXPECT_EQ(value(200000), 777);
-    EXPECT_EQ(table.model()->data(table.model()->index(Row::f1, 200000)).toString(), "777");
-    EXPECT_EQ(table.model()->data(table.model()->index(Row::f2, 200001)).toString(),
-              QString::number(c.m_Parameters[Row::f2].nValue));
-    table.redo();
-    EXPECT_EQ(table.model()->data(table.model()->index(Row::f2, 200001)).toString(), "1777");
-    EXPECT_GT(doc._dataTableDictionary.pendingCount(), fewerThanAll);
-
-    // Saved and read back, every frame is there: the two typed values and the rest.
-    const std::filesystem::path path =
-        std::filesystem::temp_directory_path() / ("tessaphon-hour-" + std::to_string(::getpid()) + ".stk");
-    std::string error;
-    ASSERT_TRUE(doc.writeSafelyToURL(path.string(), "stk", &error)) << error;
-    EXPECT_GT(doc._dataTableDictionary.pendingCount(), fewerThanAll) << "saving made no columns";
-    MyDocument read;
-    int code = 0;
-    ASSERT_TRUE(read.readFromData(slurp(path.string()), "stk", &code));
-    read.buildDataTableDictionary();
-    EXPECT_EQ(read.getChannel(0)->m_nColumnNum, MyDocument::kMaxFrames);
-    EXPECT_EQ(read._dataTableDictionary.cellAt(2000000, Row::f1)->_nValue(), 777);
-    EXPECT_EQ(read._dataTableDictionary.cellAt(2000010, Row::f2)->_nValue(), 1777);
-    EXPECT_EQ(read._dataTableDictionary.cellAt(3600000, Row::f1)->_nValue(), before);
-    std::filesystem::remove(path);
+    table->undo();
+    table->undo();
+    EXPECT_EQ(value(200000, Row::f1), f1Before);
+    table->redo();
+    EXPECT_EQ(shown(200000, Row::f1), "777");
+    EXPECT_EQ(shown(200001, Row::f2), QString::number(f2Before));
+    table->redo();
+    EXPECT_EQ(shown(200001, Row::f2), "1777");
+    // Made: the first screen, the last one and the ones typed into.
+    EXPECT_GT(doc._dataTableDictionary.pendingCount(), static_cast<std::size_t>(last - 300));
 }

@@ -34,6 +34,8 @@ struct SelectionTable : FramesInTable {
         table->_editRemoveColumns();
         ASSERT_EQ(alerts.size(), shownAlerts + 1);
         EXPECT_EQ(alerts.back().title, "No Column Selected");
+        EXPECT_EQ(alerts.back().message, "Select a colum or a range of clumns first.");
+        EXPECT_EQ(alerts.back().button, "OK");
         doc._nindexModifyColumn = 1; // after the selected frame
         doc._nDurationModifyColumn = 20;
         table->modifyColumns();
@@ -78,11 +80,17 @@ TEST_F(SelectionTable, AClickedCellSelectsItsRowButNeverItsFrame)
     clickCell(*table, Row::f1, 6, Qt::ShiftModifier);
     EXPECT_EQ(table->selectedRowSpan(), std::make_pair(int(Row::f2), int(Row::f1)));
 
-    // Click a cell, then interpolate: the clicked row is filled between its anchors, no other.
+    // Click a cell, then interpolate: the clicked row is filled between its anchors, no other,
+    // as one undo step.
     clickCell(*table, Row::f2, 4);
+    const std::size_t undo = doc._arrayUndo.size();
     table->_InterpolateSelection();
     EXPECT_EQ(value(3, Row::f2), 200);
     EXPECT_EQ(value(3, Row::f1), 500);
+    EXPECT_EQ(doc._arrayUndo.size(), undo + 1);
+    EXPECT_EQ(doc._arrayRedo.size(), doc._arrayUndo.size());
+    EXPECT_TRUE(table->_bSynthesize);
+    EXPECT_TRUE(doc.isDocumentEdited());
 }
 
 TEST_F(SelectionTable, KeysStepOverCollapsedRowsWhichTakeNoTypedValue)
@@ -124,12 +132,14 @@ TEST_F(SelectionTable, AFrameSelectedByItsHeaderOrTheDataEntryIsNoRow)
     EXPECT_EQ(table->selectedColumnSpan(), std::make_pair(7, 7));
     expectRowCommandsSeeNoRow();
 
-    // Remove Frames takes that frame only.
-    clickHeader(*table, 4);
+    // Remove Frames takes the whole span of the frames selected.
+    clickHeader(*table, 2);
+    clickHeader(*table, 4, Qt::ControlModifier);
     table->_editRemoveColumns();
-    EXPECT_EQ(f0s(), (std::vector<int>{1001, 1002, 1003, 1005, 1006, 1007, 1008, 1009, 1010}));
+    EXPECT_EQ(f0s(), (std::vector<int>{1001, 1005, 1006, 1007, 1008, 1009, 1010}));
+    EXPECT_EQ(table->model()->columnCount(), 8);
     EXPECT_EQ(table->selectedColumnSpan(), std::make_pair(-1, -1))
-        << "the removed frame is no longer selected";
+        << "the removed frames are no longer selected";
 }
 
 TEST_F(SelectionTable, ShiftAndCtrlExtendEachSelectionAndEachClearsTheOther)
@@ -140,6 +150,9 @@ TEST_F(SelectionTable, ShiftAndCtrlExtendEachSelectionAndEachClearsTheOther)
     EXPECT_EQ(table->selectedRowSpan(), std::make_pair(int(Row::f3), int(Row::f1)));
     clickName(*table, Row::f5, Qt::ControlModifier);
     EXPECT_EQ(table->selectedRowSpan(), std::make_pair(int(Row::f5), int(Row::f1)));
+    table->_InterpolateSelection();
+    EXPECT_EQ(value(3, Row::f1), 200);
+    EXPECT_EQ(value(3, Row::f2), 200);
 
     // A header press lets the rows go; Shift and Ctrl work on frames the same way.
     clickHeader(*table, 2);

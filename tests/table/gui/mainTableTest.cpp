@@ -1,67 +1,42 @@
 #include "table/gui/mainTable.h"
 
+#include "FramesInTable.h"
 #include "audio/AudioPlayer.h"
 #include "document/Log.h"
-#include "document/MyDocument.h"
 #include "options/optionFile.h"
 #include "support/TestFiles.h"
-#include "table/gui/Alert.h"
-#include "table/gui/TableClicks.h"
 
 #include <QAbstractButton>
-#include <QApplication>
 #include <QClipboard>
-#include <QHeaderView>
 #include <QItemSelectionModel>
 #include <QMessageBox>
 #include <QPointer>
 #include <QSignalSpy>
-#include <QTest>
 #include <QTimer>
-#include <gtest/gtest.h>
 
-#include <atomic>
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <mutex>
 
 namespace
 {
-// A table over a new document, with alerts and diagnostics recorded instead of shown.
-struct TableFixture {
-    MyDocument doc;
-    std::unique_ptr<mainTable> table;
-    QStringList alerts;
+// A table over a new document (frames at the factory values), with diagnostics recorded.
+struct TableOverNewDocument : FramesInTable {
     std::shared_ptr<std::vector<std::string>> log = std::make_shared<std::vector<std::string>>();
     std::shared_ptr<std::mutex> logMutex = std::make_shared<std::mutex>();
 
-    TableFixture()
+    void SetUp() override
     {
-        doc.SetUpDataGridMemory();
-        doc.buildDataTableDictionary();
-        table = std::make_unique<mainTable>(&doc);
-        table->resize(900, 700);
-        table->show();
-        EXPECT_TRUE(QTest::qWaitForWindowExposed(table.get()));
-        Alert::setHandler([this](const QString& title, const QString& message, const QString& button) {
-            alerts << title + "|" + message + "|" + button;
-        });
+        open(20, 900, 700, false);
         Log::setSink([log = log, m = logMutex](const std::string& text) {
             std::lock_guard<std::mutex> lock(*m);
             log->push_back(text);
         });
     }
-    ~TableFixture()
+    void TearDown() override
     {
-        table.reset();
-        Alert::setHandler({});
+        FramesInTable::TearDown();
         Log::setSink({});
-    }
-    int value(int row, int column) const
-    {
-        return doc._dataTableDictionary.cellAt(static_cast<long long>(column) * 10, row)->_nValue();
     }
     int logged(const std::string& text)
     {
@@ -70,18 +45,9 @@ struct TableFixture {
             return l.find(text) != std::string::npos;
         }));
     }
-    // Types text into a cell through the keyboard, as a user does.
-    void type(int row, int column, const QString& text)
-    {
-        const QModelIndex index = table->model()->index(row, column);
-        table->setCurrentIndex(index);
-        table->scrollTo(index);
-        table->activateWindow();
-        table->setFocus();
-        typeIntoCurrentCell(*table, text);
-    }
     void waitForPlaybackEnd()
     {
+        QTest::qWait(300);
         for (int i = 0; i < 200 && mainTable::sharedPlayer()->isPlaying(); ++i)
             QTest::qWait(25);
     }
@@ -118,112 +84,102 @@ TEST(mainTable, SetUpShowsNamesFramesAndHiddenRows)
     EXPECT_EQ(model->data(model->index(Row::av, 4), Qt::BackgroundRole).value<QColor>(), QColor(Qt::white));
 }
 
-TEST(mainTable, TypedEntryThroughTheKeyboardClampsAndUndoes)
+TEST_F(TableOverNewDocument, TypedEntryThroughTheKeyboardClampsAndUndoes)
 {
-    TableFixture f;
-    QSignalSpy changed(f.table.get(), &mainTable::documentChanged);
-    f.type(Row::av, 3, "9999");
-    EXPECT_EQ(f.value(Row::av, 3), 87);
-    EXPECT_TRUE(f.table->_bSynthesize);
-    EXPECT_TRUE(f.doc.isDocumentEdited());
+    QSignalSpy changed(table.get(), &mainTable::documentChanged);
+    type(3, Row::av, "9999");
+    EXPECT_EQ(value(3, Row::av), 87);
+    EXPECT_TRUE(table->_bSynthesize);
+    EXPECT_TRUE(doc.isDocumentEdited());
     EXPECT_GE(changed.count(), 1);
-    f.type(Row::f1, 5, "-5");
-    EXPECT_EQ(f.value(Row::f1, 5), 200);
-    EXPECT_EQ(f.doc._arrayUndo.size(), 2u);
+    type(5, Row::f1, "-5");
+    EXPECT_EQ(value(5, Row::f1), 200);
+    EXPECT_EQ(doc._arrayUndo.size(), 2u);
 
     // The same value again records nothing.
-    f.type(Row::f1, 5, "200");
-    EXPECT_EQ(f.doc._arrayUndo.size(), 2u);
+    type(5, Row::f1, "200");
+    EXPECT_EQ(doc._arrayUndo.size(), 2u);
 
     // Undo and redo through the table's commands restore the values and rebuild the view.
-    f.table->_bSynthesize = false;
-    f.table->undo();
-    EXPECT_EQ(f.value(Row::f1, 5), 500);
-    EXPECT_EQ(f.value(Row::av, 3), 87);
-    EXPECT_TRUE(f.table->_bSynthesize);
-    EXPECT_EQ(f.table->model()->data(f.table->model()->index(Row::f1, 5)).toString(), "500");
-    f.table->undo();
-    EXPECT_EQ(f.value(Row::av, 3), 60);
-    f.table->redo();
-    EXPECT_EQ(f.value(Row::av, 3), 87);
-    f.table->redo();
-    EXPECT_EQ(f.value(Row::f1, 5), 200);
-    EXPECT_TRUE(f.alerts.isEmpty());
+    table->_bSynthesize = false;
+    table->undo();
+    EXPECT_EQ(value(5, Row::f1), 500);
+    EXPECT_EQ(shown(5, Row::f1), "500");
+    EXPECT_TRUE(table->_bSynthesize);
+    table->undo();
+    EXPECT_EQ(value(3, Row::av), 60);
+    table->redo();
+    table->redo();
+    EXPECT_EQ(shown(5, Row::f1), "200");
+    EXPECT_TRUE(alerts.empty());
 }
 
-TEST(mainTable, AnchorsFromTheContextMenuFollowTheRules)
+TEST_F(TableOverNewDocument, AnchorsFromTheContextMenuFollowTheRules)
 {
-    TableFixture f;
-    f.table->addAnchor(Row::f1, 4);
-    EXPECT_TRUE(f.doc._dataTableDictionary.cellAt(40, Row::f1)->_bAnchor());
-    f.table->removeAnchor(Row::f1, 4);
-    EXPECT_FALSE(f.doc._dataTableDictionary.cellAt(40, Row::f1)->_bAnchor());
-    f.table->addAnchor(Row::f8, 4); // hidden row: nothing
-    EXPECT_FALSE(f.doc._dataTableDictionary.cellAt(40, Row::f8)->_bAnchor());
-    f.table->addAnchor(Row::f1, 0); // name column: nothing
-    EXPECT_FALSE(f.doc._dataTableDictionary.cellAt(0, Row::f1)->_bAnchor());
-    EXPECT_TRUE(f.doc._arrayUndo.empty()) << "anchors record no undo step";
+    table->addAnchor(Row::f1, 4);
+    EXPECT_TRUE(cell(4, Row::f1)->_bAnchor());
+    table->removeAnchor(Row::f1, 4);
+    EXPECT_FALSE(cell(4, Row::f1)->_bAnchor());
+    table->addAnchor(Row::f8, 4); // hidden row: nothing
+    EXPECT_FALSE(cell(4, Row::f8)->_bAnchor());
+    table->addAnchor(Row::f1, 0); // name column: nothing
+    EXPECT_FALSE(cell(0, Row::f1)->_bAnchor());
+    EXPECT_TRUE(doc._arrayUndo.empty()) << "anchors record no undo step";
 
-    // Typed values with the anchor and interpolate switches.
-    f.doc.getChannel(0)->m_bDoAnchor = 1;
-    f.doc.getChannel(0)->m_bDoInterpolate = 1;
-    f.type(Row::f2, 2, "1000");
-    f.type(Row::f2, 6, "2000");
-    EXPECT_EQ(f.value(Row::f2, 4), 1500);
-    EXPECT_EQ(f.table->model()->data(f.table->model()->index(Row::f2, 4)).toString(), "1500");
+    // Typed values with the anchor and interpolate switches: the view shows what was filled in.
+    doc.getChannel(0)->m_bDoAnchor = 1;
+    doc.getChannel(0)->m_bDoInterpolate = 1;
+    type(2, Row::f2, "1000");
+    type(6, Row::f2, "2000");
+    EXPECT_EQ(shown(4, Row::f2), "1500");
 }
 
 // (Selecting a frame for the data-entry windows: SelectionTest.cpp.)
-TEST(mainTable, RevertWithoutASavedFileIsAnAlertWithTheCommandsButton)
+TEST_F(TableOverNewDocument, RevertWithoutASavedFileIsAnAlertWithTheCommandsButton)
 {
-    TableFixture f;
-    f.table->revertDocumentToSaved();
-    ASSERT_EQ(f.alerts.size(), 1);
-    EXPECT_TRUE(f.alerts[0].startsWith("Error in reading the file|"));
-    EXPECT_TRUE(f.alerts[0].endsWith("|Error in Revert to Save"));
+    table->revertDocumentToSaved();
+    ASSERT_EQ(alerts.size(), 1u);
+    EXPECT_EQ(alerts[0].title, "Error in reading the file");
+    EXPECT_EQ(alerts[0].button, "Error in Revert to Save");
 }
 
-TEST(mainTable, TwoPlaysSynthesizeOnceAndTheOutputGetsTheSamples)
+TEST_F(TableOverNewDocument, TwoPlaysSynthesizeOnceAndTheOutputGetsTheSamples)
 {
-    TableFixture f;
     const std::string capture = std::string(std::getenv("AUDIO_CAPTURE_FILE")) + ".table";
     setenv("AUDIO_CAPTURE_FILE", capture.c_str(), 1);
     // Just opened: the table flag is clear and channel 0 holds no samples, yet Play Current is
     // heard: a document never synthesized is synthesized to play.
-    ASSERT_FALSE(f.table->_bSynthesize);
-    ASSERT_FALSE(f.doc.getChannel(0)->hasAudio());
-    f.table->_PlayCurrent();
-    QTest::qWait(300);
-    f.waitForPlaybackEnd();
-    EXPECT_EQ(f.logged("strat synthesize"), 1);
-    EXPECT_FALSE(f.table->_bSynthesize);
-    ASSERT_TRUE(f.doc.getChannel(0)->hasAudio());
+    ASSERT_FALSE(table->_bSynthesize);
+    ASSERT_FALSE(doc.getChannel(0)->hasAudio());
+    table->_PlayCurrent();
+    waitForPlaybackEnd();
+    EXPECT_EQ(logged("strat synthesize"), 1);
+    EXPECT_FALSE(table->_bSynthesize);
+    ASSERT_TRUE(doc.getChannel(0)->hasAudio());
 
     // What the output received: after the priming silence, the synthesized samples (the
     // whole requests of them).
     const std::vector<float> heard = slurpFloats(capture);
-    const float* synthesized = f.doc.getChannel(0)->samples();
-    const std::size_t played = f.doc.getChannel(0)->sampleCount() / 512 * 512;
+    const float* synthesized = doc.getChannel(0)->samples();
+    const std::size_t played = doc.getChannel(0)->sampleCount() / 512 * 512;
     ASSERT_GT(played, 0u);
     auto at = std::search(heard.begin(), heard.end(), synthesized, synthesized + played);
     EXPECT_NE(at, heard.end()) << "the synthesized samples were not heard as they are";
 
-    f.table->_PlayCurrent();
-    QTest::qWait(300);
-    f.waitForPlaybackEnd();
-    EXPECT_EQ(f.logged("strat synthesize"), 1) << "no edit, no new synthesis";
+    table->_PlayCurrent();
+    waitForPlaybackEnd();
+    EXPECT_EQ(logged("strat synthesize"), 1) << "no edit, no new synthesis";
 
-    f.type(Row::f0, 3, "1200");
-    f.table->_PlayCurrent();
-    QTest::qWait(300);
-    f.waitForPlaybackEnd();
-    EXPECT_EQ(f.logged("strat synthesize"), 2);
+    type(3, Row::f0, "1200");
+    table->_PlayCurrent();
+    waitForPlaybackEnd();
+    EXPECT_EQ(logged("strat synthesize"), 2);
 
     // The model channel holds nothing: playing it does nothing and says nothing.
-    f.table->_PlayAudio();
+    table->_PlayAudio();
     QTest::qWait(200);
     EXPECT_FALSE(mainTable::sharedPlayer()->isPlaying());
-    EXPECT_TRUE(f.alerts.isEmpty());
+    EXPECT_TRUE(alerts.empty());
 }
 
 TEST(mainTable, AFailedSetUpIsAnAlertAndTheProgramGoesOn)
@@ -258,50 +214,47 @@ TEST(mainTable, AFailedSetUpIsAnAlertAndTheProgramGoesOn)
     Alert::setHandler({});
 }
 
-TEST(mainTable, SaveAudioWritesTheSynthesis)
+TEST_F(TableOverNewDocument, SaveAudioWritesTheSynthesis)
 {
     // A new document, never played: its synthesis is made first and saved, 200 ms at 11025 Hz.
-    TableFixture f;
     const std::string path = std::string(std::getenv("AUDIO_CAPTURE_FILE")) + ".audio.wav";
-    ASSERT_FALSE(f.table->_bSynthesize);
-    ASSERT_TRUE(f.table->saveAudioTo(QString::fromStdString(path)));
+    ASSERT_FALSE(table->_bSynthesize);
+    ASSERT_TRUE(table->saveAudioTo(QString::fromStdString(path)));
     const std::string bytes = slurp(path);
     ASSERT_GE(bytes.size(), 48u);
     EXPECT_EQ(bytes.substr(0, 4), "RIFF");
     EXPECT_EQ(bytes.size(), 48u + 2 * 2205);
-    EXPECT_EQ(f.logged("strat synthesize"), 1);
-    EXPECT_EQ(f.logged("yes"), 1);
-    EXPECT_FALSE(f.table->saveAudioTo("/proc/no/such/folder/audio.wav"));
-    EXPECT_EQ(f.logged("no"), 1);
-    EXPECT_EQ(f.logged("strat synthesize"), 1) << "saved twice, synthesized once";
+    EXPECT_EQ(logged("strat synthesize"), 1);
+    EXPECT_EQ(logged("yes"), 1);
+    EXPECT_FALSE(table->saveAudioTo("/proc/no/such/folder/audio.wav"));
+    EXPECT_EQ(logged("no"), 1);
+    EXPECT_EQ(logged("strat synthesize"), 1) << "saved twice, synthesized once";
 
     // A document too short for a single sample writes nothing and says so.
     const std::string empty = path + ".empty.wav";
-    f.doc.getChannel(0)->m_dLengthMS = 0;
-    f.table->_bSynthesize = true;
-    EXPECT_FALSE(f.table->saveAudioTo(QString::fromStdString(empty)));
+    doc.getChannel(0)->m_dLengthMS = 0;
+    table->_bSynthesize = true;
+    EXPECT_FALSE(table->saveAudioTo(QString::fromStdString(empty)));
     EXPECT_FALSE(std::ifstream(empty).good());
-    ASSERT_EQ(f.alerts.size(), 1);
-    EXPECT_TRUE(f.alerts[0].startsWith("No audio to save|")) << f.alerts[0].toStdString();
+    ASSERT_EQ(alerts.size(), 1u);
+    EXPECT_EQ(alerts[0].title, "No audio to save");
 }
 
-TEST(mainTable, PlaySelectionPlaysExactlyTheSelectedFrames)
+TEST_F(TableOverNewDocument, PlaySelectionPlaysExactlyTheSelectedFrames)
 {
-    TableFixture f;
     const std::string capture = std::string(std::getenv("AUDIO_CAPTURE_FILE")) + ".selection";
     setenv("AUDIO_CAPTURE_FILE", capture.c_str(), 1);
     // Frames 5 to 8 of a document never synthesized: 110 samples a frame at 11025 Hz.
-    clickHeader(*f.table, 5);
-    clickHeader(*f.table, 8, Qt::ShiftModifier);
-    ASSERT_EQ(f.table->selectedColumnSpan(), std::make_pair(5, 8));
-    f.table->_PlaySelection();
-    QTest::qWait(300);
-    f.waitForPlaybackEnd();
-    EXPECT_EQ(f.logged("strat synthesize"), 1);
-    ASSERT_EQ(f.doc.getChannel(0)->sampleCount(), 2205u);
+    clickHeader(*table, 5);
+    clickHeader(*table, 8, Qt::ShiftModifier);
+    ASSERT_EQ(table->selectedColumnSpan(), std::make_pair(5, 8));
+    table->_PlaySelection();
+    waitForPlaybackEnd();
+    EXPECT_EQ(logged("strat synthesize"), 1);
+    ASSERT_EQ(doc.getChannel(0)->sampleCount(), 2205u);
 
     const std::vector<float> heard = slurpFloats(capture);
-    const float* selected = f.doc.getChannel(0)->samples() + 4 * 110;
+    const float* selected = doc.getChannel(0)->samples() + 4 * 110;
     const auto at = std::search(heard.begin(), heard.end(), selected, selected + 4 * 110);
     ASSERT_NE(at, heard.end()) << "the selected frames were not heard as they are";
     // Nothing else of the synthesis was heard: silence before and after the selection.
@@ -309,53 +262,51 @@ TEST(mainTable, PlaySelectionPlaysExactlyTheSelectedFrames)
     EXPECT_TRUE(std::all_of(at + 4 * 110, heard.end(), [](float s) { return s == 0.0f; }));
 
     // A parameter row selects no frame: nothing plays.
-    clickName(*f.table, Row::f1);
-    f.table->PlaySelection();
+    clickName(*table, Row::f1);
+    table->PlaySelection();
     EXPECT_FALSE(mainTable::sharedPlayer()->isPlaying());
 }
 
-TEST(mainTable, CopiedCellsPasteElsewhereAsOneUndoStep)
+TEST_F(TableOverNewDocument, CopiedCellsPasteElsewhereAsOneUndoStep)
 {
-    TableFixture f;
-    QAbstractItemModel* model = f.table->model();
+    QAbstractItemModel* model = table->model();
     // Cells selected in the view (a selected row or frame is let go first).
     auto select = [&](int top, int left, int bottom, int right) {
-        f.table->clearSelection();
-        f.table->selectionModel()->select(
-            QItemSelection(model->index(top, left), model->index(bottom, right)),
-            QItemSelectionModel::ClearAndSelect);
+        table->clearSelection();
+        table->selectionModel()->select(QItemSelection(model->index(top, left), model->index(bottom, right)),
+                                        QItemSelectionModel::ClearAndSelect);
     };
     for (int k = 3; k <= 5; ++k) {
-        f.doc._dataTableDictionary.cellAt(k * 10, Row::f2)->set_nValue(1600 + k);
-        f.doc._dataTableDictionary.cellAt(k * 10, Row::f1)->set_nValue(700 + k);
+        cell(k, Row::f2)->set_nValue(1600 + k);
+        cell(k, Row::f1)->set_nValue(700 + k);
     }
     select(Row::f2, 3, Row::f1, 5); // f2 is the row above f1
-    f.table->copySelection();
+    table->copySelection();
     EXPECT_EQ(QGuiApplication::clipboard()->text(), "f2\tf1\n1603\t703\n1604\t704\n1605\t705\n");
 
     select(Row::f2, 10, Row::f2, 10);
-    f.table->pasteAtSelection();
+    table->pasteAtSelection();
     for (int k = 0; k < 3; ++k) {
-        EXPECT_EQ(f.value(Row::f2, 10 + k), 1603 + k);
-        EXPECT_EQ(f.value(Row::f1, 10 + k), 703 + k);
-        EXPECT_EQ(model->data(model->index(Row::f1, 10 + k)).toString(), QString::number(703 + k));
+        EXPECT_EQ(value(10 + k, Row::f2), 1603 + k);
+        EXPECT_EQ(value(10 + k, Row::f1), 703 + k);
+        EXPECT_EQ(shown(10 + k, Row::f1), QString::number(703 + k));
     }
-    EXPECT_TRUE(f.table->_bSynthesize);
-    EXPECT_TRUE(f.doc.isDocumentEdited());
-    EXPECT_EQ(f.doc._arrayUndo.size(), 1u);
-    f.table->undo();
-    EXPECT_EQ(f.value(Row::f2, 11), 1500);
-    EXPECT_EQ(f.value(Row::f1, 12), 500);
+    EXPECT_TRUE(table->_bSynthesize);
+    EXPECT_TRUE(doc.isDocumentEdited());
+    EXPECT_EQ(doc._arrayUndo.size(), 1u);
+    table->undo();
+    EXPECT_EQ(value(11, Row::f2), 1500);
+    EXPECT_EQ(value(12, Row::f1), 500);
 
     // A row selected by its name is copied over every frame, a frame over every row.
-    clickName(*f.table, Row::f1);
-    f.table->copySelection();
+    clickName(*table, Row::f1);
+    table->copySelection();
     QStringList lines = QGuiApplication::clipboard()->text().split('\n', Qt::SkipEmptyParts);
     ASSERT_EQ(lines.size(), 21);
     EXPECT_EQ(lines[0], "f1");
     EXPECT_EQ(lines[4], "704");
-    clickHeader(*f.table, 4);
-    f.table->copySelection();
+    clickHeader(*table, 4);
+    table->copySelection();
     lines = QGuiApplication::clipboard()->text().split('\n', Qt::SkipEmptyParts);
     ASSERT_EQ(lines.size(), 2);
     EXPECT_EQ(lines[0].split('\t').size(), 48);
@@ -364,34 +315,33 @@ TEST(mainTable, CopiedCellsPasteElsewhereAsOneUndoStep)
     // Values from elsewhere (CR LF, no header) are clamped as typed values are.
     QGuiApplication::clipboard()->setText("200\t-3\r\n50\r\n");
     select(Row::av, 2, Row::av, 2);
-    f.table->pasteAtSelection();
-    EXPECT_EQ(f.value(Row::av, 2), 87);
-    EXPECT_EQ(f.value(Row::ah, 2), 0);
-    EXPECT_EQ(f.value(Row::av, 3), 50);
+    table->pasteAtSelection();
+    EXPECT_EQ(value(2, Row::av), 87);
+    EXPECT_EQ(value(2, Row::ah), 0);
+    EXPECT_EQ(value(3, Row::av), 50);
 
     // What does not fit, or is not numbers, is refused and changes nothing.
-    const std::size_t undoSteps = f.doc._arrayUndo.size();
+    const std::size_t undoSteps = doc._arrayUndo.size();
     QGuiApplication::clipboard()->setText("f1\n1\n2\n3\n");
     select(Row::f1, 19, Row::f1, 19); // two frames left
-    f.table->pasteAtSelection();
+    table->pasteAtSelection();
     QGuiApplication::clipboard()->setText("1\t2\n");
     select(Row::gain, 4, Row::gain, 4); // the last row
-    f.table->pasteAtSelection();
+    table->pasteAtSelection();
     QGuiApplication::clipboard()->setText("f1\n700\nloud\n");
     select(Row::f1, 7, Row::f1, 7);
-    f.table->pasteAtSelection();
-    EXPECT_EQ(f.doc._arrayUndo.size(), undoSteps);
-    EXPECT_EQ(f.value(Row::f1, 19), 500);
-    EXPECT_EQ(f.value(Row::f1, 7), 500);
-    EXPECT_EQ(f.value(Row::gain, 4), 60);
-    ASSERT_EQ(f.alerts.size(), 3);
-    EXPECT_TRUE(f.alerts[0].contains("3 frames")) << f.alerts[0].toStdString();
-    EXPECT_TRUE(f.alerts[2].contains("“loud”")) << f.alerts[2].toStdString();
+    table->pasteAtSelection();
+    EXPECT_EQ(doc._arrayUndo.size(), undoSteps);
+    EXPECT_EQ(value(19, Row::f1), 500);
+    EXPECT_EQ(value(7, Row::f1), 500);
+    EXPECT_EQ(value(4, Row::gain), 60);
+    ASSERT_EQ(alerts.size(), 3u);
+    EXPECT_TRUE(alerts[0].message.contains("3 frames")) << alerts[0].message.toStdString();
+    EXPECT_TRUE(alerts[2].message.contains("“loud”")) << alerts[2].message.toStdString();
 }
 
-TEST(mainTable, ShorteningAsksBeforeItRemovesEnteredValues)
+TEST_F(TableOverNewDocument, ShorteningAsksBeforeItRemovesEnteredValues)
 {
-    TableFixture f;
     QStringList questions;
     // The option panel gets the new length and OK; a question that follows gets `answer`.
     auto shortenTo = [&](const QString& length, const QString& answer) {
@@ -413,23 +363,23 @@ TEST(mainTable, ShorteningAsksBeforeItRemovesEnteredValues)
             }
         });
         poll.start(10);
-        f.table->_optionsFile();
+        table->_optionsFile();
     };
 
     // Frames at the factory values go without a question.
     shortenTo("150", "Cancel");
     EXPECT_TRUE(questions.isEmpty());
-    EXPECT_EQ(f.doc.getChannel(0)->m_nColumnNum, 15);
+    EXPECT_EQ(doc.getChannel(0)->m_nColumnNum, 15);
 
-    f.type(Row::f1, 14, "700");
+    type(14, Row::f1, "700");
     shortenTo("100", "Cancel");
     ASSERT_EQ(questions.size(), 1);
     EXPECT_EQ(questions[0], "Shortening to 100 ms removes 5 frames.");
-    EXPECT_EQ(f.doc.getChannel(0)->m_nColumnNum, 15) << "declined: nothing removed";
-    EXPECT_EQ(f.value(Row::f1, 14), 700);
+    EXPECT_EQ(doc.getChannel(0)->m_nColumnNum, 15) << "declined: nothing removed";
+    EXPECT_EQ(value(14, Row::f1), 700);
 
     shortenTo("100", "Shorten");
     EXPECT_EQ(questions.size(), 2);
-    EXPECT_EQ(f.doc.getChannel(0)->m_nColumnNum, 10);
-    EXPECT_EQ(f.table->model()->columnCount(), 11);
+    EXPECT_EQ(doc.getChannel(0)->m_nColumnNum, 10);
+    EXPECT_EQ(table->model()->columnCount(), 11);
 }
