@@ -192,10 +192,12 @@ void chooseOpenPhase(const LevelMatching& judge, std::vector<FrameValues>& frame
 bool chooseVoicingBranch(const LevelMatching& judge, std::vector<FrameValues>& frames)
 {
     constexpr double kParallelBandwidthScale = 0.7;
+    constexpr int kShapePasses = 2;
     std::future<double> cascade =
         std::async(std::launch::async, [&judge, &frames] { return judge.spectralDistance(frames); });
     std::vector<FrameValues> parallel = frames;
     judge.matchParallelVoicing(parallel, 2, kParallelBandwidthScale);
+    judge.refineParallelShape(parallel, kShapePasses);
     const double parallelDistance = judge.spectralDistance(parallel);
     if (!(parallelDistance < cascade.get()))
         return false;

@@ -52,6 +52,11 @@ public:
     // height rather than the one the cascade gives it. The parallel bandwidths are the cascade's
     // times `bandwidthScale`.
     void matchParallelVoicing(std::vector<FrameValues>& frames, int passes, double bandwidthScale) const;
+    // Then the shape: in each parallel-voiced frame within 40 dB of the loudest, a1f .. a5f move
+    // together (by least squares on the mel cepstrum, each formant's effect on every mel filter
+    // computed from the frame's resonators) so that the synthesis's spectral shape comes closest
+    // to the recording's, and apv keeps the frame's level (LevelMatchingShape.cpp).
+    void refineParallelShape(std::vector<FrameValues>& frames, int passes) const;
 
     // At 22050 Hz: the band above 5.5 kHz, by the bandwidths of the cascade's f7 and f8 in
     // voiced frames (wide where the recording has nothing there) and by the bypass ab in
