@@ -16,7 +16,6 @@ namespace testsignals = signals;
 
 #include <gtest/gtest.h>
 
-#include <QApplication>
 #include <QProgressDialog>
 #include <QPushButton>
 #include <QSignalSpy>

@@ -11,7 +11,6 @@
 #include "table/gui/FrozenColumnView.h"
 #include "table/gui/mainTable.h"
 
-#include <QApplication>
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QTest>
