@@ -291,6 +291,7 @@ CopySynthesisResult copySynthesize(const float* samples, std::size_t count, doub
     levels.matchVoicedBalance(r.frames);
     levels.matchFrication(r.frames, 2);
     levels.matchHighBand(r.frames);
+    levels.refineFricationShape(r.frames, 2);
     r.report.parallelVoicing = chooseVoicingBranch(levels, r.frames);
     levels.matchTotal(r.frames, 2);
     levels.smoothVoicing(r.frames);
