@@ -8,34 +8,6 @@
 
 TraceTrackLists::TraceTrackLists(std::vector<int> rows) : m_rows(std::move(rows))
 {
-    makeLists();
-}
-
-TraceTrackLists::TraceTrackLists(const TraceTrackLists& other)
-{
-    *this = other;
-}
-
-TraceTrackLists& TraceTrackLists::operator=(const TraceTrackLists& other)
-{
-    if (this == &other)
-        return *this;
-    _bViewGridData = other._bViewGridData;
-    m_rows = other.m_rows;
-    m_pDoc = other.m_pDoc;
-    m_nColumns = other.m_nColumns;
-    m_nInterval = other.m_nInterval;
-    m_bShowsGrid = other.m_bShowsGrid;
-    m_live = other.m_live;
-    m_placeholders = other.m_placeholders;
-    makeLists(); // the lists answer for this object, not the other
-    return *this;
-}
-
-void TraceTrackLists::makeLists()
-{
-    _arrayTracedValues.clear();
-    _arrayGridValues.clear();
     for (int slot = 0; slot < slotCount(); ++slot) {
         _arrayTracedValues.emplace_back(this, slot, false);
         _arrayGridValues.emplace_back(this, slot, true);

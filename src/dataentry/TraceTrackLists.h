@@ -45,8 +45,9 @@ public:
     };
 
     explicit TraceTrackLists(std::vector<int> rows);
-    TraceTrackLists(const TraceTrackLists& other);
-    TraceTrackLists& operator=(const TraceTrackLists& other);
+    // The lists point at the object that made them: it stays where it was made.
+    TraceTrackLists(const TraceTrackLists&) = delete;
+    TraceTrackLists& operator=(const TraceTrackLists&) = delete;
 
     // Takes the document's frame columns anew (repairing an update interval below 1 to 10):
     // the lists cover table columns 1 .. count - 1 of its table data, and when the old values
@@ -70,7 +71,6 @@ public:
     std::vector<CellList> _arrayGridValues;
 
 private:
-    void makeLists();
     long long keyOf(std::size_t index) const { return static_cast<long long>(index + 1) * m_nInterval; }
     CellRef placeholder(std::size_t index) const;
 
