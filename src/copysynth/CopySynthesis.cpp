@@ -192,10 +192,12 @@ void chooseOpenPhase(const LevelMatching& judge, std::vector<FrameValues>& frame
 bool chooseVoicingBranch(const LevelMatching& judge, std::vector<FrameValues>& frames)
 {
     constexpr double kParallelBandwidthScale = 0.7;
+    constexpr int kShapePasses = 2;
     std::future<double> cascade =
         std::async(std::launch::async, [&judge, &frames] { return judge.spectralDistance(frames); });
     std::vector<FrameValues> parallel = frames;
     judge.matchParallelVoicing(parallel, 2, kParallelBandwidthScale);
+    judge.refineParallelShape(parallel, kShapePasses);
     const double parallelDistance = judge.spectralDistance(parallel);
     if (!(parallelDistance < cascade.get()))
         return false;
@@ -289,6 +291,7 @@ CopySynthesisResult copySynthesize(const float* samples, std::size_t count, doub
     levels.matchVoicedBalance(r.frames);
     levels.matchFrication(r.frames, 2);
     levels.matchHighBand(r.frames);
+    levels.refineFricationShape(r.frames, 2);
     r.report.parallelVoicing = chooseVoicingBranch(levels, r.frames);
     levels.matchTotal(r.frames, 2);
     levels.smoothVoicing(r.frames);

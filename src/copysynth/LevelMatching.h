@@ -7,6 +7,7 @@
 #include "copysynth/KlattRender.h"
 #include "copysynth/MelCepstrum.h"
 
+#include <array>
 #include <cstddef>
 #include <functional>
 #include <vector>
@@ -52,11 +53,22 @@ public:
     // height rather than the one the cascade gives it. The parallel bandwidths are the cascade's
     // times `bandwidthScale`.
     void matchParallelVoicing(std::vector<FrameValues>& frames, int passes, double bandwidthScale) const;
+    // Then the shape: in each parallel-voiced frame within 40 dB of the loudest, a1f .. a5f move
+    // together (by least squares on the mel cepstrum, each formant's effect on every mel filter
+    // computed from the frame's resonators) so that the synthesis's spectral shape comes closest
+    // to the recording's, the frame's level kept (LevelMatchingShape.cpp).
+    void refineParallelShape(std::vector<FrameValues>& frames, int passes) const;
+    // Likewise the frication of unvoiced frames without aspiration: a2f .. a5f and ab.
+    void refineFricationShape(std::vector<FrameValues>& frames, int passes) const;
 
     // At 22050 Hz: the band above 5.5 kHz, by the bandwidths of the cascade's f7 and f8 in
     // voiced frames (wide where the recording has nothing there) and by the bypass ab in
     // unvoiced ones (LevelMatchingHighBand.cpp).
     void matchHighBand(std::vector<FrameValues>& frames) const;
+
+    // A part of the parallel branch whose amplitude the shape refinements move
+    // (LevelMatchingShape.cpp).
+    struct Part;
 
     const std::vector<double>& recordingLevels() const { return m_recordingLevels; }
 
@@ -87,6 +99,10 @@ private:
         bool voiced;
         std::function<std::vector<double>(const FrameValues&, double top)> edges;
     };
+    void refineShape(std::vector<FrameValues>& frames, int passes, const std::array<Part, 5>& parts,
+                     const std::vector<bool>& wanted, bool voicing) const;
+    // The level of each frame marked in `wanted` brought to the recording's through a1f .. a5f.
+    void matchParallelLevel(std::vector<FrameValues>& frames, const std::vector<bool>& wanted) const;
     std::vector<std::vector<double>> levelsInBands(const float* x, std::size_t count, double rate,
                                                    const std::vector<FrameValues>& frames,
                                                    const BandLayout& layout) const;

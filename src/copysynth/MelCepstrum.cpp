@@ -9,7 +9,7 @@
 namespace
 {
 
-constexpr int kFilters = 40;
+constexpr int kFilters = kMelFilters;
 constexpr double kPi = 3.14159265358979323846;
 
 } // namespace
@@ -35,15 +35,15 @@ MelCepstrum::MelCepstrum(double rate, double topHz)
     }
 }
 
-std::vector<MelFrame> MelCepstrum::frames(const float* x, std::size_t count,
-                                          const std::vector<double>& centres,
-                                          const std::vector<bool>* wanted) const
+std::vector<MelSpectrum> MelCepstrum::logSpectra(const float* x, std::size_t count,
+                                                 const std::vector<double>& centres,
+                                                 const std::vector<bool>* wanted) const
 {
     const Fft fft(m_nFftSize);
     const std::vector<double> window = hannWindow(m_nLength);
-    std::vector<double> segment(m_nLength), power(m_nFftSize / 2 + 1), logs(kFilters);
+    std::vector<double> segment(m_nLength), power(m_nFftSize / 2 + 1);
     std::vector<std::complex<double>> work(m_nFftSize);
-    std::vector<MelFrame> out(centres.size());
+    std::vector<MelSpectrum> out(centres.size());
     for (std::size_t f = 0; f < centres.size(); ++f) {
         if (wanted && !(*wanted)[f])
             continue;
@@ -53,15 +53,30 @@ std::vector<MelFrame> MelCepstrum::frames(const float* x, std::size_t count,
             double sum = 0.0;
             for (const auto& [bin, w] : m_filters[k])
                 sum += power[bin] * w;
-            logs[k] = 0.5 * std::log(sum + 1e-10);
-        }
-        for (int c = 1; c <= kMelCoefficients; ++c) {
-            double sum = 0.0;
-            for (int k = 0; k < kFilters; ++k)
-                sum += logs[k] * m_dct[(c - 1) * kFilters + k];
-            out[f][c - 1] = sum;
+            out[f][k] = 0.5 * std::log(sum + 1e-10);
         }
     }
+    return out;
+}
+
+double MelCepstrum::coefficient(const MelSpectrum& logs, int c) const
+{
+    double sum = 0.0;
+    for (int k = 0; k < kFilters; ++k)
+        sum += logs[k] * m_dct[(c - 1) * kFilters + k];
+    return sum;
+}
+
+std::vector<MelFrame> MelCepstrum::frames(const float* x, std::size_t count,
+                                          const std::vector<double>& centres,
+                                          const std::vector<bool>* wanted) const
+{
+    const std::vector<MelSpectrum> logs = logSpectra(x, count, centres, wanted);
+    std::vector<MelFrame> out(centres.size());
+    for (std::size_t f = 0; f < centres.size(); ++f)
+        if (!wanted || (*wanted)[f])
+            for (int c = 1; c <= kMelCoefficients; ++c)
+                out[f][c - 1] = coefficient(logs[f], c);
     return out;
 }
 

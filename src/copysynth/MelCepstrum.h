@@ -9,7 +9,9 @@
 #include <vector>
 
 constexpr int kMelCoefficients = 24;
+constexpr int kMelFilters = 40;
 using MelFrame = std::array<double, kMelCoefficients>;
+using MelSpectrum = std::array<double, kMelFilters>; // log amplitude (0.5 ln power) per filter
 
 class MelCepstrum
 {
@@ -21,13 +23,24 @@ public:
     std::vector<MelFrame> frames(const float* x, std::size_t count, const std::vector<double>& centres,
                                  const std::vector<bool>* wanted = nullptr) const;
 
+    // The log amplitudes of the filters, frame by frame, as frames() takes them (the same
+    // frames computed and left zero).
+    std::vector<MelSpectrum> logSpectra(const float* x, std::size_t count, const std::vector<double>& centres,
+                                        const std::vector<bool>* wanted = nullptr) const;
+    // Coefficient c (1 .. kMelCoefficients) of a frame's log amplitudes.
+    double coefficient(const MelSpectrum& logs, int c) const;
+
     // Distance of two frames in dB (10 / ln 10 x sqrt(2 x sum of squared differences)).
     static double distance(const MelFrame& a, const MelFrame& b);
+
+    using Filter = std::vector<std::pair<int, double>>; // (bin, weight)
+    const std::vector<Filter>& filters() const { return m_filters; }
+    int fftSize() const { return m_nFftSize; }
 
 private:
     double m_dRate;
     int m_nLength;
     int m_nFftSize;
-    std::vector<std::vector<std::pair<int, double>>> m_filters; // per filter: (bin, weight)
-    std::vector<double> m_dct;                                  // coefficient x filter
+    std::vector<Filter> m_filters;
+    std::vector<double> m_dct; // coefficient x filter
 };

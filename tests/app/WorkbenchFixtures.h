@@ -6,40 +6,25 @@
 #include "app/RecoveryDialog.h"
 #include "app/WorkbenchApplication.h"
 #include "document/MyDocument.h"
+#include "support/ModalAnswers.h"
 #include "support/TestChannels.h"
 #include "support/TestFiles.h"
 #include "support/WorkbenchFixture.h"
 #include "table/gui/DataEntryController.h"
 #include "table/gui/mainTable.h"
 
-#include <QAction>
-#include <QApplication>
-#include <QCoreApplication>
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
-#include <QMessageBox>
-#include <QPointer>
 #include <QPushButton>
 #include <QStatusBar>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QTimer>
-#include <gtest/gtest.h>
 
 #include <fstream>
-#include <functional>
-
-inline QAction* action(QWidget* window, const QString& text)
-{
-    for (QAction* a : window->findChildren<QAction*>())
-        if (a->text() == text)
-            return a;
-    return nullptr;
-}
 
 inline int value(DocumentWindow* w, int row, int column)
 {
@@ -50,58 +35,6 @@ inline void typeInto(DocumentWindow* w, int row, int column, int number)
 {
     QAbstractItemModel* model = w->table()->model();
     ASSERT_TRUE(model->setData(model->index(row, column), QString::number(number), Qt::EditRole));
-}
-
-// While an answered dialog is still open (for a few seconds at most), any other modal window
-// that the answer brings up (a question the dialog asks inside its accept) is reported and
-// rejected, so that a test never hangs on it.
-inline void rejectStrayModals(QWidget* answered)
-{
-    auto* poll = new QTimer(qApp); // owned by the application, so a poll still running at exit goes with it
-    auto tries = std::make_shared<int>(0);
-    QPointer<QWidget> expected(answered);
-    QObject::connect(poll, &QTimer::timeout, [poll, tries, expected] {
-        QWidget* modal = QApplication::activeModalWidget();
-        auto* dialog = qobject_cast<QDialog*>(modal);
-        // Only a window that comes up while the answered one is still open is its question.
-        const bool answeredOpen = expected && expected->isVisible();
-        const bool stray = answeredOpen && dialog && modal != expected.data();
-        if (!stray && answeredOpen && ++*tries < 100)
-            return;
-        poll->stop();
-        poll->deleteLater();
-        if (stray) {
-            const auto* box = qobject_cast<QMessageBox*>(modal);
-            ADD_FAILURE() << "unexpected dialog " << modal->windowTitle().toStdString() << ": "
-                          << (box ? box->text().toStdString() : std::string());
-            dialog->reject();
-        }
-    });
-    poll->start(50);
-}
-
-// Runs `answer` on the next modal window of type T once it is up (within a few seconds);
-// anything else that comes up modally is rejected so that a test never hangs on it.
-template <typename T> void whenModal(std::function<void(T*)> answer)
-{
-    auto* poll = new QTimer(qApp); // owned by the application, so a poll still running at exit goes with it
-    auto tries = std::make_shared<int>(0);
-    QObject::connect(poll, &QTimer::timeout, [poll, tries, answer] {
-        QWidget* modal = QApplication::activeModalWidget();
-        if (!modal && ++*tries < 250)
-            return;
-        poll->stop();
-        poll->deleteLater();
-        if (auto* wanted = qobject_cast<T*>(modal)) {
-            rejectStrayModals(wanted);
-            answer(wanted);
-        } else if (auto* dialog = qobject_cast<QDialog*>(modal)) {
-            ADD_FAILURE() << "unexpected dialog " << modal->windowTitle().toStdString();
-            dialog->reject();
-        } else
-            ADD_FAILURE() << "no dialog came up";
-    });
-    poll->start(20);
 }
 
 // Answers the next question about unsaved changes with Don't Save.

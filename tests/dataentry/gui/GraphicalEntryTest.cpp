@@ -51,7 +51,6 @@ TEST_F(GraphicalEntry, DraggingOverTheF0PlotSetsExactlyTheFramesUnderThePointer)
 {
     ASSERT_EQ(f0View().width(), 400);
     ASSERT_EQ(f0View().height(), 100);
-    const CellRef frame3 = doc._dataTableDictionary.cellAt(40, Row::f0);
 
     // Press in frame 0, drag through frames 1 and 3 (frame 2 skipped), release in frame 3.
     dragThrough(f0View(), {{10, 50}, {30, 50}, {70, 25}});
@@ -62,8 +61,7 @@ TEST_F(GraphicalEntry, DraggingOverTheF0PlotSetsExactlyTheFramesUnderThePointer)
         EXPECT_EQ(value(frame, Row::f0), want[frame]) << frame;
         EXPECT_EQ(text(frame, Row::f0), std::to_string(want[frame])) << frame;
     }
-    // The table keeps the same cell objects; one undo and one redo snapshot frame the edit.
-    EXPECT_EQ(doc._dataTableDictionary.cellAt(40, Row::f0), frame3);
+    // One undo and one redo snapshot frame the edit.
     EXPECT_EQ(doc._arrayUndo.size(), 1u);
     EXPECT_EQ(doc._arrayRedo.size(), 1u);
     EXPECT_TRUE(doc.isDocumentEdited());
@@ -75,13 +73,11 @@ TEST_F(GraphicalEntry, DraggingOverTheF0PlotSetsExactlyTheFramesUnderThePointer)
 TEST_F(GraphicalEntry, EdgesGiveFullScaleAndZeroAndPointsOutsideAreIgnored)
 {
     // A click without a drag changes no value but still records undo and redo.
-    const CellRef before = doc._dataTableDictionary.cellAt(10, Row::f0);
     dragThrough(f0View(), {{10, 10}});
     EXPECT_EQ(doc._arrayUndo.size(), 1u);
     EXPECT_EQ(doc._arrayRedo.size(), 1u);
     for (int frame = 0; frame < 20; ++frame)
         ASSERT_EQ(value(frame, Row::f0), 1000);
-    EXPECT_EQ(doc._dataTableDictionary.cellAt(10, Row::f0), before);
 
     dragThrough(f0View(), {{5, 0}, {5, 0}, {25, 100}, {45, 100.5}, {400, 10}, {-1, 10}});
     EXPECT_EQ(value(0, Row::f0), 3000);  // top edge: full scale, above f0's maximum, kept as drawn
@@ -177,7 +173,6 @@ TEST(GraphicalEntryFromTheTable, FollowsThePointerEditsTheTablesOwnCellsAndUndoe
     mainTable::setGraphicalDataEntryFactory({});
     auto* controller = dynamic_cast<dataentryGraphicalController*>(table.graphicalDataEntry());
     ASSERT_NE(controller, nullptr);
-    EXPECT_EQ(controller->window()->windowTitle(), "data entry:: Untitled[*]"); // [*]: the modified marker
     showContentAt(*controller, 505, 426);
     viewF0& plot = *controller->_viewF0();
     ASSERT_EQ(plot.width(), 400);

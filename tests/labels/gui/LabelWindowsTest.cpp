@@ -25,7 +25,6 @@
 #include "table/gui/ParameterTableModel.h"
 #include "table/gui/mainTable.h"
 
-#include <QCoreApplication>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 

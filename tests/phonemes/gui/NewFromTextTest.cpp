@@ -4,44 +4,29 @@
 #include "app/WorkbenchApplication.h"
 #include "document/MyDocument.h"
 #include "phonemes/gui/PhonemeTextDialog.h"
+#include "support/ModalAnswers.h"
+#include "support/WorkbenchFixture.h"
 #include "table/gui/mainTable.h"
 
-#include <QAction>
-#include <QApplication>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTest>
-#include <QTimer>
-#include <gtest/gtest.h>
 
 TEST(NewFromText, TheFileCommandOpensTheRuleMadeDocumentInANewWindow)
 {
-    WorkbenchApplication app;
-    app.setQuietAlerts(true);
-    DocumentWindow* first = app.newDocument();
+    Workbench wb;
+    DocumentWindow* first = wb.app.newDocument();
     ASSERT_NE(first, nullptr);
-    QAction* command = nullptr;
-    for (QAction* a : first->findChildren<QAction*>())
-        if (a->text() == "New from &Text...")
-            command = a;
+    QAction* command = action(first, "New from &Text...");
     ASSERT_NE(command, nullptr);
 
-    bool answered = false;
-    QTimer::singleShot(0, [&] {
-        auto* dialog = qobject_cast<PhonemeTextDialog*>(QApplication::activeModalWidget());
-        if (!dialog) {
-            if (auto* other = qobject_cast<QDialog*>(QApplication::activeModalWidget()))
-                other->reject();
-            return;
-        }
+    whenModal<PhonemeTextDialog>([](PhonemeTextDialog* dialog) {
         QTest::keyClicks(dialog->textField(), "ba da ga");
         QTest::mouseClick(dialog->okButton(), Qt::LeftButton);
-        answered = true;
     });
     command->trigger();
-    ASSERT_TRUE(answered);
-    ASSERT_EQ(app.windows().size(), 2u);
-    DocumentWindow* made = app.windows().back();
+    ASSERT_EQ(wb.app.windows().size(), 2u);
+    DocumentWindow* made = wb.app.windows().back();
     EXPECT_TRUE(made->filePath().isEmpty());
     EXPECT_TRUE(made->isWindowModified());
     const MyDocument& document = *made->document();

@@ -4,7 +4,6 @@
 #include "stimulus/StimulusOutputFile.h"
 #include "support/TestFiles.h"
 
-#include <QCheckBox>
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QDoubleSpinBox>

@@ -2,33 +2,19 @@
 // platform; the checks are on the document. (Remove Frames and the row commands, with the
 // selections they take: SelectionTest.cpp.)
 #include "FramesInTable.h"
+#include "support/ModalAnswers.h"
 #include "table/gui/addColumns.h"
 
 #include <QAbstractButton>
 #include <QButtonGroup>
 #include <QSpinBox>
-#include <QTimer>
-
-#include <memory>
 
 namespace
 {
-
 // Five frames.
 struct FrameCommands : FramesInTable {
     void SetUp() override { open(5, 700, 900); }
 };
-
-// Clicks a button of the modal dialog once it is up.
-void answerDialog(std::function<void(addColumns&)> answer)
-{
-    QTimer::singleShot(0, [answer] {
-        auto* dialog = qobject_cast<addColumns*>(QApplication::activeModalWidget());
-        ASSERT_NE(dialog, nullptr);
-        answer(*dialog);
-    });
-}
-
 } // namespace
 
 TEST_F(FrameCommands, DialogShowsAndStoresTheRememberedSettingsOnlyOnOK)
@@ -36,22 +22,22 @@ TEST_F(FrameCommands, DialogShowsAndStoresTheRememberedSettingsOnlyOnOK)
     doc._nindexModifyColumn = 1;
     doc._nDurationModifyColumn = 70;
     addColumns dialog;
-    answerDialog([](addColumns& d) {
-        EXPECT_EQ(d._groupLocation()->checkedId(), 1);
-        EXPECT_EQ(d._duration()->value(), 70);
-        d._groupLocation()->button(0)->setChecked(true);
-        d._duration()->setValue(40);
-        d.canceltButton();
+    whenModal<addColumns>([](addColumns* d) {
+        EXPECT_EQ(d->_groupLocation()->checkedId(), 1);
+        EXPECT_EQ(d->_duration()->value(), 70);
+        d->_groupLocation()->button(0)->setChecked(true);
+        d->_duration()->setValue(40);
+        d->canceltButton();
     });
     EXPECT_EQ(dialog.showInWindow(nullptr, &doc), 1001);
     EXPECT_EQ(doc._nindexModifyColumn, 1);
     EXPECT_EQ(doc._nDurationModifyColumn, 70);
 
     addColumns again;
-    answerDialog([](addColumns& d) {
-        d._groupLocation()->button(0)->setChecked(true);
-        d._duration()->setValue(40);
-        d.oktButton();
+    whenModal<addColumns>([](addColumns* d) {
+        d->_groupLocation()->button(0)->setChecked(true);
+        d->_duration()->setValue(40);
+        d->oktButton();
     });
     EXPECT_EQ(again.showInWindow(nullptr, &doc), 1000);
     EXPECT_EQ(doc._nindexModifyColumn, 0);
@@ -63,7 +49,7 @@ TEST_F(FrameCommands, AddFramesCommandInsertsAfterTheSelectedFrame)
     doc._nindexModifyColumn = 1;
     doc._nDurationModifyColumn = 20;
     table->selectaColumn(2);
-    answerDialog([](addColumns& d) { d.oktButton(); });
+    whenModal<addColumns>([](addColumns* d) { d->oktButton(); });
     table->_editAddColumns();
 
     EXPECT_EQ(f0s(), (std::vector<int>{1001, 1002, 1000, 1000, 1003, 1004, 1005}));

@@ -1,0 +1,282 @@
+// The copy synthesis's parallel voicing refined in spectral shape: the formant amplitudes of
+// each frame moved so that its mel log spectrum comes closest to the recording's.
+#include "copysynth/LevelMatching.h"
+
+#include "copysynth/SignalTools.h"
+#include "synthesis/CKlattEngine.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <complex>
+
+// The parts of the parallel branch whose amplitudes a refinement moves: each a resonator (or,
+// without a frequency row, the flat bypass) scaled by its amplitude row and a fixed factor, signed
+// as the branch sums it, and driven by the first difference of the source or by the source.
+struct LevelMatching::Part {
+    int amplitudeRow = -1;
+    int frequencyRow = -1; // -1: the bypass
+    int bandwidthRow = -1;
+    double factor = 0.0;
+    double sign = 1.0;
+    bool differenced = false;
+};
+
+namespace
+{
+
+constexpr int kParts = 5;
+using Part = LevelMatching::Part;
+using Parts = std::array<Part, kParts>;
+
+// The voice through the parallel branch: F1 from the voicing, F2 .. F5 from its first difference.
+constexpr Parts kVoiceParts = {{{Row::a1f, Row::f1, Row::b1f, 0.4, 1.0, false},
+                                {Row::a2f, Row::f2, Row::b2f, 0.15, -1.0, true},
+                                {Row::a3f, Row::f3, Row::b3f, 0.06, 1.0, true},
+                                {Row::a4f, Row::f4, Row::b4f, 0.04, -1.0, true},
+                                {Row::a5f, Row::f5, Row::b5f, 0.022, 1.0, true}}};
+// Frication: F2 .. F5 and the bypass, driven by the noise itself.
+constexpr Parts kFricationParts = {{{Row::a2f, Row::f2, Row::b2f, 0.15, -1.0, false},
+                                    {Row::a3f, Row::f3, Row::b3f, 0.06, 1.0, false},
+                                    {Row::a4f, Row::f4, Row::b4f, 0.04, -1.0, false},
+                                    {Row::a5f, Row::f5, Row::b5f, 0.022, 1.0, false},
+                                    {Row::ab, -1, -1, 0.05, 1.0, false}}};
+constexpr double kPi = 3.14159265358979323846;
+constexpr double kDbPerLog = 20.0 / 2.302585092994046; // dB of a log amplitude (0.5 ln power)
+constexpr double kStepLimit = 12.0;                    // dB per pass and formant, before damping
+constexpr double kDamping = 0.7;
+constexpr double kPeakWindowS = 0.025; // as the parallel amplitudes were matched
+// Damping of the least squares: each formant's own share, and a floor that keeps formants that
+// hardly shape the frame where they are.
+constexpr double kRidge = 0.1;
+constexpr double kFloor = 0.01;
+constexpr int kMaxShift = 8;         // dB from the amplitude the band levels gave
+constexpr double kShapeRange = 40.0; // dB: frames this far below the loudest are refined
+
+using Matrix = std::array<std::array<double, kParts>, kMelFilters>;
+using Step = std::array<double, kParts>;
+
+// The response at `hz` of one part of the parallel branch as the synthesizer builds it: a
+// two-pole resonator of unit gain at 0 Hz (or the flat bypass), scaled by its amplitude and its
+// fixed factor, signed.
+std::complex<double> partResponse(const FrameValues& v, const Part& part, double hz, double rate)
+{
+    const double t = 1.0 / rate;
+    const std::complex<double> z1 = std::polar(1.0, -2.0 * kPi * hz * t);
+    std::complex<double> h = 1.0;
+    if (part.frequencyRow >= 0) {
+        const double bandwidth = v[part.bandwidthRow];
+        const double c = -std::exp(-2.0 * kPi * bandwidth * t);
+        const double b =
+            2.0 * std::exp(-kPi * bandwidth * t) * std::cos(2.0 * kPi * v[part.frequencyRow] * t);
+        h = (1.0 - b - c) / (1.0 - b * z1 - c * z1 * z1);
+    }
+    if (part.differenced)
+        h *= 1.0 - z1;
+    return h * (part.sign * part.factor * CKlattEngine::DBtoLIN(v[part.amplitudeRow]));
+}
+
+// Each formant's response at every bin the mel filters read.
+using Responses = std::vector<std::array<std::complex<double>, kParts>>;
+
+Responses responses(const FrameValues& v, const Parts& parts, const MelCepstrum& mel, double rate)
+{
+    const int bins = mel.filters().back().back().first + 1;
+    Responses h(bins);
+    for (int bin = mel.filters().front().front().first; bin < bins; ++bin)
+        for (int k = 0; k < kParts; ++k)
+            h[bin][k] = partResponse(v, parts[k], bin * rate / mel.fftSize(), rate);
+    return h;
+}
+
+// The power each filter passes with every formant moved by `moved` dB (the model's, without the
+// source).
+MelSpectrum filterPowers(const Responses& h, const MelCepstrum& mel, const Step& moved)
+{
+    Step scale{};
+    for (int k = 0; k < kParts; ++k)
+        scale[k] = std::pow(10.0, moved[k] / 20.0);
+    MelSpectrum out{};
+    for (int j = 0; j < kMelFilters; ++j)
+        for (const auto& [bin, w] : mel.filters()[j]) {
+            std::complex<double> sum = 0.0;
+            for (int k = 0; k < kParts; ++k)
+                sum += h[bin][k] * scale[k];
+            out[j] += w * std::norm(sum);
+        }
+    return out;
+}
+
+// How each filter's level (dB) moves per dB of each formant amplitude.
+Matrix levelSlopes(const Responses& h, const MelCepstrum& mel)
+{
+    Matrix slopes{};
+    for (int j = 0; j < kMelFilters; ++j) {
+        double total = 0.0;
+        for (const auto& [bin, w] : mel.filters()[j]) {
+            std::complex<double> sum = 0.0;
+            for (int k = 0; k < kParts; ++k)
+                sum += h[bin][k];
+            total += w * std::norm(sum);
+            for (int k = 0; k < kParts; ++k)
+                slopes[j][k] += w * std::real(std::conj(sum) * h[bin][k]);
+        }
+        for (int k = 0; k < kParts; ++k)
+            slopes[j][k] = total > 0.0 ? slopes[j][k] / total : 0.0;
+    }
+    return slopes;
+}
+
+// A frame whose synthesis has nothing in any filter.
+bool silent(const MelSpectrum& logs)
+{
+    return *std::max_element(logs.begin(), logs.end()) < 0.5 * std::log(1e-9);
+}
+
+// Solves a x = y for a small symmetric positive definite a (Gaussian elimination).
+Step solved(std::array<Step, kParts> a, Step y)
+{
+    for (int i = 0; i < kParts; ++i)
+        for (int r = i + 1; r < kParts; ++r) {
+            const double m = a[r][i] / a[i][i];
+            for (int c = i; c < kParts; ++c)
+                a[r][c] -= m * a[i][c];
+            y[r] -= m * y[i];
+        }
+    Step x{};
+    for (int i = kParts; i-- > 0;) {
+        double s = y[i];
+        for (int c = i + 1; c < kParts; ++c)
+            s -= a[i][c] * x[c];
+        x[i] = s / a[i][i];
+    }
+    return x;
+}
+
+// The amplitude changes (dB) that bring the synthesis's cepstrum closest to the recording's, by
+// least squares on the linearised filter levels (damped, within the step limit).
+Step shapeStep(const Matrix& slopes, const MelSpectrum& want, const MelSpectrum& have, const MelCepstrum& mel)
+{
+    MelSpectrum error{};
+    for (int j = 0; j < kMelFilters; ++j)
+        error[j] = (want[j] - have[j]) * kDbPerLog;
+    std::array<Step, kParts> normal{};
+    Step rhs{};
+    for (int c = 1; c <= kMelCoefficients; ++c) {
+        Step row{};
+        for (int k = 0; k < kParts; ++k) {
+            MelSpectrum column{};
+            for (int j = 0; j < kMelFilters; ++j)
+                column[j] = slopes[j][k];
+            row[k] = mel.coefficient(column, c);
+        }
+        const double e = mel.coefficient(error, c);
+        for (int k = 0; k < kParts; ++k) {
+            rhs[k] += row[k] * e;
+            for (int m = 0; m < kParts; ++m)
+                normal[k][m] += row[k] * row[m];
+        }
+    }
+    double trace = 0.0;
+    for (int k = 0; k < kParts; ++k)
+        trace += normal[k][k];
+    for (int k = 0; k < kParts; ++k)
+        normal[k][k] += kRidge * normal[k][k] + kFloor * trace / kParts + 1e-12;
+    Step step = solved(normal, rhs);
+    for (double& d : step)
+        d = kDamping * std::clamp(d, -kStepLimit, kStepLimit);
+    return step;
+}
+
+// The level change (dB) of the frame's synthesis when its formants move by `moved`: each filter's
+// measured power (`have`, log amplitudes) scaled as the model's power in it changes.
+double levelChange(const Responses& h, const MelCepstrum& mel, const MelSpectrum& have, const Step& moved)
+{
+    const MelSpectrum before = filterPowers(h, mel, Step{});
+    const MelSpectrum after = filterPowers(h, mel, moved);
+    double was = 0.0, will = 0.0;
+    for (int j = 0; j < kMelFilters; ++j) {
+        const double power = std::exp(2.0 * have[j]);
+        was += power;
+        if (before[j] > 0.0)
+            will += power * after[j] / before[j];
+    }
+    return was > 0.0 && will > 0.0 ? 10.0 * std::log10(will / was) : 0.0;
+}
+
+} // namespace
+
+// The amplitudes of `parts` in the frames marked in `wanted` moved, pass by pass, towards the
+// recording's mel log spectrum; the synthesis of the voice alone (or of the noise alone) is
+// measured. Each step keeps the frame's level as the model predicts it, and no amplitude moves
+// more than kMaxShift dB from where it started.
+void LevelMatching::refineShape(std::vector<FrameValues>& frames, int passes, const Parts& parts,
+                                const std::vector<bool>& wanted, bool voicing) const
+{
+    const MelCepstrum synthMel(m_nRate, m_dMelTop);
+    const std::vector<FrameValues> start = frames;
+    const std::vector<MelSpectrum> recording =
+        MelCepstrum(m_target.rate, m_dMelTop)
+            .logSpectra(m_target.samples, m_target.count, m_target.centres, &wanted);
+    for (int pass = 0; pass < passes; ++pass) {
+        const Rendering r = renderFrames(only(frames, voicing, !voicing), m_nRate, m_nInterval);
+        const std::vector<MelSpectrum> synth =
+            synthMel.logSpectra(r.samples.data(), r.samples.size(), m_target.centres, &wanted);
+        for (std::size_t f = 0; f < wanted.size(); ++f) {
+            if (!wanted[f] || silent(synth[f]))
+                continue;
+            FrameValues& v = frames[f];
+            const Responses h = responses(v, parts, synthMel, m_nRate);
+            const Step step = shapeStep(levelSlopes(h, synthMel), recording[f], synth[f], synthMel);
+            const double keepLevel = -levelChange(h, synthMel, synth[f], step);
+            for (int k = 0; k < kParts; ++k) {
+                const int row = parts[k].amplitudeRow, from = start[f][row];
+                const int moved = static_cast<int>(std::lround(v[row] + step[k] + keepLevel));
+                v[row] = std::clamp(std::clamp(moved, from - kMaxShift, from + kMaxShift), 0, 87);
+            }
+        }
+    }
+}
+
+void LevelMatching::refineParallelShape(std::vector<FrameValues>& frames, int passes) const
+{
+    const std::size_t n = m_target.centres.size();
+    std::vector<bool> wanted(n);
+    for (std::size_t f = 0; f < n; ++f)
+        wanted[f] = m_target.voiced[f] && frames[f][Row::apv] > 0 && frames[f][Row::av] == 0 &&
+                    m_recordingLevels[f] > m_dLoudest - kShapeRange;
+    refineShape(frames, passes, kVoiceParts, wanted, true);
+    matchParallelLevel(frames, wanted);
+}
+
+void LevelMatching::refineFricationShape(std::vector<FrameValues>& frames, int passes) const
+{
+    const std::size_t n = m_target.centres.size();
+    std::vector<bool> wanted(n);
+    for (std::size_t f = 0; f < n; ++f)
+        wanted[f] = !m_target.voiced[f] && frames[f][Row::af] >= audible(Row::af) &&
+                    frames[f][Row::ah] == 0 && m_recordingLevels[f] > m_dLoudest - kShapeRange;
+    refineShape(frames, passes, kFricationParts, wanted, false);
+}
+
+// The model keeps each frame's level only as far as its resonators predict the harmonics they
+// pass: the frame's level from 60 Hz to the top, over the window the peaks were matched in, is
+// brought back to the recording's by moving the five amplitudes together.
+void LevelMatching::matchParallelLevel(std::vector<FrameValues>& frames,
+                                       const std::vector<bool>& wanted) const
+{
+    const BandLayout whole{kPeakWindowS, true, [](const FrameValues&, double top) {
+                               return std::vector<double>{60.0, top};
+                           }};
+    const auto want = levelsInBands(m_target.samples, m_target.count, m_target.rate, frames, whole);
+    const Rendering r = renderFrames(only(frames, true, false), m_nRate, m_nInterval);
+    const auto have = levelsInBands(r.samples.data(), r.samples.size(), m_nRate, frames, whole);
+    for (std::size_t f = 0; f < frames.size() && f < wanted.size(); ++f) {
+        if (!wanted[f] || have[f][0] <= kSilentDb || want[f][0] <= kSilentDb)
+            continue;
+        const double d = std::clamp(want[f][0] - have[f][0], -kStepLimit, kStepLimit);
+        for (const Part& part : kVoiceParts)
+            frames[f][part.amplitudeRow] =
+                std::clamp(static_cast<int>(std::lround(frames[f][part.amplitudeRow] + d)), 0, 87);
+    }
+}
