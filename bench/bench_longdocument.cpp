@@ -5,7 +5,9 @@
 //    repaint it asks for (targets: 100 ms or less, 150 MB or less);
 //  - saving the document to a file (target: 1 s or less);
 //  - opening the graphical and the trace data-entry windows up to their first paint (target:
-//    1 s or less each).
+//    1 s or less each);
+//  - Add Frames (100 ms) and Remove Frames (10 frames) at the start, in the middle and at the
+//    end, with the table's refresh, and their undo and redo (targets: 100 ms, 150 MB).
 // Runs under the offscreen platform; a fresh document is opened (outside the timing) for the
 // cases whose first run would leave work behind for the next.
 #include "GuiBenchMain.h"
@@ -16,8 +18,10 @@
 #include "table/gui/mainTable.h"
 
 #include <QApplication>
+#include <QHeaderView>
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <malloc.h>
@@ -31,6 +35,13 @@ constexpr int kFrames = 360000;
 const std::string& hourText()
 {
     static const std::string text = longDocumentText(kFrames);
+    return text;
+}
+
+// An hour less one second: room for the frames the Add Frames cases add.
+const std::string& almostHourText()
+{
+    static const std::string text = longDocumentText(kFrames - 100);
     return text;
 }
 
@@ -56,10 +67,10 @@ private:
 struct OpenHour {
     MyDocument doc;
     std::unique_ptr<mainTable> table;
-    OpenHour()
+    explicit OpenHour(const std::string& text = hourText())
     {
         int error = 0;
-        if (!doc.readFromData(hourText(), "stk", &error))
+        if (!doc.readFromData(text, "stk", &error))
             throw std::runtime_error("the one-hour document was not read");
         doc.buildDataTableDictionary();
         table = std::make_unique<mainTable>(&doc);
@@ -145,6 +156,106 @@ void BM_OpenTraceWindowOnOneHour(benchmark::State& state)
     openDataEntryWindow<dataentryTraceContoller>(state);
 }
 BENCHMARK(BM_OpenTraceWindowOnOneHour)->Unit(benchmark::kMillisecond)->Iterations(3);
+
+// The frame column a case works at: 0 the start, 1 the middle, 2 the end.
+int frameAt(int where, int frames)
+{
+    return where == 0 ? 1 : where == 1 ? frames / 2 : frames;
+}
+
+// Selects the frames first .. last by their headers, as a click and a drag do.
+void selectFrames(mainTable& table, int first, int last)
+{
+    emit table.horizontalHeader()->sectionPressed(first);
+    emit table.horizontalHeader()->sectionEntered(last);
+}
+
+// The start, the middle and the end; medians of five, each on a fresh document.
+void atThreePlaces(benchmark::internal::Benchmark* b)
+{
+    b->Arg(0)
+        ->Arg(1)
+        ->Arg(2)
+        ->Unit(benchmark::kMillisecond)
+        ->Iterations(1)
+        ->Repetitions(5)
+        ->ReportAggregatesOnly(true);
+}
+
+// One frame command per iteration on a freshly opened document (opened outside the timing).
+template <typename Command>
+void frameCommand(benchmark::State& state, const std::string& text, Command command)
+{
+    double peak = 0.0;
+    for (auto _ : state) {
+        state.PauseTiming();
+        auto open = std::make_unique<OpenHour>(text);
+        const int before = open->doc.getChannel(0)->m_nColumnNum;
+        const PeakWatch watch;
+        state.ResumeTiming();
+        command(*open, before);
+        QApplication::processEvents();
+        state.PauseTiming();
+        peak = std::max(peak, watch.addedMB());
+        if (open->doc.getChannel(0)->m_nColumnNum == before)
+            state.SkipWithError("the frame count did not change");
+        open.reset();
+        state.ResumeTiming();
+    }
+    state.counters["PeakAdded_MB"] = peak;
+}
+
+void BM_AddFramesOnOneHour(benchmark::State& state)
+{
+    const int where = static_cast<int>(state.range(0));
+    frameCommand(state, almostHourText(), [where](OpenHour& open, int frames) {
+        open.doc._nindexModifyColumn = where;
+        open.doc._nDurationModifyColumn = 100;
+        selectFrames(*open.table, frameAt(where, frames), frameAt(where, frames));
+        open.table->modifyColumns();
+    });
+}
+BENCHMARK(BM_AddFramesOnOneHour)->Apply(atThreePlaces);
+
+void BM_RemoveFramesOnOneHour(benchmark::State& state)
+{
+    const int where = static_cast<int>(state.range(0));
+    frameCommand(state, hourText(), [where](OpenHour& open, int frames) {
+        const int first = std::min(frameAt(where, frames), frames - 9);
+        selectFrames(*open.table, first, first + 9);
+        open.table->_editRemoveColumns();
+    });
+}
+BENCHMARK(BM_RemoveFramesOnOneHour)->Apply(atThreePlaces);
+
+// Undo and then redo of Add Frames in the middle, each with the table's refresh.
+void BM_UndoRedoAddFramesOnOneHour(benchmark::State& state)
+{
+    OpenHour open(almostHourText());
+    open.doc._nindexModifyColumn = 1;
+    open.doc._nDurationModifyColumn = 100;
+    selectFrames(*open.table, kFrames / 2, kFrames / 2);
+    open.table->modifyColumns();
+    QApplication::processEvents();
+    const int added = open.doc.getChannel(0)->m_nColumnNum;
+    double peak = 0.0;
+    for (auto _ : state) {
+        const PeakWatch watch;
+        open.table->undo();
+        QApplication::processEvents();
+        open.table->redo();
+        QApplication::processEvents();
+        peak = std::max(peak, watch.addedMB());
+    }
+    if (open.doc.getChannel(0)->m_nColumnNum != added)
+        state.SkipWithError("redo did not bring the frames back");
+    state.counters["PeakAdded_MB"] = peak;
+}
+BENCHMARK(BM_UndoRedoAddFramesOnOneHour)
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1)
+    ->Repetitions(5)
+    ->ReportAggregatesOnly(true);
 
 } // namespace
 

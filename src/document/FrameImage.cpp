@@ -99,3 +99,60 @@ std::size_t FrameImage::bytesNotIn(const FrameImage& other) const
             bytes += sizeof(Block) + b->wide.capacity() * sizeof(b->wide[0]);
     return bytes;
 }
+
+FrameImage::BlockRef FrameImage::wholeBlock(int first, int end) const
+{
+    if (first < 0 || first % kBlockFrames != 0 || end > m_nFrames)
+        return nullptr;
+    const std::size_t b = static_cast<std::size_t>(first / kBlockFrames);
+    return std::min(first + kBlockFrames, m_nFrames) == end ? m_blocks[b] : nullptr;
+}
+
+void FrameImage::copyFrame(int frame, Block& block, int at, const Fill& fill) const
+{
+    const auto to = static_cast<std::size_t>(at);
+    if (frame < 0 || frame >= m_nFrames) {
+        for (int row = 0; row < kParameterCount; ++row)
+            block.setValue(at, row, fill[static_cast<std::size_t>(row)]);
+        block.anchors[to] = 0;
+        return;
+    }
+    const Block& from = *m_blocks[static_cast<std::size_t>(frame / kBlockFrames)];
+    const int i = frame % kBlockFrames;
+    if (from.wide.empty())
+        block.values[to] = from.values[static_cast<std::size_t>(i)];
+    else
+        for (int row = 0; row < kParameterCount; ++row)
+            block.setValue(at, row, from.value(i, row));
+    block.anchors[to] = from.anchors[static_cast<std::size_t>(i)];
+}
+
+FrameImage FrameImage::spliced(const Splice& splice, const Fill& fill) const
+{
+    const int at = std::clamp(splice.at, 0, std::max(splice.frames, 0));
+    const int removed = std::clamp(splice.removed, 0, std::max(splice.frames, 0) - at);
+    const int inserted = std::max(splice.inserted, 0);
+    const int shift = inserted - removed;
+    const int kept = std::max(splice.frames, 0);
+    // Frame f of the new image is frame sourceOf(f) here; -1 for an inserted frame.
+    auto sourceOf = [&](int f) {
+        if (f < at)
+            return f;
+        return f < at + inserted ? -1 : f - shift;
+    };
+    Builder image(kept + shift);
+    for (std::size_t b = 0; b < image.blockCount(); ++b) {
+        const int first = image.firstFrame(b), end = image.endFrame(b);
+        const bool before = end <= at, after = first >= at + inserted;
+        const int from = before ? first : first - shift;
+        if (BlockRef same = before || after ? wholeBlock(from, from + end - first) : nullptr) {
+            image.share(b, std::move(same));
+            continue;
+        }
+        Block& block = image.open();
+        for (int f = first; f < end; ++f)
+            copyFrame(sourceOf(f), block, f - first, fill);
+        image.close(b, nullptr, nullptr);
+    }
+    return image.take();
+}

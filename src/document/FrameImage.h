@@ -81,7 +81,27 @@ public:
     // Bytes of the blocks this image holds that `other` does not share (for memory accounting).
     std::size_t bytesNotIn(const FrameImage& other) const;
 
+    // Frames taken out of and put into an image, read as `frames` long (frames past its end hold
+    // the fill, frames past `frames` are dropped): `removed` frames from `at` on go, `inserted`
+    // frames holding the fill and no anchor come in their place.
+    struct Splice {
+        int frames = 0;
+        int at = 0;
+        int removed = 0;
+        int inserted = 0;
+    };
+    using Fill = std::array<int, kParameterCount>;
+    // The image after the splice. Whole blocks that hold the same frames as here are shared: all
+    // before `at`, and those after it when the frames move by whole blocks. Throws std::bad_alloc.
+    FrameImage spliced(const Splice& splice, const Fill& fill) const;
+
 private:
+    // The block of this image that holds exactly frames first .. end - 1 of `b` (a block of the
+    // same length starting at a block boundary), or null.
+    BlockRef wholeBlock(int first, int end) const;
+    // Copies frame `frame` of this image (the fill past its end) into frame `at` of `block`.
+    void copyFrame(int frame, Block& block, int at, const Fill& fill) const;
+
     int m_nFrames = 0;
     std::vector<BlockRef> m_blocks;
 };

@@ -1,12 +1,14 @@
 #include "table/FrameEditing.h"
 
 #include "document/DocumentException.h"
+#include "document/TableColumnSource.h"
 #include "document/UndoStep.h"
 #include "table/TableEditing.h"
 
 #include <algorithm>
 #include <climits>
 #include <cmath>
+#include <memory>
 #include <new>
 
 namespace
@@ -26,22 +28,55 @@ int existingFrames(MyDocument& doc, int interval)
     return static_cast<int>(std::min(frames, inTable));
 }
 
-// Puts old frame `from` (if present) into the new table data as frame `to`. The cells are
-// shared, not copied; the old table data stays whole until the new one replaces it.
-void carryFrame(const DataTableDictionary& oldData, DataTableDictionary& newData, int from, int to,
-                int interval)
+// Frames taken out of and put into the table data, counted as FrameImage::Splice counts them
+// (frame k is table column k + 1).
+using Splice = FrameImage::Splice;
+
+// The table column a column of the old table data becomes, or -1 when it is taken out.
+long long movedColumn(const Splice& s, long long column)
 {
-    const CellArray* cells = oldData.objectForKey(static_cast<long long>(from) * interval);
-    if (cells)
-        newData.setObject(static_cast<long long>(to) * interval, *cells);
+    if (column <= s.at)
+        return column;
+    return column <= s.at + s.removed ? -1 : column + s.inserted - s.removed;
 }
 
-void addNewFrames(const MyDocument& doc, DataTableDictionary& newData, int firstFrame, int count,
-                  int interval)
+// The columns not made yet stay so: they are announced again in the new table data, made from
+// the old source's frames as the splice moves them.
+void announceMovedColumns(const TableColumnSource& old, const Splice& s, long long interval,
+                          DataTableDictionary& newData)
 {
+    auto source = std::make_shared<TableColumnSource>(old);
+    source->frames = old.frames.spliced(s, old.recordValue);
+    const long long columns = static_cast<long long>(s.frames) - s.removed + s.inserted + 1;
+    newData.setPendingColumns(static_cast<std::size_t>(columns), interval, std::move(source));
+}
+
+// The table data after the splice. Made columns move with their frames and keep their cells
+// (shared, not copied), columns not made yet stay so, missing columns stay missing, and the
+// inserted frames are new cells. The old table data stays whole until the new one replaces it.
+DataTableDictionary splicedTableData(MyDocument& doc, const Splice& s, long long interval)
+{
+    const DataTableDictionary& oldData = doc._dataTableDictionary;
+    if (oldData.pendingSource() && oldData.pendingInterval() != interval)
+        oldData.map(); // announced under other keys: made, and carried as made columns
+    DataTableDictionary newData;
+    const TableColumnSource* source = oldData.pendingSource();
+    if (source)
+        announceMovedColumns(*source, s, interval, newData);
+    for (long long column = 0; column <= s.frames; ++column) {
+        const long long to = movedColumn(s, column);
+        if (to < 0)
+            continue;
+        const DataTableDictionary::Peek peek = oldData.peek(column * interval);
+        if (peek.cells)
+            newData.setObject(to * interval, *peek.cells);
+        else if (peek.pending < 0 && source)
+            newData.removeObjectForKey(DataTableDictionary::keyFor(to * interval));
+    }
     const FrameCellMaker maker(doc);
-    for (int k = 0; k < count; ++k)
-        newData.setObject(static_cast<long long>(firstFrame + k) * interval, maker.column(true));
+    for (long long k = 1; k <= s.inserted; ++k)
+        newData.setObject((s.at + k) * interval, maker.column(true));
+    return newData;
 }
 
 // The table data of a document whose window has not built it yet.
@@ -83,6 +118,18 @@ CellArray newFrameCells(const MyDocument& doc)
 namespace
 {
 
+// Builds the table data after the splice and puts it in place.
+void spliceFrames(MyDocument& doc, const Splice& s, int interval)
+{
+    DataTableDictionary newData;
+    try {
+        newData = splicedTableData(doc, s, interval);
+    } catch (const std::bad_alloc&) {
+        throw DocumentException::memoryError();
+    }
+    installTableData(doc, std::move(newData), interval);
+}
+
 bool insertFrames(MyDocument& doc, int firstSelectedColumn)
 {
     const int place = doc._nindexModifyColumn;
@@ -96,31 +143,12 @@ bool insertFrames(MyDocument& doc, int firstSelectedColumn)
     const long long total = static_cast<long long>(nOld) + nNew;
     if (total > MyDocument::kMaxFrames || total * interval > MyDocument::kMaxLengthMS)
         throw DocumentException::tooManyFrames(total, MyDocument::kMaxFrames); // nothing built yet
-    const DataTableDictionary& oldData = doc._dataTableDictionary;
-    DataTableDictionary newData;
-    try {
-        carryFrame(oldData, newData, 0, 0, interval);
-        if (place == FramesAtBeginning) {
-            addNewFrames(doc, newData, 1, nNew, interval);
-            for (int c = 1; c <= nOld; ++c)
-                carryFrame(oldData, newData, c, nNew + c, interval);
-        } else if (place == FramesAfterSelection) {
-            // The name column stands for frame 1: "after" it means after the first frame.
-            const int p = std::min(std::max(firstSelectedColumn, 1), nOld);
-            for (int c = 1; c <= p; ++c)
-                carryFrame(oldData, newData, c, c, interval);
-            addNewFrames(doc, newData, p + 1, nNew, interval);
-            for (int c = p + 1; c <= nOld; ++c)
-                carryFrame(oldData, newData, c, c + nNew, interval);
-        } else {
-            for (int c = 1; c <= nOld; ++c)
-                carryFrame(oldData, newData, c, c, interval);
-            addNewFrames(doc, newData, nOld + 1, nNew, interval);
-        }
-    } catch (const std::bad_alloc&) {
-        throw DocumentException::memoryError();
-    }
-    installTableData(doc, std::move(newData), interval);
+    Splice s{nOld, nOld, 0, nNew};
+    if (place == FramesAtBeginning)
+        s.at = 0;
+    else if (place == FramesAfterSelection)
+        s.at = std::min(std::max(firstSelectedColumn, 1), nOld); // the name column stands for frame 1
+    spliceFrames(doc, s, interval);
     return true;
 }
 
@@ -134,17 +162,8 @@ bool deleteFrames(MyDocument& doc, int firstSelectedColumn, int lastSelectedColu
     ensureTableData(doc);
     const int interval = doc.updateInterval();
     const int nOld = existingFrames(doc, interval);
-    const DataTableDictionary& oldData = doc._dataTableDictionary;
-    DataTableDictionary newData;
-    try {
-        for (int c = 0; c < first && c <= nOld; ++c)
-            carryFrame(oldData, newData, c, c, interval);
-        for (int c = last + 1; c <= nOld; ++c)
-            carryFrame(oldData, newData, c, first + (c - last - 1), interval);
-    } catch (const std::bad_alloc&) {
-        throw DocumentException::memoryError();
-    }
-    installTableData(doc, std::move(newData), interval);
+    const int at = std::min(first - 1, nOld);
+    spliceFrames(doc, {nOld, at, std::max(std::min(last, nOld) - at, 0), 0}, interval);
     return true;
 }
 

@@ -7,7 +7,8 @@
 // Frames are counted from channel 0's length: nOld = trunc(m_dLengthMS) / interval. After an
 // insertion or removal, m_nColumnNum = number of frame columns and m_dLengthMS = interval x
 // m_nColumnNum. The grid (m_snppDataImage_Col_Row) is not touched: the table data is what
-// synthesis and saving read.
+// synthesis and saving read. Columns not made yet stay so (they are made later from the frames
+// as moved): adding or removing frames on an hour-long document makes only the new frames.
 //
 // Main thread only. Allocation failure throws DocumentException "Memory Error"; the table
 // data is then left as it was.

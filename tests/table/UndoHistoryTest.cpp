@@ -117,8 +117,11 @@ struct Twins {
 
     // Runs an operation on both documents; `change` answers whether it recorded an undo step,
     // and the reference then records the texts before and after it.
+    // The twin's columns are all made first, so that its frame edits move made columns while
+    // the document's move columns not made yet: the two ways must give the same document.
     template <typename Change> void both(Change change)
     {
+        twin._dataTableDictionary.map();
         const std::string before = twin.Save_STK_FileType(true);
         const bool recorded = change(doc);
         change(twin);
@@ -237,10 +240,10 @@ TEST(UndoHistory, RandomEditsUndosAndRedosRestoreWhatWholeSnapshotsRestore)
     }
 }
 
-TEST(UndoHistory, AnEditOnAnHourCostsTheBlocksItChangesAndMakesNoColumns)
+// One hour of frames whose f1 changes from frame to frame (300 + frame % 400), as read from a
+// file, with the columns a window shows made.
+void openHour(MyDocument& doc)
 {
-    // One hour of frames whose values change from frame to frame, as read from a file.
-    MyDocument doc;
     Channels& c = *doc.getChannel(0);
     c.m_dLengthMS = 3600000.0;
     c.m_nColumnNum = MyDocument::kMaxFrames;
@@ -250,9 +253,21 @@ TEST(UndoHistory, AnEditOnAnHourCostsTheBlocksItChangesAndMakesNoColumns)
             static_cast<std::int16_t>(300 + k % 400);
     doc.m_bReadFile = 1;
     doc.buildDataTableDictionary();
+    for (long long k = 0; k <= 40; ++k)
+        ASSERT_NE(doc._dataTableDictionary.objectForKey(k * 10), nullptr);
+}
+
+int hourF1(int column)
+{
+    return 300 + (column - 1) % 400;
+}
+
+TEST(UndoHistory, AnEditOnAnHourCostsTheBlocksItChangesAndMakesNoColumns)
+{
+    MyDocument doc;
+    openHour(doc);
+    Channels& c = *doc.getChannel(0);
     const DataTableDictionary& data = doc._dataTableDictionary;
-    for (long long k = 0; k <= 40; ++k) // the columns a window shows
-        ASSERT_NE(data.objectForKey(k * 10), nullptr);
     const std::size_t pending = data.pendingCount();
 
     ASSERT_EQ(typeValue(doc, Row::f1, 200000, 1234), TypedEntryOutcome::Stored);
@@ -312,4 +327,48 @@ TEST(UndoHistory, ValuesBeyondSixteenBitsAndRunsOfEqualFramesAreKept)
     EXPECT_TRUE(t.doc._arrayRedo[0].frames().hasWideValues());
     // 2000 frames are eight blocks: the undo image of an untouched new document holds one.
     EXPECT_EQ(t.doc._arrayUndo[0].frames().bytesNotIn(FrameImage{}), sizeof(FrameImage::Block));
+}
+
+TEST(UndoHistory, FramesAddedAndRemovedOnAnHourMoveTheFramesAndMakeNoColumns)
+{
+    MyDocument doc;
+    openHour(doc);
+    const DataTableDictionary& data = doc._dataTableDictionary;
+    const std::size_t pending = data.pendingCount();
+    auto f1 = [&](long long column) { return data.cellAt(column * 10, Row::f1)->_nValue(); };
+    const int record = doc.getChannel(0)->m_Parameters[Row::f1].nValue;
+
+    // Frames 20-29 (shown, made) and 100001-100266 go; then 256 frames (whole blocks) come after
+    // frame 200000.
+    ASSERT_TRUE(removeColumns(doc, 20, 29));
+    ASSERT_TRUE(removeColumns(doc, 100001, 100266));
+    doc._nindexModifyColumn = FramesAfterSelection;
+    doc._nDurationModifyColumn = 2560;
+    ASSERT_TRUE(modifyColumns(doc, 200000));
+    EXPECT_EQ(doc.getChannel(0)->m_nColumnNum, MyDocument::kMaxFrames - 20);
+    EXPECT_GT(data.pendingCount(), pending - 300) << "the frames moved without being made";
+    EXPECT_EQ(f1(19), hourF1(19));
+    EXPECT_EQ(f1(20), hourF1(30)) << "a made column moved down";
+    EXPECT_EQ(f1(100000), hourF1(100010));
+    EXPECT_EQ(f1(100001), hourF1(100277));
+    EXPECT_EQ(f1(200000), hourF1(200276));
+    for (long long k = 200001; k <= 200256; ++k)
+        ASSERT_EQ(f1(k), record);
+    for (long long k : {200257, 200513, 300000, 359980})
+        EXPECT_EQ(f1(k), hourF1(static_cast<int>(k) + 20)) << k;
+    EXPECT_EQ(data.cellAt(3599810, Row::f1), nullptr);
+
+    doc.doUndo();
+    EXPECT_EQ(f1(200001), hourF1(200277));
+    doc.doUndo();
+    doc.doUndo();
+    EXPECT_EQ(f1(20), hourF1(20));
+    EXPECT_EQ(f1(100001), hourF1(100001));
+    EXPECT_EQ(f1(360000), hourF1(360000));
+    doc.doRedo();
+    doc.doRedo();
+    doc.doRedo();
+    EXPECT_EQ(f1(200256), record);
+    EXPECT_EQ(f1(200257), hourF1(200277));
+    EXPECT_GT(data.pendingCount(), pending - 300);
 }

@@ -1,15 +1,11 @@
 // Automatic Copy Synthesis in the workbench, driven through the trace window's button and the
 // command itself under the offscreen platform: one undo step, the command line's bytes, and a
 // Cancel that leaves the document as it was.
-#include "support/TestSignals.h"
-// Qt's `signals` keyword would swallow the namespace's name below.
-namespace testsignals = signals;
+#include "cli/CliRunner.h" // first: its signals come before Qt's `signals` keyword
 
 #include "copysynth/gui/CopySynthesisCommand.h"
 #include "dataentry/gui/trace/dataentryTraceContoller.h"
 #include "support/DocumentTestSupport.h"
-#include "support/TestChannels.h"
-#include "support/TestFiles.h"
 #include "support/WidgetEvents.h"
 #include "table/gui/Alert.h"
 #include "table/gui/mainTable.h"
@@ -21,30 +17,10 @@ namespace testsignals = signals;
 #include <QSignalSpy>
 #include <QTest>
 
-#include <cstdlib>
-#include <fstream>
-
 namespace
 {
 
-constexpr double kRate = 11025.0;
-
-// A vowel gliding in f0 and F1 over `seconds`, then a hiss, as the bytes of a WAVE file.
-std::string recordingWave(double seconds)
-{
-    const int n = static_cast<int>(seconds * kRate);
-    std::vector<double> x(n, 0.0);
-    const int voiced = n * 3 / 4;
-    const std::vector<double> low =
-        testsignals::vowel(voiced, 110.0, kRate, {{650, 90}, {1150, 110}, {2500, 160}});
-    const std::vector<double> hiss = testsignals::noise(n - voiced, 7, 0.03);
-    for (int i = 0; i < voiced; ++i)
-        x[i] = 0.08 * low[i];
-    for (int i = voiced; i < n; ++i)
-        x[i] = hiss[i - voiced];
-    return waveFileBytes(testsignals::toFloat(x), kRate);
-}
-
+// A steady vowel of 1.5 s opened as the workbench opens a recording, in a table.
 struct CopySynthesisWindow : ::testing::Test {
     TempDir folder;
     MyDocument doc;
@@ -53,8 +29,7 @@ struct CopySynthesisWindow : ::testing::Test {
 
     void SetUp() override
     {
-        wav = folder / "recording.wav";
-        std::ofstream(wav, std::ios::binary) << recordingWave(1.5);
+        wav = writeVowel(folder / "recording.wav", 1.5);
         ASSERT_TRUE(openBytes(doc, slurp(wav))) << doc.lastReadError();
         table = std::make_unique<mainTable>(&doc);
         Alert::setHandler([this](const QString& title, const QString& message, const QString&) {
@@ -90,7 +65,7 @@ TEST_F(CopySynthesisWindow, TheButtonAppliesOneUndoStepThatEqualsTheCommandLine)
     const std::string window = saved("window.stk");
 
     const std::string cli = folder / "cli.stk";
-    ASSERT_EQ(std::system((std::string(TESSAPHON_CLI) + " copysynth " + wav + " -o " + cli).c_str()), 0);
+    ASSERT_EQ(runCli("copysynth " + wav + " -o " + cli).exitCode, 0);
     EXPECT_FALSE(window.empty());
     EXPECT_TRUE(window == slurp(cli));
     EXPECT_FALSE(window == before);
@@ -129,7 +104,7 @@ TEST_F(CopySynthesisWindow, WithoutAModelOrWithATooShortOneAnAlertSaysWhy)
     EXPECT_NE(alerts[0].find("model"), std::string::npos) << alerts[0];
 
     // Ten samples: the estimation refuses them, the document stays as it was.
-    setSamples(*doc.getChannel(2), std::vector<float>(10, 0.1f), kRate);
+    setSamples(*doc.getChannel(2), std::vector<float>(10, 0.1f), 11025.0);
     CopySynthesisCommand* command = CopySynthesisCommand::start(*table, table.get());
     ASSERT_NE(command, nullptr);
     QSignalSpy finished(command, &CopySynthesisCommand::finished);

@@ -6,6 +6,7 @@
 // parameter's name (the frozen names over column 0), on a frame's header, on a cell; and typing
 // into the current cell.
 #include "document/MyDocument.h"
+#include "support/DocumentTestSupport.h"
 #include "support/TestDocuments.h"
 #include "table/gui/Alert.h"
 #include "table/gui/FrozenColumnView.h"
@@ -85,17 +86,10 @@ struct FramesInTable : ::testing::Test {
         Alert::setHandler({});
     }
 
-    CellRef cell(int frame, int row) const
-    {
-        return doc._dataTableDictionary.cellAt(static_cast<long long>(frame) * 10, row);
-    }
-    int value(int frame, int row) const { return cell(frame, row)->_nValue(); }
-    void setValue(int frame, int row, int v) const
-    {
-        cell(frame, row)->set_nValue(v);
-        cell(frame, row)->setInttoStringValue(v);
-    }
-    std::vector<int> f0s() const
+    CellRef cell(int frame, int row) { return frameCell(doc, frame, row); }
+    int value(int frame, int row) { return frameValue(doc, frame, row); }
+    void setValue(int frame, int row, int v) { ::setValue(doc, frame, row, v); }
+    std::vector<int> f0s()
     {
         std::vector<int> values;
         for (int k = 1; k <= doc.getChannel(0)->m_nColumnNum; ++k)

@@ -17,7 +17,7 @@ struct SelectionTable : FramesInTable {
             cell(5, row)->set_nValue(300);
         }
     }
-    int anchors() const
+    int anchors()
     {
         int n = 0;
         for (int k = 1; k <= doc.getChannel(0)->m_nColumnNum; ++k)
