@@ -1,4 +1,4 @@
-#include "cli/CliRunner.h"
+#include "support/CliRunner.h"
 #include "support/DocumentTestSupport.h"
 #include "support/TestChannels.h"
 #include "support/TestSignals.h"

@@ -1,6 +1,6 @@
 // The conventions every command shares: what may be written over, failures under a memory
 // limit, the progress bar on a terminal (quiet success and --verbose: DocumentCommandsTest.cpp).
-#include "CliRunner.h"
+#include "support/CliRunner.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // continuum as a user runs it: files, bytes, manifest, refusals.
-#include "CliRunner.h"
+#include "support/CliRunner.h"
 
 #include <gtest/gtest.h>
 

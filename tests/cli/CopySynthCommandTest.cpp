@@ -1,6 +1,6 @@
 // tessaphon-cli copysynth run as a user runs it: the document it writes, the files it refuses,
 // and what it says about a damaged, empty or silent recording.
-#include "cli/CliRunner.h"
+#include "support/CliRunner.h"
 
 #include <gtest/gtest.h>
 

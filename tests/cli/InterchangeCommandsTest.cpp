@@ -1,4 +1,4 @@
-#include "cli/CliRunner.h"
+#include "support/CliRunner.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // tessaphon-cli phonemes as a user runs it: the document, its options, refusals, kept files.
-#include "cli/CliRunner.h"
 #include "document/MyDocument.h"
+#include "support/CliRunner.h"
 
 #include <gtest/gtest.h>
 

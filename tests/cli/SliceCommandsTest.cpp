@@ -1,7 +1,7 @@
 // slice and compare as a user runs them: the shape of what the options ask for, pictures,
 // refusals; compare --summary judges a copy synthesis in one line, its mel-cepstral distance the
 // one the project's reference script (tools/mcd.py) computes.
-#include "cli/CliRunner.h"
+#include "support/CliRunner.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // The output options of synth and continuum as a user runs them, the files checked from
 // outside (libsndfile): rates, levels, ramps, figures in the manifests, refusals, new folders.
-#include "CliRunner.h"
 #include "support/AudioFileProbe.h"
+#include "support/CliRunner.h"
 #include "support/SignalProbe.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 // Automatic Copy Synthesis in the workbench, driven through the trace window's button and the
 // command itself under the offscreen platform: one undo step, the command line's bytes, and a
 // Cancel that leaves the document as it was.
-#include "cli/CliRunner.h" // first: its signals come before Qt's `signals` keyword
+#include "support/CliRunner.h" // first: its signals come before Qt's `signals` keyword
 
 #include "copysynth/gui/CopySynthesisCommand.h"
 #include "dataentry/gui/trace/dataentryTraceContoller.h"

@@ -1,6 +1,6 @@
 // The trace window driven with real mouse and button events under the offscreen platform;
 // the checks are on the document's cells, its undo list and the saved bytes.
-#include "cli/CliRunner.h" // first: its signals come before Qt's `signals` keyword
+#include "support/CliRunner.h" // first: its signals come before Qt's `signals` keyword
 
 #include "DataEntryTestSupport.h"
 #include "configuration/ConfigurationFile.h"
