@@ -205,6 +205,27 @@ bool chooseVoicingBranch(const LevelMatching& judge, std::vector<FrameValues>& f
     return true;
 }
 
+// The frication's shape is refined on a thread of its own while the voicing branch is chosen:
+// the one changes only unvoiced frames, the other only voiced ones (and renders the voice alone);
+// the frication's rows are taken back afterwards, so the result does not depend on which
+// finishes first.
+bool chooseBranchAndFrication(const LevelMatching& levels, std::vector<FrameValues>& frames,
+                              const std::vector<bool>& voiced)
+{
+    constexpr int kFricationPasses = 2;
+    std::vector<FrameValues> frication = frames;
+    std::future<void> refined = std::async(std::launch::async, [&levels, &frication] {
+        levels.refineFricationShape(frication, kFricationPasses);
+    });
+    const bool parallel = chooseVoicingBranch(levels, frames);
+    refined.get();
+    for (std::size_t f = 0; f < voiced.size(); ++f)
+        if (!voiced[f])
+            for (int row : {Row::a2f, Row::a3f, Row::a4f, Row::a5f, Row::ab})
+                frames[f][row] = frication[f][row];
+    return parallel;
+}
+
 // f0 into every frame: unvoiced frames carry the neighbouring voiced value (av says they are
 // unvoiced), so that the row stays within its limits and the voicing restarts smoothly.
 void setPitch(std::vector<FrameValues>& frames, const std::vector<PitchFrame>& pitch)
@@ -291,8 +312,7 @@ CopySynthesisResult copySynthesize(const float* samples, std::size_t count, doub
     levels.matchVoicedBalance(r.frames);
     levels.matchFrication(r.frames, 2);
     levels.matchHighBand(r.frames);
-    levels.refineFricationShape(r.frames, 2);
-    r.report.parallelVoicing = chooseVoicingBranch(levels, r.frames);
+    r.report.parallelVoicing = chooseBranchAndFrication(levels, r.frames, e.voiced);
     levels.matchTotal(r.frames, 2);
     levels.smoothVoicing(r.frames);
     if (!e.report(0.9))

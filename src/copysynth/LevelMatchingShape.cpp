@@ -56,73 +56,88 @@ constexpr double kShapeRange = 40.0; // dB: frames this far below the loudest ar
 using Matrix = std::array<std::array<double, kParts>, kMelFilters>;
 using Step = std::array<double, kParts>;
 
-// The response at `hz` of one part of the parallel branch as the synthesizer builds it: a
-// two-pole resonator of unit gain at 0 Hz (or the flat bypass), scaled by its amplitude and its
-// fixed factor, signed.
-std::complex<double> partResponse(const FrameValues& v, const Part& part, double hz, double rate)
+// The delay z^-1 at every bin the mel filters read (the same for every frame).
+std::vector<std::complex<double>> delays(const MelCepstrum& mel, double rate)
 {
     const double t = 1.0 / rate;
-    const std::complex<double> z1 = std::polar(1.0, -2.0 * kPi * hz * t);
-    std::complex<double> h = 1.0;
-    if (part.frequencyRow >= 0) {
-        const double bandwidth = v[part.bandwidthRow];
-        const double c = -std::exp(-2.0 * kPi * bandwidth * t);
-        const double b =
-            2.0 * std::exp(-kPi * bandwidth * t) * std::cos(2.0 * kPi * v[part.frequencyRow] * t);
-        h = (1.0 - b - c) / (1.0 - b * z1 - c * z1 * z1);
-    }
-    if (part.differenced)
-        h *= 1.0 - z1;
-    return h * (part.sign * part.factor * CKlattEngine::DBtoLIN(v[part.amplitudeRow]));
+    std::vector<std::complex<double>> z1(mel.filters().back().back().first + 1);
+    for (std::size_t bin = mel.filters().front().front().first; bin < z1.size(); ++bin)
+        z1[bin] = std::polar(1.0, -2.0 * kPi * (bin * rate / mel.fftSize()) * t);
+    return z1;
 }
 
-// Each formant's response at every bin the mel filters read.
+// Each part's response at every bin the mel filters read, as the synthesizer builds the part: a
+// two-pole resonator of unit gain at 0 Hz (or the flat bypass), scaled by its amplitude and its
+// fixed factor, signed.
 using Responses = std::vector<std::array<std::complex<double>, kParts>>;
 
-Responses responses(const FrameValues& v, const Parts& parts, const MelCepstrum& mel, double rate)
+Responses responses(const FrameValues& v, const Parts& parts, const std::vector<std::complex<double>>& z1,
+                    double rate)
 {
-    const int bins = mel.filters().back().back().first + 1;
-    Responses h(bins);
-    for (int bin = mel.filters().front().front().first; bin < bins; ++bin)
-        for (int k = 0; k < kParts; ++k)
-            h[bin][k] = partResponse(v, parts[k], bin * rate / mel.fftSize(), rate);
+    const double t = 1.0 / rate;
+    Responses h(z1.size());
+    for (int k = 0; k < kParts; ++k) {
+        const Part& part = parts[k];
+        double b = 0.0, c = 0.0;
+        if (part.frequencyRow >= 0) {
+            const double bandwidth = v[part.bandwidthRow];
+            c = -std::exp(-2.0 * kPi * bandwidth * t);
+            b = 2.0 * std::exp(-kPi * bandwidth * t) * std::cos(2.0 * kPi * v[part.frequencyRow] * t);
+        }
+        const double gain = part.sign * part.factor * CKlattEngine::DBtoLIN(v[part.amplitudeRow]);
+        for (std::size_t bin = 0; bin < z1.size(); ++bin) {
+            if (z1[bin] == 0.0)
+                continue;
+            std::complex<double> r = 1.0;
+            if (part.frequencyRow >= 0) {
+                // The denominator never vanishes (the poles lie inside the unit circle): divided
+                // plainly, without the library's guards against overflow.
+                const std::complex<double> d = 1.0 - b * z1[bin] - c * z1[bin] * z1[bin];
+                r = std::conj(d) * ((1.0 - b - c) / std::norm(d));
+            }
+            if (part.differenced)
+                r *= 1.0 - z1[bin];
+            h[bin][k] = r * gain;
+        }
+    }
     return h;
 }
 
-// The power each filter passes with every formant moved by `moved` dB (the model's, without the
-// source).
-MelSpectrum filterPowers(const Responses& h, const MelCepstrum& mel, const Step& moved)
+// The sum of the parts at every bin, each part moved by `moved` dB.
+std::vector<std::complex<double>> sums(const Responses& h, const Step& moved)
 {
     Step scale{};
     for (int k = 0; k < kParts; ++k)
         scale[k] = std::pow(10.0, moved[k] / 20.0);
-    MelSpectrum out{};
-    for (int j = 0; j < kMelFilters; ++j)
-        for (const auto& [bin, w] : mel.filters()[j]) {
-            std::complex<double> sum = 0.0;
-            for (int k = 0; k < kParts; ++k)
-                sum += h[bin][k] * scale[k];
-            out[j] += w * std::norm(sum);
-        }
+    std::vector<std::complex<double>> out(h.size());
+    for (std::size_t bin = 0; bin < h.size(); ++bin)
+        for (int k = 0; k < kParts; ++k)
+            out[bin] += h[bin][k] * scale[k];
     return out;
 }
 
-// How each filter's level (dB) moves per dB of each formant amplitude.
-Matrix levelSlopes(const Responses& h, const MelCepstrum& mel)
+// The power each filter passes of the sum (the model's, without the source).
+MelSpectrum filterPowers(const std::vector<std::complex<double>>& sum, const MelCepstrum& mel)
+{
+    MelSpectrum out{};
+    for (int j = 0; j < kMelFilters; ++j)
+        for (const auto& [bin, w] : mel.filters()[j])
+            out[j] += w * std::norm(sum[bin]);
+    return out;
+}
+
+// How each filter's level (dB) moves per dB of each part's amplitude, given the power each
+// filter passes (`powers`, of `sum`, the parts as they are).
+Matrix levelSlopes(const Responses& h, const std::vector<std::complex<double>>& sum,
+                   const MelSpectrum& powers, const MelCepstrum& mel)
 {
     Matrix slopes{};
     for (int j = 0; j < kMelFilters; ++j) {
-        double total = 0.0;
-        for (const auto& [bin, w] : mel.filters()[j]) {
-            std::complex<double> sum = 0.0;
+        for (const auto& [bin, w] : mel.filters()[j])
             for (int k = 0; k < kParts; ++k)
-                sum += h[bin][k];
-            total += w * std::norm(sum);
-            for (int k = 0; k < kParts; ++k)
-                slopes[j][k] += w * std::real(std::conj(sum) * h[bin][k]);
-        }
+                slopes[j][k] += w * std::real(std::conj(sum[bin]) * h[bin][k]);
         for (int k = 0; k < kParts; ++k)
-            slopes[j][k] = total > 0.0 ? slopes[j][k] / total : 0.0;
+            slopes[j][k] = powers[j] > 0.0 ? slopes[j][k] / powers[j] : 0.0;
     }
     return slopes;
 }
@@ -164,12 +179,9 @@ Step shapeStep(const Matrix& slopes, const MelSpectrum& want, const MelSpectrum&
     Step rhs{};
     for (int c = 1; c <= kMelCoefficients; ++c) {
         Step row{};
-        for (int k = 0; k < kParts; ++k) {
-            MelSpectrum column{};
-            for (int j = 0; j < kMelFilters; ++j)
-                column[j] = slopes[j][k];
-            row[k] = mel.coefficient(column, c);
-        }
+        for (int j = 0; j < kMelFilters; ++j)
+            for (int k = 0; k < kParts; ++k)
+                row[k] += slopes[j][k] * mel.basis(c, j);
         const double e = mel.coefficient(error, c);
         for (int k = 0; k < kParts; ++k) {
             rhs[k] += row[k] * e;
@@ -188,12 +200,12 @@ Step shapeStep(const Matrix& slopes, const MelSpectrum& want, const MelSpectrum&
     return step;
 }
 
-// The level change (dB) of the frame's synthesis when its formants move by `moved`: each filter's
-// measured power (`have`, log amplitudes) scaled as the model's power in it changes.
-double levelChange(const Responses& h, const MelCepstrum& mel, const MelSpectrum& have, const Step& moved)
+// The level change (dB) of the frame's synthesis when its parts move by `moved`: each filter's
+// measured power (`have`, log amplitudes) scaled as the model's power in it changes from `before`.
+double levelChange(const Responses& h, const MelSpectrum& before, const MelCepstrum& mel,
+                   const MelSpectrum& have, const Step& moved)
 {
-    const MelSpectrum before = filterPowers(h, mel, Step{});
-    const MelSpectrum after = filterPowers(h, mel, moved);
+    const MelSpectrum after = filterPowers(sums(h, moved), mel);
     double was = 0.0, will = 0.0;
     for (int j = 0; j < kMelFilters; ++j) {
         const double power = std::exp(2.0 * have[j]);
@@ -214,6 +226,7 @@ void LevelMatching::refineShape(std::vector<FrameValues>& frames, int passes, co
                                 const std::vector<bool>& wanted, bool voicing) const
 {
     const MelCepstrum synthMel(m_nRate, m_dMelTop);
+    const std::vector<std::complex<double>> z1 = delays(synthMel, m_nRate);
     const std::vector<FrameValues> start = frames;
     const std::vector<MelSpectrum> recording =
         MelCepstrum(m_target.rate, m_dMelTop)
@@ -226,9 +239,12 @@ void LevelMatching::refineShape(std::vector<FrameValues>& frames, int passes, co
             if (!wanted[f] || silent(synth[f]))
                 continue;
             FrameValues& v = frames[f];
-            const Responses h = responses(v, parts, synthMel, m_nRate);
-            const Step step = shapeStep(levelSlopes(h, synthMel), recording[f], synth[f], synthMel);
-            const double keepLevel = -levelChange(h, synthMel, synth[f], step);
+            const Responses h = responses(v, parts, z1, m_nRate);
+            const std::vector<std::complex<double>> sum = sums(h, Step{});
+            const MelSpectrum powers = filterPowers(sum, synthMel);
+            const Step step =
+                shapeStep(levelSlopes(h, sum, powers, synthMel), recording[f], synth[f], synthMel);
+            const double keepLevel = -levelChange(h, powers, synthMel, synth[f], step);
             for (int k = 0; k < kParts; ++k) {
                 const int row = parts[k].amplitudeRow, from = start[f][row];
                 const int moved = static_cast<int>(std::lround(v[row] + step[k] + keepLevel));

@@ -41,22 +41,40 @@ std::vector<MelSpectrum> MelCepstrum::logSpectra(const float* x, std::size_t cou
 {
     const Fft fft(m_nFftSize);
     const std::vector<double> window = hannWindow(m_nLength);
-    std::vector<double> segment(m_nLength), power(m_nFftSize / 2 + 1);
+    std::vector<double> first(m_nLength), second(m_nLength);
+    std::vector<double> powerFirst(m_nFftSize / 2 + 1), powerSecond(m_nFftSize / 2 + 1);
     std::vector<std::complex<double>> work(m_nFftSize);
+    std::vector<std::size_t> frames;
+    for (std::size_t f = 0; f < centres.size(); ++f)
+        if (!wanted || (*wanted)[f])
+            frames.push_back(f);
     std::vector<MelSpectrum> out(centres.size());
-    for (std::size_t f = 0; f < centres.size(); ++f) {
-        if (wanted && !(*wanted)[f])
-            continue;
-        windowedSegment(x, count, centres[f] * m_dRate, m_nLength, window, segment.data());
-        fft.powerSpectrum(segment.data(), m_nLength, work.data(), power.data());
-        for (int k = 0; k < kFilters; ++k) {
-            double sum = 0.0;
-            for (const auto& [bin, w] : m_filters[k])
-                sum += power[bin] * w;
-            out[f][k] = 0.5 * std::log(sum + 1e-10);
+    // Two frames share one transform.
+    for (std::size_t i = 0; i < frames.size(); i += 2) {
+        windowedSegment(x, count, centres[frames[i]] * m_dRate, m_nLength, window, first.data());
+        if (i + 1 < frames.size()) {
+            windowedSegment(x, count, centres[frames[i + 1]] * m_dRate, m_nLength, window, second.data());
+            fft.powerSpectrumPair(first.data(), second.data(), m_nLength, work.data(), powerFirst.data(),
+                                  powerSecond.data());
+            out[frames[i + 1]] = filterLogs(powerSecond);
+        } else {
+            fft.powerSpectrum(first.data(), m_nLength, work.data(), powerFirst.data());
         }
+        out[frames[i]] = filterLogs(powerFirst);
     }
     return out;
+}
+
+MelSpectrum MelCepstrum::filterLogs(const std::vector<double>& power) const
+{
+    MelSpectrum logs{};
+    for (int k = 0; k < kFilters; ++k) {
+        double sum = 0.0;
+        for (const auto& [bin, w] : m_filters[k])
+            sum += power[bin] * w;
+        logs[k] = 0.5 * std::log(sum + 1e-10);
+    }
+    return logs;
 }
 
 double MelCepstrum::coefficient(const MelSpectrum& logs, int c) const

@@ -27,8 +27,10 @@ public:
     // frames computed and left zero).
     std::vector<MelSpectrum> logSpectra(const float* x, std::size_t count, const std::vector<double>& centres,
                                         const std::vector<bool>* wanted = nullptr) const;
-    // Coefficient c (1 .. kMelCoefficients) of a frame's log amplitudes.
+    // Coefficient c (1 .. kMelCoefficients) of a frame's log amplitudes: the sum of each filter's
+    // log amplitude times basis(c, filter).
     double coefficient(const MelSpectrum& logs, int c) const;
+    double basis(int c, int filter) const { return m_dct[(c - 1) * kMelFilters + filter]; }
 
     // Distance of two frames in dB (10 / ln 10 x sqrt(2 x sum of squared differences)).
     static double distance(const MelFrame& a, const MelFrame& b);
@@ -38,6 +40,8 @@ public:
     int fftSize() const { return m_nFftSize; }
 
 private:
+    MelSpectrum filterLogs(const std::vector<double>& power) const; // a frame's power spectrum filtered
+
     double m_dRate;
     int m_nLength;
     int m_nFftSize;

@@ -79,6 +79,21 @@ void Fft::powerSpectrum(const double* real, int count, std::complex<double>* wor
         power[k] = std::norm(work[k]);
 }
 
+void Fft::powerSpectrumPair(const double* a, const double* b, int count, std::complex<double>* work,
+                            double* powerA, double* powerB) const
+{
+    const int n = std::min(count, m_nSize);
+    for (int i = 0; i < n; ++i)
+        work[i] = std::complex<double>(a[i], b[i]);
+    std::fill(work + n, work + m_nSize, std::complex<double>());
+    forward(work);
+    for (int k = 0; k <= m_nSize / 2; ++k) {
+        const std::complex<double> z = work[k], zc = std::conj(work[(m_nSize - k) % m_nSize]);
+        powerA[k] = 0.25 * std::norm(z + zc);
+        powerB[k] = 0.25 * std::norm(z - zc);
+    }
+}
+
 void Fft::autocorrelationPair(const double* a, const double* b, int count, std::complex<double>* work,
                               int lags, double* ra, double* rb) const
 {

@@ -27,6 +27,10 @@ public:
     // Power spectrum |X(k)|^2, k = 0 .. size()/2, of `count` real values (zero-padded or cut to
     // size()), written to `power` (size()/2 + 1 values). `work` is scratch of size() values.
     void powerSpectrum(const double* real, int count, std::complex<double>* work, double* power) const;
+    // The power spectra of two real signals at once (packed as the real and imaginary parts of one
+    // transform), as powerSpectrum() gives each.
+    void powerSpectrumPair(const double* a, const double* b, int count, std::complex<double>* work,
+                           double* powerA, double* powerB) const;
     // Autocorrelations r[0..lags-1] of two real signals of `count` values (zero-padded to size(),
     // which must be at least count + lags for the result to be free of wrap-around), with one
     // forward and one inverse transform for both. `work` is scratch of size() values.
