@@ -7,7 +7,8 @@
 //  - opening the graphical and the trace data-entry windows up to their first paint (target:
 //    1 s or less each);
 //  - Add Frames (100 ms) and Remove Frames (10 frames) at the start, in the middle and at the
-//    end, with the table's refresh, and their undo and redo (targets: 100 ms, 150 MB).
+//    end, with the table's refresh, and their undo and redo (targets: 100 ms, 150 MB);
+//  - Interpolate All between anchors at both ends of the hour (targets: 1 s, 150 MB).
 // Runs under the offscreen platform; a fresh document is opened (outside the timing) for the
 // cases whose first run would leave work behind for the next.
 #include "GuiBenchMain.h"
@@ -22,6 +23,7 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
+#include <cmath>
 #include <filesystem>
 #include <fstream>
 #include <malloc.h>
@@ -252,6 +254,41 @@ void BM_UndoRedoAddFramesOnOneHour(benchmark::State& state)
     state.counters["PeakAdded_MB"] = peak;
 }
 BENCHMARK(BM_UndoRedoAddFramesOnOneHour)
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1)
+    ->Repetitions(5)
+    ->ReportAggregatesOnly(true);
+
+// Interpolate All with f1 and f2 anchored at the second and the last frame but one: every frame
+// between them changes (the widest span there is), with the table's refresh.
+void BM_InterpolateAllOnOneHour(benchmark::State& state)
+{
+    double peak = 0.0;
+    for (auto _ : state) {
+        state.PauseTiming();
+        auto open = std::make_unique<OpenHour>();
+        for (int row : {Row::f1, Row::f2})
+            for (long long column : {2LL, kFrames - 1LL})
+                open->doc._dataTableDictionary.cellAt(column * 10, row)->set_bAnchor(true);
+        const PeakWatch watch;
+        state.ResumeTiming();
+        open->table->_InterpolateAll();
+        QApplication::processEvents();
+        state.PauseTiming();
+        peak = std::max(peak, watch.addedMB());
+        const int first = open->doc._dataTableDictionary.cellAt(20, Row::f1)->_nValue();
+        const int last = open->doc._dataTableDictionary.cellAt((kFrames - 1LL) * 10, Row::f1)->_nValue();
+        int middle = 0;
+        open->doc._dataTableDictionary.valueAt(kFrames / 2 * 10LL, Row::f1, middle);
+        const double slope = static_cast<double>(last - first) / (kFrames - 3);
+        if (middle != static_cast<int>(std::trunc(first + (kFrames / 2 - 2) * slope)))
+            state.SkipWithError("the middle frame was not interpolated");
+        open.reset();
+        state.ResumeTiming();
+    }
+    state.counters["PeakAdded_MB"] = peak;
+}
+BENCHMARK(BM_InterpolateAllOnOneHour)
     ->Unit(benchmark::kMillisecond)
     ->Iterations(1)
     ->Repetitions(5)

@@ -49,6 +49,13 @@ public:
     // each made from `source` when first looked up. Replaces everything the dictionary held.
     void setPendingColumns(std::size_t columns, long long interval,
                            std::shared_ptr<const TableColumnSource> source);
+    // Gives the columns still to be made a new source: one that makes the same columns, but for
+    // values changed in them (TableValueWriter).
+    void replacePendingSource(std::shared_ptr<const TableColumnSource> source)
+    {
+        if (m_nPending > 0)
+            m_source = std::move(source);
+    }
     // Columns announced and not made yet.
     std::size_t pendingCount() const { return m_nPending; }
 

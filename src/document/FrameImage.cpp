@@ -28,6 +28,26 @@ void FrameImage::Block::setValue(int frame, int row, int value)
     wide.emplace_back(static_cast<std::uint32_t>(frame * kParameterCount + row), value);
 }
 
+void FrameImage::Block::replaceValue(int frame, int row, int value)
+{
+    const auto key = static_cast<std::uint32_t>(frame * kParameterCount + row);
+    const auto it =
+        std::lower_bound(wide.begin(), wide.end(), std::pair<std::uint32_t, std::int32_t>{key, INT_MIN});
+    const bool listed = it != wide.end() && it->first == key;
+    auto& narrow = values[static_cast<std::size_t>(frame)][static_cast<std::size_t>(row)];
+    if (value >= INT16_MIN && value <= INT16_MAX) {
+        if (listed)
+            wide.erase(it);
+        narrow = static_cast<std::int16_t>(value);
+        return;
+    }
+    narrow = 0;
+    if (listed)
+        it->second = value;
+    else
+        wide.insert(it, {key, value});
+}
+
 FrameImage::Builder::Builder(int frames)
 {
     m_nFrames = std::max(frames, 0);

@@ -29,6 +29,8 @@ public:
 
         int value(int frame, int row) const;
         void setValue(int frame, int row, int value);
+        // The same for a block already filled: any value, in any order.
+        void replaceValue(int frame, int row, int value);
         friend bool operator==(const Block&, const Block&) = default;
     };
     using BlockRef = std::shared_ptr<const Block>;

@@ -1,6 +1,7 @@
 #include "table/TableEditing.h"
 
 #include "document/DocumentException.h"
+#include "document/TableValueWriter.h"
 
 #include <algorithm>
 #include <array>
@@ -96,39 +97,18 @@ TypedEntryOutcome typeValue(MyDocument& doc, int row, int tableColumn, int newVa
 
 namespace
 {
-// Fills the frames between consecutive anchors of one row; `columns` as frameColumns().
-void interpolateRow(std::vector<CellArray*>& columns, int row)
+// Fills the frames between consecutive anchors of one row; `anchors` are its anchored table
+// columns in order.
+void interpolateRow(TableValueWriter& table, const std::vector<long long>& anchors, int row)
 {
-    auto cellOf = [&](std::size_t j) -> CellRef* {
-        CellArray* column = columns[j];
-        if (!column || static_cast<std::size_t>(row) >= column->size() || !(*column)[row])
-            return nullptr;
-        return &(*column)[row];
-    };
-
-    std::vector<std::size_t> anchors;
-    for (std::size_t j = 0; j < columns.size(); ++j) {
-        CellRef* cell = cellOf(j);
-        if (cell && (*cell)->_bAnchor())
-            anchors.push_back(j);
-    }
     for (std::size_t i = 1; i < anchors.size(); ++i) {
-        const std::size_t a = anchors[i - 1];
-        const std::size_t b = anchors[i];
-        const int valueA = (*cellOf(a))->_nValue();
-        const double slope =
-            (static_cast<double>((*cellOf(b))->_nValue()) - valueA) / static_cast<double>(b - a);
-        for (std::size_t k = 1; k < b - a; ++k) {
-            CellRef* old = cellOf(a + k);
-            if (!old)
-                continue;
-            const int value = static_cast<int>(std::trunc(valueA + static_cast<double>(k) * slope));
-            auto cell = std::make_shared<ImageAndTextCell>();
-            cell->copy(**old);
-            cell->set_nValue(value);
-            cell->setInttoStringValue(value);
-            *old = std::move(cell);
-        }
+        const long long a = anchors[i - 1], b = anchors[i];
+        int valueA = 0, valueB = 0;
+        table.value(a, row, valueA);
+        table.value(b, row, valueB);
+        const double slope = (static_cast<double>(valueB) - valueA) / static_cast<double>(b - a);
+        for (long long k = 1; k < b - a; ++k)
+            table.setValue(a + k, row, static_cast<int>(std::trunc(valueA + static_cast<double>(k) * slope)));
     }
 }
 } // namespace
@@ -137,9 +117,19 @@ void interpolateRows(MyDocument& doc, int first, int last)
 {
     first = std::max(first, 0);
     last = std::min(last, kParameterCount - 1);
-    std::vector<CellArray*> columns = frameColumns(doc);
+    if (first > last)
+        return;
+    TableValueWriter table(doc);
+    std::array<std::vector<long long>, kParameterCount> anchors;
+    for (long long column = 1; column <= table.frames(); ++column) {
+        const std::uint64_t bits = table.anchors(column);
+        for (int row = first; bits != 0 && row <= last; ++row)
+            if ((bits >> row) & 1u)
+                anchors[static_cast<std::size_t>(row)].push_back(column);
+    }
     for (int row = first; row <= last; ++row)
-        interpolateRow(columns, row);
+        interpolateRow(table, anchors[static_cast<std::size_t>(row)], row);
+    table.finish();
 }
 
 void interpolateAll(MyDocument& doc)

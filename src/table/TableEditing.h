@@ -56,7 +56,8 @@ TypedEntryOutcome typeValue(MyDocument& doc, int row, int tableColumn, int newVa
 // Fills, for every row first..last (limited to 0..47), the frames between consecutive
 // anchors with the straight line between their values, truncated toward zero. Anchors and
 // the frames outside them are untouched; filled cells are new cells copied from the old
-// ones. Records nothing: the undo/redo frame belongs to the command.
+// ones, and columns not made yet stay so (TableValueWriter). Records nothing: the undo/redo
+// frame belongs to the command.
 void interpolateRows(MyDocument& doc, int first, int last);
 
 // The interpolate-all command on the document: undo step, every row interpolated, document

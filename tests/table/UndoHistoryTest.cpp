@@ -1,7 +1,8 @@
 // Undo and redo keep their snapshots as shared blocks of frames. These tests hold them to the
 // plain behaviour: two lists of whole-document snapshot texts, ten deep, one shared position.
 // A reference history kept here with snapshot texts runs beside the document through random
-// sequences of typed edits, whole-row changes, unrecorded changes, added and removed frames,
+// sequences of typed edits, interpolations, whole-row changes, unrecorded changes, added and
+// removed frames,
 // undos and redos, and after every step the document must be exactly the one the reference
 // restores. And on a document of an hour, an edit must cost what it changes.
 #include "document/UndoStep.h"
@@ -12,6 +13,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <random>
 #include <sstream>
 #include <string>
@@ -187,6 +189,22 @@ struct Twins {
             return true;
         });
     }
+    // Two anchors typed into one row, then Interpolate All (between those and any others).
+    void interpolate()
+    {
+        const int row = pick(0, kParameterCount - 1);
+        for (int anchor = 0; anchor < 2; ++anchor) {
+            const int column = pick(1, std::max(frames(), 1)), value = pick(0, 6000);
+            both([&](MyDocument& d) {
+                d.getChannel(0)->m_bDoAnchor = 1;
+                return typeValue(d, row, column, value) != TypedEntryOutcome::Unchanged;
+            });
+        }
+        both([&](MyDocument& d) {
+            interpolateAll(d);
+            return true;
+        });
+    }
     // Now and then with no frame selected: a step that changes nothing.
     void removeFrames()
     {
@@ -209,8 +227,10 @@ TEST(UndoHistory, RandomEditsUndosAndRedosRestoreWhatWholeSnapshotsRestore)
         Twins t(seed, 300 + 150 * static_cast<int>(seed));
         for (int step = 0; step < 90; ++step) {
             const int action = t.pick(0, 99);
-            if (action < 30)
+            if (action < 28)
                 t.typedEdit();
+            else if (action < 32)
+                t.interpolate();
             else if (action < 40)
                 t.wholeRow();
             else if (action < 48)
@@ -371,4 +391,31 @@ TEST(UndoHistory, FramesAddedAndRemovedOnAnHourMoveTheFramesAndMakeNoColumns)
     EXPECT_EQ(f1(200256), record);
     EXPECT_EQ(f1(200257), hourF1(200277));
     EXPECT_GT(data.pendingCount(), pending - 300);
+}
+
+TEST(UndoHistory, InterpolatingAcrossAnHourMakesNoColumns)
+{
+    MyDocument doc;
+    openHour(doc);
+    const DataTableDictionary& data = doc._dataTableDictionary;
+    for (long long column : {2LL, 359999LL})
+        data.cellAt(column * 10, Row::f1)->set_bAnchor(true);
+    const std::size_t pending = data.pendingCount();
+    auto f1 = [&](long long column) { return data.cellAt(column * 10, Row::f1)->_nValue(); };
+    const int first = hourF1(2), last = hourF1(359999);
+    auto line = [&](long long column) {
+        return static_cast<int>(
+            std::trunc(first + (column - 2) * (static_cast<double>(last - first) / 359997)));
+    };
+
+    interpolateAll(doc);
+    EXPECT_EQ(data.pendingCount(), pending);
+    for (long long column : {3LL, 30LL, 180000LL, 359998LL})
+        EXPECT_EQ(f1(column), line(column)) << column;
+    EXPECT_EQ(f1(360000), hourF1(360000)) << "past the last anchor";
+    EXPECT_EQ(data.cellAt(1800010, Row::f2)->_nValue(), doc.getChannel(0)->m_Parameters[Row::f2].nValue);
+    doc.doUndo();
+    EXPECT_EQ(f1(180001), hourF1(180001));
+    doc.doRedo();
+    EXPECT_EQ(f1(180001), line(180001));
 }
