@@ -185,15 +185,27 @@ std::vector<std::vector<double>> LevelMatching::levelsInBands(const float* x, st
     FrameSpectrum spectrum(frameLength(layout.windowS, rate));
     // The bands end at 5.5 kHz: above it the sixth to eighth formants take over.
     const double top = std::min({rate, m_target.rate, static_cast<double>(m_nRate), 2.0 * kHighBandHz}) / 2.0;
+    std::vector<std::size_t> chosen;
+    for (std::size_t f = 0; f < m_target.centres.size(); ++f)
+        if (m_target.voiced[f] == layout.voiced)
+            chosen.push_back(f);
     std::vector<std::vector<double>> out(m_target.centres.size());
-    for (std::size_t f = 0; f < m_target.centres.size(); ++f) {
-        if (m_target.voiced[f] != layout.voiced)
-            continue;
+    const auto read = [&](std::size_t f, bool second) {
         const std::vector<double> edges = layout.edges(frames[f], top);
-        spectrum.analyse(x, count, m_target.centres[f] * rate);
         out[f].resize(edges.size() - 1);
         for (std::size_t b = 0; b + 1 < edges.size(); ++b)
-            out[f][b] = spectrum.bandLevelDb(edges[b], edges[b + 1], rate);
+            out[f][b] = spectrum.bandLevelDb(edges[b], edges[b + 1], rate, second);
+    };
+    // Two frames share one transform.
+    for (std::size_t i = 0; i < chosen.size(); i += 2) {
+        if (i + 1 < chosen.size()) {
+            spectrum.analysePair(x, count, m_target.centres[chosen[i]] * rate,
+                                 m_target.centres[chosen[i + 1]] * rate);
+            read(chosen[i + 1], true);
+        } else {
+            spectrum.analyse(x, count, m_target.centres[chosen[i]] * rate);
+        }
+        read(chosen[i], false);
     }
     return out;
 }

@@ -197,7 +197,8 @@ double hzOfMel(double mel)
 
 FrameSpectrum::FrameSpectrum(int length)
     : m_nLength(length), m_fft(fftSizeFor(length)), m_window(hannWindow(length)), m_segment(length),
-      m_power(m_fft.size() / 2 + 1), m_work(m_fft.size())
+      m_secondSegment(length), m_power(m_fft.size() / 2 + 1), m_secondPower(m_fft.size() / 2 + 1),
+      m_work(m_fft.size())
 {
     for (double w : m_window)
         m_dEnergy += w * w;
@@ -209,14 +210,23 @@ void FrameSpectrum::analyse(const float* samples, std::size_t count, double cent
     m_fft.powerSpectrum(m_segment.data(), m_nLength, m_work.data(), m_power.data());
 }
 
-double FrameSpectrum::bandLevelDb(double lo, double hi, double rate) const
+void FrameSpectrum::analysePair(const float* samples, std::size_t count, double centre, double secondCentre)
 {
+    windowedSegment(samples, count, centre, m_nLength, m_window, m_segment.data());
+    windowedSegment(samples, count, secondCentre, m_nLength, m_window, m_secondSegment.data());
+    m_fft.powerSpectrumPair(m_segment.data(), m_secondSegment.data(), m_nLength, m_work.data(),
+                            m_power.data(), m_secondPower.data());
+}
+
+double FrameSpectrum::bandLevelDb(double lo, double hi, double rate, bool second) const
+{
+    const std::vector<double>& power = second ? m_secondPower : m_power;
     const int size = m_fft.size();
     const int first = static_cast<int>(std::ceil(lo * size / rate));
     const int last = std::min(size / 2, static_cast<int>(std::floor(hi * size / rate)));
     double sum = 0.0;
     for (int k = std::max(first, 0); k <= last; ++k)
-        sum += m_power[k];
+        sum += power[k];
     return levelDb(2.0 * sum / (size * m_dEnergy));
 }
 

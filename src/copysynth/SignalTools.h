@@ -71,23 +71,25 @@ void windowedSegment(const float* samples, std::size_t count, double centre, int
 std::vector<int> tracedBack(const std::vector<std::vector<double>>& score,
                             const std::vector<std::vector<int>>& from, bool lowestWins);
 
-// Power spectra of Hann-windowed frames of one length, one frame at a time, and the level of a
-// band of the last frame: levelDb of twice the band's power over (transform size x the window's
-// energy). Holds its own scratch arrays: one object per thread.
+// Power spectra of Hann-windowed frames of one length, one frame (or two) at a time, and the level
+// of a band of the last frame: levelDb of twice the band's power over (transform size x the
+// window's energy). Holds its own scratch arrays: one object per thread.
 class FrameSpectrum
 {
 public:
     explicit FrameSpectrum(int length); // length 2 or more samples
     // The frame of `count` samples centred on `centre` (sample index; see windowedSegment).
     void analyse(const float* samples, std::size_t count, double centre);
+    // Two frames in one transform; bandLevelDb() reads the first, or the second when asked.
+    void analysePair(const float* samples, std::size_t count, double centre, double secondCentre);
     // Level (dB) of the bins from lo to hi Hz (the edges rounded inwards) at `rate`.
-    double bandLevelDb(double lo, double hi, double rate) const;
+    double bandLevelDb(double lo, double hi, double rate, bool second = false) const;
 
 private:
     int m_nLength;
     Fft m_fft;
     std::vector<double> m_window;
     double m_dEnergy = 0.0;
-    std::vector<double> m_segment, m_power;
+    std::vector<double> m_segment, m_secondSegment, m_power, m_secondPower;
     std::vector<std::complex<double>> m_work;
 };
