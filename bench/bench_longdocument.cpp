@@ -8,7 +8,8 @@
 //    1 s or less each);
 //  - Add Frames (100 ms) and Remove Frames (10 frames) at the start, in the middle and at the
 //    end, with the table's refresh, and their undo and redo (targets: 100 ms, 150 MB);
-//  - Interpolate All between anchors at both ends of the hour (targets: 1 s, 150 MB).
+//  - Interpolate All between anchors at both ends of the hour (targets: 1 s, 150 MB);
+//  - copying ten frames, pasting them and removing all anchors (targets: 100 ms, 150 MB).
 // Runs under the offscreen platform; a fresh document is opened (outside the timing) for the
 // cases whose first run would leave work behind for the next.
 #include "GuiBenchMain.h"
@@ -289,6 +290,38 @@ void BM_InterpolateAllOnOneHour(benchmark::State& state)
     state.counters["PeakAdded_MB"] = peak;
 }
 BENCHMARK(BM_InterpolateAllOnOneHour)
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1)
+    ->Repetitions(5)
+    ->ReportAggregatesOnly(true);
+
+// Ctrl+C on ten selected frames and Ctrl+V of them ten frames on, with the table's refresh; then
+// Remove All Anchors.
+void BM_CopyPasteAndClearAnchorsOnOneHour(benchmark::State& state)
+{
+    double peak = 0.0;
+    for (auto _ : state) {
+        state.PauseTiming();
+        auto open = std::make_unique<OpenHour>();
+        selectFrames(*open->table, 5, 14);
+        const PeakWatch watch;
+        state.ResumeTiming();
+        open->table->copySelection();
+        selectFrames(*open->table, 25, 25);
+        open->table->pasteAtSelection();
+        open->table->_anchorRemoveAll();
+        QApplication::processEvents();
+        state.PauseTiming();
+        peak = std::max(peak, watch.addedMB());
+        if (open->doc._dataTableDictionary.cellAt(250, Row::f0)->_nValue() !=
+            open->doc._dataTableDictionary.cellAt(50, Row::f0)->_nValue())
+            state.SkipWithError("the frames were not pasted");
+        open.reset();
+        state.ResumeTiming();
+    }
+    state.counters["PeakAdded_MB"] = peak;
+}
+BENCHMARK(BM_CopyPasteAndClearAnchorsOnOneHour)
     ->Unit(benchmark::kMillisecond)
     ->Iterations(1)
     ->Repetitions(5)

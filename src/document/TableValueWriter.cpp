@@ -29,17 +29,24 @@ bool TableValueWriter::value(long long column, int row, int& value) const
     const long long frame = pendingFrame(column);
     if (frame < 0)
         return m_data.valueAt(column * m_nInterval, row, value);
-    const auto b = static_cast<std::size_t>(frame / FrameImage::kBlockFrames);
-    const int at = static_cast<int>(frame % FrameImage::kBlockFrames);
-    value = m_edited[b] ? m_edited[b]->value(at, row) : m_source->frames.value(static_cast<int>(frame), row);
+    value = current(frame).value(static_cast<int>(frame % FrameImage::kBlockFrames), row);
     return true;
+}
+
+const FrameImage::Block& TableValueWriter::current(long long frame) const
+{
+    const auto b = static_cast<std::size_t>(frame / FrameImage::kBlockFrames);
+    return m_edited[b] ? *m_edited[b] : *m_source->frames.block(b);
 }
 
 std::uint64_t TableValueWriter::anchors(long long column) const
 {
+    const long long frame = pendingFrame(column);
+    if (frame >= 0)
+        return current(frame).anchors[static_cast<std::size_t>(frame % FrameImage::kBlockFrames)];
     const DataTableDictionary::Peek peek = m_data.peek(column * m_nInterval);
     if (peek.pending > 0)
-        return m_source->anchors(peek.pending); // writing never changes an anchor
+        return m_source->anchors(peek.pending); // past the image's frames: none
     std::uint64_t bits = 0;
     if (peek.cells)
         for (std::size_t row = 0; row < peek.cells->size() && row < kParameterCount; ++row)
@@ -74,6 +81,21 @@ bool TableValueWriter::setValue(long long column, int row, int value)
     cell->setInttoStringValue(value);
     (*cells)[row] = std::move(cell);
     return true;
+}
+
+void TableValueWriter::clearAnchors(long long column, std::uint64_t rows)
+{
+    const long long frame = pendingFrame(column);
+    const auto at = static_cast<std::size_t>(frame % FrameImage::kBlockFrames);
+    if (frame >= 0) {
+        if (current(frame).anchors[at] & rows)
+            editable(frame).anchors[at] &= ~rows;
+        return;
+    }
+    CellArray* cells = m_data.objectForKey(column * m_nInterval);
+    for (std::size_t row = 0; cells && row < cells->size() && row < kParameterCount; ++row)
+        if (((rows >> row) & 1u) && (*cells)[row])
+            (*cells)[row]->set_bAnchor(false);
 }
 
 void TableValueWriter::finish()

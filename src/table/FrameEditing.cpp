@@ -2,6 +2,7 @@
 
 #include "document/DocumentException.h"
 #include "document/TableColumnSource.h"
+#include "document/TableValueWriter.h"
 #include "document/UndoStep.h"
 #include "table/TableEditing.h"
 
@@ -97,13 +98,16 @@ void installTableData(MyDocument& doc, DataTableDictionary newData, int interval
 
 void clearAnchorRows(MyDocument& doc, int firstRow, int lastRow)
 {
-    for (CellArray* column : frameColumns(doc)) {
-        if (!column)
-            continue;
-        const int last = std::min(lastRow, static_cast<int>(column->size()) - 1);
-        for (int row = std::max(firstRow, 0); row <= last; ++row)
-            (*column)[row]->set_bAnchor(false);
-    }
+    firstRow = std::max(firstRow, 0);
+    lastRow = std::min(lastRow, kParameterCount - 1);
+    if (firstRow > lastRow)
+        return;
+    const std::uint64_t rows = ((std::uint64_t{1} << (lastRow - firstRow + 1)) - 1) << firstRow;
+    TableValueWriter table(doc);
+    for (long long column = 1; column <= table.frames(); ++column)
+        if (table.anchors(column) & rows)
+            table.clearAnchors(column, rows);
+    table.finish();
 }
 
 } // namespace

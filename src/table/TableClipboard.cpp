@@ -89,11 +89,12 @@ std::string plural(int count, const char* one, const char* many)
 std::string copyCellsAsText(MyDocument& doc, int firstRow, int lastRow, int firstColumn, int lastColumn,
                             TimeColumn timeColumn)
 {
-    const std::vector<CellArray*> columns = frameColumns(doc);
+    const DataTableDictionary& data = doc._dataTableDictionary;
+    const long long key = doc.updateInterval();
     firstRow = std::max(firstRow, 0);
     lastRow = std::min(lastRow, kParameterCount - 1);
     firstColumn = std::max(firstColumn, 1);
-    lastColumn = std::min(lastColumn, static_cast<int>(columns.size()));
+    lastColumn = std::min(lastColumn, frameCount(doc));
     if (firstRow > lastRow || firstColumn > lastColumn)
         return {};
     const Channels& c = *doc.getChannel(0);
@@ -105,12 +106,12 @@ std::string copyCellsAsText(MyDocument& doc, int firstRow, int lastRow, int firs
         text += row < lastRow ? '\t' : '\n';
     }
     for (int column = firstColumn; column <= lastColumn; ++column) {
-        const CellArray* cells = columns[column - 1];
         if (timed)
             text += std::to_string((column - 1) * interval) + '\t';
         for (int row = firstRow; row <= lastRow; ++row) {
-            if (cells && static_cast<std::size_t>(row) < cells->size() && (*cells)[row])
-                text += std::to_string((*cells)[row]->_nValue());
+            int value = 0;
+            if (data.valueAt(column * key, row, value)) // read without making the column
+                text += std::to_string(value);
             text += row < lastRow ? '\t' : '\n';
         }
     }
@@ -130,8 +131,7 @@ PasteOutcome pasteCellsFromText(MyDocument& doc, int row, int tableColumn, const
         outcome.message = "There are no values to paste.";
         return outcome;
     }
-    std::vector<CellArray*> columns = frameColumns(doc);
-    const int framesLeft = std::max(0, static_cast<int>(columns.size()) - tableColumn + 1);
+    const int framesLeft = std::max(0, frameCount(doc) - tableColumn + 1);
     const int rowsLeft = std::max(0, kParameterCount - row);
     if (tableColumn < 1 || row < 0 || outcome.frames > framesLeft || outcome.rows > rowsLeft) {
         outcome.message = "The values of " + plural(outcome.frames, "frame", "frames") + " and " +
@@ -143,8 +143,9 @@ PasteOutcome pasteCellsFromText(MyDocument& doc, int row, int tableColumn, const
     }
 
     doc.saveUndo();
+    const long long interval = doc.updateInterval();
     for (int k = 0; k < outcome.frames; ++k) {
-        CellArray* cells = columns[tableColumn - 1 + k];
+        CellArray* cells = doc._dataTableDictionary.objectForKey((tableColumn + k) * interval);
         for (std::size_t j = 0; j < lines[k].size(); ++j) {
             const std::size_t r = static_cast<std::size_t>(row) + j;
             if (lines[k][j] && cells && r < cells->size() && (*cells)[r])

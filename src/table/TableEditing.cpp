@@ -21,6 +21,12 @@ std::vector<CellArray*> frameColumns(MyDocument& doc)
     return columns;
 }
 
+int frameCount(const MyDocument& doc)
+{
+    const std::size_t count = doc._dataTableDictionary.count();
+    return count < 2 ? 0 : static_cast<int>(count - 1);
+}
+
 CellArray rowCellsArray(MyDocument& doc, int row)
 {
     CellArray cells;

@@ -20,6 +20,9 @@
 // nullptr where the dictionary lacks that column's key. Repairs an update interval below 1.
 std::vector<CellArray*> frameColumns(MyDocument& doc);
 
+// The number of frame columns of the table data (its columns but the name column).
+int frameCount(const MyDocument& doc);
+
 // The cells of one row from every frame column, in column order (index j = table column
 // j + 1); nullptr where a column is missing. Empty for a row outside 0..47.
 CellArray rowCellsArray(MyDocument& doc, int row);

@@ -8,6 +8,7 @@
 #include "document/UndoStep.h"
 #include "support/TestDocuments.h"
 #include "table/FrameEditing.h"
+#include "table/TableClipboard.h"
 #include "table/TableEditing.h"
 
 #include <gtest/gtest.h>
@@ -260,8 +261,8 @@ TEST(UndoHistory, RandomEditsUndosAndRedosRestoreWhatWholeSnapshotsRestore)
     }
 }
 
-// One hour of frames whose f1 changes from frame to frame (300 + frame % 400), as read from a
-// file, with the columns a window shows made.
+// One hour of frames whose f1 changes from frame to frame (300 + frame % 400) and whose f2 is
+// anchored in frame 250000, as read from a file, with the columns a window shows made.
 void openHour(MyDocument& doc)
 {
     Channels& c = *doc.getChannel(0);
@@ -271,6 +272,7 @@ void openHour(MyDocument& doc)
     for (int k = 0; k < MyDocument::kMaxFrames; ++k)
         c.m_snppDataImage_Col_Row[static_cast<std::size_t>(k)][Row::f1] =
             static_cast<std::int16_t>(300 + k % 400);
+    c.m_pAnchorPosition = {Row::f2, 249999};
     doc.m_bReadFile = 1;
     doc.buildDataTableDictionary();
     for (long long k = 0; k <= 40; ++k)
@@ -393,7 +395,7 @@ TEST(UndoHistory, FramesAddedAndRemovedOnAnHourMoveTheFramesAndMakeNoColumns)
     EXPECT_GT(data.pendingCount(), pending - 300);
 }
 
-TEST(UndoHistory, InterpolatingAcrossAnHourMakesNoColumns)
+TEST(UndoHistory, InterpolatingCopyingPastingAndClearingAnchorsOnAnHourMakeNoColumns)
 {
     MyDocument doc;
     openHour(doc);
@@ -418,4 +420,14 @@ TEST(UndoHistory, InterpolatingAcrossAnHourMakesNoColumns)
     EXPECT_EQ(f1(180001), hourF1(180001));
     doc.doRedo();
     EXPECT_EQ(f1(180001), line(180001));
+
+    const std::string copied = copyCellsAsText(doc, Row::f1, Row::f1, 180000, 180002);
+    EXPECT_EQ(copied, "f1\n" + std::to_string(line(180000)) + "\n" + std::to_string(line(180001)) + "\n" +
+                          std::to_string(line(180002)) + "\n");
+    ASSERT_TRUE(pasteCellsFromText(doc, Row::f1, 300000, copied).pasted);
+    removeAllAnchors(doc);
+    EXPECT_GT(data.pendingCount(), pending - 10) << "copy, paste and anchors made only what they touched";
+    EXPECT_EQ(f1(300002), line(180002));
+    EXPECT_FALSE(data.cellAt(2500000, Row::f2)->_bAnchor()) << "an anchor of a column not made";
+    EXPECT_FALSE(data.cellAt(20, Row::f1)->_bAnchor());
 }
