@@ -9,6 +9,7 @@
 #include <array>
 #include <cmath>
 #include <complex>
+#include <future>
 
 // The parts of the parallel branch whose amplitudes a refinement moves: each a resonator (or,
 // without a frequency row, the flat bypass) scaled by its amplitude row and a fixed factor, signed
@@ -68,6 +69,15 @@ std::vector<std::complex<double>> delays(const MelCepstrum& mel, double rate)
     return z1;
 }
 
+// The first bin a mel filter reads (the delays below it are left at zero).
+std::size_t firstBin(const std::vector<std::complex<double>>& z1)
+{
+    std::size_t bin = 0;
+    while (bin < z1.size() && z1[bin] == 0.0)
+        ++bin;
+    return bin;
+}
+
 // Each part's response at every bin the mel filters read, as the synthesizer builds the part: a
 // two-pole resonator of unit gain at 0 Hz (or the flat bypass), scaled by its amplitude and its
 // fixed factor, signed.
@@ -87,19 +97,28 @@ Responses responses(const FrameValues& v, const Parts& parts, const std::vector<
             b = 2.0 * std::exp(-kPi * bandwidth * t) * std::cos(2.0 * kPi * v[part.frequencyRow] * t);
         }
         const double gain = part.sign * part.factor * CKlattEngine::DBtoLIN(v[part.amplitudeRow]);
-        for (std::size_t bin = 0; bin < z1.size(); ++bin) {
-            if (z1[bin] == 0.0)
-                continue;
-            std::complex<double> r = 1.0;
+        for (std::size_t bin = firstBin(z1); bin < z1.size(); ++bin) {
+            // Products written out: the values are finite, so the library's checks for
+            // infinities in every complex product are not needed.
+            const double zr = z1[bin].real(), zi = z1[bin].imag();
+            double rr = 1.0, ri = 0.0;
             if (part.frequencyRow >= 0) {
                 // The denominator never vanishes (the poles lie inside the unit circle): divided
                 // plainly, without the library's guards against overflow.
-                const std::complex<double> d = 1.0 - b * z1[bin] - c * z1[bin] * z1[bin];
-                r = std::conj(d) * ((1.0 - b - c) / std::norm(d));
+                const double czr = c * zr, czi = c * zi;
+                const std::complex<double> d((1.0 - b * zr) - (czr * zr - czi * zi),
+                                             (0.0 - b * zi) - (czr * zi + czi * zr));
+                const double g = (1.0 - b - c) / std::norm(d);
+                rr = d.real() * g;
+                ri = -d.imag() * g;
             }
-            if (part.differenced)
-                r *= 1.0 - z1[bin];
-            h[bin][k] = r * gain;
+            if (part.differenced) {
+                const double er = 1.0 - zr, ei = 0.0 - zi;
+                const double pr = rr * er - ri * ei, pi = rr * ei + ri * er;
+                rr = pr;
+                ri = pi;
+            }
+            h[bin][k] = std::complex<double>(rr * gain, ri * gain);
         }
     }
     return h;
@@ -136,8 +155,12 @@ Matrix levelSlopes(const Responses& h, const std::vector<std::complex<double>>& 
     Matrix slopes{};
     for (int j = 0; j < kMelFilters; ++j) {
         for (const auto& [bin, w] : mel.filters()[j])
-            for (int k = 0; k < kParts; ++k)
-                slopes[j][k] += w * std::real(std::conj(sum[bin]) * h[bin][k]);
+            for (int k = 0; k < kParts; ++k) {
+                // The real part of conj(sum) h, without the imaginary part nor the checks for
+                // infinities of a whole complex product.
+                const std::complex<double> s = sum[bin], p = h[bin][k];
+                slopes[j][k] += w * (s.real() * p.real() + s.imag() * p.imag());
+            }
         for (int k = 0; k < kParts; ++k)
             slopes[j][k] = powers[j] > 0.0 ? slopes[j][k] / powers[j] : 0.0;
     }
@@ -218,12 +241,57 @@ double levelChange(const Responses& h, const MelSpectrum& before, const MelCepst
     return was > 0.0 && will > 0.0 ? 10.0 * std::log10(will / was) : 0.0;
 }
 
+// What one pass of a refinement reads: the frames' starting values, the recording's and the
+// synthesis's mel log spectra, the filters and the delays at their bins.
+struct ShapePass {
+    const Parts& parts;
+    const std::vector<bool>& wanted;
+    const std::vector<FrameValues>& start;
+    const std::vector<MelSpectrum>& recording;
+    const std::vector<MelSpectrum>& synth;
+    const MelCepstrum& mel;
+    const std::vector<std::complex<double>>& z1;
+    double rate;
+};
+
+// One pass over frames from .. to - 1: each frame's step reads only its own values, so the
+// frames may be refined on several threads at once with the same result.
+void refineFrames(std::vector<FrameValues>& frames, std::size_t from, std::size_t to, const ShapePass& p)
+{
+    for (std::size_t f = from; f < to; ++f) {
+        if (!p.wanted[f] || silent(p.synth[f]))
+            continue;
+        FrameValues& v = frames[f];
+        const Responses h = responses(v, p.parts, p.z1, p.rate);
+        const std::vector<std::complex<double>> sum = sums(h, Step{});
+        const MelSpectrum powers = filterPowers(sum, p.mel);
+        const Step step = shapeStep(levelSlopes(h, sum, powers, p.mel), p.recording[f], p.synth[f], p.mel);
+        const double keepLevel = -levelChange(h, powers, p.mel, p.synth[f], step);
+        for (int k = 0; k < kParts; ++k) {
+            const int row = p.parts[k].amplitudeRow, start = p.start[f][row];
+            const int moved = static_cast<int>(std::lround(v[row] + step[k] + keepLevel));
+            v[row] = std::clamp(std::clamp(moved, start - kMaxShift, start + kMaxShift), 0, 87);
+        }
+    }
+}
+
+// The frame that halves the wanted frames, where the second thread begins.
+std::size_t middleWanted(const std::vector<bool>& wanted)
+{
+    const std::size_t total = std::count(wanted.begin(), wanted.end(), true);
+    std::size_t seen = 0, f = 0;
+    while (f < wanted.size() && 2 * seen < total)
+        seen += wanted[f++] ? 1 : 0;
+    return f;
+}
+
 } // namespace
 
 // The amplitudes of `parts` in the frames marked in `wanted` moved, pass by pass, towards the
 // recording's mel log spectrum; the synthesis of the voice alone (or of the noise alone) is
 // measured. Each step keeps the frame's level as the model predicts it, and no amplitude moves
-// more than kMaxShift dB from where it started.
+// more than kMaxShift dB from where it started. Each pass refines the second half of the frames
+// on a thread of its own.
 void LevelMatching::refineShape(std::vector<FrameValues>& frames, int passes, const Parts& parts,
                                 const std::vector<bool>& wanted, bool voicing) const
 {
@@ -233,26 +301,17 @@ void LevelMatching::refineShape(std::vector<FrameValues>& frames, int passes, co
     const std::vector<MelSpectrum> recording =
         MelCepstrum(m_target.rate, m_dMelTop)
             .logSpectra(m_target.samples, m_target.count, m_target.centres, &wanted);
+    const std::size_t middle = middleWanted(wanted);
     for (int pass = 0; pass < passes; ++pass) {
         const Rendering r = renderFrames(only(frames, voicing, !voicing), m_nRate, m_nInterval);
         const std::vector<MelSpectrum> synth =
             synthMel.logSpectra(r.samples.data(), r.samples.size(), m_target.centres, &wanted);
-        for (std::size_t f = 0; f < wanted.size(); ++f) {
-            if (!wanted[f] || silent(synth[f]))
-                continue;
-            FrameValues& v = frames[f];
-            const Responses h = responses(v, parts, z1, m_nRate);
-            const std::vector<std::complex<double>> sum = sums(h, Step{});
-            const MelSpectrum powers = filterPowers(sum, synthMel);
-            const Step step =
-                shapeStep(levelSlopes(h, sum, powers, synthMel), recording[f], synth[f], synthMel);
-            const double keepLevel = -levelChange(h, powers, synthMel, synth[f], step);
-            for (int k = 0; k < kParts; ++k) {
-                const int row = parts[k].amplitudeRow, from = start[f][row];
-                const int moved = static_cast<int>(std::lround(v[row] + step[k] + keepLevel));
-                v[row] = std::clamp(std::clamp(moved, from - kMaxShift, from + kMaxShift), 0, 87);
-            }
-        }
+        const ShapePass p{parts, wanted, start, recording, synth, synthMel, z1, static_cast<double>(m_nRate)};
+        std::future<void> second = std::async(std::launch::async, [&frames, &p, middle, &wanted] {
+            refineFrames(frames, middle, wanted.size(), p);
+        });
+        refineFrames(frames, 0, middle, p);
+        second.get();
     }
 }
 
