@@ -45,7 +45,9 @@ constexpr double kPi = 3.14159265358979323846;
 constexpr double kDbPerLog = 20.0 / 2.302585092994046; // dB of a log amplitude (0.5 ln power)
 constexpr double kStepLimit = 12.0;                    // dB per pass and formant, before damping
 constexpr double kDamping = 0.7;
-constexpr double kPeakWindowS = 0.025; // as the parallel amplitudes were matched
+// The level is matched over 50 ms (five frames of 10 ms): it changes more slowly than the spectral shape,
+// and a shorter window would follow each frame's rounding and the periods that fall in it.
+constexpr double kLevelWindowS = 0.05;
 // Damping of the least squares: each formant's own share, and a floor that keeps formants that
 // hardly shape the frame where they are.
 constexpr double kRidge = 0.1;
@@ -276,12 +278,12 @@ void LevelMatching::refineFricationShape(std::vector<FrameValues>& frames, int p
 }
 
 // The model keeps each frame's level only as far as its resonators predict the harmonics they
-// pass: the frame's level from 60 Hz to the top, over the window the peaks were matched in, is
+// pass: the frame's level from 60 Hz to the top, over kLevelWindowS around it, is
 // brought back to the recording's by moving the five amplitudes together.
 void LevelMatching::matchParallelLevel(std::vector<FrameValues>& frames,
                                        const std::vector<bool>& wanted) const
 {
-    const BandLayout whole{kPeakWindowS, true, [](const FrameValues&, double top) {
+    const BandLayout whole{kLevelWindowS, true, [](const FrameValues&, double top) {
                                return std::vector<double>{60.0, top};
                            }};
     const auto want = levelsInBands(m_target.samples, m_target.count, m_target.rate, frames, whole);
