@@ -27,6 +27,7 @@
 #include <cmath>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <malloc.h>
 #include <unistd.h>
 
@@ -173,39 +174,59 @@ void selectFrames(mainTable& table, int first, int last)
     emit table.horizontalHeader()->sectionEntered(last);
 }
 
-// The start, the middle and the end; medians of five, each on a fresh document.
-void atThreePlaces(benchmark::internal::Benchmark* b)
+// Medians of five, each on a fresh document.
+void medianOfFive(benchmark::internal::Benchmark* b)
 {
-    b->Arg(0)
-        ->Arg(1)
-        ->Arg(2)
-        ->Unit(benchmark::kMillisecond)
-        ->Iterations(1)
-        ->Repetitions(5)
-        ->ReportAggregatesOnly(true);
+    b->Unit(benchmark::kMillisecond)->Iterations(1)->Repetitions(5)->ReportAggregatesOnly(true);
 }
 
-// One frame command per iteration on a freshly opened document (opened outside the timing).
-template <typename Command>
-void frameCommand(benchmark::State& state, const std::string& text, Command command)
+// The start, the middle and the end.
+void atThreePlaces(benchmark::internal::Benchmark* b)
+{
+    medianOfFive(b->Arg(0)->Arg(1)->Arg(2));
+}
+
+// One command per iteration on a freshly opened and prepared document (both outside the
+// timing), with the events it leaves; `check` answers what went wrong, or null.
+struct FreshCommand {
+    std::function<void(OpenHour&)> prepare, command;
+    std::function<const char*(OpenHour&)> check;
+};
+
+void onFreshDocument(benchmark::State& state, const std::string& text, const FreshCommand& step)
 {
     double peak = 0.0;
     for (auto _ : state) {
         state.PauseTiming();
         auto open = std::make_unique<OpenHour>(text);
-        const int before = open->doc.getChannel(0)->m_nColumnNum;
+        step.prepare(*open);
         const PeakWatch watch;
         state.ResumeTiming();
-        command(*open, before);
+        step.command(*open);
         QApplication::processEvents();
         state.PauseTiming();
         peak = std::max(peak, watch.addedMB());
-        if (open->doc.getChannel(0)->m_nColumnNum == before)
-            state.SkipWithError("the frame count did not change");
+        if (const char* error = step.check(*open))
+            state.SkipWithError(error);
         open.reset();
         state.ResumeTiming();
     }
     state.counters["PeakAdded_MB"] = peak;
+}
+
+// A frame command at a place: the frame count must change.
+template <typename Command>
+void frameCommand(benchmark::State& state, const std::string& text, Command command)
+{
+    int frames = 0;
+    onFreshDocument(state, text,
+                    {[&](OpenHour& open) { frames = open.doc.getChannel(0)->m_nColumnNum; },
+                     [&](OpenHour& open) { command(open, frames); },
+                     [&](OpenHour& open) {
+                         return open.doc.getChannel(0)->m_nColumnNum == frames
+                                    ? "the frame count did not change"
+                                    : nullptr;
+                     }});
 }
 
 void BM_AddFramesOnOneHour(benchmark::State& state)
@@ -254,78 +275,53 @@ void BM_UndoRedoAddFramesOnOneHour(benchmark::State& state)
         state.SkipWithError("redo did not bring the frames back");
     state.counters["PeakAdded_MB"] = peak;
 }
-BENCHMARK(BM_UndoRedoAddFramesOnOneHour)
-    ->Unit(benchmark::kMillisecond)
-    ->Iterations(1)
-    ->Repetitions(5)
-    ->ReportAggregatesOnly(true);
+BENCHMARK(BM_UndoRedoAddFramesOnOneHour)->Apply(medianOfFive);
 
 // Interpolate All with f1 and f2 anchored at the second and the last frame but one: every frame
 // between them changes (the widest span there is), with the table's refresh.
 void BM_InterpolateAllOnOneHour(benchmark::State& state)
 {
-    double peak = 0.0;
-    for (auto _ : state) {
-        state.PauseTiming();
-        auto open = std::make_unique<OpenHour>();
+    auto prepare = [](OpenHour& open) {
         for (int row : {Row::f1, Row::f2})
             for (long long column : {2LL, kFrames - 1LL})
-                open->doc._dataTableDictionary.cellAt(column * 10, row)->set_bAnchor(true);
-        const PeakWatch watch;
-        state.ResumeTiming();
-        open->table->_InterpolateAll();
-        QApplication::processEvents();
-        state.PauseTiming();
-        peak = std::max(peak, watch.addedMB());
-        const int first = open->doc._dataTableDictionary.cellAt(20, Row::f1)->_nValue();
-        const int last = open->doc._dataTableDictionary.cellAt((kFrames - 1LL) * 10, Row::f1)->_nValue();
+                open.doc._dataTableDictionary.cellAt(column * 10, row)->set_bAnchor(true);
+    };
+    auto check = [](OpenHour& open) -> const char* {
+        const DataTableDictionary& data = open.doc._dataTableDictionary;
+        const int first = data.cellAt(20, Row::f1)->_nValue();
+        const int last = data.cellAt((kFrames - 1LL) * 10, Row::f1)->_nValue();
         int middle = 0;
-        open->doc._dataTableDictionary.valueAt(kFrames / 2 * 10LL, Row::f1, middle);
+        data.valueAt(kFrames / 2 * 10LL, Row::f1, middle);
         const double slope = static_cast<double>(last - first) / (kFrames - 3);
-        if (middle != static_cast<int>(std::trunc(first + (kFrames / 2 - 2) * slope)))
-            state.SkipWithError("the middle frame was not interpolated");
-        open.reset();
-        state.ResumeTiming();
-    }
-    state.counters["PeakAdded_MB"] = peak;
+        return middle != static_cast<int>(std::trunc(first + (kFrames / 2 - 2) * slope))
+                   ? "the middle frame was not interpolated"
+                   : nullptr;
+    };
+    onFreshDocument(state, hourText(),
+                    {prepare, [](OpenHour& open) { open.table->_InterpolateAll(); }, check});
 }
-BENCHMARK(BM_InterpolateAllOnOneHour)
-    ->Unit(benchmark::kMillisecond)
-    ->Iterations(1)
-    ->Repetitions(5)
-    ->ReportAggregatesOnly(true);
+BENCHMARK(BM_InterpolateAllOnOneHour)->Apply(medianOfFive);
 
 // Ctrl+C on ten selected frames and Ctrl+V of them ten frames on, with the table's refresh; then
 // Remove All Anchors.
 void BM_CopyPasteAndClearAnchorsOnOneHour(benchmark::State& state)
 {
-    double peak = 0.0;
-    for (auto _ : state) {
-        state.PauseTiming();
-        auto open = std::make_unique<OpenHour>();
-        selectFrames(*open->table, 5, 14);
-        const PeakWatch watch;
-        state.ResumeTiming();
-        open->table->copySelection();
-        selectFrames(*open->table, 25, 25);
-        open->table->pasteAtSelection();
-        open->table->_anchorRemoveAll();
-        QApplication::processEvents();
-        state.PauseTiming();
-        peak = std::max(peak, watch.addedMB());
-        if (open->doc._dataTableDictionary.cellAt(250, Row::f0)->_nValue() !=
-            open->doc._dataTableDictionary.cellAt(50, Row::f0)->_nValue())
-            state.SkipWithError("the frames were not pasted");
-        open.reset();
-        state.ResumeTiming();
-    }
-    state.counters["PeakAdded_MB"] = peak;
+    auto command = [](OpenHour& open) {
+        open.table->copySelection();
+        selectFrames(*open.table, 25, 25);
+        open.table->pasteAtSelection();
+        open.table->_anchorRemoveAll();
+    };
+    auto check = [](OpenHour& open) -> const char* {
+        const DataTableDictionary& data = open.doc._dataTableDictionary;
+        return data.cellAt(250, Row::f0)->_nValue() != data.cellAt(50, Row::f0)->_nValue()
+                   ? "the frames were not pasted"
+                   : nullptr;
+    };
+    onFreshDocument(state, hourText(),
+                    {[](OpenHour& open) { selectFrames(*open.table, 5, 14); }, command, check});
 }
-BENCHMARK(BM_CopyPasteAndClearAnchorsOnOneHour)
-    ->Unit(benchmark::kMillisecond)
-    ->Iterations(1)
-    ->Repetitions(5)
-    ->ReportAggregatesOnly(true);
+BENCHMARK(BM_CopyPasteAndClearAnchorsOnOneHour)->Apply(medianOfFive);
 
 } // namespace
 

@@ -137,21 +137,23 @@ bool readKlp(std::string_view text, TimedParameters& out, InterchangeError& erro
 
 std::string writeKlp(MyDocument& document)
 {
-    const std::vector<CellArray*> columns = frameColumns(document);
     const Channels& c = *document.getChannel(0);
     const int interval = document.updateInterval();
+    const auto frames = static_cast<std::size_t>(frameCount(document));
+    // Read as the columns stand, without making those not made yet.
     const auto value = [&](std::size_t frame, int row) {
-        const CellArray* cells = columns[frame];
-        return cells && (*cells)[row] ? (*cells)[row]->_nValue() : c.m_Parameters[row].nDefaultValue;
+        int v = 0;
+        const long long key = static_cast<long long>(frame + 1) * interval;
+        return document._dataTableDictionary.valueAt(key, row, v) ? v : c.m_Parameters[row].nDefaultValue;
     };
     std::vector<int> varied;
     std::ostringstream out;
     out << "# Klatt parameters from Tessaphon: f0 in tenths of Hz, times in ms at each frame's start\n"
-        << "du " << static_cast<long long>(static_cast<long long>(columns.size()) * interval) << "\n"
+        << "du " << static_cast<long long>(static_cast<long long>(frames) * interval) << "\n"
         << "ui " << interval << "\n";
     for (const int row : klpRows()) {
-        bool constant = !columns.empty();
-        for (std::size_t k = 1; k < columns.size() && constant; ++k)
+        bool constant = frames > 0;
+        for (std::size_t k = 1; k < frames && constant; ++k)
             constant = value(k, row) == value(0, row);
         if (constant)
             out << klpRowName(row) << " " << value(0, row) << "\n";
@@ -162,7 +164,7 @@ std::string writeKlp(MyDocument& document)
     for (const int row : varied)
         out << " " << std::setw(5) << klpRowName(row);
     out << "\n";
-    for (std::size_t k = 0; k < columns.size(); ++k) {
+    for (std::size_t k = 0; k < frames; ++k) {
         out << std::setw(5) << static_cast<long long>(k) * interval;
         for (const int row : varied)
             out << " " << std::setw(5) << value(k, row);
