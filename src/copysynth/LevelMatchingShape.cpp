@@ -58,6 +58,17 @@ constexpr double kShapeRange = 40.0; // dB: frames this far below the loudest ar
 
 using Matrix = std::array<std::array<double, kParts>, kMelFilters>;
 using Step = std::array<double, kParts>;
+// The cepstral basis filter by filter: basis[j][c - 1] = mel.basis(c, j).
+using Basis = std::array<MelFrame, kMelFilters>;
+
+Basis basisByFilter(const MelCepstrum& mel)
+{
+    Basis basis{};
+    for (int j = 0; j < kMelFilters; ++j)
+        for (int c = 1; c <= kMelCoefficients; ++c)
+            basis[j][c - 1] = mel.basis(c, j);
+    return basis;
+}
 
 // The delay z^-1 at every bin the mel filters read (the same for every frame).
 std::vector<std::complex<double>> delays(const MelCepstrum& mel, double rate)
@@ -195,19 +206,31 @@ Step solved(std::array<Step, kParts> a, Step y)
 
 // The amplitude changes (dB) that bring the synthesis's cepstrum closest to the recording's, by
 // least squares on the linearised filter levels (damped, within the step limit).
-Step shapeStep(const Matrix& slopes, const MelSpectrum& want, const MelSpectrum& have, const MelCepstrum& mel)
+Step shapeStep(const Matrix& slopes, const MelSpectrum& want, const MelSpectrum& have, const Basis& basis)
 {
     MelSpectrum error{};
     for (int j = 0; j < kMelFilters; ++j)
         error[j] = (want[j] - have[j]) * kDbPerLog;
+    // How each cepstral coefficient moves per dB of each part: every coefficient's sums run at
+    // once, filter by filter, rather than one coefficient after another.
+    std::array<MelFrame, kParts> rows{};
+    MelFrame errors{};
+    for (int j = 0; j < kMelFilters; ++j) {
+        for (int k = 0; k < kParts; ++k) {
+            const double slope = slopes[j][k];
+            for (int c = 0; c < kMelCoefficients; ++c)
+                rows[k][c] += slope * basis[j][c];
+        }
+        for (int c = 0; c < kMelCoefficients; ++c)
+            errors[c] += error[j] * basis[j][c];
+    }
     std::array<Step, kParts> normal{};
     Step rhs{};
     for (int c = 1; c <= kMelCoefficients; ++c) {
-        Step row{};
-        for (int j = 0; j < kMelFilters; ++j)
-            for (int k = 0; k < kParts; ++k)
-                row[k] += slopes[j][k] * mel.basis(c, j);
-        const double e = mel.coefficient(error, c);
+        Step row;
+        for (int k = 0; k < kParts; ++k)
+            row[k] = rows[k][c - 1];
+        const double e = errors[c - 1];
         for (int k = 0; k < kParts; ++k) {
             rhs[k] += row[k] * e;
             for (int m = 0; m < kParts; ++m)
@@ -250,6 +273,7 @@ struct ShapePass {
     const std::vector<MelSpectrum>& recording;
     const std::vector<MelSpectrum>& synth;
     const MelCepstrum& mel;
+    const Basis& basis;
     const std::vector<std::complex<double>>& z1;
     double rate;
 };
@@ -265,7 +289,7 @@ void refineFrames(std::vector<FrameValues>& frames, std::size_t from, std::size_
         const Responses h = responses(v, p.parts, p.z1, p.rate);
         const std::vector<std::complex<double>> sum = sums(h, Step{});
         const MelSpectrum powers = filterPowers(sum, p.mel);
-        const Step step = shapeStep(levelSlopes(h, sum, powers, p.mel), p.recording[f], p.synth[f], p.mel);
+        const Step step = shapeStep(levelSlopes(h, sum, powers, p.mel), p.recording[f], p.synth[f], p.basis);
         const double keepLevel = -levelChange(h, powers, p.mel, p.synth[f], step);
         for (int k = 0; k < kParts; ++k) {
             const int row = p.parts[k].amplitudeRow, start = p.start[f][row];
@@ -297,6 +321,7 @@ void LevelMatching::refineShape(std::vector<FrameValues>& frames, int passes, co
 {
     const MelCepstrum synthMel(m_nRate, m_dMelTop);
     const std::vector<std::complex<double>> z1 = delays(synthMel, m_nRate);
+    const Basis basis = basisByFilter(synthMel);
     const std::vector<FrameValues> start = frames;
     const std::vector<MelSpectrum> recording =
         MelCepstrum(m_target.rate, m_dMelTop)
@@ -306,7 +331,8 @@ void LevelMatching::refineShape(std::vector<FrameValues>& frames, int passes, co
         const Rendering r = renderFrames(only(frames, voicing, !voicing), m_nRate, m_nInterval);
         const std::vector<MelSpectrum> synth =
             synthMel.logSpectra(r.samples.data(), r.samples.size(), m_target.centres, &wanted);
-        const ShapePass p{parts, wanted, start, recording, synth, synthMel, z1, static_cast<double>(m_nRate)};
+        const ShapePass p{
+            parts, wanted, start, recording, synth, synthMel, basis, z1, static_cast<double>(m_nRate)};
         std::future<void> second = std::async(std::launch::async, [&frames, &p, middle, &wanted] {
             refineFrames(frames, middle, wanted.size(), p);
         });
