@@ -101,8 +101,11 @@ private:
     };
     void refineShape(std::vector<FrameValues>& frames, int passes, const std::array<Part, 5>& parts,
                      const std::vector<bool>& wanted, bool voicing) const;
-    // The level of each frame marked in `wanted` brought to the recording's through a1f .. a5f.
-    void matchParallelLevel(std::vector<FrameValues>& frames, const std::vector<bool>& wanted) const;
+    // The level of each frame marked in `wanted` brought to the recording's (`want`, of
+    // wholeBand()) through a1f .. a5f.
+    void matchParallelLevel(std::vector<FrameValues>& frames, const std::vector<bool>& wanted,
+                            const std::vector<std::vector<double>>& want) const;
+    static BandLayout wholeBand();
     std::vector<std::vector<double>> levelsInBands(const float* x, std::size_t count, double rate,
                                                    const std::vector<FrameValues>& frames,
                                                    const BandLayout& layout) const;

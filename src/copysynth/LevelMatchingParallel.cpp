@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <future>
 
 namespace
 {
@@ -43,10 +44,18 @@ void LevelMatching::matchParallelVoicing(std::vector<FrameValues>& frames, int p
                                                            0.5 * (v[Row::f4] + v[Row::f5]),
                                                            top};
                             }};
-    const auto recording = levelsInBands(m_target.samples, m_target.count, m_target.rate, frames, layout);
+    // The recording's levels are taken on a thread of their own while the first pass renders
+    // (both only read the frames).
+    using Levels = std::vector<std::vector<double>>;
+    std::future<Levels> analysed = std::async(std::launch::async, [this, &frames, &layout] {
+        return levelsInBands(m_target.samples, m_target.count, m_target.rate, frames, layout);
+    });
+    Levels recording;
     for (int pass = 0; pass < passes; ++pass) {
         const Rendering r = renderFrames(only(frames, true, false), m_nRate, m_nInterval);
         const auto synth = levelsInBands(r.samples.data(), r.samples.size(), m_nRate, frames, layout);
+        if (analysed.valid())
+            recording = analysed.get();
         for (std::size_t f = 0; f < m_target.centres.size(); ++f) {
             if (!m_target.voiced[f] || frames[f][Row::apv] == 0)
                 continue;

@@ -323,14 +323,19 @@ void LevelMatching::refineShape(std::vector<FrameValues>& frames, int passes, co
     const std::vector<std::complex<double>> z1 = delays(synthMel, m_nRate);
     const Basis basis = basisByFilter(synthMel);
     const std::vector<FrameValues> start = frames;
-    const std::vector<MelSpectrum> recording =
-        MelCepstrum(m_target.rate, m_dMelTop)
+    // The recording's spectra are taken on a thread of their own while the first pass renders.
+    std::future<std::vector<MelSpectrum>> analysed = std::async(std::launch::async, [this, &wanted] {
+        return MelCepstrum(m_target.rate, m_dMelTop)
             .logSpectra(m_target.samples, m_target.count, m_target.centres, &wanted);
+    });
+    std::vector<MelSpectrum> recording;
     const std::size_t middle = middleWanted(wanted);
     for (int pass = 0; pass < passes; ++pass) {
         const Rendering r = renderFrames(only(frames, voicing, !voicing), m_nRate, m_nInterval);
         const std::vector<MelSpectrum> synth =
             synthMel.logSpectra(r.samples.data(), r.samples.size(), m_target.centres, &wanted);
+        if (analysed.valid())
+            recording = analysed.get();
         const ShapePass p{
             parts, wanted, start, recording, synth, synthMel, basis, z1, static_cast<double>(m_nRate)};
         std::future<void> second = std::async(std::launch::async, [&frames, &p, middle, &wanted] {
@@ -348,8 +353,14 @@ void LevelMatching::refineParallelShape(std::vector<FrameValues>& frames, int pa
     for (std::size_t f = 0; f < n; ++f)
         wanted[f] = m_target.voiced[f] && frames[f][Row::apv] > 0 && frames[f][Row::av] == 0 &&
                     m_recordingLevels[f] > m_dLoudest - kShapeRange;
+    // The recording's levels over kLevelWindowS do not depend on the frames' values: they are
+    // taken on a thread of their own while the shape is refined.
+    const std::vector<FrameValues> before = frames;
+    std::future<std::vector<std::vector<double>>> want = std::async(std::launch::async, [this, &before] {
+        return levelsInBands(m_target.samples, m_target.count, m_target.rate, before, wholeBand());
+    });
     refineShape(frames, passes, kVoiceParts, wanted, true);
-    matchParallelLevel(frames, wanted);
+    matchParallelLevel(frames, wanted, want.get());
 }
 
 void LevelMatching::refineFricationShape(std::vector<FrameValues>& frames, int passes) const
@@ -362,18 +373,22 @@ void LevelMatching::refineFricationShape(std::vector<FrameValues>& frames, int p
     refineShape(frames, passes, kFricationParts, wanted, false);
 }
 
+// The band from 60 Hz to the top over kLevelWindowS around each voiced frame.
+LevelMatching::BandLayout LevelMatching::wholeBand()
+{
+    return {kLevelWindowS, true, [](const FrameValues&, double top) {
+                return std::vector<double>{60.0, top};
+            }};
+}
+
 // The model keeps each frame's level only as far as its resonators predict the harmonics they
 // pass: the frame's level from 60 Hz to the top, over kLevelWindowS around it, is
 // brought back to the recording's by moving the five amplitudes together.
-void LevelMatching::matchParallelLevel(std::vector<FrameValues>& frames,
-                                       const std::vector<bool>& wanted) const
+void LevelMatching::matchParallelLevel(std::vector<FrameValues>& frames, const std::vector<bool>& wanted,
+                                       const std::vector<std::vector<double>>& want) const
 {
-    const BandLayout whole{kLevelWindowS, true, [](const FrameValues&, double top) {
-                               return std::vector<double>{60.0, top};
-                           }};
-    const auto want = levelsInBands(m_target.samples, m_target.count, m_target.rate, frames, whole);
     const Rendering r = renderFrames(only(frames, true, false), m_nRate, m_nInterval);
-    const auto have = levelsInBands(r.samples.data(), r.samples.size(), m_nRate, frames, whole);
+    const auto have = levelsInBands(r.samples.data(), r.samples.size(), m_nRate, frames, wholeBand());
     for (std::size_t f = 0; f < frames.size() && f < wanted.size(); ++f) {
         if (!wanted[f] || have[f][0] <= kSilentDb || want[f][0] <= kSilentDb)
             continue;
