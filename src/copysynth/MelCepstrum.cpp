@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <complex>
+#include <future>
 
 namespace
 {
@@ -39,21 +40,42 @@ std::vector<MelSpectrum> MelCepstrum::logSpectra(const float* x, std::size_t cou
                                                  const std::vector<double>& centres,
                                                  const std::vector<bool>* wanted) const
 {
-    const Fft fft(m_nFftSize);
-    const std::vector<double> window = hannWindow(m_nLength);
-    std::vector<double> first(m_nLength), second(m_nLength);
-    std::vector<double> powerFirst(m_nFftSize / 2 + 1), powerSecond(m_nFftSize / 2 + 1);
-    std::vector<std::complex<double>> work(m_nFftSize);
     std::vector<std::size_t> frames;
     for (std::size_t f = 0; f < centres.size(); ++f)
         if (!wanted || (*wanted)[f])
             frames.push_back(f);
     std::vector<MelSpectrum> out(centres.size());
+    // Long lists are halved, the second half taken on a thread of its own; the halves split
+    // between two pairs, so that every frame shares its transform with the same partner.
+    constexpr std::size_t kShared = 64;
+    const std::size_t middle = frames.size() >= kShared ? frames.size() / 4 * 2 : frames.size();
+    const Segment whole{x, count, centres, frames};
+    std::future<void> second;
+    if (middle < frames.size())
+        second = std::async(std::launch::async, [this, &whole, &out, middle] {
+            analyse(whole, middle, whole.frames.size(), out);
+        });
+    analyse(whole, 0, middle, out);
+    if (second.valid())
+        second.get();
+    return out;
+}
+
+void MelCepstrum::analyse(const Segment& s, std::size_t from, std::size_t to,
+                          std::vector<MelSpectrum>& out) const
+{
+    const Fft fft(m_nFftSize);
+    const std::vector<double> window = hannWindow(m_nLength);
+    std::vector<double> first(m_nLength), second(m_nLength);
+    std::vector<double> powerFirst(m_nFftSize / 2 + 1), powerSecond(m_nFftSize / 2 + 1);
+    std::vector<std::complex<double>> work(m_nFftSize);
+    const std::vector<double>& centres = s.centres;
+    const std::vector<std::size_t>& frames = s.frames;
     // Two frames share one transform.
-    for (std::size_t i = 0; i < frames.size(); i += 2) {
-        windowedSegment(x, count, centres[frames[i]] * m_dRate, m_nLength, window, first.data());
-        if (i + 1 < frames.size()) {
-            windowedSegment(x, count, centres[frames[i + 1]] * m_dRate, m_nLength, window, second.data());
+    for (std::size_t i = from; i < to; i += 2) {
+        windowedSegment(s.x, s.count, centres[frames[i]] * m_dRate, m_nLength, window, first.data());
+        if (i + 1 < to) {
+            windowedSegment(s.x, s.count, centres[frames[i + 1]] * m_dRate, m_nLength, window, second.data());
             fft.powerSpectrumPair(first.data(), second.data(), m_nLength, work.data(), powerFirst.data(),
                                   powerSecond.data());
             out[frames[i + 1]] = filterLogs(powerSecond);
@@ -62,7 +84,6 @@ std::vector<MelSpectrum> MelCepstrum::logSpectra(const float* x, std::size_t cou
         }
         out[frames[i]] = filterLogs(powerFirst);
     }
-    return out;
 }
 
 MelSpectrum MelCepstrum::filterLogs(const std::vector<double>& power) const

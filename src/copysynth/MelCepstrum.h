@@ -41,6 +41,15 @@ public:
 
 private:
     MelSpectrum filterLogs(const std::vector<double>& power) const; // a frame's power spectrum filtered
+    // The signal and the frames (indices into centres) that logSpectra() takes.
+    struct Segment {
+        const float* x;
+        std::size_t count;
+        const std::vector<double>& centres;
+        const std::vector<std::size_t>& frames;
+    };
+    // Frames from .. to - 1 of the segment's list into `out`, two to a transform (from even).
+    void analyse(const Segment& s, std::size_t from, std::size_t to, std::vector<MelSpectrum>& out) const;
 
     double m_dRate;
     int m_nLength;
