@@ -109,8 +109,9 @@ Responses responses(const FrameValues& v, const Parts& parts, const std::vector<
         }
         const double gain = part.sign * part.factor * CKlattEngine::DBtoLIN(v[part.amplitudeRow]);
         for (std::size_t bin = firstBin(z1); bin < z1.size(); ++bin) {
-            // Products written out: the values are finite, so the library's checks for
-            // infinities in every complex product are not needed.
+            // Products written out as the library forms them (a real minus a complex negates the
+            // imaginary part): the values are finite, so its checks for infinities in every
+            // complex product are not needed.
             const double zr = z1[bin].real(), zi = z1[bin].imag();
             double rr = 1.0, ri = 0.0;
             if (part.frequencyRow >= 0) {
@@ -118,13 +119,13 @@ Responses responses(const FrameValues& v, const Parts& parts, const std::vector<
                 // plainly, without the library's guards against overflow.
                 const double czr = c * zr, czi = c * zi;
                 const std::complex<double> d((1.0 - b * zr) - (czr * zr - czi * zi),
-                                             (0.0 - b * zi) - (czr * zi + czi * zr));
+                                             -(b * zi) - (czr * zi + czi * zr));
                 const double g = (1.0 - b - c) / std::norm(d);
                 rr = d.real() * g;
                 ri = -d.imag() * g;
             }
             if (part.differenced) {
-                const double er = 1.0 - zr, ei = 0.0 - zi;
+                const double er = 1.0 - zr, ei = -zi;
                 const double pr = rr * er - ri * ei, pi = rr * ei + ri * er;
                 rr = pr;
                 ri = pi;
