@@ -78,6 +78,12 @@ void TraceTrackLists::setValue(int slot, int index, int value)
         m_live[static_cast<std::size_t>(slot)][static_cast<std::size_t>(index)] = 1;
 }
 
+void TraceTrackLists::markEntered(int slot, int index)
+{
+    if (!m_bShowsGrid)
+        m_live.at(static_cast<std::size_t>(slot)).at(static_cast<std::size_t>(index)) = 1;
+}
+
 void TraceTrackLists::writeBack(MyDocument& doc, int slot, bool clamp) const
 {
     const auto rowIndex = static_cast<std::size_t>(row(slot));

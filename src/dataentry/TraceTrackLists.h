@@ -62,6 +62,9 @@ public:
     // when the old values are hidden. An index at or beyond the list's end throws
     // std::out_of_range (the caller decides whether that ends its work).
     void setValue(int slot, int index, int value);
+    // Shows the slot's list index `index` in the display list when the old values are hidden, as
+    // setValue does, for a value written into the table data without the list.
+    void markEntered(int slot, int index);
     // Writes the slot's cells back into the table data at the slot's row, each one's text set
     // from its value; with `clamp` the value is first brought within the cell's limits.
     void writeBack(MyDocument& doc, int slot, bool clamp) const;

@@ -55,6 +55,18 @@ std::uint64_t TableValueWriter::anchors(long long column) const
     return bits;
 }
 
+const ImageAndTextCell* TableValueWriter::definitionCell(long long column, int row) const
+{
+    if (row < 0)
+        return nullptr;
+    const DataTableDictionary::Peek peek = m_data.peek(column * m_nInterval);
+    if (peek.cells)
+        return static_cast<std::size_t>(row) < peek.cells->size() ? (*peek.cells)[row].get() : nullptr;
+    if (peek.pending > 0 && m_source && row < kParameterCount)
+        return &m_source->frameModel[static_cast<std::size_t>(row)];
+    return nullptr;
+}
+
 FrameImage::Block& TableValueWriter::editable(long long frame)
 {
     const auto b = static_cast<std::size_t>(frame / FrameImage::kBlockFrames);

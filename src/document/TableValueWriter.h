@@ -25,6 +25,9 @@ public:
     bool value(long long column, int row, int& value) const;
     // The anchor flags of a column's rows, bit r for row r.
     std::uint64_t anchors(long long column) const;
+    // The cell whose definition (limits included) `row` of a column has: the made cell, or for a
+    // column not made yet the frames' model it will be made from; null when there is none.
+    const ImageAndTextCell* definitionCell(long long column, int row) const;
     // Stores `value` (shown as its text) in an existing cell; answers false when there is none.
     bool setValue(long long column, int row, int value);
     // Clears the anchor flags of the rows `rows` (bit r for row r) of a column; a made cell is

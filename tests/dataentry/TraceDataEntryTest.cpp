@@ -141,6 +141,47 @@ TEST(TraceDataEntry, HiddenOldValuesShowPlaceholdersUntilTraced)
     EXPECT_EQ(lists.columnCount(0), 0);
 }
 
+TEST(TraceDataEntry, EnteringAllDataOnAnHourMakesNoColumnsAndUndoesInOneStep)
+{
+    // An hour of frames as read from a file: its columns wait to be made until looked at.
+    MyDocument doc;
+    Channels& c = *doc.getChannel(0);
+    c.m_dLengthMS = 3600000.0;
+    c.m_nColumnNum = MyDocument::kMaxFrames;
+    doc.SetUpDataGridMemory();
+    doc.m_bReadFile = 1;
+    doc.buildDataTableDictionary();
+    doc.m_bSpecDrawFormantTracking = 1;
+    const DataTableDictionary& data = doc._dataTableDictionary;
+    const std::size_t pending = data.pendingCount();
+    const int f1Before = frameValue(doc, 301, Row::f1), f5Before = frameValue(doc, 300001, Row::f5);
+    const int f0Before = frameValue(doc, 2, Row::f0);
+
+    TraceTrackLists pitch = TraceDataEntry::pitchLists(), formants = TraceDataEntry::formantLists(),
+                    amplitudes = TraceDataEntry::amplitudeLists();
+    for (TraceTrackLists* lists : {&pitch, &formants, &amplitudes})
+        lists->setup(doc);
+    PitchTrackComputation track;
+    track.m_hdPitchFile = {120.0, 130.0};
+    track.m_nFrameCount = 2;
+    // 1200 formant frames over 360000 columns: frame f on column 300 f + 1, f1 at 1000 + f Hz.
+    ASSERT_EQ(
+        TraceDataEntry::enterAllData(doc, pitch, formants, amplitudes, track, formantFrames(1200, 10.0)),
+        TraceDataEntry::Outcome::Entered);
+    EXPECT_GT(data.pendingCount(), pending - 10) << "the entry made no columns";
+    EXPECT_EQ(frameValue(doc, 2, Row::f0), 1300);
+    EXPECT_EQ(frameValue(doc, 301, Row::f1), 1001);
+    const int f5Limit = frameCell(doc, 300001, Row::f5)->_nMaxValue();
+    ASSERT_LT(f5Limit, 6000);
+    EXPECT_EQ(frameValue(doc, 300001, Row::f5), f5Limit) << "5000 + f Hz brought within the limit";
+    EXPECT_EQ(frameValue(doc, 300001, Row::a1f), 50);
+
+    doc.doUndo();
+    EXPECT_EQ(frameValue(doc, 301, Row::f1), f1Before);
+    EXPECT_EQ(frameValue(doc, 300001, Row::f5), f5Before);
+    EXPECT_EQ(frameValue(doc, 2, Row::f0), f0Before);
+}
+
 TEST(StrokePlayback, ShortUtterancesPlayWholeLongOnesTheStrokeWithMargins)
 {
     StrokeSpan stroke;
