@@ -21,7 +21,7 @@ namespace
 int existingFrames(MyDocument& doc, int interval)
 {
     const double length = doc.getChannel(0)->m_dLengthMS;
-    const long long inTable = doc._dataTableDictionary.empty() ? 0 : doc._dataTableDictionary.count() - 1;
+    const long long inTable = frameCount(doc);
     if (!std::isfinite(length) || length < 0.0)
         return static_cast<int>(inTable);
     const long long frames =

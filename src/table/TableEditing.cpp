@@ -337,7 +337,7 @@ void saveoptionsFile(MyDocument& doc)
     doc.saveUndo();
     Channels& c = *doc.getChannel(0);
     const long long oldInterval = doc.updateInterval();
-    const long long oldFrames = doc._dataTableDictionary.empty() ? 0 : doc._dataTableDictionary.count() - 1;
+    const long long oldFrames = frameCount(doc);
 
     DataTableDictionary fresh = freshTableData(doc, newFrames, newInterval);
     const DataTableDictionary& old = doc._dataTableDictionary;
