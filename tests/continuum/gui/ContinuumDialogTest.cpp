@@ -65,33 +65,26 @@ TEST(ContinuumDialog, MakesTheStepsOnAWorkerAndReportsTheFolder)
         << manifest;
 }
 
-TEST(ContinuumDialog, RefusesADocumentOfAnotherLengthWithAMessage)
+// A document of another length, and the last step's document reached through a link to its
+// folder (still the file a step would replace): refused with a message before anything is written.
+TEST(ContinuumDialog, RefusesADocumentOfAnotherLengthAndAnInputReachedThroughALink)
 {
     Folder folder;
     auto a = makeDocument(20, 1200);
     ContinuumDialog dialog(*a, folder / "ba.stk");
+    const auto status = [&dialog] { return dialog.findChild<QLabel*>(QStringLiteral("status"))->text(); };
     dialog.secondDocumentField()->setText(folder.saved("short.stk", 15));
     EXPECT_FALSE(dialog.start());
-    const QString message = dialog.findChild<QLabel*>(QStringLiteral("status"))->text();
-    EXPECT_TRUE(message.contains(QStringLiteral("short.stk")) &&
-                message.contains(QStringLiteral("15 frames")))
-        << message.toStdString();
+    EXPECT_TRUE(status().contains(QStringLiteral("short.stk")) &&
+                status().contains(QStringLiteral("15 frames")))
+        << status().toStdString();
     EXPECT_FALSE(std::filesystem::exists(folder.path / "ba-continuum"));
-}
 
-// The last step's document reached through a link to its folder is still the file a step would
-// replace: the dialog refuses before it asks anything or writes.
-TEST(ContinuumDialog, RefusesToWriteOverAnInputReachedThroughALink)
-{
-    Folder folder;
-    auto a = makeDocument(20, 1200);
     std::filesystem::create_directory_symlink(folder.path, folder.path / "link");
-    ContinuumDialog dialog(*a, folder / "ba.stk");
     dialog.secondDocumentField()->setText(folder.saved("ba_7.stk", 20));
     dialog.stepsField()->setValue(7);
     dialog.folderField()->setText(folder / "link");
     EXPECT_FALSE(dialog.start());
-    const QString message = dialog.findChild<QLabel*>(QStringLiteral("status"))->text();
-    EXPECT_TRUE(message.contains(QStringLiteral("write over"))) << message.toStdString();
+    EXPECT_TRUE(status().contains(QStringLiteral("write over"))) << status().toStdString();
     EXPECT_FALSE(std::filesystem::exists(folder.path / "ba_1.stk"));
 }

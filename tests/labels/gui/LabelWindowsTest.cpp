@@ -124,7 +124,7 @@ TEST(LabelWindows, TraceWindowStripFollowsTheZoomAndTheTiersChosen)
     EXPECT_GT(trace->_viewAmplitudes()->geometry().bottom(), lower.bottom());
 }
 
-TEST(LabelWindows, GraphicalWindowAndTableHeadersShowTheLabels)
+TEST(LabelWindows, GraphicalAndSliceWindowsAndTableHeadersShowTheLabels)
 {
     Workbench wb;
     DocumentWindow* w = openLabelledRecording(wb);
@@ -149,6 +149,21 @@ TEST(LabelWindows, GraphicalWindowAndTableHeadersShowTheLabels)
     EXPECT_TRUE(wb.app.lastAlert().contains(QStringLiteral("bad.TextGrid, line ")))
         << wb.app.lastAlert().toStdString();
     EXPECT_EQ(DocumentLabels::of(w->table())->path(), wb.path("rec.TextGrid"));
+
+    // The FFT/LPC window names the segments of the shown tiers its frame lies in, and follows the
+    // tiers chosen.
+    w->table()->selectaColumn(30); // frame 30: 290-300 ms, inside "say "wa"" (0.25-0.8 s)
+    w->table()->_analysisFFTLPC();
+    auto* window = qobject_cast<FFTLPCWindow*>(w->table()->fftlpcWindow());
+    ASSERT_NE(window, nullptr);
+    const QString title = window->view()->title();
+    EXPECT_TRUE(title.startsWith(QStringLiteral("frame 30, 290-300 ms, words: say \"wa\"")))
+        << title.toStdString();
+    window->stepFrames(-10); // frame 20, before the first word: the empty interval names nothing
+    EXPECT_EQ(window->view()->title(), QStringLiteral("frame 20, 190-200 ms"));
+    window->stepFrames(10);
+    DocumentLabels::of(w->table())->setTierShown(0, false);
+    EXPECT_EQ(window->view()->title(), QStringLiteral("frame 30, 290-300 ms"));
 }
 
 // Export writes what the writer of the format its extension names makes of the document.
@@ -194,26 +209,4 @@ TEST(LabelWindows, ExportedSpectrogramPictureCarriesTheLabelStrip)
     EXPECT_EQ(plain.find("say &quot;wa&quot;"), std::string::npos);
     // A PNG of the labelled picture differs from the plain one only where the strip goes.
     EXPECT_NE(labelled.size(), plain.size());
-}
-
-// The FFT/LPC window names the segments of the shown tiers its frame lies in, and follows the
-// tiers chosen.
-TEST(LabelWindows, SliceWindowNamesTheSegmentsOfItsFrame)
-{
-    Workbench wb;
-    DocumentWindow* w = openLabelledRecording(wb);
-    ASSERT_NE(w, nullptr);
-    w->table()->selectaColumn(30); // frame 30: 290-300 ms, inside "say "wa"" (0.25-0.8 s)
-    w->table()->_analysisFFTLPC();
-    auto* window = qobject_cast<FFTLPCWindow*>(w->table()->fftlpcWindow());
-    ASSERT_NE(window, nullptr);
-    const QString title = window->view()->title();
-    EXPECT_TRUE(title.startsWith(QStringLiteral("frame 30, 290-300 ms, words: say \"wa\"")))
-        << title.toStdString();
-    window->stepFrames(-10); // frame 20, before the first word: the empty interval names nothing
-    EXPECT_EQ(window->view()->title(), QStringLiteral("frame 20, 190-200 ms"));
-    window->stepFrames(10);
-    DocumentLabels* labels = DocumentLabels::of(w->table());
-    labels->setTierShown(0, false);
-    EXPECT_EQ(window->view()->title(), QStringLiteral("frame 30, 290-300 ms"));
 }

@@ -54,7 +54,7 @@ struct SaveFixture {
 
 } // namespace
 
-TEST(SaveAudio, WritesTheSynthesisAsTheAudioOutputSettingsSay)
+TEST(SaveAudio, WritesTheSynthesisAsTheAudioOutputSettingsSayAndThePanelShowsThem)
 {
     SaveFixture f;
     f.keep({{"rate", "44100"}, {"normalize", "rms:-20"}, {"ramp", "10"}, {"bits", "24"}});
@@ -75,11 +75,8 @@ TEST(SaveAudio, WritesTheSynthesisAsTheAudioOutputSettingsSay)
     EXPECT_TRUE(f.alerts.front().contains(QString::fromStdString(loud))) << f.alerts.front().toStdString();
     EXPECT_TRUE(f.alerts.front().contains(QStringLiteral("would clip")));
     EXPECT_FALSE(fs::exists(loud));
-}
 
-TEST(SaveAudio, TheSavePanelShowsTheSettingsAndProposesTheirFormat)
-{
-    SaveFixture f;
+    // The save panel shows the settings and proposes their format.
     f.keep({{"rate", "48000"}, {"format", "flac"}});
     QString shown, filter;
     whenModal<QFileDialog>([&](QFileDialog* panel) {
@@ -92,7 +89,7 @@ TEST(SaveAudio, TheSavePanelShowsTheSettingsAndProposesTheirFormat)
     f.table->_fileSaveAudio();
     EXPECT_EQ(shown.toStdString(), "Audio output: 48000 Hz, 16-bit FLAC (Options > Audio Output...)");
     EXPECT_EQ(filter.toStdString(), "FLAC audio (*.flac)");
-    const probe::AudioFile r = probe::readAudioFile(f.folder / "panel.flac");
-    EXPECT_EQ(r.info.format, SF_FORMAT_FLAC | SF_FORMAT_PCM_16);
-    EXPECT_EQ(r.info.samplerate, 48000);
+    const probe::AudioFile flac = probe::readAudioFile(f.folder / "panel.flac");
+    EXPECT_EQ(flac.info.format, SF_FORMAT_FLAC | SF_FORMAT_PCM_16);
+    EXPECT_EQ(flac.info.samplerate, 48000);
 }
