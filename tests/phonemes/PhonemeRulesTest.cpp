@@ -1,15 +1,35 @@
-// Synthesis by rule: the durations the rules state, the releases of stops, the pitch contour,
-// and a document whose anchors give its values back when the table re-interpolates them.
-#include "phonemes/RuleTestSupport.h"
+// Synthesis by rule: the durations the rules state, the releases of stops and their loci, the
+// table's values in held segments, the pitch contour, and a document whose anchors give its
+// values back when the table re-interpolates them.
+#include "phonemes/PhonemeRules.h"
 
+#include "phonemes/PhonemeDocument.h"
 #include "phonemes/PhonemeError.h"
 #include "table/TableEditing.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 
-using namespace ruletest;
+namespace
+{
+
+RuleFrames framesOf(const std::string& arpabet, const RuleSettings& settings = {})
+{
+    const PhonemeInventory& inventory = PhonemeInventory::americanEnglish();
+    return PhonemeRules::frames(PhonemeString::parse(arpabet, inventory), inventory, settings);
+}
+
+// The segment of a phoneme (the first with that ARPAbet symbol).
+const Segment& segmentOf(const RuleFrames& frames, const std::string& arpa)
+{
+    return *std::find_if(frames.segments.begin(), frames.segments.end(),
+                         [&](const Segment& s) { return s.phoneme->arpa == arpa; });
+}
+
+} // namespace
 
 TEST(PhonemeRules, DurationsFollowTheRules)
 {
@@ -74,6 +94,62 @@ TEST(PhonemeRules, StopsHaveClosureBurstAndVoiceOnsetTime)
     const Segment& m = segmentOf(ama, "M");
     EXPECT_EQ(ama.value(Row::fnz, static_cast<int>(m.startMS / 10) + 2), 450);
     EXPECT_EQ(ama.value(Row::fnz, 10), 270);
+}
+
+TEST(PhonemeRules, StopPlacesStartTheirTransitionsWhereTheLociPutThem)
+{
+    for (const char* vowel : {"AA", "IY", "UW", "AE"}) {
+        std::array<int, 3> f2{}, f3{};
+        const char* stops[] = {"B", "D", "G"};
+        for (int i = 0; i < 3; ++i) {
+            const RuleFrames frames = framesOf(std::string(stops[i]) + " " + vowel + "1");
+            const Segment& stop = segmentOf(frames, stops[i]);
+            // The first voiced frame after the release.
+            int frame = static_cast<int>(stop.releaseMS() / 10.0);
+            while (frames.value(Row::av, frame) == 0)
+                ++frame;
+            f2[i] = frames.value(Row::f2, frame);
+            f3[i] = frames.value(Row::f3, frame);
+        }
+        EXPECT_LT(f2[0], f2[1]) << vowel;
+        EXPECT_LT(f2[0], f2[2]) << vowel;
+        EXPECT_LT(f3[2] - f2[2], f3[1] - f2[1]) << vowel;
+        EXPECT_LT(f3[2] - f2[2], f3[0] - f2[0]) << vowel;
+    }
+}
+
+TEST(PhonemeRules, HeldVowelsAndFricativesTakeTheTablesValues)
+{
+    // Between the transitions (50 ms at each end) a held segment has the table's formants,
+    // bandwidths and sources at any sample rate; what the synthesizer makes of these values is
+    // the synthesis and display tests' to check.
+    const int formants[3] = {Row::f1, Row::f2, Row::f3}, bandwidths[3] = {Row::b1, Row::b2, Row::b3};
+    const int parallel[5] = {Row::a2f, Row::a3f, Row::a4f, Row::a5f, Row::a6f};
+    for (const std::string arpa : {"IY", "IH", "EH", "AE", "AA", "AO", "UH", "UW", "AH", "ER", "S", "SH"}) {
+        const bool fricative = arpa[0] == 'S';
+        RuleSettings settings;
+        settings.sampleRate = fricative ? 22050 : 11025;
+        const RuleFrames frames = framesOf(arpa + (fricative ? ":300" : "1:300"), settings);
+        const Segment& s = segmentOf(frames, arpa);
+        const Phoneme& p = *s.phoneme;
+        for (int frame = static_cast<int>(s.startMS / 10) + 5; frame < static_cast<int>(s.endMS() / 10) - 5;
+             ++frame) {
+            SCOPED_TRACE(arpa + " frame " + std::to_string(frame));
+            for (int i = 0; i < 3; ++i) {
+                ASSERT_EQ(frames.value(formants[i], frame), p.f[i]);
+                ASSERT_EQ(frames.value(bandwidths[i], frame), p.b[i]);
+            }
+            for (int i = 0; i < 5; ++i)
+                ASSERT_EQ(frames.value(parallel[i], frame), p.a[i]);
+            ASSERT_EQ(frames.value(Row::av, frame), p.av);
+            ASSERT_EQ(frames.value(Row::ah, frame), p.ah);
+            ASSERT_EQ(frames.value(Row::af, frame), p.af);
+            ASSERT_EQ(frames.value(Row::ab, frame), p.ab);
+            ASSERT_EQ(frames.value(Row::fnz, frame), p.fnz);
+            ASSERT_EQ(frames.value(Row::fnp, frame), 270);
+            ASSERT_EQ(frames.value(Row::b6f, frame), p.b6f);
+        }
+    }
 }
 
 TEST(PhonemeRules, PitchRisesOnStressFallsAtTheEndRisesForAQuestionAndTheOpenPhaseFollows)

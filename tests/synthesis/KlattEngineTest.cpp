@@ -23,43 +23,18 @@ double energyAtPhases(const std::vector<double>& x, int lo, int hi)
 } // namespace
 
 // Where the formants of a synthesized vowel lie is measured in the display tests (the analysis
-// finds them again) and the phoneme tests; spectral tilt and every table entry are checked
-// against the plain transcription of the equations (KlattReferenceTest.cpp).
-
-TEST(KlattEngine, EveryGlottalSourceRepeatsAtThePitchPeriod)
-{
-    // f0 in 0.1 Hz. 100 Hz is 110.25 output samples, so the output repeats after four periods
-    // (441 samples); 150 Hz is 73.5, repeating after two (147). A steady noise-free frame has
-    // settled after 2000 samples.
-    for (int source : {1, 2, 3}) {
-        for (const auto& [f0, repeat] : {std::pair{1000, 441}, std::pair{1500, 147}}) {
-            klatt_frame_t f = quietFactoryFrame();
-            f.f0 = f0;
-            klatt_global_t g = preparedRun(11025, 5, 110, source);
-            g.source_sample_scale = 10.0; // the driver's 0.00001 makes the sampled source inaudible
-            const std::vector<int> x = runFrames(g, f, 40);
-            EXPECT_EQ(g.period_len, 40 * 11025 / f0);
-            double energy = 0.0, change = 0.0;
-            for (int n = 2000; n < 3500; ++n) {
-                energy += double(x[n]) * x[n];
-                change += double(x[n] - x[n + repeat]) * (x[n] - x[n + repeat]);
-            }
-            EXPECT_GT(energy, 1e6) << "source " << source << " f0 " << f0;
-            EXPECT_LT(change, 1e-3 * energy) << "source " << source << " f0 " << f0;
-        }
-    }
-}
+// finds them again); periods, open phases, the nasal pair, spectral tilt and every table entry
+// are checked against the plain transcription of the equations (KlattReferenceTest.cpp).
 
 TEST(KlattEngine, OpenPhaseLimits)
 {
     struct Case {
         int source, f0, oq, open;
     };
+    // Beyond the row's limits (oq 10..65), where the reference comparison cannot go.
     const Case cases[] = {
-        {2, 1000, 5, 40},    // too short: raised to 40
-        {2, 1000, 200, 439}, // longer than the period (441): cut to period - 2
-        {2, 500, 100, 400},  // longer than the shape table: last shape used
-        {1, 500, 100, 263},  // impulsive source: capped at 263
+        {2, 500, 100, 400}, // longer than the shape table: last shape used
+        {1, 500, 100, 263}, // impulsive source: capped at 263
     };
     for (const Case& c : cases) {
         klatt_frame_t f = quietFactoryFrame();
@@ -74,7 +49,7 @@ TEST(KlattEngine, OpenPhaseLimits)
     }
 }
 
-TEST(KlattEngine, VoicingIsWrittenBackAndPoleZeroPairCancels)
+TEST(KlattEngine, VoicingIsWrittenBack)
 {
     // The voicing the engine used (av - 7 dB) is written back into the caller's frame.
     klatt_frame_t f = quietFactoryFrame();
@@ -83,14 +58,6 @@ TEST(KlattEngine, VoicingIsWrittenBackAndPoleZeroPairCancels)
     std::vector<int> out(110);
     CKlattEngine().parwave(&g, &f, out.data());
     EXPECT_EQ(f.av, 13);
-
-    // A nasal zero on the nasal pole cancels it wherever the pair sits.
-    klatt_frame_t a = quietFactoryFrame(), b = quietFactoryFrame();
-    b.fnz = b.fnp = 450;
-    b.bnz = b.bnp = 150;
-    const std::vector<int> x = steadyRun(a, 20), y = steadyRun(b, 20);
-    for (std::size_t i = 0; i < x.size(); ++i)
-        ASSERT_LE(std::abs(x[i] - y[i]), 1) << i;
 }
 
 TEST(KlattEngine, FlutterMovesF0OnlyWhenAsked)

@@ -233,29 +233,6 @@ TEST_F(SynthesizeTest, SilentSynthesisIsReportedAsClippingIs)
     EXPECT_EQ(doc.clippingReport(), "");
 }
 
-TEST_F(SynthesizeTest, UndoKeepsTheLengthOfADocumentMadeFromARecording)
-{
-    // 2 s 57 samples at 22050 Hz: 2002.58... ms, synthesized at 11025 Hz into 22078 samples.
-    const std::string recording = waveImage(1, 1, 22050, 2, 16, pcm16(std::vector<std::int16_t>(44157, 7)));
-    ASSERT_TRUE(doc.readFromData(recording, "wav", nullptr)) << doc.lastReadError();
-    rebuild();
-    doc.Synthesize();
-    const std::size_t samples = audio(0).size();
-    EXPECT_EQ(samples, 22078u);
-
-    doc.saveUndo();
-    column(5)[Row::f1]->set_nValue(700);
-    doc.saveRedo();
-    doc.doUndo();
-    setRow(Row::atu, 0);
-    doc.Synthesize();
-    EXPECT_EQ(audio(0).size(), samples);
-    doc.doRedo();
-    setRow(Row::atu, 0);
-    doc.Synthesize();
-    EXPECT_EQ(audio(0).size(), samples);
-}
-
 TEST_F(SynthesizeTest, ADocumentWithoutTableDataIsSynthesizedFromItsGrid)
 {
     // A read document whose table data was never built sounds as it does once it is built.
