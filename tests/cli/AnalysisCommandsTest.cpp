@@ -1,12 +1,8 @@
 #include "support/CliRunner.h"
 #include "support/DocumentTestSupport.h"
-#include "support/TestChannels.h"
-#include "support/TestSignals.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -88,42 +84,19 @@ TEST(AnalysisCommands, DocumentWithoutRecordingAndBadOptionsAreRefused)
     EXPECT_EQ(r.out, "");
 }
 
-namespace
-{
-// The median of one row's values over the frame columns whose value passes `keep`.
-double rowMedian(const MyDocument& document, int row, bool (*keep)(int))
-{
-    std::vector<int> values;
-    const int columns = document.getChannel(0)->m_nColumnNum;
-    for (int k = 1; k <= columns; ++k)
-        if (CellRef cell = document._dataTableDictionary.cellAt(k * 10LL, row); cell && keep(cell->_nValue()))
-            values.push_back(cell->_nValue());
-    if (values.empty())
-        return 0.0;
-    std::nth_element(values.begin(), values.begin() + values.size() / 2, values.end());
-    return values[values.size() / 2];
-}
-} // namespace
-
-TEST(AnalysisCommands, TraceEntersTheVowelsPitchFormantsAndAmplitudes)
+TEST(AnalysisCommands, TraceWritesTheRecordingsDocumentAndKeepsFiles)
 {
     TempDir dir;
     const std::string wav = writeVowel(dir / "vowel.wav", 2.0);
     CliResult r = runCli("trace " + wav);
     ASSERT_EQ(r.exitCode, 0) << r.err;
     EXPECT_TRUE(r.out.empty());
+    // The values entered are checked where the entry is made and, byte for byte, against the
+    // trace window's Enter All Data; here only that a document of the recording's frames is written.
     const std::string stk = (dir / "vowel.stk");
     MyDocument document;
     ASSERT_TRUE(openBytes(document, slurp(stk))) << document.lastReadError();
     ASSERT_EQ(document.getChannel(0)->m_nColumnNum, 200);
-
-    const auto positive = [](int v) { return v > 0; };
-    EXPECT_NEAR(rowMedian(document, Row::f0, positive), 1200.0, 36.0); // 120 Hz in tenths
-    EXPECT_NEAR(rowMedian(document, Row::f1, positive), 700.0, 35.0);
-    EXPECT_NEAR(rowMedian(document, Row::f2, positive), 1220.0, 61.0);
-    EXPECT_NEAR(rowMedian(document, Row::f3, positive), 2600.0, 130.0);
-    // The level under the first formant is near the top of the amplitude scale.
-    EXPECT_GT(rowMedian(document, Row::a1f, positive), 70.0);
 
     // The existing default output is kept without --force; -o and --force write.
     const std::string before = slurp(stk);

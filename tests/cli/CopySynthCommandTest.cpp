@@ -30,15 +30,10 @@ TEST(CopySynthCommand, WritesADocumentOfTheRecordingsLength)
     ASSERT_EQ(r.exitCode, 0) << r.err;
     EXPECT_EQ(r.out, "");
     EXPECT_EQ(r.err, ""); // quiet on success, no bar when not on a terminal
+    // Its values are the workbench's, byte for byte: CopySynthesisWindow.TheButtonApplies...
     const auto document = readDocument(dir / "vowel.stk");
-    const Channels& grid = *document->getChannel(0);
-    EXPECT_EQ(grid.m_nColumnNum, 100);
+    EXPECT_EQ(document->getChannel(0)->m_nColumnNum, 100);
     EXPECT_EQ(document->synthesisSampleRate(), 11025);
-    int voiced = 0;
-    for (int c = 0; c < grid.m_nColumnNum; ++c) // voiced through the cascade or the parallel branch
-        voiced +=
-            grid.m_snppDataImage_Col_Row[c][Row::av] > 0 || grid.m_snppDataImage_Col_Row[c][Row::apv] > 0;
-    EXPECT_GT(voiced, 90);
 
     // The default output exists now: kept unless --force; -o names another one.
     const CliResult again = runCli("copysynth " + wav);

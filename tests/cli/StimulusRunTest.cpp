@@ -65,13 +65,10 @@ TEST(CliStimulusOutput, ContinuumWithOneGainRampsAndFiguresInANewFolder)
         const Audio a = readAudioFile(folder + "/" + row.at("name"));
         ASSERT_EQ(a.info.samplerate, 48000) << row.at("name");
         EXPECT_EQ(row.at("wave"), row.at("name"));
-        EXPECT_EQ(row.at("rate"), "48000");
-        EXPECT_NEAR(std::stod(row.at("duration_ms")), a.samples.size() * 1000.0 / 48000, 1e-3);
         EXPECT_NEAR(std::stod(row.at("duration_ms")), 400.0 + 25.0, 1.0);
+        // Each step's figures on its own row (the figures of one file: StimulusFileTest.cpp).
         const double rms = probe::rmsDb(a.samples, 0, a.samples.size());
         EXPECT_NEAR(std::stod(row.at("rms_db")), rms, 0.01);
-        EXPECT_NEAR(std::stod(row.at("peak_db")), probe::peakDb(a.samples), 0.01);
-        EXPECT_EQ(row.at("clipped"), "0");
         EXPECT_EQ(row.at("gain_db"), rows.front().at("gain_db")); // one gain for all
         loudest = std::max(loudest, rms);
         // 5 ms of silence, then a ramp from zero; 20 ms of silence at the end.

@@ -119,12 +119,7 @@ TEST(StimulusOutputOptions, ParsedFromTheirTextAndRefusedWhole)
         {"pad", "50,100"}, {"bits", "24"},           {"format", "flac"}};
     for (const auto& [name, value] : options)
         ASSERT_TRUE(o.set(name, value, &error)) << name << ": " << error;
-    EXPECT_EQ(o.rate, 44100);
-    EXPECT_EQ(o.level, StimulusOutput::Level::Rms);
-    EXPECT_EQ(o.levelDb, -23.0);
-    EXPECT_TRUE(o.sameGain);
-    EXPECT_EQ(o.padBeforeMS, 50.0);
-    EXPECT_EQ(o.padAfterMS, 100.0);
+    // The command line names every field; the summary says it in words.
     EXPECT_FALSE(o.plain());
     EXPECT_STREQ(o.extension(), ".flac");
     EXPECT_EQ(o.commandLine(), "--rate 44100 --normalize rms:-23 --same-gain --ramp 10 --pad 50,100 "
