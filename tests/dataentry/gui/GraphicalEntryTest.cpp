@@ -47,31 +47,10 @@ struct GraphicalEntry : ::testing::Test {
 
 } // namespace
 
-TEST_F(GraphicalEntry, DraggingOverTheF0PlotSetsExactlyTheFramesUnderThePointer)
-{
-    ASSERT_EQ(f0View().width(), 400);
-    ASSERT_EQ(f0View().height(), 100);
-
-    // Press in frame 0, drag through frames 1 and 3 (frame 2 skipped), release in frame 3.
-    dragThrough(f0View(), {{10, 50}, {30, 50}, {70, 25}});
-
-    // trunc((100 - y) x 3000 / 100); committed on release with the texts following.
-    const int want[] = {1000, 1500, 1000, 2250, 1000};
-    for (int frame = 0; frame < 5; ++frame) {
-        EXPECT_EQ(value(frame, Row::f0), want[frame]) << frame;
-        EXPECT_EQ(text(frame, Row::f0), std::to_string(want[frame])) << frame;
-    }
-    // One undo and one redo snapshot frame the edit.
-    EXPECT_EQ(doc._arrayUndo.size(), 1u);
-    EXPECT_EQ(doc._arrayRedo.size(), 1u);
-    EXPECT_TRUE(doc.isDocumentEdited());
-    EXPECT_TRUE(f0View()._arraytrace().empty());
-    // The other rows of those frames are untouched.
-    EXPECT_EQ(value(1, Row::av), 60);
-}
-
+// (The mapping between the edges, frame by frame: TimeAxisZoomTest.cpp.)
 TEST_F(GraphicalEntry, EdgesGiveFullScaleAndZeroAndPointsOutsideAreIgnored)
 {
+    ASSERT_EQ(f0View().size(), QSize(400, 100));
     // A click without a drag changes no value but still records undo and redo.
     dragThrough(f0View(), {{10, 10}});
     EXPECT_EQ(doc._arrayUndo.size(), 1u);
@@ -79,11 +58,19 @@ TEST_F(GraphicalEntry, EdgesGiveFullScaleAndZeroAndPointsOutsideAreIgnored)
     for (int frame = 0; frame < 20; ++frame)
         ASSERT_EQ(value(frame, Row::f0), 1000);
 
+    // Committed on release with the texts following; the frames the pointer skipped and the
+    // other rows are untouched.
     dragThrough(f0View(), {{5, 0}, {5, 0}, {25, 100}, {45, 100.5}, {400, 10}, {-1, 10}});
-    EXPECT_EQ(value(0, Row::f0), 3000);  // top edge: full scale, above f0's maximum, kept as drawn
+    EXPECT_EQ(value(0, Row::f0), 3000); // top edge: full scale, above f0's maximum, kept as drawn
+    EXPECT_EQ(text(0, Row::f0), "3000");
     EXPECT_EQ(value(1, Row::f0), 0);     // bottom edge
     EXPECT_EQ(value(2, Row::f0), 1000);  // below the bottom edge: outside
+    EXPECT_EQ(value(10, Row::f0), 1000); // skipped
     EXPECT_EQ(value(19, Row::f0), 1000); // the right edge maps past the last frame
+    EXPECT_EQ(value(0, Row::av), 60);
+    EXPECT_EQ(doc._arrayUndo.size(), 2u);
+    EXPECT_TRUE(doc.isDocumentEdited());
+    EXPECT_TRUE(f0View()._arraytrace().empty());
 
     // The formant plot (200 high, scale 5000) in F2 mode.
     controller->actionParameter(dataentryGraphicalController::F2);

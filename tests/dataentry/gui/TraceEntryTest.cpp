@@ -88,7 +88,7 @@ struct TraceWindow : ::testing::Test {
 
 } // namespace
 
-TEST_F(TraceWindow, OpensInF0ModeAndTheF3ButtonChoosesF3AndA3F)
+TEST_F(TraceWindow, OpensInF0ModeButtonsChooseTheTracksAndDragsWriteTheirRowsAndColumns)
 {
     open(1.0);
     EXPECT_TRUE(controller->button(dataentryTraceContoller::F0)->isChecked());
@@ -111,11 +111,9 @@ TEST_F(TraceWindow, OpensInF0ModeAndTheF3ButtonChoosesF3AndA3F)
     QTest::mouseClick(controller->button(dataentryTraceContoller::A5F), Qt::LeftButton);
     EXPECT_TRUE(controller->_viewAmplitudes()->isActive(4));
     EXPECT_FALSE(controller->_viewSpectrogram()->isActive(2));
-}
 
-TEST_F(TraceWindow, DragsWriteTheirRowsAndColumns)
-{
-    open(1.0);
+    // The drags, each with its track chosen.
+    QTest::mouseClick(controller->button(dataentryTraceContoller::F0), Qt::LeftButton);
     ASSERT_TRUE(spectrogramReady());
     viewPitch& pitch = *controller->_viewPitch();
     viewSpectrogram& spectrogram = *controller->_viewSpectrogram();
@@ -229,12 +227,21 @@ TEST_F(TraceWindow, EnterAllDataFillsEveryFrameWhateverTheWidthAndEqualsTheComma
     expectSameAsCommandLine(8.0);
 }
 
-TEST_F(TraceWindow, FormantTrackingSwitchedOnWhileOpenIsEnteredAndReportedTruly)
+TEST_F(TraceWindow, FormantTrackingOffShowsItsSheetAndSwitchedOnWhileOpenIsEnteredAndReportedTruly)
 {
     doc.m_bSpecDrawFormantTracking = 0;
     open(1.0);
     ASSERT_TRUE(spectrogramReady());
     EXPECT_FALSE(controller->_viewSpectrogram()->getHandle()->m_bHaveFormants);
+    // Off: its own sheet, nothing entered, no undo step.
+    controller->actionEnterAllData();
+    ASSERT_NE(controller->sheet(), nullptr);
+    EXPECT_EQ(controller->sheet()->text(),
+              "Formant tracking is not on. Automatic formants are not available");
+    EXPECT_EQ(controller->sheet()->informativeText(),
+              "Close this window. Use Options->Spectrogram and turn on formant tracking.");
+    EXPECT_FALSE(doc.canUndo());
+    controller->sheet()->done(0);
 
     // The options panel switches tracking on and tells the window.
     doc.m_bSpecDrawFormantTracking = 1;
@@ -248,7 +255,7 @@ TEST_F(TraceWindow, FormantTrackingSwitchedOnWhileOpenIsEnteredAndReportedTruly)
     EXPECT_EQ(controller->statusText(), "Entered f0, f1 - f5 and a1f - a5f");
 }
 
-TEST_F(TraceWindow, EntryErrorsShowTheirSheets)
+TEST_F(TraceWindow, APitchTrackLongerThanTheGridShowsItsSheet)
 {
     // A 2 s recording loaded into a 1 s grid: the pitch track is longer than the grid.
     open(1.0);
@@ -263,18 +270,6 @@ TEST_F(TraceWindow, EntryErrorsShowTheirSheets)
     EXPECT_TRUE(doc.canUndo()); // the undo step was saved before the entry
     EXPECT_GT(value(50, Row::f0), 0);
     controller->sheet()->done(0);
-
-    // Formant tracking off: its own sheet, nothing entered, no undo step.
-    MyDocument other;
-    other.m_bSpecDrawFormantTracking = 0;
-    openVowel(other, 0.5);
-    dataentryTraceContoller off(&other, nullptr);
-    off.actionEnterAllData();
-    ASSERT_NE(off.sheet(), nullptr);
-    EXPECT_EQ(off.sheet()->text(), "Formant tracking is not on. Automatic formants are not available");
-    EXPECT_EQ(off.sheet()->informativeText(),
-              "Close this window. Use Options->Spectrogram and turn on formant tracking.");
-    EXPECT_FALSE(other.canUndo());
 }
 
 TEST_F(TraceWindow, ClosingWhileTheSpectrogramIsComputingIsSafe)

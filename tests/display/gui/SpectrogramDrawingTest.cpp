@@ -151,11 +151,8 @@ TEST(SpectrogramWorker, DeliversWhatTheComputationGivesAndOnlyTheNewestRun)
     const SpectrogramWorker::Result& r = *results[0];
     EXPECT_EQ(r.width, 150);
     EXPECT_EQ(r.image.size(), QSize(150, 80));
-    ASSERT_EQ(r.computation.m_phdDataFile.size(), direct.m_phdDataFile.size());
     EXPECT_EQ(r.computation.m_phdDataFile, direct.m_phdDataFile);
-    ASSERT_EQ(r.computation.m_phsnFormants.size(), direct.m_phsnFormants.size());
-    for (std::size_t i = 0; i < direct.m_phsnFormants.size(); ++i)
-        EXPECT_EQ(r.computation.m_phsnFormants[i], direct.m_phsnFormants[i]) << i;
+    EXPECT_EQ(r.computation.m_phsnFormants, direct.m_phsnFormants);
 }
 
 TEST(SpectrogramWorker, CancelledOrDestroyedMidRunDeliversNothing)

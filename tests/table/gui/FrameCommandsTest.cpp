@@ -21,27 +21,21 @@ TEST_F(FrameCommands, DialogShowsAndStoresTheRememberedSettingsOnlyOnOK)
 {
     doc._nindexModifyColumn = 1;
     doc._nDurationModifyColumn = 70;
-    addColumns dialog;
-    whenModal<addColumns>([](addColumns* d) {
-        EXPECT_EQ(d->_groupLocation()->checkedId(), 1);
-        EXPECT_EQ(d->_duration()->value(), 70);
-        d->_groupLocation()->button(0)->setChecked(true);
-        d->_duration()->setValue(40);
-        d->canceltButton();
-    });
-    EXPECT_EQ(dialog.showInWindow(nullptr, &doc), 1001);
-    EXPECT_EQ(doc._nindexModifyColumn, 1);
-    EXPECT_EQ(doc._nDurationModifyColumn, 70);
-
-    addColumns again;
-    whenModal<addColumns>([](addColumns* d) {
-        d->_groupLocation()->button(0)->setChecked(true);
-        d->_duration()->setValue(40);
-        d->oktButton();
-    });
-    EXPECT_EQ(again.showInWindow(nullptr, &doc), 1000);
-    EXPECT_EQ(doc._nindexModifyColumn, 0);
-    EXPECT_EQ(doc._nDurationModifyColumn, 40);
+    // Other settings chosen, then Cancel, then OK: the dialog shows what is remembered, and only
+    // OK stores what was chosen.
+    for (const bool ok : {false, true}) {
+        addColumns dialog;
+        whenModal<addColumns>([ok](addColumns* d) {
+            EXPECT_EQ(d->_groupLocation()->checkedId(), 1);
+            EXPECT_EQ(d->_duration()->value(), 70);
+            d->_groupLocation()->button(0)->setChecked(true);
+            d->_duration()->setValue(40);
+            ok ? d->oktButton() : d->canceltButton();
+        });
+        EXPECT_EQ(dialog.showInWindow(nullptr, &doc), ok ? 1000 : 1001);
+        EXPECT_EQ(doc._nindexModifyColumn, ok ? 0 : 1);
+        EXPECT_EQ(doc._nDurationModifyColumn, ok ? 40 : 70);
+    }
 }
 
 TEST_F(FrameCommands, AddFramesCommandInsertsAfterTheSelectedFrame)

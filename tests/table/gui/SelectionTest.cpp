@@ -53,20 +53,6 @@ struct SelectionTable : FramesInTable {
 };
 } // namespace
 
-TEST_F(SelectionTable, ANameSelectsItsRowAndNoFrame)
-{
-    clickName(*table, Row::f1);
-    EXPECT_EQ(table->selectedRowSpan(), std::make_pair(int(Row::f1), int(Row::f1)));
-    EXPECT_EQ(table->selectedColumnSpan(), std::make_pair(-1, -1));
-    expectFrameCommandsSeeNoFrame();
-    ASSERT_EQ(doc.getChannel(0)->m_nColumnNum, 10);
-
-    // The row commands take the row: its anchors go, and only its.
-    table->_anchorRemoveSelection();
-    EXPECT_FALSE(cell(1, Row::f1)->_bAnchor());
-    EXPECT_TRUE(cell(1, Row::f2)->_bAnchor());
-}
-
 TEST_F(SelectionTable, AClickedCellSelectsItsRowButNeverItsFrame)
 {
     clickHeader(*table, 3);
@@ -142,10 +128,15 @@ TEST_F(SelectionTable, AFrameSelectedByItsHeaderOrTheDataEntryIsNoRow)
         << "the removed frames are no longer selected";
 }
 
-TEST_F(SelectionTable, ShiftAndCtrlExtendEachSelectionAndEachClearsTheOther)
+TEST_F(SelectionTable, ANameSelectsItsRowAndNoFrameAndShiftAndCtrlExtendEachSelection)
 {
-    // Rows: f1 (12), Shift f3 (10), Ctrl f5 (8).
+    // A name selects its row and no frame.
     clickName(*table, Row::f1);
+    EXPECT_EQ(table->selectedRowSpan(), std::make_pair(int(Row::f1), int(Row::f1)));
+    EXPECT_EQ(table->selectedColumnSpan(), std::make_pair(-1, -1));
+    expectFrameCommandsSeeNoFrame();
+
+    // Rows: f1 (12), Shift f3 (10), Ctrl f5 (8).
     clickName(*table, Row::f3, Qt::ShiftModifier);
     EXPECT_EQ(table->selectedRowSpan(), std::make_pair(int(Row::f3), int(Row::f1)));
     clickName(*table, Row::f5, Qt::ControlModifier);
@@ -153,6 +144,11 @@ TEST_F(SelectionTable, ShiftAndCtrlExtendEachSelectionAndEachClearsTheOther)
     table->_InterpolateSelection();
     EXPECT_EQ(value(3, Row::f1), 200);
     EXPECT_EQ(value(3, Row::f2), 200);
+    // The row commands take the rows selected: one row's anchors go, and only its.
+    clickName(*table, Row::f1);
+    table->_anchorRemoveSelection();
+    EXPECT_FALSE(cell(1, Row::f1)->_bAnchor());
+    EXPECT_TRUE(cell(1, Row::f2)->_bAnchor());
 
     // A header press lets the rows go; Shift and Ctrl work on frames the same way.
     clickHeader(*table, 2);
