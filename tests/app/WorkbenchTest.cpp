@@ -50,7 +50,7 @@ TEST(Workbench, SaveReopenAndRevertThroughTheFileCommands)
     EXPECT_EQ(value(again, Row::f0, 2), 1500);
 }
 
-TEST(Workbench, WaveFilesOpenAsNewDocumentsWithAModel)
+TEST(Workbench, WaveFilesOpenAsNewDocumentsWithAModelAndDamagedOnesAreNamed)
 {
     Workbench wb;
     // 0.4 s of 16-bit mono at 11025 Hz.
@@ -72,10 +72,28 @@ TEST(Workbench, WaveFilesOpenAsNewDocumentsWithAModel)
     fresh->updateActions();
     EXPECT_FALSE(action(fresh, "Play &Model")->isEnabled());
 
-    // A missing file opens nothing (damaged ones: below).
+    // A missing file opens nothing; nor do bytes that are neither a WAVE file nor a parameter
+    // document, named in the alert.
     const std::size_t open = wb.app.windows().size();
     EXPECT_EQ(wb.app.openFile(wb.path("missing.stk")), nullptr);
+    std::string noise;
+    for (int i = 0; i < 600; ++i)
+        noise += static_cast<char>((i * 7919 + 13) % 256);
+    std::ofstream(wb.path("x.wav").toStdString(), std::ios::binary) << noise;
+    EXPECT_EQ(wb.app.openFile(wb.path("x.wav")), nullptr);
+    for (const char* part : {"could not be opened", "x.wav is not a WAVE file"})
+        EXPECT_TRUE(wb.app.lastAlert().contains(part)) << wb.app.lastAlert().toStdString();
     EXPECT_EQ(wb.app.windows().size(), open);
+
+    // A recording cut inside its samples is read as far as it goes, with an alert.
+    const std::string whole = fileText(file);
+    std::ofstream(wb.path("short.wav").toStdString(), std::ios::binary)
+        << whole.substr(0, whole.size() - 2000);
+    DocumentWindow* cut = wb.app.openFile(wb.path("short.wav"));
+    ASSERT_NE(cut, nullptr);
+    for (const char* part : {"short.wav", "holds 3410 samples of the 4410 it declares"})
+        EXPECT_TRUE(wb.app.lastAlert().contains(part)) << wb.app.lastAlert().toStdString();
+    EXPECT_EQ(cut->document()->getChannel(2)->sampleCount(), 3410u);
 }
 
 TEST(Workbench, LoadModelRecordingKeepsTheTableAndItsHistory)
@@ -191,7 +209,6 @@ TEST(Workbench, StatusLineShowsTheNextRateAndTheLastClippingOrSilence)
     }
     ASSERT_TRUE(w->table()->saveAudioTo(wb.path("loud.wav")));
     EXPECT_EQ(status("clipping"), QString::fromStdString(doc.clippingReport()));
-    EXPECT_TRUE(status("clipping").contains(QString("%1 samples clipped (peak ").arg(doc.m_nClippedSamples)));
     EXPECT_GT(doc.m_nClippedSamples, 0);
 
     // The gain rule makes 4 .. 15 silent: the same place says so.
@@ -259,29 +276,4 @@ TEST(Workbench, TheFirstSaveOfARecordingsDocumentNeverReplacesAFileUnasked)
     ASSERT_NE(y, nullptr);
     EXPECT_TRUE(y->saveDocument());
     EXPECT_EQ(fileText(wb.path("y.stk")).substr(0, 4), "400\t");
-}
-
-TEST(Workbench, DamagedWaveFilesAreNamedAndAShortOneOpensWithAnAlert)
-{
-    Workbench wb;
-    // Bytes that are neither a WAVE file nor a parameter document.
-    std::string noise;
-    for (int i = 0; i < 600; ++i)
-        noise += static_cast<char>((i * 7919 + 13) % 256);
-    std::ofstream(wb.path("x.wav").toStdString(), std::ios::binary) << noise;
-    EXPECT_EQ(wb.app.openFile(wb.path("x.wav")), nullptr);
-    for (const char* part : {"could not be opened", "x.wav is not a WAVE file"})
-        EXPECT_TRUE(wb.app.lastAlert().contains(part)) << wb.app.lastAlert().toStdString();
-    EXPECT_TRUE(wb.app.windows().empty());
-
-    // A recording cut inside its samples.
-    writeRecording(wb.path("whole.wav"));
-    const std::string whole = fileText(wb.path("whole.wav"));
-    std::ofstream(wb.path("short.wav").toStdString(), std::ios::binary)
-        << whole.substr(0, whole.size() - 2000);
-    DocumentWindow* w = wb.app.openFile(wb.path("short.wav"));
-    ASSERT_NE(w, nullptr) << "read as far as it goes";
-    for (const char* part : {"short.wav", "holds 3410 samples of the 4410 it declares"})
-        EXPECT_TRUE(wb.app.lastAlert().contains(part)) << wb.app.lastAlert().toStdString();
-    EXPECT_EQ(w->document()->getChannel(2)->sampleCount(), 3410u);
 }

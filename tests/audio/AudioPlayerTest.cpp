@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <vector>
 
 namespace
@@ -44,11 +45,6 @@ std::vector<float> request(AudioPlayer& player, int frames, int buffers = 1)
     return out[0];
 }
 
-std::vector<float> slice(const std::vector<float>& v, std::size_t from, std::size_t count)
-{
-    return std::vector<float>(v.begin() + from, v.begin() + from + count);
-}
-
 // Plays `samples` through the default output into a fresh capture file and waits for the
 // player to stop by itself; answers what the output received.
 std::vector<float> playAndCapture(const std::vector<float>& samples)
@@ -69,77 +65,53 @@ std::vector<float> playAndCapture(const std::vector<float>& samples)
 }
 } // namespace
 
-TEST(AudioPlayer, RenderDeliversWholeRequestsAndStopsBeforeOverrun)
+// The player against a twin of what it should do, through random steps: new data (a length and
+// a start sample), playback started and stopped, render requests of whole blocks into one or two
+// buffers, the main thread handling the stops the requests queued. Only whole requests are
+// played (an end exactly at the data's length included); a request that finds the player stopped
+// or that would run past the data gives silence and queues a stop; a queued stop ends only the
+// playback it was queued for.
+TEST(AudioPlayer, RenderAndQueuedStopsFollowTheirTwinThroughRandomSteps)
 {
-    const std::vector<float> samples = ramp(1000);
+    const std::vector<float> samples = ramp(4096);
     AudioPlayer player;
-    player.setData(bytesOf(samples), 1000, 0);
-
-    // Not playing: nothing delivered (silence), a stop is queued.
-    EXPECT_EQ(request(player, 512), std::vector<float>(512, 0.0f));
-    EXPECT_EQ(player.playedSamples(), 0);
-
-    // 1000 samples in requests of 512 frames: the first request plays 0..511, the second
-    // would end at byte 4096 > 4000 and stops instead; the last 488 samples are not heard.
-    player.setPlaying(true);
-    EXPECT_EQ(request(player, 512), slice(samples, 0, 512));
-    EXPECT_EQ(player.playedSamples(), 512);
-    EXPECT_EQ(request(player, 512), std::vector<float>(512, 0.0f));
-    EXPECT_EQ(player.playedSamples(), 512);
-
-    // An exact multiple plays to the last sample and stops on the following request.
-    const std::vector<float> exact = ramp(1024);
-    player.setData(bytesOf(exact), 1024, 0);
-    EXPECT_EQ(request(player, 512, 2), slice(exact, 0, 512)); // two buffers get the same samples
-    EXPECT_EQ(request(player, 512, 2), slice(exact, 512, 512));
-    EXPECT_EQ(request(player, 512), std::vector<float>(512, 0.0f));
-
-    // A start sample skips the first samples; the length given is what the end test sees.
-    player.setData(bytesOf(samples), 900, 100);
-    EXPECT_EQ(request(player, 256), slice(samples, 100, 256));
-    EXPECT_EQ(request(player, 256), slice(samples, 356, 256));
-    EXPECT_EQ(request(player, 256), slice(samples, 612, 256));
-    EXPECT_EQ(request(player, 256), std::vector<float>(256, 0.0f));
-
-    // The queued stops reach the main thread: the player ends stopped, nothing open.
-    QCoreApplication::processEvents();
-    EXPECT_FALSE(player.isPlaying());
-}
-
-TEST(AudioPlayer, AStopQueuedForAnEarlierPlaybackLeavesTheNewOneRunning)
-{
-    const std::vector<float> first = ramp(600);
-    const std::vector<float> second = ramp(3000);
-    AudioPlayer player;
-
-    // The first playback runs out: its stop is queued for the main thread...
-    player.setData(bytesOf(first), 600, 0);
-    player.setPlaying(true);
-    EXPECT_EQ(request(player, 512), slice(first, 0, 512));
-    EXPECT_EQ(request(player, 512), std::vector<float>(512, 0.0f));
-    // ...which starts the next playback before it gets to that stop.
-    player.setData(bytesOf(second), 3000, 0);
-    player.setPlaying(true);
-    QCoreApplication::processEvents();
-    EXPECT_TRUE(player.isPlaying()) << "the first playback's stop ended the second";
-    EXPECT_EQ(request(player, 512), slice(second, 0, 512));
-
-    // A playback stopped by the user: the render request that finds it stopped queues a stop,
-    // and a playback started before that stop is handled keeps running too.
-    player.setPlaying(false);
-    EXPECT_EQ(request(player, 512), std::vector<float>(512, 0.0f));
-    player.setData(bytesOf(second), 3000, 0);
-    player.setPlaying(true);
-    QCoreApplication::processEvents();
-    EXPECT_TRUE(player.isPlaying());
-    EXPECT_EQ(request(player, 512), slice(second, 0, 512));
-
-    // The current playback's own stop still ends it.
-    for (int i = 1; i < 5; ++i)
-        EXPECT_EQ(request(player, 512), slice(second, 512 * i, 512));
-    EXPECT_EQ(request(player, 512), std::vector<float>(512, 0.0f));
-    QCoreApplication::processEvents();
-    EXPECT_FALSE(player.isPlaying());
+    struct {
+        bool playing = false;
+        int playback = 0, length = 0, start = 0, played = 0;
+        std::vector<int> stops;
+    } twin;
+    std::mt19937 random(11);
+    const auto pick = [&random](int low, int high) {
+        return std::uniform_int_distribution<int>(low, high)(random);
+    };
+    for (int step = 0; step < 3000; ++step) {
+        const int what = pick(0, 9);
+        if (what == 0) {
+            twin = {twin.playing, twin.playback, 64 * pick(0, 40), pick(0, 3) * 50, 0, twin.stops};
+            player.setData(bytesOf(samples), twin.length, twin.start);
+        } else if (what == 1) {
+            twin.playing = pick(0, 1) == 1;
+            twin.playback += twin.playing ? 1 : 0;
+            player.setPlaying(twin.playing);
+        } else if (what == 2) {
+            QCoreApplication::processEvents();
+            for (const int stop : twin.stops)
+                twin.playing = twin.playing && stop != twin.playback;
+            twin.stops.clear();
+        } else {
+            const int frames = 64 * pick(1, 8);
+            std::vector<float> expected(frames, 0.0f);
+            if (!twin.playing || twin.played + frames > twin.length) {
+                twin.stops.push_back(twin.playback);
+            } else {
+                std::copy_n(samples.begin() + twin.start + twin.played, frames, expected.begin());
+                twin.played += frames;
+            }
+            ASSERT_EQ(request(player, frames, pick(1, 2)), expected) << "step " << step;
+        }
+        ASSERT_EQ(player.isPlaying(), twin.playing) << "step " << step;
+        ASSERT_EQ(player.playedSamples(), twin.played) << "step " << step;
+    }
 }
 
 TEST(AudioPlayer, DefaultOutputReceivesWholeRequestsExactly)

@@ -25,7 +25,7 @@ std::vector<double> firstColumn(const std::string& csv, std::string* header)
 
 } // namespace
 
-TEST(AnalysisCommands, TracksAndImageHaveTheShapeTheOptionsAskFor)
+TEST(AnalysisCommands, TracksAndImageHaveTheShapeTheOptionsAskForAndBadInputIsRefused)
 {
     TempDir dir;
     const std::string wav = writeVowel(dir / "vowel.wav", 2.0);
@@ -63,18 +63,14 @@ TEST(AnalysisCommands, TracksAndImageHaveTheShapeTheOptionsAskFor)
     EXPECT_EQ(bigEndian32(png, 16), 120u);
     EXPECT_EQ(bigEndian32(png, 20), 80u);
     EXPECT_NE(slurp(plain), png);
-}
 
-TEST(AnalysisCommands, DocumentWithoutRecordingAndBadOptionsAreRefused)
-{
-    TempDir dir;
+    // A document without a recording, and options out of range, are refused.
     const std::string stk = dir / "doc.stk";
     saveTestDocument(stk, 20, {});
-    CliResult r = runCli("formants " + stk);
+    r = runCli("formants " + stk);
     EXPECT_EQ(r.exitCode, 2);
     EXPECT_NE(r.err.find("model utterance"), std::string::npos) << r.err;
 
-    const std::string wav = writeVowel(dir / "vowel.wav", 2.0);
     EXPECT_EQ(runCli("spectrogram " + wav).exitCode, 1); // no output named
     EXPECT_EQ(runCli("formants " + wav + " --rows 0").exitCode, 1);
     EXPECT_EQ(runCli("pitch " + wav + " --step 0.01").exitCode, 1); // below one sample

@@ -5,7 +5,7 @@
 
 #include <fstream>
 
-TEST(CliContinuum, StepsWavesAndManifestInTheDefaultFolder)
+TEST(CliContinuum, StepsWavesAndManifestInTheDefaultFolderAndRefusals)
 {
     TempDir dir;
     saveTestDocument(dir / "ba.stk", 30, {{Row::f2, 1200}, {Row::f0, 1000}});
@@ -37,23 +37,18 @@ TEST(CliContinuum, StepsWavesAndManifestInTheDefaultFolder)
     ASSERT_EQ(chosen.exitCode, 0) << chosen.err;
     EXPECT_EQ(linesOf(slurp(dir / "only-f2/manifest.csv"))[2], "2,1,ba_2.stk,,2200.000");
     EXPECT_FALSE(std::filesystem::exists(dir / "only-f2/ba_2.wav"));
-}
 
-TEST(CliContinuum, RefusesDocumentsOfDifferentLengthsAndBadOptions)
-{
-    TempDir dir;
-    saveTestDocument(dir / "a.stk", 30, {{Row::f2, 1200}});
-    saveTestDocument(dir / "b.stk", 25, {{Row::f2, 2200}});
-    CliResult r = runCli("continuum " + dir / "a.stk " + dir / "b.stk" + " --steps 5");
+    // Documents of different lengths: one line naming both and their lengths, nothing written.
+    saveTestDocument(dir / "short.stk", 25, {{Row::f2, 2200}});
+    CliResult r =
+        runCli("continuum " + dir / "ba.stk " + dir / "short.stk" + " --steps 5 -o " + dir / "refused");
     EXPECT_EQ(r.exitCode, 2);
     ASSERT_EQ(linesOf(r.err).size(), 1u) << r.err;
     for (const std::string& part :
-         {dir / "a.stk", dir / "b.stk", std::string("30 frames"), std::string("25 frames")})
+         {dir / "ba.stk", dir / "short.stk", std::string("30 frames"), std::string("25 frames")})
         EXPECT_NE(r.err.find(part), std::string::npos) << part << " in " << r.err;
-    EXPECT_FALSE(std::filesystem::exists(dir / "a-continuum"));
-
-    saveTestDocument(dir / "c.stk", 30, {{Row::f2, 2200}});
+    EXPECT_FALSE(std::filesystem::exists(dir / "refused"));
     for (const std::string& bad : {std::string(" --steps 1"), std::string(" --steps 3 --scale octave"),
                                    std::string(" --steps 3 --rows f1,zz"), std::string("")})
-        EXPECT_EQ(runCli("continuum " + dir / "a.stk " + dir / "c.stk" + bad).exitCode, 1) << bad;
+        EXPECT_EQ(runCli("continuum " + dir / "ba.stk " + dir / "da.stk" + bad).exitCode, 1) << bad;
 }

@@ -23,7 +23,7 @@ const char* const kTextGrid = "File type = \"ooTextFile\"\nObject class = \"Text
                               "\"IntervalTier\"\n\"words\"\n0\n1\n2\n0\n0.4\n\"wa\"\n0.4\n1\n\"da\"\n";
 } // namespace
 
-TEST(InterchangeCommands, ImportAndExportRoundTripThroughTheCommands)
+TEST(InterchangeCommands, ImportAndExportRoundTripThroughTheCommandsAndRefusalsAreOneLine)
 {
     TempDir dir;
     write(dir / "stim.klp",
@@ -53,13 +53,10 @@ TEST(InterchangeCommands, ImportAndExportRoundTripThroughTheCommands)
     EXPECT_EQ(tsv.substr(0, 11), "time_ms\tf0\t");
     r = runCli("export " + dir / "stim.stk" + " --format tsv -o -");
     EXPECT_EQ(r.out, tsv);
-}
 
-TEST(InterchangeCommands, RefusalsAreOneLineWithTheirExitCodes)
-{
-    TempDir dir;
+    // Refusals: one line naming the file and the line, with their exit codes.
     write(dir / "bad.klp", "du 50\n__varied_params__\nmsec f0\n0 1000\n10 x\n");
-    CliResult r = runCli("import " + dir / "bad.klp");
+    r = runCli("import " + dir / "bad.klp");
     EXPECT_EQ(r.exitCode, 2);
     EXPECT_EQ(r.err, "tessaphon-cli: " + dir / "bad.klp" + ": line 5: \"x\" in column 2 is not a number\n");
     EXPECT_FALSE(std::filesystem::exists(dir / "bad.stk"));

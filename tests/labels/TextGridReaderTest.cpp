@@ -156,7 +156,7 @@ TEST(TextGridReader, RefusesDamagedFilesNamingTheReasonAndTheLine)
     }
 }
 
-TEST(TextGridReader, FindsTheSegmentOfATime)
+TEST(TextGridReader, FindsTheSegmentOfATimeAndFileMessagesNameTheFileAndLine)
 {
     const TextGrid grid = read(longTextGrid());
     EXPECT_EQ(grid.segmentAt(0.1), "");            // the first interval is empty
@@ -168,20 +168,18 @@ TEST(TextGridReader, FindsTheSegmentOfATime)
                                    "d"); // the last owns its end too
     EXPECT_EQ(grid.segmentAt(1.6), "");
     EXPECT_EQ(grid.intervalAt(1, 0.4), nullptr); // a point tier has no intervals
-}
 
-TEST(TextGridReader, FileMessagesNameTheFileAndLine)
-{
+    // Files: messages name the file and the line.
     const std::string path = testing::TempDir() + "damaged.TextGrid";
     std::ofstream(path, std::ios::binary) << replaced(longTextGrid(), "xmin = 0.8", "xmin = 0.7");
-    TextGrid grid;
+    TextGrid loaded;
     std::string message;
-    EXPECT_FALSE(loadTextGridFile(path, grid, message));
+    EXPECT_FALSE(loadTextGridFile(path, loaded, message));
     EXPECT_EQ(message.rfind(path + ", line 24: interval 3 of tier 1 \"words\"", 0), 0u) << message;
-    EXPECT_FALSE(loadTextGridFile(path + ".missing", grid, message));
+    EXPECT_FALSE(loadTextGridFile(path + ".missing", loaded, message));
     EXPECT_NE(message.find(".missing"), std::string::npos);
     std::ofstream(path, std::ios::binary) << shortTextGrid();
-    EXPECT_TRUE(loadTextGridFile(path, grid, message)) << message;
-    EXPECT_EQ(grid.tiers.size(), 2u);
+    EXPECT_TRUE(loadTextGridFile(path, loaded, message)) << message;
+    EXPECT_EQ(loaded.tiers.size(), 2u);
     std::remove(path.c_str());
 }

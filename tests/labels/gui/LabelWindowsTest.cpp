@@ -166,26 +166,20 @@ TEST(LabelWindows, GraphicalAndSliceWindowsAndTableHeadersShowTheLabels)
     EXPECT_EQ(window->view()->title(), QStringLiteral("frame 30, 290-300 ms"));
 }
 
-// Export writes what the writer of the format its extension names makes of the document.
-TEST(LabelWindows, ExportWritesTheFormatItsExtensionNames)
+// The spectrogram and pitch picture carries the label strip as the window shows it: the texts
+// under the views and the boundaries through them; without labels the views take the picture.
+TEST(LabelWindows, ExportedSpectrogramPictureCarriesTheLabelStripAndExportWritesItsFormat)
 {
     Workbench wb;
     DocumentWindow* w = openLabelledRecording(wb);
     ASSERT_NE(w, nullptr);
+    // Export writes what the writer of the format its extension names makes of the document.
     for (const auto& [name, format] :
          {std::pair{"out.tsv", InterchangeFormat::Tsv}, {"out.klp", InterchangeFormat::Klp}}) {
         ASSERT_TRUE(w->exportTo(wb.path(name)));
         EXPECT_EQ(slurp(wb.path(name).toStdString()), exportDocument(*w->document(), format)) << name;
     }
-}
 
-// The spectrogram and pitch picture carries the label strip as the window shows it: the texts
-// under the views and the boundaries through them; without labels the views take the picture.
-TEST(LabelWindows, ExportedSpectrogramPictureCarriesTheLabelStrip)
-{
-    Workbench wb;
-    DocumentWindow* w = openLabelledRecording(wb);
-    ASSERT_NE(w, nullptr);
     w->table()->_analysisSpectrogramPitchModel();
     auto* window = w->findChild<SpectrogramPitchWindow*>();
     ASSERT_NE(window, nullptr);
