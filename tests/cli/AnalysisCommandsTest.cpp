@@ -32,10 +32,8 @@ TEST(AnalysisCommands, TracksAndImageHaveTheShapeTheOptionsAskForAndBadInputIsRe
     std::string header;
     CliResult r = runCli("pitch " + wav);
     ASSERT_EQ(r.exitCode, 0) << r.err;
-    std::vector<double> times = firstColumn(r.out, &header);
+    firstColumn(r.out, &header); // its times and values: tests/python, test_pitch_agrees...
     EXPECT_EQ(header, "time_ms,f0_hz");
-    ASSERT_EQ(times.size(), 199u); // trunc(22050 / 110.25) - 1
-    EXPECT_EQ(times[198], 1980.0);
     r = runCli("pitch " + wav + " --step 5 --window 30");
     ASSERT_EQ(r.exitCode, 0) << r.err;
     EXPECT_EQ(firstColumn(r.out, &header).size(), 399u);
