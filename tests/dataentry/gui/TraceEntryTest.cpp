@@ -11,6 +11,7 @@
 #include "dataentry/gui/trace/viewPitch.h"
 #include "dataentry/gui/trace/viewSpectrogram.h"
 #include "support/LabelChecks.h"
+#include "table/TableEditing.h"
 #include "table/gui/mainTable.h"
 
 #include <gtest/gtest.h>
@@ -297,6 +298,12 @@ TEST_F(TraceWindow, ClosingWhileTheSpectrogramIsComputingIsSafe)
     ASSERT_NE(opened, nullptr);
     EXPECT_TRUE(opened->window()->windowTitle().startsWith("data entry by tracing over a model:: "));
     EXPECT_TRUE(opened->_viewSpectrogram()->isComputing());
+    // An undo in the table rebuilds the window and keeps its pitch track.
+    const int pitchFrames = opened->_viewPitch()->m_nFrameCount();
+    ASSERT_GT(pitchFrames, 0);
+    ASSERT_EQ(typeValue(doc, Row::f0, 5, 1234), TypedEntryOutcome::Stored);
+    owner->undo();
+    EXPECT_EQ(opened->_viewPitch()->m_nFrameCount(), pitchFrames);
     owner.reset();
     QTest::qWait(300);
 }

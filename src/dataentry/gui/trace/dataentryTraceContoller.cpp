@@ -138,7 +138,8 @@ void dataentryTraceContoller::windowDidLoad()
 
 void dataentryTraceContoller::setupViews()
 {
-    m_viewPitch->setup();
+    // The model and the analysis settings are as they were: the tracks computed from them stay.
+    m_viewPitch->setupAfterUndo();
     m_viewSpectrogram->setupAfterUndo();
     m_viewAmplitudes->setup();
 }

@@ -14,6 +14,9 @@ public:
     explicit viewPitch(QWidget* parent = nullptr);
 
     void setup() override;
+    // After undo, redo or revert: the lists rebuilt over the new cells, the pitch track kept.
+    // Those change the table only; a new model or new settings come through setup().
+    void setupAfterUndo() { TraceView::setup(); }
     // Computes the model's pitch track with the document's settings.
     void DoPitchCepstral();
     void setColor(const QColor& color) { TraceView::setColor(color, 0); }
