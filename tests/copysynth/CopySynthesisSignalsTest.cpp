@@ -65,9 +65,7 @@ TEST(CopySynthesisSignals, VowelGivesBackItsPitchFormantsAndLevel)
 // minimum.
 TEST(CopySynthesisSignals, FormantsMissingFromTheAnalysisAreFilledInOrder)
 {
-    std::vector<FrameValues> frames;
-    for (int c = 0; c < 60; ++c)
-        frames.push_back(vowelFrame(110.0, 60, {300, 2000, 2220, 3400, 4300}));
+    const std::vector<FrameValues> frames(60, vowelFrame(110.0, 60, {300, 2000, 2220, 3400, 4300}));
     CopySynthesisOptions options;
     options.maxFormantHz = 3500.0;
     const CopySynthesisResult r = estimate(render(frames), options);
@@ -103,21 +101,15 @@ TEST(CopySynthesisSignals, NoOctaveJumps)
 // changes on the right frames (within one), the fricative is frication and the silence silent.
 TEST(CopySynthesisSignals, FricativeAndSilenceKeepTheirPlaces)
 {
-    std::vector<FrameValues> frames;
-    for (int c = 0; c < 40; ++c)
-        frames.push_back(vowelFrame(120.0, 60));
-    for (int c = 0; c < 20; ++c) {
-        FrameValues v = vowelFrame(120.0, 0, {400, 1600, 2600, 3300, 3750});
-        v[Row::af] = 60;
-        v[Row::a3f] = 50;
-        v[Row::a4f] = 55;
-        v[Row::a5f] = 60;
-        frames.push_back(v);
-    }
-    for (int c = 0; c < 30; ++c)
-        frames.push_back(vowelFrame(120.0, 0));
-    for (int c = 0; c < 40; ++c)
-        frames.push_back(vowelFrame(120.0, 60));
+    FrameValues fricative = vowelFrame(120.0, 0, {400, 1600, 2600, 3300, 3750});
+    fricative[Row::af] = 60;
+    fricative[Row::a3f] = 50;
+    fricative[Row::a4f] = 55;
+    fricative[Row::a5f] = 60;
+    std::vector<FrameValues> frames(40, vowelFrame(120.0, 60));
+    frames.insert(frames.end(), 20, fricative);
+    frames.insert(frames.end(), 30, vowelFrame(120.0, 0));
+    frames.insert(frames.end(), 40, vowelFrame(120.0, 60));
     const std::vector<float> input = render(frames);
     const CopySynthesisResult r = estimate(input);
     EXPECT_EQ(voicedFrames(r, 2, 39), 37);
@@ -132,23 +124,18 @@ TEST(CopySynthesisSignals, FricativeAndSilenceKeepTheirPlaces)
     EXPECT_LT(medianLevelError(input, out.samples), 2.5);
 }
 
-// A vowel at full scale: the estimate's synthesis stays below full scale and no frame is
-// louder than the recording's loudest.
+// A vowel at full scale, its peaks rounded as a recorder's limiter leaves them, so that a copy
+// at its level clips unless the copy's peaks are brought down. The estimate's synthesis stays
+// below full scale and no frame is louder than the recording's loudest.
 TEST(CopySynthesisSignals, LoudVowelDoesNotClip)
 {
-    std::vector<FrameValues> frames;
-    for (int c = 0; c < 60; ++c) {
-        FrameValues v = vowelFrame(150.0, 60, {300, 800, 2500, 3300, 3750});
-        v[Row::b1] = 40;
-        v[Row::b2] = 40;
-        frames.push_back(v);
-    }
-    std::vector<float> input = render(frames);
+    std::vector<float> input =
+        render(std::vector<FrameValues>(60, vowelFrame(120.0, 60, {300, 800, 2500, 3300, 3750})));
     float peak = 0.0f;
     for (float x : input)
         peak = std::max(peak, std::fabs(x));
     for (float& x : input)
-        x *= 0.99f / peak;
+        x = 0.99f * std::tanh(x / peak) / std::tanh(1.0f);
     const CopySynthesisResult r = estimate(input);
     const Rendering out = renderFrames(r.frames, r.sampleRate, r.intervalMS);
     EXPECT_EQ(out.clippedSamples, 0);
@@ -163,18 +150,14 @@ TEST(CopySynthesisSignals, LoudVowelDoesNotClip)
 // branch too, and comes closer in spectral shape than the same frames voiced by the cascade.
 TEST(CopySynthesisSignals, PeaksTheCascadeCannotShapeGoThroughTheParallelBranch)
 {
-    std::vector<FrameValues> frames;
-    for (int c = 0; c < 60; ++c) {
-        FrameValues v = vowelFrame(120.0, 0, {500, 1500, 2500, 3300, 3750});
-        v[Row::apv] = 60;
-        v[Row::a1f] = 50;
-        v[Row::a2f] = 75;
-        v[Row::a3f] = 45;
-        v[Row::a4f] = 35;
-        v[Row::a5f] = 30;
-        frames.push_back(v);
-    }
-    const std::vector<float> input = render(frames);
+    FrameValues v = vowelFrame(120.0, 0, {500, 1500, 2500, 3300, 3750});
+    v[Row::apv] = 60;
+    v[Row::a1f] = 50;
+    v[Row::a2f] = 75;
+    v[Row::a3f] = 45;
+    v[Row::a4f] = 35;
+    v[Row::a5f] = 30;
+    const std::vector<float> input = render(std::vector<FrameValues>(60, v));
     const CopySynthesisResult r = estimate(input);
     EXPECT_TRUE(r.report.parallelVoicing);
     int parallel = 0;
