@@ -9,7 +9,9 @@
 //  - Add Frames (100 ms) and Remove Frames (10 frames) at the start, in the middle and at the
 //    end, with the table's refresh, and their undo and redo (targets: 100 ms, 150 MB);
 //  - Interpolate All between anchors at both ends of the hour (targets: 1 s, 150 MB);
-//  - copying ten frames, pasting them and removing all anchors (targets: 100 ms, 150 MB).
+//  - copying ten frames, pasting them and removing all anchors (targets: 100 ms, 150 MB);
+//  - Options > Parameters' OK with new limits, colours and shown rows: the cells take them and
+//    the hour is synthesized again, with the table's refresh (targets: 1 s, 150 MB).
 // Runs under the offscreen platform; a fresh document is opened (outside the timing) for the
 // cases whose first run would leave work behind for the next.
 #include "GuiBenchMain.h"
@@ -322,6 +324,25 @@ void BM_CopyPasteAndClearAnchorsOnOneHour(benchmark::State& state)
                     {[](OpenHour& open) { selectFrames(*open.table, 5, 14); }, command, check});
 }
 BENCHMARK(BM_CopyPasteAndClearAnchorsOnOneHour)->Apply(medianOfFive);
+
+// The parameter settings changed as the Options > Parameters panel leaves them (f1's limits and
+// colour, f2 hidden), then its OK.
+void BM_SaveParametersOnOneHour(benchmark::State& state)
+{
+    auto prepare = [](OpenHour& open) {
+        Channels& c = *open.doc.getChannel(0);
+        c.m_Parameters[Row::f1].nMaxValue = 1200;
+        c.m_Parameters[Row::f1].nsSetColor = Color::rgb(0.8, 0.9, 1.0);
+        c.m_Parameters[Row::f2].bSelected = 0;
+    };
+    auto check = [](OpenHour& open) -> const char* {
+        const CellRef last = open.doc._dataTableDictionary.cellAt(kFrames * 10LL, Row::f1);
+        return last->_nMaxValue() != 1200 ? "the last frame did not take the new limit" : nullptr;
+    };
+    onFreshDocument(state, hourText(),
+                    {prepare, [](OpenHour& open) { open.table->saveParameters(); }, check});
+}
+BENCHMARK(BM_SaveParametersOnOneHour)->Apply(medianOfFive);
 
 } // namespace
 

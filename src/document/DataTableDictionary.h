@@ -85,6 +85,8 @@ public:
 
     // Every column, the announced ones made first.
     const std::unordered_map<std::string, CellArray>& map() const;
+    // The columns made so far, making none: with pendingSource(), everything the table holds.
+    const std::unordered_map<std::string, CellArray>& madeColumns() const { return m_map; }
 
 private:
     // The announced column index of a key, or -1 when the key names no column still to make.

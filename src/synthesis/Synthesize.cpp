@@ -6,6 +6,7 @@
 #include "document/Log.h"
 #include "document/MyDocument.h"
 #include "document/SynthesisHook.h"
+#include "document/TableColumnSource.h"
 #include "synthesis/CKlattEngine.h"
 
 #include <algorithm>
@@ -26,7 +27,8 @@ constexpr std::size_t kNoPreviousSynthesisBytes = 99; // a block this small hold
 // spread over memory; read one at a time between two frames of synthesis, each read would wait
 // for memory in turn. Instead the columns are looked up a batch at a time (the lookups of a
 // batch overlap), and while the frames of one batch are synthesized the cells of the next are
-// prefetched, one column per frame.
+// prefetched, one column per frame. Columns not made yet stay so: their values are read from
+// what they would be made from.
 class ColumnReader
 {
 public:
@@ -63,7 +65,10 @@ private:
         m_nextFirst = first;
         for (int k = 0; k < kBatch; ++k) {
             const std::int64_t c = first + k;
-            m_next[k] = c < m_count ? m_table.objectForKey(c * m_interval) : nullptr;
+            const DataTableDictionary::Peek peek =
+                c < m_count ? m_table.peek(c * m_interval) : DataTableDictionary::Peek{};
+            m_next[k] = peek.cells;
+            m_nextPending[k] = peek.pending;
             if (!m_next[k])
                 continue;
             const char* refs = reinterpret_cast<const char*>(m_next[k]->data());
@@ -90,8 +95,14 @@ private:
     void take()
     {
         m_first = m_nextFirst;
+        const TableColumnSource* source = m_table.pendingSource();
         for (int k = 0; k < kBatch; ++k) {
             std::fill(std::begin(m_values[k]), std::end(m_values[k]), 0);
+            if (source && m_nextPending[k] > 0) {
+                for (int i = 0; i < klatt_frame_t::kFieldCount && i < kParameterCount; ++i)
+                    m_values[k][i] = source->value(m_nextPending[k], i);
+                continue;
+            }
             const CellArray* column = m_next[k];
             if (!column)
                 continue;
@@ -106,6 +117,7 @@ private:
     std::int64_t m_first = 1 - kBatch; // no batch taken yet
     std::int64_t m_nextFirst = 1;
     const CellArray* m_next[kBatch] = {};
+    long long m_nextPending[kBatch] = {}; // the announced index of a column not made, below 1 if none
     std::int32_t m_values[kBatch][klatt_frame_t::kFieldCount] = {};
 };
 

@@ -1,6 +1,7 @@
 #include "table/TableEditing.h"
 
 #include "document/DocumentException.h"
+#include "document/TableColumnSource.h"
 #include "document/TableValueWriter.h"
 
 #include <algorithm>
@@ -157,37 +158,69 @@ void checkDataRange(MyDocument& doc, int row)
     }
 }
 
+namespace
+{
+// Gives cells their row's parameter settings: default, limits and set colour as background.
+// The cells of a row share a few definitions (the name column's, the frames'): each is changed
+// once, and the cells that had it take the changed one.
+class ParameterSettings
+{
+public:
+    explicit ParameterSettings(const Channels& c) : m_channel(c) {}
+
+    void applyTo(ImageAndTextCell& cell, std::size_t row)
+    {
+        auto& known = m_changed[row];
+        auto found = std::find_if(known.begin(), known.end(), [&cell](const auto& pair) {
+            return cell.sharesDefinitionWith(pair.first);
+        });
+        if (found == known.end()) {
+            const ParameterDefinition& p = m_channel.m_Parameters[row];
+            ImageAndTextCell after;
+            after.adoptDefinition(cell);
+            CellDefinition d = after.definition();
+            d.defaultValue = p.nDefaultValue;
+            d.minValue = p.nMinValue;
+            d.maxValue = p.nMaxValue;
+            d.background = p.nsSetColor;
+            after.setDefinition(d);
+            known.emplace_back(cell, after);
+            found = known.end() - 1;
+        }
+        cell.adoptDefinition(found->second);
+    }
+    bool shown(std::size_t row) const { return m_channel.m_Parameters[row].bSelected != 0; }
+
+private:
+    const Channels& m_channel;
+    std::array<std::vector<std::pair<ImageAndTextCell, ImageAndTextCell>>, kParameterCount> m_changed;
+};
+} // namespace
+
 void saveParameters(MyDocument& doc)
 {
-    const Channels& c = *doc.getChannel(0);
-    // The cells of a row share a few definitions (the name column's, the frames'): each is
-    // changed once, and the cells that had it take the changed one.
-    std::array<std::vector<std::pair<ImageAndTextCell, ImageAndTextCell>>, kParameterCount> changed;
-    for (auto& [key, column] : doc._dataTableDictionary.map()) {
+    ParameterSettings settings(*doc.getChannel(0));
+    DataTableDictionary& data = doc._dataTableDictionary;
+    for (const auto& [key, column] : data.madeColumns()) {
         (void)key;
         const std::size_t rows = std::min<std::size_t>(column.size(), kParameterCount);
         for (std::size_t row = 0; row < rows; ++row) {
-            const ParameterDefinition& p = c.m_Parameters[row];
-            ImageAndTextCell& cell = *column[row];
-            auto& known = changed[row];
-            auto found = std::find_if(known.begin(), known.end(), [&cell](const auto& pair) {
-                return cell.sharesDefinitionWith(pair.first);
-            });
-            if (found == known.end()) {
-                ImageAndTextCell after;
-                after.adoptDefinition(cell);
-                CellDefinition d = after.definition();
-                d.defaultValue = p.nDefaultValue;
-                d.minValue = p.nMinValue;
-                d.maxValue = p.nMaxValue;
-                d.background = p.nsSetColor;
-                after.setDefinition(d);
-                known.emplace_back(cell, after);
-                found = known.end() - 1;
-            }
-            cell.adoptDefinition(found->second);
-            cell.set_bSelected(p.bSelected != 0);
+            if (!column[row])
+                continue;
+            settings.applyTo(*column[row], row);
+            column[row]->set_bSelected(settings.shown(row));
         }
+    }
+    // The columns not made yet stay so: their source's models and shown flags change as the made
+    // cells did, so that a column made later is the one changed here.
+    if (const TableColumnSource* pending = data.pendingSource()) {
+        auto source = std::make_shared<TableColumnSource>(*pending);
+        for (std::size_t row = 0; row < kParameterCount; ++row) {
+            settings.applyTo(source->nameModel[row], row);
+            settings.applyTo(source->frameModel[row], row);
+            source->shown[row] = settings.shown(row);
+        }
+        data.replacePendingSource(std::move(source));
     }
     AdjustSampleRate(doc, true);
     doc.updateChangeCount(MyDocument::ChangeDone);

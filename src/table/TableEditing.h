@@ -73,7 +73,8 @@ void checkDataRange(MyDocument& doc, int row);
 
 // Copies channel 0's parameter settings (default, limits, shown flag, set colour as
 // background) into every cell of each row, the name column included, keeping the values;
-// then AdjustSampleRate(doc, true) and marks the document changed.
+// then AdjustSampleRate(doc, true) and marks the document changed. Columns not made yet stay
+// so, made later with the new settings.
 void saveParameters(MyDocument& doc);
 
 // Sets channel 0's sample rate from the shown parameters (22050 Hz when any sixth to eighth

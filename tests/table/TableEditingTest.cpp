@@ -4,6 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <thread>
+
 namespace
 {
 // A factory-new document (20 frames of 10 ms) with its table data built.
@@ -213,6 +216,79 @@ TEST(TableEditing, SaveParametersAppliesSettingsKeepingValues)
     EXPECT_DOUBLE_EQ(c.m_dSampleRate, 22050.0);
     EXPECT_TRUE(c.hasAudio());
     EXPECT_TRUE(d.doc.isDocumentEdited());
+}
+
+// An hour with f1 changing from frame to frame and f2 anchored in frame 250000, read from a
+// file, with the columns a window shows made; one made cell has a definition of its own.
+namespace
+{
+void openHour(MyDocument& doc)
+{
+    Channels& c = *doc.getChannel(0);
+    c.m_dLengthMS = 3600000.0;
+    c.m_nColumnNum = MyDocument::kMaxFrames;
+    doc.SetUpDataGridMemory();
+    for (int k = 0; k < MyDocument::kMaxFrames; ++k)
+        c.m_snppDataImage_Col_Row[static_cast<std::size_t>(k)][Row::f1] =
+            static_cast<std::int16_t>(300 + k % 400);
+    c.m_pAnchorPosition = {Row::f2, 249999};
+    doc.m_bReadFile = 1;
+    doc.buildDataTableDictionary();
+    for (long long k = 0; k <= 40; ++k)
+        doc._dataTableDictionary.objectForKey(k * 10);
+    doc._dataTableDictionary.cellAt(300, Row::f1)->set_strName("f1*");
+}
+} // namespace
+
+TEST(TableEditing, SaveParametersOnAnHourMakesNoColumnAndGivesEveryColumnTheSettings)
+{
+    // The twin has every column made first: what the document answers must be what it answers.
+    MyDocument doc, twin;
+    openHour(doc);
+    openHour(twin);
+    twin._dataTableDictionary.map();
+    for (MyDocument* d : {&doc, &twin}) {
+        auto& p = d->getChannel(0)->m_Parameters;
+        p[Row::f1].nMaxValue = 1200;
+        p[Row::f1].nMinValue = 100;
+        p[Row::f1].nDefaultValue = 450;
+        p[Row::av].nsSetColor = Color::rgb(1, 0, 0);
+        p[Row::f2].bSelected = 0;
+        p[Row::f1].nValue = 999; // the records' values are not the frames'
+    }
+    const DataTableDictionary& data = doc._dataTableDictionary;
+    const std::size_t pending = data.pendingCount();
+    // The engine carries its state on from one synthesis to the next on a thread: each
+    // document synthesizes on a fresh one, so that both start alike.
+    std::thread([&doc] { saveParameters(doc); }).join();
+    std::thread([&twin] { saveParameters(twin); }).join();
+    EXPECT_EQ(data.pendingCount(), pending) << "no column made";
+
+    Channels &a = *doc.getChannel(0), &b = *twin.getChannel(0);
+    ASSERT_EQ(a.m_dwFileLength, b.m_dwFileLength);
+    ASSERT_TRUE(a.samples() && b.samples());
+    EXPECT_TRUE(
+        std::equal(a.samples(), a.samples() + static_cast<std::size_t>(a.m_dwFileLength), b.samples()))
+        << "the synthesis of the columns not made";
+    EXPECT_EQ(doc.parameterDocumentText(true), twin.parameterDocumentText(true));
+    EXPECT_EQ(data.pendingCount(), pending);
+
+    for (long long column : {0LL, 1LL, 30LL, 40LL, 41LL, 250000LL, 360000LL})
+        for (int row = 0; row < kParameterCount; ++row) {
+            const CellRef got = data.cellAt(column * 10, row),
+                          want = twin._dataTableDictionary.cellAt(column * 10, row);
+            ASSERT_TRUE(got && want);
+            EXPECT_TRUE(got->definition() == want->definition()) << column << " " << row;
+            EXPECT_EQ(got->_nValue(), want->_nValue()) << column << " " << row;
+            EXPECT_EQ(got->_bSelected(), want->_bSelected()) << column << " " << row;
+            EXPECT_EQ(got->_bAnchor(), want->_bAnchor()) << column << " " << row;
+        }
+    const CellRef made = data.cellAt(400, Row::f1), later = data.cellAt(3000000, Row::f1);
+    EXPECT_EQ(later->_nMaxValue(), 1200);
+    EXPECT_EQ(later->_nValue(), 300 + 299999 % 400);
+    EXPECT_TRUE(made->sharesDefinitionWith(*later)) << "a row's frames keep sharing one definition";
+    EXPECT_FALSE(data.cellAt(3000000, Row::f2)->_bSelected());
+    EXPECT_EQ(data.cellAt(3000000, Row::av)->_nsbgColor(), Color::rgb(1, 0, 0));
 }
 
 TEST(TableEditing, SaveOptionsFileCarriesValuesOverByTime)
