@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <bit>
 #include <complex>
 
 namespace
@@ -64,62 +65,42 @@ TEST(Spectrum, FftMatchesDirectDftForEverySize)
     EXPECT_EQ(im[0], 3.0);
 }
 
-TEST(Spectrum, RectangularWindowGivesTheWholeAmplitudeAndOnlyTheLevelsAreWritten)
-{
-    // A sine centred on bin 32 of 256: the whole amplitude, 20 log10(n/2), in its bin. (The
-    // periodic Hamming window is checked against the DFT of the windowed frame below.)
-    CMathFunc math;
-    const int n = 256;
-    std::vector<double> data = signals::sine(n, 32.0 * 8000.0 / n, 8000.0);
-    data.resize(n + 16, kSentinel);
-    math.DoFFT_Real(data.data(), n, 0.0, 0, 0, 0, 0, 8000.0);
-    EXPECT_NEAR(data[32], 20.0 * std::log10(n / 2.0), 1e-9);
-    EXPECT_EQ(std::max_element(data.begin(), data.begin() + n / 2) - data.begin(), 32);
-    // The input beyond the n/2 levels is not written.
-    for (int i = n; i < n + 16; ++i)
-        ASSERT_EQ(data[i], kSentinel);
-}
-
-TEST(Spectrum, SilenceReadsZeroDecibelsAndPreEmphasisReadsOneSampleMore)
-{
-    CMathFunc math;
-    std::vector<double> silence(257, 0.0);
-    math.DoFFT_Real(silence.data(), 256, 0.98, 1, 0, 0, 0, 11025.0);
-    for (int i = 0; i < 128; ++i)
-        ASSERT_EQ(silence[i], 0.0);
-
-    // Without pre-emphasis sample n is not read.
-    const std::vector<double> x = signals::noise(257, 3);
-    std::vector<double> a = x, b = x;
-    b[256] = 5.0;
-    math.DoFFT_Real(a.data(), 256, 0.0, 1, 0, 0, 0, 11025.0);
-    math.DoFFT_Real(b.data(), 256, 0.0, 1, 0, 0, 0, 11025.0);
-    EXPECT_TRUE(std::equal(a.begin(), a.begin() + 128, b.begin()));
-
-    // With it, the forward difference x[i+1] - p x[i] (reading sample n), then the window.
-    std::vector<double> emphasized(256);
-    for (int i = 0; i < 256; ++i)
-        emphasized[i] = x[i + 1] - 0.9 * x[i];
-    const std::vector<double> windowed = hammingWindowed(emphasized, 256);
-    std::vector<double> data = x;
-    math.DoFFT_Real(data.data(), 256, 0.9, 1, 0, 0, 0, 11025.0);
-    for (int k : {0, 1, 17, 64, 127})
-        EXPECT_NEAR(data[k], signals::dftLevel(windowed, 256, k), 1e-8) << k;
-}
-
-TEST(Spectrum, LengthsThatAreNotPowersOfTwoArePaddedWithZeros)
+// Every level is that of the DFT of the frame as the analysis takes it: the forward difference
+// x[i+1] - p x[i] with pre-emphasis (which reads sample n), x[i] without; then the periodic
+// Hamming window or none; padded with zeros to a power of two. Nothing else is written.
+TEST(Spectrum, LevelsAreTheDftOfTheEmphasizedWindowedFramePaddedWithZeros)
 {
     CMathFunc math;
     // A loud transform first, so that stale values would show.
     std::vector<double> loud = signals::noise(513, 11, 100.0);
     math.DoFFT_Real(loud.data(), 512, 0.0, 0, 0, 0, 0, 11025.0);
 
-    const std::vector<double> x = signals::noise(300, 12);
-    std::vector<double> data = x;
-    math.DoFFT_Real(data.data(), 300, 0.0, 1, 0, 0, 0, 11025.0);
-    const std::vector<double> windowed = hammingWindowed(x, 300);
-    for (int k : {0, 3, 75, 149})
-        EXPECT_NEAR(data[k], signals::dftLevel(windowed, 512, k), 1e-8) << k;
+    struct Case {
+        int n, window;
+        double emphasis;
+        std::vector<double> x; // n + 1 samples
+    };
+    const Case cases[] = {{256, 0, 0.0, signals::noise(257, 5)},
+                          {256, 1, 0.0, signals::noise(257, 3)},
+                          {256, 1, 0.9, signals::noise(257, 3)},
+                          {256, 1, 0.98, std::vector<double>(257, 0.0)}, // silence reads 0 dB
+                          {300, 1, 0.0, signals::noise(301, 12)},
+                          {300, 0, 0.97, signals::noise(301, 12)}};
+    for (const Case& c : cases) {
+        std::vector<double> frame(c.n);
+        for (int i = 0; i < c.n; ++i)
+            frame[i] = c.emphasis > 0.0 ? c.x[i + 1] - c.emphasis * c.x[i] : c.x[i];
+        if (c.window == 1)
+            frame = hammingWindowed(frame, c.n);
+        std::vector<double> data = c.x;
+        data.resize(c.n + 16, kSentinel);
+        const std::vector<double> before = data;
+        math.DoFFT_Real(data.data(), c.n, c.emphasis, c.window, 0, 0, 0, 11025.0);
+        const int padded = std::bit_ceil(static_cast<unsigned>(c.n));
+        for (int k = 0; k < c.n / 2; ++k)
+            ASSERT_NEAR(data[k], signals::dftLevel(frame, padded, k), 1e-8) << c.n << " points, bin " << k;
+        EXPECT_TRUE(std::equal(data.begin() + c.n / 2, data.end(), before.begin() + c.n / 2)) << c.n;
+    }
 
     // Beyond the largest transform: refused, nothing written.
     std::vector<double> big(8194, 1.0);
