@@ -44,13 +44,13 @@ Reference levinson(const std::vector<double>& x, int order)
 
 } // namespace
 
-TEST(Lpc, SchurRecursionGivesTheLevinsonDurbinCoefficients)
+TEST(Lpc, LevinsonDurbinCoefficientsAndTheModesOfDoLpc)
 {
     // A(z) of two resonances at 11025 Hz driven by white noise.
     const std::vector<double> poly = signals::polynomialOfPoles({{600.0, 80.0}, {1800.0, 120.0}}, 11025.0);
     const std::vector<double> y = signals::allPole(signals::noise(60000, 5), poly);
     CMathFunc math;
-    // Its coefficients, energy and reflections as Levinson-Durbin gives them.
+    // The Schur recursion's coefficients, energy and reflections are those of Levinson-Durbin.
     const Reference ref = levinson(y, 10);
     const lpcout* lpc = math.autolpc(y.data(), static_cast<int>(y.size()), 10);
     for (int j = 0; j <= 10; ++j)
@@ -59,48 +59,35 @@ TEST(Lpc, SchurRecursionGivesTheLevinsonDurbinCoefficients)
         EXPECT_NEAR(lpc->k[j], ref.k[j], 1e-9) << j;
     EXPECT_NEAR(lpc->energy / ref.energy, 1.0, 1e-9);
 
-    // DoLPC with a rectangular window and no pre-emphasis analyses the frame as it is; its
-    // coefficients are in the thread's record, the one autolpc hands out.
-    std::vector<double> frame(y.begin(), y.begin() + 400);
-    const Reference framed = levinson(frame, 8);
-    math.DoLPC(frame.data(), 8, 400, 0.0, 0, 0, 0, 0, 11025.0, 0, 1);
-    EXPECT_EQ(lpc->order, 8);
-    for (int j = 0; j <= 8; ++j)
-        EXPECT_NEAR(lpc->a[j], framed.a[j], 1e-9) << j;
-}
-
-TEST(Lpc, DoLpcModes)
-{
-    const std::vector<double> poly = signals::polynomialOfPoles({{700.0, 100.0}, {1500.0, 100.0}}, 11025.0);
-    const std::vector<double> y = signals::allPole(signals::noise(2000, 8), poly);
-    CMathFunc math;
-
-    // Coefficients only: data untouched.
+    // DoLPC with a rectangular window and no pre-emphasis analyses the frame as it is. For
+    // coefficients only, the frame is left alone and the coefficients are in the thread's
+    // record, the one autolpc hands out.
     std::vector<double> data(y.begin(), y.begin() + 401);
     const std::vector<double> before = data;
+    const std::vector<double> a = levinson(std::vector<double>(y.begin(), y.begin() + 400), 4).a;
     EXPECT_EQ(math.DoLPC(data.data(), 4, 400, 0.0, 0, 0, 0, 0, 11025.0, 0, 1), nullptr);
     EXPECT_EQ(data, before);
-    const std::vector<double> a = levinson(std::vector<double>(y.begin(), y.begin() + 400), 4).a;
+    EXPECT_EQ(lpc->order, 4);
+    for (int j = 0; j <= 4; ++j)
+        EXPECT_NEAR(lpc->a[j], a[j], 1e-9) << j;
 
-    // Spectrum mode: the level of the inverse filter at 128 bins of a 256-point grid.
-    data = before;
+    // Spectrum mode: the level of the inverse filter at 128 bins of a 256-point grid, nothing
+    // else written.
     data.resize(600, -1.0);
-    math.DoLPC(data.data(), 4, 400, 0.0, 0, 0, 0, 0, 11025.0, 0, 0);
-    for (int i : {0, 10, 50, 127}) {
+    std::vector<double> spectrum = data;
+    math.DoLPC(spectrum.data(), 4, 400, 0.0, 0, 0, 0, 0, 11025.0, 0, 0);
+    for (int i = 0; i < 128; ++i) {
         std::complex<double> sum = 0.0;
         for (int j = 0; j <= 4; ++j)
             sum += a[j] * std::polar(1.0, -M_PI * i * j / 128.0);
-        EXPECT_NEAR(data[i], 10.0 * std::log10(std::norm(sum)), 1e-9) << i;
+        ASSERT_NEAR(spectrum[i], 10.0 * std::log10(std::norm(sum)), 1e-9) << i;
     }
-    for (int i = 401; i < 600; ++i)
-        ASSERT_EQ(data[i], -1.0);
+    EXPECT_TRUE(std::equal(spectrum.begin() + 128, spectrum.end(), data.begin() + 128));
 
     // Smoothed spectrum: output point k stands for k * range / nOut Hz.
-    std::vector<double> smooth = before;
-    smooth.resize(600, -1.0);
-    math.DoLPC(smooth.data(), 4, 400, 0.0, 0, 1, 64, 4000, 8000.0, 0, 0);
+    math.DoLPC(data.data(), 4, 400, 0.0, 0, 1, 64, 4000, 8000.0, 0, 0);
     for (int k = 0; k < 64; ++k)
-        ASSERT_NEAR(smooth[k], data[2 * k], 1e-9) << k;
+        ASSERT_NEAR(data[k], spectrum[2 * k], 1e-9) << k;
 }
 
 TEST(Lpc, OrderAboveTheRecordsIsClampedAndSilenceDoesNotThrow)
