@@ -11,7 +11,9 @@
 //  - Interpolate All between anchors at both ends of the hour (targets: 1 s, 150 MB);
 //  - copying ten frames, pasting them and removing all anchors (targets: 100 ms, 150 MB);
 //  - Options > Parameters' OK with new limits, colours and shown rows: the cells take them and
-//    the hour is synthesized again, with the table's refresh (targets: 1 s, 150 MB).
+//    the hour is synthesized again, with the table's refresh (targets: 1 s, 150 MB);
+//  - Options > File's OK shortening the hour by ten seconds at the same interval, with the
+//    table's refresh (targets: 1 s, 150 MB).
 // Runs under the offscreen platform; a fresh document is opened (outside the timing) for the
 // cases whose first run would leave work behind for the next.
 #include "GuiBenchMain.h"
@@ -343,6 +345,22 @@ void BM_SaveParametersOnOneHour(benchmark::State& state)
                     {prepare, [](OpenHour& open) { open.table->saveParameters(); }, check});
 }
 BENCHMARK(BM_SaveParametersOnOneHour)->Apply(medianOfFive);
+
+void BM_OptionsFileShortenOnOneHour(benchmark::State& state)
+{
+    auto prepare = [](OpenHour& open) {
+        open.doc.m_dNewLengthMS = 3590000.0;
+        open.doc.m_nNewUpdateIntervalMS = 10;
+        open.doc.m_dNewSampleRate = 11025.0;
+    };
+    auto check = [](OpenHour& open) -> const char* {
+        return open.doc.getChannel(0)->m_nColumnNum != kFrames - 1000 ? "the hour was not shortened"
+                                                                      : nullptr;
+    };
+    onFreshDocument(state, hourText(),
+                    {prepare, [](OpenHour& open) { open.table->saveoptionsFile(); }, check});
+}
+BENCHMARK(BM_OptionsFileShortenOnOneHour)->Apply(medianOfFive);
 
 } // namespace
 

@@ -88,6 +88,7 @@ void AdjustSampleRate(MyDocument& doc, bool synthesize);
 // stores the new rate, length, interval and frame count in channel 0. An interval below 1
 // is taken as 10 and a negative length as 0. A length beyond one hour or more frames than
 // MyDocument::kMaxFrames throw DocumentException "Document Too Long" with nothing changed.
+// At an unchanged interval the columns not made yet stay so.
 void saveoptionsFile(MyDocument& doc);
 
 // What saveoptionsFile() would remove for the proposed length and interval: the frames whose

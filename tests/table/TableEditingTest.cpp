@@ -238,6 +238,21 @@ void openHour(MyDocument& doc)
         doc._dataTableDictionary.objectForKey(k * 10);
     doc._dataTableDictionary.cellAt(300, Row::f1)->set_strName("f1*");
 }
+
+// The document's cells of `columns` against the twin's, every field.
+void expectSameCells(MyDocument& doc, MyDocument& twin, std::initializer_list<long long> columns)
+{
+    for (long long column : columns)
+        for (int row = 0; row < kParameterCount; ++row) {
+            const CellRef got = doc._dataTableDictionary.cellAt(column * 10, row),
+                          want = twin._dataTableDictionary.cellAt(column * 10, row);
+            ASSERT_TRUE(got && want) << column;
+            EXPECT_TRUE(got->definition() == want->definition()) << column << " " << row;
+            EXPECT_EQ(got->_nValue(), want->_nValue()) << column << " " << row;
+            EXPECT_EQ(got->_bSelected(), want->_bSelected()) << column << " " << row;
+            EXPECT_EQ(got->_bAnchor(), want->_bAnchor()) << column << " " << row;
+        }
+}
 } // namespace
 
 TEST(TableEditing, SaveParametersOnAnHourMakesNoColumnAndGivesEveryColumnTheSettings)
@@ -273,22 +288,36 @@ TEST(TableEditing, SaveParametersOnAnHourMakesNoColumnAndGivesEveryColumnTheSett
     EXPECT_EQ(doc.parameterDocumentText(true), twin.parameterDocumentText(true));
     EXPECT_EQ(data.pendingCount(), pending);
 
-    for (long long column : {0LL, 1LL, 30LL, 40LL, 41LL, 250000LL, 360000LL})
-        for (int row = 0; row < kParameterCount; ++row) {
-            const CellRef got = data.cellAt(column * 10, row),
-                          want = twin._dataTableDictionary.cellAt(column * 10, row);
-            ASSERT_TRUE(got && want);
-            EXPECT_TRUE(got->definition() == want->definition()) << column << " " << row;
-            EXPECT_EQ(got->_nValue(), want->_nValue()) << column << " " << row;
-            EXPECT_EQ(got->_bSelected(), want->_bSelected()) << column << " " << row;
-            EXPECT_EQ(got->_bAnchor(), want->_bAnchor()) << column << " " << row;
-        }
+    expectSameCells(doc, twin, {0, 1, 30, 40, 41, 250000, 360000});
     const CellRef made = data.cellAt(400, Row::f1), later = data.cellAt(3000000, Row::f1);
     EXPECT_EQ(later->_nMaxValue(), 1200);
     EXPECT_EQ(later->_nValue(), 300 + 299999 % 400);
     EXPECT_TRUE(made->sharesDefinitionWith(*later)) << "a row's frames keep sharing one definition";
     EXPECT_FALSE(data.cellAt(3000000, Row::f2)->_bSelected());
     EXPECT_EQ(data.cellAt(3000000, Row::av)->_nsbgColor(), Color::rgb(1, 0, 0));
+}
+
+TEST(TableEditing, SaveOptionsFileAtTheSameIntervalOnAnHourKeepsTheColumnsNotMade)
+{
+    MyDocument doc, twin;
+    openHour(doc);
+    openHour(twin);
+    twin._dataTableDictionary.map();
+    const std::size_t pending = doc._dataTableDictionary.pendingCount();
+    // Shortened by 10 s, then lengthened again: the frames added are fresh ones.
+    for (double length : {3590000.0, 3600000.0})
+        for (MyDocument* d : {&doc, &twin}) {
+            d->m_dNewLengthMS = length;
+            d->m_nNewUpdateIntervalMS = 10;
+            d->m_dNewSampleRate = 11025;
+            d->getChannel(0)->m_Parameters[Row::f1].nValue = 999;
+            saveoptionsFile(*d);
+        }
+    EXPECT_GE(doc._dataTableDictionary.pendingCount(), pending - 1000);
+    EXPECT_EQ(doc.getChannel(0)->m_nColumnNum, 360000);
+    EXPECT_EQ(doc.parameterDocumentText(true), twin.parameterDocumentText(true));
+    expectSameCells(doc, twin, {0, 1, 30, 41, 250000, 358999, 359000, 359001, 360000});
+    EXPECT_EQ(doc._dataTableDictionary.cellAt(3590010, Row::f1)->_nValue(), 999);
 }
 
 TEST(TableEditing, SaveOptionsFileCarriesValuesOverByTime)
