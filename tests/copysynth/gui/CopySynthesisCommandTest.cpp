@@ -78,24 +78,22 @@ TEST_F(CopySynthesisWindow, TheButtonAppliesOneUndoStepThatEqualsTheCommandLine)
     EXPECT_TRUE(saved("redone.stk") == window);
 }
 
-TEST_F(CopySynthesisWindow, CancelLeavesTheDocumentUntouched)
+// Cancel, no model and a model too short: each leaves the document as it was and no undo step.
+TEST_F(CopySynthesisWindow, CancelOrARefusalLeavesTheDocumentUntouchedAndAnAlertSaysWhy)
 {
     const std::string before = saved("before.stk");
     CopySynthesisCommand* command = CopySynthesisCommand::start(*table, table.get());
     ASSERT_NE(command, nullptr);
-    QSignalSpy finished(command, &CopySynthesisCommand::finished);
+    QSignalSpy cancelled(command, &CopySynthesisCommand::finished);
     QPushButton* cancel = command->progressDialog()->findChild<QPushButton*>();
     ASSERT_NE(cancel, nullptr);
     cancel->click();
-    ASSERT_TRUE(waitFor([&] { return finished.count() == 1; }));
-    EXPECT_FALSE(finished.at(0).at(0).toBool());
+    ASSERT_TRUE(waitFor([&] { return cancelled.count() == 1; }));
+    EXPECT_FALSE(cancelled.at(0).at(0).toBool());
     EXPECT_FALSE(doc.canUndo());
     EXPECT_TRUE(saved("after.stk") == before);
     EXPECT_TRUE(alerts.empty());
-}
 
-TEST_F(CopySynthesisWindow, WithoutAModelOrWithATooShortOneAnAlertSaysWhy)
-{
     MyDocument empty;
     empty.buildDataTableDictionary();
     mainTable emptyTable(&empty);
@@ -103,13 +101,13 @@ TEST_F(CopySynthesisWindow, WithoutAModelOrWithATooShortOneAnAlertSaysWhy)
     ASSERT_EQ(alerts.size(), 1u);
     EXPECT_NE(alerts[0].find("model"), std::string::npos) << alerts[0];
 
-    // Ten samples: the estimation refuses them, the document stays as it was.
+    // Ten samples: the estimation refuses them.
     setSamples(*doc.getChannel(2), std::vector<float>(10, 0.1f), 11025.0);
-    CopySynthesisCommand* command = CopySynthesisCommand::start(*table, table.get());
+    command = CopySynthesisCommand::start(*table, table.get());
     ASSERT_NE(command, nullptr);
-    QSignalSpy finished(command, &CopySynthesisCommand::finished);
-    ASSERT_TRUE(waitFor([&] { return finished.count() == 1; }));
-    EXPECT_FALSE(finished.at(0).at(0).toBool());
+    QSignalSpy refused(command, &CopySynthesisCommand::finished);
+    ASSERT_TRUE(waitFor([&] { return refused.count() == 1; }));
+    EXPECT_FALSE(refused.at(0).at(0).toBool());
     EXPECT_EQ(alerts.size(), 2u);
     EXPECT_FALSE(doc.canUndo());
 }
