@@ -129,17 +129,17 @@ Shortening proposedShortening(MyDocument& doc)
     const long long newEnd = static_cast<long long>(proposedLength(doc)) / newInterval * newInterval;
     const long long oldInterval = doc.updateInterval();
     const Channels& c = *doc.getChannel(0);
-    const std::vector<CellArray*> columns = frameColumns(doc);
+    const DataTableDictionary& data = doc._dataTableDictionary;
+    const long long frames = frameCount(doc);
     Shortening shortening;
-    for (std::size_t j = 0; j < columns.size(); ++j) {
-        if (static_cast<long long>(j + 1) * oldInterval <= newEnd)
-            continue;
+    // Values read as they stand: the frames of an hour are looked at, not made.
+    for (long long k = newEnd / oldInterval + 1; k <= frames; ++k) {
         ++shortening.removedFrames;
-        const CellArray* cells = columns[j];
-        const std::size_t rows = cells ? std::min<std::size_t>(cells->size(), kParameterCount) : 0;
-        for (std::size_t row = 0; row < rows && !shortening.removesValues; ++row)
+        for (int row = 0; row < kParameterCount && !shortening.removesValues; ++row) {
+            int value = 0;
             shortening.removesValues =
-                (*cells)[row] && (*cells)[row]->_nValue() != c.m_Parameters[row].nValue;
+                data.valueAt(k * oldInterval, row, value) && value != c.m_Parameters[row].nValue;
+        }
     }
     return shortening;
 }

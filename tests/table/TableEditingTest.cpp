@@ -304,15 +304,22 @@ TEST(TableEditing, SaveOptionsFileAtTheSameIntervalOnAnHourKeepsTheColumnsNotMad
     openHour(twin);
     twin._dataTableDictionary.map();
     const std::size_t pending = doc._dataTableDictionary.pendingCount();
-    // Shortened by 10 s, then lengthened again: the frames added are fresh ones.
-    for (double length : {3590000.0, 3600000.0})
+    // Shortened by 10 s (the question asked first), then lengthened again: the frames added are
+    // fresh ones.
+    for (double length : {3590000.0, 3600000.0}) {
         for (MyDocument* d : {&doc, &twin}) {
             d->m_dNewLengthMS = length;
             d->m_nNewUpdateIntervalMS = 10;
             d->m_dNewSampleRate = 11025;
             d->getChannel(0)->m_Parameters[Row::f1].nValue = 999;
-            saveoptionsFile(*d);
         }
+        const Shortening got = proposedShortening(doc), want = proposedShortening(twin);
+        EXPECT_EQ(got.removedFrames, want.removedFrames);
+        EXPECT_EQ(got.removesValues, want.removesValues);
+        EXPECT_EQ(got.removedFrames, length < 3600000.0 ? 1000 : 0);
+        saveoptionsFile(doc);
+        saveoptionsFile(twin);
+    }
     EXPECT_GE(doc._dataTableDictionary.pendingCount(), pending - 1000);
     EXPECT_EQ(doc.getChannel(0)->m_nColumnNum, 360000);
     EXPECT_EQ(doc.parameterDocumentText(true), twin.parameterDocumentText(true));
