@@ -61,26 +61,6 @@ TEST(CopySynthesis, SilentRecordingGivesASilentDocument)
     EXPECT_EQ(renderFrames(r.frames, r.sampleRate, r.intervalMS).peak, 0.0);
 }
 
-TEST(CopySynthesis, ProgressRisesAndFalseCancels)
-{
-    const std::vector<float> samples = vowel(60);
-    std::vector<double> seen;
-    const CopySynthesisResult done = copySynthesize(samples.data(), samples.size(), kRate, {}, [&](double d) {
-        seen.push_back(d);
-        return true;
-    });
-    ASSERT_GE(seen.size(), 3u);
-    EXPECT_TRUE(std::is_sorted(seen.begin(), seen.end()));
-    EXPECT_DOUBLE_EQ(seen.back(), 1.0);
-    EXPECT_FALSE(done.cancelled);
-
-    int calls = 0;
-    const CopySynthesisResult stopped =
-        copySynthesize(samples.data(), samples.size(), kRate, {}, [&](double) { return ++calls < 2; });
-    EXPECT_TRUE(stopped.cancelled);
-    EXPECT_TRUE(stopped.frames.empty());
-}
-
 // The same recording gives the same values every time, whatever synthesis ran in between, and
 // the document made from them saves the same bytes as one the result was applied to.
 TEST(CopySynthesis, SameInputSameDocument)
@@ -110,11 +90,21 @@ TEST(CopySynthesis, SameInputSameDocument)
 }
 
 // Estimations on several threads at once (each of which synthesizes on threads of its own)
-// give the values of one alone, and one cancelled while its ceilings are judged stops cleanly.
-TEST(CopySynthesis, ConcurrentEstimationsAgreeWithOneAlone)
+// give the values of one alone, whose progress rises to 1; one cancelled while its ceilings are
+// judged, and one cancelled after the pitch, stop there and give no frames.
+TEST(CopySynthesis, ConcurrentEstimationsAgreeWithOneAloneAndProgressRisesUntilCancelled)
 {
     const std::vector<float> samples = vowel(40);
-    const CopySynthesisResult alone = estimate(samples);
+    std::vector<double> seen;
+    const CopySynthesisResult alone =
+        copySynthesize(samples.data(), samples.size(), kRate, {}, [&](double d) {
+            seen.push_back(d);
+            return true;
+        });
+    ASSERT_GE(seen.size(), 3u);
+    EXPECT_TRUE(std::is_sorted(seen.begin(), seen.end()));
+    EXPECT_DOUBLE_EQ(seen.back(), 1.0);
+    EXPECT_FALSE(alone.cancelled);
     std::vector<CopySynthesisResult> results(3);
     std::vector<std::thread> threads;
     for (CopySynthesisResult& r : results)
@@ -129,7 +119,14 @@ TEST(CopySynthesis, ConcurrentEstimationsAgreeWithOneAlone)
         EXPECT_EQ(r.report.maxFormantHz, alone.report.maxFormantHz);
     }
     EXPECT_TRUE(stopped.cancelled);
+    EXPECT_TRUE(stopped.frames.empty());
     EXPECT_EQ(calls, 3);
+    calls = 0;
+    const CopySynthesisResult early =
+        copySynthesize(samples.data(), samples.size(), kRate, {}, [&](double) { return ++calls < 2; });
+    EXPECT_TRUE(early.cancelled);
+    EXPECT_TRUE(early.frames.empty());
+    EXPECT_EQ(calls, 2);
 }
 
 // At 22050 Hz the sixth to eighth formants are in use (so the document synthesizes at that rate)
