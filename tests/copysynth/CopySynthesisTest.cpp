@@ -130,7 +130,7 @@ TEST(CopySynthesis, ConcurrentEstimationsAgreeWithOneAloneAndProgressRisesUntilC
 }
 
 // At 22050 Hz the sixth to eighth formants are in use (so the document synthesizes at that rate)
-// and stay above the fifth; at 11025 Hz they are not.
+// and stay above the fifth (at 11025 Hz they are not: SameInputSameDocument).
 TEST(CopySynthesis, HighFormantsOnlyAt22050)
 {
     const std::vector<float> samples = vowel(40);
@@ -147,5 +147,4 @@ TEST(CopySynthesis, HighFormantsOnlyAt22050)
     }
     const Rendering out = renderFrames(high.frames, 22050, 10);
     EXPECT_EQ(out.clippedSamples, 0);
-    EXPECT_EQ(copySynthesisDocument(estimate(samples))->synthesisSampleRate(), 11025);
 }
