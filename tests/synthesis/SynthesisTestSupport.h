@@ -5,6 +5,7 @@
 #include "document/ParameterDefinition.h"
 #include "synthesis/CKlattEngine.h"
 
+#include <algorithm>
 #include <vector>
 
 // The factory parameter values as a frame, breathiness off.
@@ -62,8 +63,5 @@ inline std::vector<int> steadyRun(const klatt_frame_t& frame, int frames, int sa
 
 inline bool allZero(const std::vector<int>& x)
 {
-    for (int v : x)
-        if (v != 0)
-            return false;
-    return true;
+    return std::all_of(x.begin(), x.end(), [](int v) { return v == 0; });
 }
