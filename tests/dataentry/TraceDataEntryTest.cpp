@@ -145,12 +145,7 @@ TEST(TraceDataEntry, EnteringAllDataOnAnHourMakesNoColumnsAndUndoesInOneStep)
 {
     // An hour of frames as read from a file: its columns wait to be made until looked at.
     MyDocument doc;
-    Channels& c = *doc.getChannel(0);
-    c.m_dLengthMS = 3600000.0;
-    c.m_nColumnNum = MyDocument::kMaxFrames;
-    doc.SetUpDataGridMemory();
-    doc.m_bReadFile = 1;
-    doc.buildDataTableDictionary();
+    readTestFrames(doc, MyDocument::kMaxFrames, [](Channels&) {});
     doc.m_bSpecDrawFormantTracking = 1;
     const DataTableDictionary& data = doc._dataTableDictionary;
     const std::size_t pending = data.pendingCount();

@@ -22,6 +22,20 @@ inline void setTestFrames(MyDocument& document, int frames, int intervalMS = 10,
     document.buildDataTableDictionary();
 }
 
+// Gives `document` `frames` frames of 10 ms as reading a parameter file gives them: `fill` sets
+// the value grid (factory values until then) and the anchors of channel 0, then the table data
+// is built with every column announced and none made.
+template <typename Fill> void readTestFrames(MyDocument& document, int frames, Fill fill)
+{
+    Channels& c = *document.getChannel(0);
+    c.m_dLengthMS = frames * 10.0;
+    c.m_nColumnNum = frames;
+    document.SetUpDataGridMemory();
+    fill(c);
+    document.m_bReadFile = 1;
+    document.buildDataTableDictionary();
+}
+
 inline std::unique_ptr<MyDocument> makeTestDocument(int frames, int intervalMS = 10, int channels = 3)
 {
     auto document = std::make_unique<MyDocument>();

@@ -101,16 +101,13 @@ TEST(CellStorage, ColumnsAreMadeWhenFirstLookedUpAndAnswerAsIfMadeAtOnce)
 {
     constexpr int frames = 200;
     MyDocument doc;
+    readTestFrames(doc, frames, [](Channels& c) {
+        for (int k = 0; k < frames; ++k)
+            for (int row = 0; row < kParameterCount; ++row)
+                c.m_snppDataImage_Col_Row[k][row] = static_cast<std::int16_t>(k * 50 + row);
+        c.m_pAnchorPosition = {Row::f1, 0, Row::gain, 199, Row::f0, 77};
+    });
     Channels& c = *doc.getChannel(0);
-    c.m_dLengthMS = frames * 10.0;
-    c.m_nColumnNum = frames;
-    doc.SetUpDataGridMemory();
-    for (int k = 0; k < frames; ++k)
-        for (int row = 0; row < kParameterCount; ++row)
-            c.m_snppDataImage_Col_Row[k][row] = static_cast<std::int16_t>(k * 50 + row);
-    c.m_pAnchorPosition = {Row::f1, 0, Row::gain, 199, Row::f0, 77};
-    doc.m_bReadFile = 1;
-    doc.buildDataTableDictionary();
     DataTableDictionary& data = doc._dataTableDictionary;
     EXPECT_EQ(data.count(), frames + 1u);
     EXPECT_EQ(data.pendingCount(), frames + 1u);

@@ -1,5 +1,6 @@
 #include "table/TableEditing.h"
 
+#include "HourDocument.h"
 #include "support/DocumentTestSupport.h"
 
 #include <gtest/gtest.h>
@@ -218,24 +219,12 @@ TEST(TableEditing, SaveParametersAppliesSettingsKeepingValues)
     EXPECT_TRUE(d.doc.isDocumentEdited());
 }
 
-// An hour with f1 changing from frame to frame and f2 anchored in frame 250000, read from a
-// file, with the columns a window shows made; one made cell has a definition of its own.
+// The hour of HourDocument.h, in which one made cell has a definition of its own.
 namespace
 {
-void openHour(MyDocument& doc)
+void openHourWithOwnCell(MyDocument& doc)
 {
-    Channels& c = *doc.getChannel(0);
-    c.m_dLengthMS = 3600000.0;
-    c.m_nColumnNum = MyDocument::kMaxFrames;
-    doc.SetUpDataGridMemory();
-    for (int k = 0; k < MyDocument::kMaxFrames; ++k)
-        c.m_snppDataImage_Col_Row[static_cast<std::size_t>(k)][Row::f1] =
-            static_cast<std::int16_t>(300 + k % 400);
-    c.m_pAnchorPosition = {Row::f2, 249999};
-    doc.m_bReadFile = 1;
-    doc.buildDataTableDictionary();
-    for (long long k = 0; k <= 40; ++k)
-        doc._dataTableDictionary.objectForKey(k * 10);
+    openHour(doc);
     doc._dataTableDictionary.cellAt(300, Row::f1)->set_strName("f1*");
 }
 
@@ -259,8 +248,8 @@ TEST(TableEditing, SaveParametersOnAnHourMakesNoColumnAndGivesEveryColumnTheSett
 {
     // The twin has every column made first: what the document answers must be what it answers.
     MyDocument doc, twin;
-    openHour(doc);
-    openHour(twin);
+    openHourWithOwnCell(doc);
+    openHourWithOwnCell(twin);
     twin._dataTableDictionary.map();
     for (MyDocument* d : {&doc, &twin}) {
         auto& p = d->getChannel(0)->m_Parameters;
@@ -300,8 +289,8 @@ TEST(TableEditing, SaveParametersOnAnHourMakesNoColumnAndGivesEveryColumnTheSett
 TEST(TableEditing, SaveOptionsFileAtTheSameIntervalOnAnHourKeepsTheColumnsNotMade)
 {
     MyDocument doc, twin;
-    openHour(doc);
-    openHour(twin);
+    openHourWithOwnCell(doc);
+    openHourWithOwnCell(twin);
     twin._dataTableDictionary.map();
     const std::size_t pending = doc._dataTableDictionary.pendingCount();
     // Shortened by 10 s (the question asked first), then lengthened again: the frames added are

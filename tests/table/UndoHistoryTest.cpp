@@ -5,6 +5,7 @@
 // removed frames,
 // undos and redos, and after every step the document must be exactly the one the reference
 // restores. And on a document of an hour, an edit must cost what it changes.
+#include "HourDocument.h"
 #include "document/UndoStep.h"
 #include "support/TestDocuments.h"
 #include "table/FrameEditing.h"
@@ -259,29 +260,6 @@ TEST(UndoHistory, RandomEditsUndosAndRedosRestoreWhatWholeSnapshotsRestore)
         }
         EXPECT_EQ(t.doc._arrayUndo.size(), 10u) << "the lists stay ten deep";
     }
-}
-
-// One hour of frames whose f1 changes from frame to frame (300 + frame % 400) and whose f2 is
-// anchored in frame 250000, as read from a file, with the columns a window shows made.
-void openHour(MyDocument& doc)
-{
-    Channels& c = *doc.getChannel(0);
-    c.m_dLengthMS = 3600000.0;
-    c.m_nColumnNum = MyDocument::kMaxFrames;
-    doc.SetUpDataGridMemory();
-    for (int k = 0; k < MyDocument::kMaxFrames; ++k)
-        c.m_snppDataImage_Col_Row[static_cast<std::size_t>(k)][Row::f1] =
-            static_cast<std::int16_t>(300 + k % 400);
-    c.m_pAnchorPosition = {Row::f2, 249999};
-    doc.m_bReadFile = 1;
-    doc.buildDataTableDictionary();
-    for (long long k = 0; k <= 40; ++k)
-        ASSERT_NE(doc._dataTableDictionary.objectForKey(k * 10), nullptr);
-}
-
-int hourF1(int column)
-{
-    return 300 + (column - 1) % 400;
 }
 
 TEST(UndoHistory, AnEditOnAnHourCostsTheBlocksItChangesAndMakesNoColumns)

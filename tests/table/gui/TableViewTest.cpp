@@ -217,14 +217,10 @@ TEST_F(TableView, AnHourMakesOnlyTheColumnsShownAndTakesTheLastFrameAndTypingInT
 {
     // As read from a file: the last frame's f1 holds 777 and an anchor.
     const int last = MyDocument::kMaxFrames;
-    Channels& c = *doc.getChannel(0);
-    c.m_dLengthMS = MyDocument::kMaxLengthMS;
-    c.m_nColumnNum = last;
-    doc.SetUpDataGridMemory();
-    c.m_snppDataImage_Col_Row[last - 1][Row::f1] = 777;
-    c.m_pAnchorPosition = {Row::f1, last - 1};
-    doc.m_bReadFile = 1;
-    doc.buildDataTableDictionary();
+    readTestFrames(doc, last, [](Channels& c) {
+        c.m_snppDataImage_Col_Row[last - 1][Row::f1] = 777;
+        c.m_pAnchorPosition = {Row::f1, last - 1};
+    });
     show(640, 300);
     QAbstractItemModel* model = table->model();
     ASSERT_EQ(model->columnCount(), last + 1);
