@@ -404,4 +404,19 @@ TEST(UndoHistory, InterpolatingCopyingPastingAndClearingAnchorsOnAnHourMakeNoCol
     EXPECT_EQ(f1(300002), line(180002));
     EXPECT_FALSE(data.cellAt(2500000, Row::f2)->_bAnchor()) << "an anchor of a column not made";
     EXPECT_FALSE(data.cellAt(20, Row::f1)->_bAnchor());
+
+    // Values beyond 16 bits in frames not made yet, computed in double precision: two thirds of
+    // the way from 10^7 to 10^7 + 1 is 10^7 (in single precision 10^7 + 1). The second pass
+    // replaces the wide value the first wrote into a frame (100005) it left unmade.
+    for (int pass = 1; pass <= 2; ++pass) {
+        for (long long column : {100000LL, 100006LL}) {
+            data.cellAt(column * 10, Row::f3)->set_bAnchor(true);
+            data.cellAt(column * 10, Row::f3)->set_nValue(pass * 10000000 + (column == 100006LL ? 2 : 0));
+        }
+        interpolateRows(doc, Row::f3, Row::f3);
+        EXPECT_EQ(data.cellAt(pass == 1 ? 1000020 : 1000050, Row::f3)->_nValue(), pass * 10000000 + pass - 1);
+    }
+    // A frame removed before them moves the wide values not made yet into new blocks.
+    ASSERT_TRUE(removeColumns(doc, 50000, 50000));
+    EXPECT_EQ(data.cellAt(1000030, Row::f3)->_nValue(), 20000001) << "frame 100004 moved down";
 }
