@@ -185,28 +185,6 @@ TEST(StkFile, OlderMarkersUnknownNamesAndRaggedLines)
     EXPECT_EQ(unix.getChannel(0)->m_snppDataImage_Col_Row[2][Row::f1], 650);
 }
 
-TEST(StkFile, NumbersTheGridCannotHoldBecomeTheRowsLimits)
-{
-    // f0 99999 would wrap to -31073; av -70000 to -4464. They take the row's maximum and
-    // minimum and are counted; 32767 fits the grid and is kept as written.
-    const std::string text = "30\t11025\t10\t\r\n1\t0\t0\t0\t0\t0\t0\t0\t0\t50\t\r\n"
-                             "255\t255\t255\t\r\n"
-                             "f0\tav\tf1\t\r\n"
-                             "99999\t-70000\t32767\t\r\n"
-                             "1200\t50\t600\t\r\n"
-                             "1000000000000000000000\t40\t500\t\r\n";
-    MyDocument document;
-    ASSERT_EQ(document.Read_STK_FileType(text), 0) << document.lastReadError();
-    const auto& grid = document.getChannel(0)->m_snppDataImage_Col_Row;
-    const auto& limits = document.getChannel(0)->m_Parameters;
-    EXPECT_EQ(grid[0][Row::f0], limits[Row::f0].nMaxValue);
-    EXPECT_EQ(grid[0][Row::av], limits[Row::av].nMinValue);
-    EXPECT_EQ(grid[0][Row::f1], 32767);
-    EXPECT_EQ(grid[1][Row::f0], 1200);
-    EXPECT_EQ(grid[2][Row::f0], limits[Row::f0].nMaxValue);
-    EXPECT_EQ(document.m_nClampedValues, 3);
-}
-
 TEST(StkFile, AbsurdDocumentsAreRefusedAndLeaveTheDocumentAlone)
 {
     const std::string tail = "1\t0\t0\t0\t0\t0\t0\t0\t0\t50\t\r\n";
@@ -238,17 +216,24 @@ TEST(StkFile, AbsurdDocumentsAreRefusedAndLeaveTheDocumentAlone)
         EXPECT_EQ(ch->m_snppDataImage_Col_Row[1][Row::f2], 1777);
     }
 
-    // A negative interval becomes 10; a value beyond 16 bits takes its row's limit; anchors outside the
-    // frames, with unknown names or without a column are dropped; extra value lines are ignored.
+    // A negative interval becomes 10; a number the 16-bit grid cannot hold takes its row's maximum
+    // or minimum and is counted (32767 fits and is kept as written); anchors outside the frames,
+    // with unknown names or without a column are dropped; extra value lines are ignored.
     const std::string odd = "100\t11025\t-7\t\r\n" + tail + "\r\nf1,3\tq9,1\tf1,10\tf2,x\tf2,-1\t\r\n" +
-                            "f1\tf2\t\r\n70000\tabc\t\r\n" + std::string(40, '\n');
+                            "f1\tf2\tf0\tav\t\r\n70000\tabc\t32767\t-70000\t\r\n" +
+                            "1000000000000000000000\t\r\n" + std::string(40, '\n');
     MyDocument document;
     ASSERT_EQ(document.Read_STK_FileType(odd), 0) << document.lastReadError();
     const Channels* c = document.getChannel(0);
     EXPECT_EQ(c->m_nUpdateIntervalMS, 10);
     EXPECT_EQ(c->m_nColumnNum, 10);
-    EXPECT_EQ(c->m_snppDataImage_Col_Row[0][Row::f1], c->m_Parameters[Row::f1].nMaxValue);
-    EXPECT_EQ(c->m_snppDataImage_Col_Row[0][Row::f2], 1500);
+    const auto& grid = c->m_snppDataImage_Col_Row;
+    EXPECT_EQ(grid[0][Row::f1], c->m_Parameters[Row::f1].nMaxValue);
+    EXPECT_EQ(grid[0][Row::f2], 1500);
+    EXPECT_EQ(grid[0][Row::f0], 32767);
+    EXPECT_EQ(grid[0][Row::av], c->m_Parameters[Row::av].nMinValue);
+    EXPECT_EQ(grid[1][Row::f1], c->m_Parameters[Row::f1].nMaxValue);
+    EXPECT_EQ(document.m_nClampedValues, 3);
     EXPECT_EQ(c->m_pAnchorPosition, (std::vector<std::int32_t>{Row::f1, 3}));
     EXPECT_EQ(c->m_nNumberofAnchors, 1);
 }
