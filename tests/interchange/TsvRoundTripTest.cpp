@@ -57,13 +57,15 @@ TEST(TsvInterchange, RoundTripsEveryRowOfEveryFrame)
 TEST(TsvInterchange, ReadsSpreadsheetTablesAndRefusesBrokenOnes)
 {
     // UTF-16 with CR LF as a spreadsheet's "Unicode text" writes it; a column with no row here;
-    // a name in capitals; the table found by content when the name says nothing.
-    const std::string text = "time_ms\tF1\tcomment\r\n0\t300\tx\r\n10\t400\ty\r\n";
+    // a name in capitals; the table found by content when the name says nothing; two rows are
+    // enough to give the frames' length.
+    const std::string text = "time_ms\tF1\tcomment\r\n0\t300\tx\r\n5\t400\ty\r\n";
     std::string utf16 = "\xFF\xFE";
     for (const char ch : text)
         utf16 += std::string{ch, '\0'};
     ImportedDocument imported = importDocument(utf16, "frames.dat");
     EXPECT_EQ(imported.document->getChannel(0)->m_nColumnNum, 2);
+    EXPECT_EQ(imported.document->getChannel(0)->m_nUpdateIntervalMS, 5);
     EXPECT_EQ(frameCell(*imported.document, 2, Row::f1)->_nValue(), 400);
     ASSERT_EQ(imported.warnings.size(), 1u);
     EXPECT_NE(imported.warnings[0].find("comment"), std::string::npos);

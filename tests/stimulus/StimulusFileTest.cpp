@@ -1,5 +1,5 @@
 // Stimulus files as other programs read them (libsndfile): sample values, widths, formats,
-// levels against their targets, the figures against the files, refusals.
+// the figures against the files, refusals.
 #include "support/AudioFileProbe.h"
 #include "support/SignalProbe.h"
 #include "support/TestFiles.h"
@@ -50,36 +50,6 @@ TEST(StimulusFile, WaveAndFlacAtBothWidthsHoldTheQuantizedSamplesExactly)
         "RIFF\x3a\0\0\0WAVEfmt \x10\0\0\0\x01\0\x01\0\x80\xbb\0\0\x80\x32\x02\0\x03\0\x18\0data\x15\0\0\0",
         44);
     EXPECT_EQ(wave.substr(0, 44), expected);
-}
-
-TEST(StimulusFile, NormalizedFilesMeetTheirLevelsAndTheFiguresMatchTheFiles)
-{
-    TempDir folder;
-    // A harmonic signal with a crest factor unlike a sine's, resampled on the way.
-    std::vector<float> x = probe::sine(220, 11025, 11025, 0.05);
-    const std::vector<float> h = probe::sine(1330, 11025, 11025, 0.02);
-    for (std::size_t i = 0; i < x.size(); ++i)
-        x[i] += h[i];
-    for (const char* level : {"rms:-20", "peak:-1", "rms:-35"}) {
-        StimulusOutput output;
-        ASSERT_TRUE(output.set("rate", "44100", nullptr));
-        ASSERT_TRUE(output.set("normalize", level, nullptr));
-        ASSERT_TRUE(output.set("ramp", "10", nullptr));
-        const StimulusFigures figures = saveStimulus(folder / "n.wav", x.data(), x.size(), 11025, output);
-        const probe::AudioFile r = probe::readAudioFile(folder / "n.wav");
-        ASSERT_EQ(r.info.frames, 44100) << level;
-        const double rms = probe::rmsDb(r.samples, 0, r.samples.size());
-        const double peak = probe::peakDb(r.samples);
-        if (output.level == StimulusOutput::Level::Rms)
-            EXPECT_NEAR(rms, output.levelDb, 0.1) << level;
-        else
-            EXPECT_NEAR(peak, output.levelDb, 0.05) << level;
-        EXPECT_NEAR(figures.rmsDb, rms, 0.01) << level;
-        EXPECT_NEAR(figures.peakDb, peak, 0.01) << level;
-        EXPECT_EQ(figures.rate, 44100);
-        EXPECT_NEAR(figures.durationMS, 1000.0, 1.0);
-        EXPECT_EQ(figures.clipped, 0);
-    }
 }
 
 TEST(StimulusFile, AClippingGainIsRefusedUnlessAllowedAndThenCounted)
