@@ -1,6 +1,7 @@
 // The estimate of signals whose parameters are known: the synthesizer's own output, copy
 // synthesized, gives back its f0, formants and levels.
 #include "copysynth/CopySynthesisFixture.h"
+#include "copysynth/FormantRows.h"
 #include "copysynth/MelCepstralDistance.h"
 
 #include <gtest/gtest.h>
@@ -76,6 +77,17 @@ TEST(CopySynthesisSignals, FormantsMissingFromTheAnalysisAreFilledInOrder)
         EXPECT_GT(f[2], kFactoryParameters[Row::f3].minValue);
         EXPECT_LE(f[4], kFactoryParameters[Row::f5].maxValue);
         EXPECT_NEAR(v[Row::f1], 300, 30);
+    }
+    // Bandwidths beyond what voices show are kept within 40 Hz and each formant's own limit.
+    for (const auto& [bw, kept] : {std::pair{10.0, std::array{40, 40, 40, 40, 40}},
+                                   std::pair{3000.0, std::array{400, 500, 700, 900, 1000}}}) {
+        FormantTrack track;
+        track.frames.assign(1, FormantFrame{{500, 1500, 2500, 3500, 4500}, {bw, bw, bw, bw, bw}});
+        std::vector<FrameValues> rows(1);
+        setFormants(rows, track, kRate);
+        EXPECT_EQ((std::array{rows[0][Row::b1], rows[0][Row::b2], rows[0][Row::b3], rows[0][Row::b4],
+                              rows[0][Row::b5]}),
+                  kept);
     }
 }
 

@@ -75,15 +75,16 @@ TEST(LevelMatchingShape, MisjudgedVoiceAmplitudesComeBackToTheSignals)
     EXPECT_EQ(t.start[10][Row::apv], 60);
 }
 
-// Frication through F2 .. F5 and the bypass: its noise is shaped by the same amplitudes. The
-// bypass and F2 fill much the same valleys, so the shape comes back more surely than each of
-// them: the spectral distance to the signal, and the strongest formant.
+// Frication through F2 .. F5 and the bypass: its noise is shaped by the same amplitudes. F2 is
+// weak here, so the bypass is what fills the valleys: the spectral distance to the signal, the
+// strongest formant and the bypass come back (the bypass only if the refinement gives it the
+// synthesizer's factor).
 TEST(LevelMatchingShape, MisjudgedFricationShapeComesBackToTheSignals)
 {
     const std::vector<int> rows = {Row::a2f, Row::a3f, Row::a4f, Row::a5f, Row::ab};
     FrameValues v = vowelFrame(115.0, 0, {550, 1400, 2450, 3300, 3900});
     v[Row::af] = 60;
-    const int amplitudes[5] = {40, 55, 62, 58, 45};
+    const int amplitudes[5] = {30, 55, 62, 58, 60};
     for (int k = 0; k < 5; ++k)
         v[rows[k]] = amplitudes[k];
     Trial t = steady(v, rows, {6, 0, -5, 0, 6});
@@ -99,5 +100,6 @@ TEST(LevelMatchingShape, MisjudgedFricationShapeComesBackToTheSignals)
     matching.refineFricationShape(t.start, 3);
     EXPECT_LT(distance(t.start), 0.5 * before);
     EXPECT_LT(relativeError(t, Row::a4f, Row::a3f), 1.5);
+    EXPECT_LT(relativeError(t, Row::ab, Row::a3f), 1.0);
     EXPECT_EQ(t.start[10][Row::af], 60);
 }
