@@ -10,7 +10,6 @@
 #include "dataentry/gui/trace/viewAmplitudes.h"
 #include "dataentry/gui/trace/viewPitch.h"
 #include "dataentry/gui/trace/viewSpectrogram.h"
-#include "support/LabelChecks.h"
 #include "table/TableEditing.h"
 #include "table/gui/mainTable.h"
 
@@ -275,19 +274,8 @@ TEST_F(TraceWindow, APitchTrackLongerThanTheGridShowsItsSheet)
 
 TEST_F(TraceWindow, ClosingWhileTheSpectrogramIsComputingIsSafe)
 {
-    // A long recording keeps the worker busy; the window and then the document go away.
-    auto longDoc = std::make_unique<MyDocument>();
-    openVowel(*longDoc, 30.0);
-    auto window = std::make_unique<dataentryTraceContoller>(longDoc.get(), nullptr);
-    window->window()->show();
-    window->window()->resize(1600, 900); // a resize restarts the computation later
-    QApplication::processEvents();
-    EXPECT_TRUE(window->_viewSpectrogram()->isComputing());
-    window.reset();
-    longDoc.reset();
-    QTest::qWait(300);
-
-    // A trace window opened by its table, computing when the table (the document's window) goes.
+    // A long recording keeps the worker busy: a trace window opened by its table, computing when
+    // the table (the document's window) goes.
     openVowel(doc, 30.0);
     auto owner = std::make_unique<mainTable>(&doc);
     mainTable::setTraceDataEntryFactory(
@@ -327,31 +315,6 @@ TEST_F(TraceWindow, ViewOldDataShowsPlaceholdersAndIsRemembered)
     ASSERT_TRUE(ConfigurationFile::read(config, reader, ConfigurationFile::Scope::NewDocument));
     EXPECT_EQ(reader._bShowGridData, 1);
     EXPECT_EQ(lists._arrayGridValues[0][1], lists._arrayTracedValues[0][1]);
-}
-
-TEST_F(TraceWindow, GridLabelsStayClearOfEachOtherAndOfTheCaptions)
-{
-    open(10.0);
-    const auto check = [&](const char* when) {
-        for (const TraceView* view : std::initializer_list<const TraceView*>{
-                 controller->_viewPitch(), controller->_viewSpectrogram(), controller->_viewAmplitudes()}) {
-            const std::vector<GridLabel> labels = view->gridLabels(QFontMetrics(view->font()));
-            EXPECT_GE(labels.size(), 3u) << when;
-            expectLabelsClear(labels, view->rect(), {view->captionBox()}, when);
-        }
-    };
-    // Ten seconds fill the pitch view's top edge with time labels up to its caption.
-    check("default size");
-    QTest::mouseClick(controller->button(dataentryTraceContoller::F3), Qt::LeftButton);
-    check("F3 active");
-    // A content area of 560 x 300, below the menu bar.
-    QWidget* window = controller->window();
-    window->resize(560, 300 + window->height() - controller->_viewPitch()->parentWidget()->height());
-    QApplication::processEvents();
-    check("narrow");
-    controller->timeAxis()->zoomIn();
-    QApplication::processEvents();
-    check("zoomed in");
 }
 
 TEST_F(TraceWindow, ZoomedInTheVisibleStretchIsComputedAgainAtScreenResolution)
