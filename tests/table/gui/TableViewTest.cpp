@@ -239,7 +239,10 @@ TEST_F(TableView, AnHourMakesOnlyTheColumnsShownAndTakesTheLastFrameAndTypingInT
     EXPECT_EQ(shown(last, Row::f1), "778");
 
     const int f1Before = value(200000, Row::f1), f2Before = value(200001, Row::f2);
+    QSignalSpy redrawn(model, &QAbstractItemModel::dataChanged);
     type(200000, Row::f1, "777");
+    ASSERT_EQ(redrawn.count(), 1);
+    EXPECT_EQ(redrawn[0][0].toModelIndex(), model->index(Row::f1, 200000)) << "the typed cell is redrawn";
     type(200001, Row::f2, "1777");
     EXPECT_EQ(value(200000, Row::f1), 777);
     ASSERT_EQ(doc._arrayUndo.size(), 2u);
