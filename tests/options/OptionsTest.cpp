@@ -1,3 +1,4 @@
+#include "configuration/ConfigurationFile.h"
 #include "document/MyDocument.h"
 #include "options/ColorWell.h"
 #include "options/optionFFTLPC.h"
@@ -17,8 +18,6 @@
 #include <QPushButton>
 #include <QTimer>
 #include <gtest/gtest.h>
-
-#include <vector>
 
 namespace
 {
@@ -305,23 +304,8 @@ TEST(optionAnalysis, OkWithoutAChangeKeepsEverySetting)
     doc.m_dPitchTrackingThreshHold = 12, doc.m_dCalculationLow = 65, doc.m_dCalculationHigh = 420;
     doc.m_nPitchDisplayLow = 65, doc.m_nPitchDisplayHigh = 420, doc.m_bPitchDrawFreqGrid = 1;
     doc.m_nPitchFreqGrid = 75, doc.m_bPitchDrawTimeGrid = 0, doc.m_nPitchTimeGrid = 250;
-    const auto settings = [&doc] {
-        const auto numbers = [](auto... v) { return std::vector<double>{double(v)...}; };
-        return numbers(
-            doc.m_nFFTWindowLengthSelector, doc.m_nFFTWindowLength, doc.m_nFFTAppliedWindowLength,
-            doc.m_nFFTfrequencyRange, doc.m_nFFTAverageStepSize, doc.m_nLPCNumberofCoefficients,
-            doc.m_bFFTDrawLPC, doc.m_bFFTAbsolute, doc.m_nFFTAbsoluteRange, doc.m_bFFTInches, doc.m_bFFTColor,
-            doc.m_dFFTWidth, doc.m_dFFTHeight, doc.m_bFFTDrawFrequencyGrid, doc.m_nFFTFrequencyGrid,
-            doc.m_bFFTDrawDBGrid, doc.m_nFFTDBGrid, doc.m_nSpecWindowLengthSelector, doc.m_nSpecWindowLength,
-            doc.m_nSpecDynamicRange, doc.m_nSpecfrequencyRange, doc.m_dPreEmphasis,
-            doc.m_bSpecDrawFormantTracking, doc.m_nSpecLPCNumberofCoefficients, doc.m_bSpecDrawFrequencyGrid,
-            doc.m_nSpecFrequencyGrid, doc.m_bSpecDrawTimeGrid, doc.m_nSpecTimeGrid, doc.m_bSpecInches,
-            doc.m_dSpecWidth, doc.m_dSpecHeight, doc.m_dPitchWindowLength, doc.m_dPitchStepSize,
-            doc.m_dFreqDeviation, doc.m_dPitchTrackingThreshHold, doc.m_dCalculationLow,
-            doc.m_dCalculationHigh, doc.m_nPitchDisplayLow, doc.m_nPitchDisplayHigh, doc.m_bPitchDrawFreqGrid,
-            doc.m_nPitchFreqGrid, doc.m_bPitchDrawTimeGrid, doc.m_nPitchTimeGrid);
-    };
-    const std::vector<double> before = settings();
+    // The configuration image holds every one of them.
+    const std::string before = ConfigurationFile::encode(doc);
     optionFFTLPC fft;
     pressLater(&fft, QDialogButtonBox::Ok);
     EXPECT_EQ(fft.showInWindow(nullptr, &doc), 1000);
@@ -331,7 +315,6 @@ TEST(optionAnalysis, OkWithoutAChangeKeepsEverySetting)
     optionPitch pitch;
     pressLater(&pitch, QDialogButtonBox::Ok);
     EXPECT_EQ(pitch.showInWindow(nullptr, &doc), 1000);
-    const std::vector<double> after = settings();
-    for (std::size_t i = 0; i < before.size(); ++i)
-        EXPECT_EQ(after[i], before[i]) << "setting " << i;
+    EXPECT_TRUE(ConfigurationFile::encode(doc) == before)
+        << "a setting changed on its way through the panels";
 }
