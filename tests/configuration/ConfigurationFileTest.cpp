@@ -147,26 +147,6 @@ TEST(ConfigurationFile, DamagedShortForeignOrImpossibleFilesChangeNothing)
     EXPECT_EQ(doc.getChannel(1)->m_nColumnNum, 20);
 }
 
-// Writing replaces the file atomically: its permissions stay and no temporary file is left.
-TEST(ConfigurationFile, WriteKeepsTheModeAndLeavesNoTemporaryFile)
-{
-    TemporaryConfigHome home;
-    const std::filesystem::path path = home.folder / "kept.cfg";
-    MyDocument doc;
-    ASSERT_TRUE(ConfigurationFile::write(path.string(), doc));
-    std::filesystem::permissions(path,
-                                 std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
-    customize(doc);
-    ASSERT_TRUE(ConfigurationFile::write(path.string(), doc));
-    EXPECT_EQ(std::filesystem::status(path).permissions() & std::filesystem::perms::all,
-              std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
-    EXPECT_EQ(slurp(path.string()), ConfigurationFile::encode(doc));
-    std::size_t entries = 0;
-    for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(home.folder))
-        ++entries;
-    EXPECT_EQ(entries, 1u) << "only the configuration itself";
-}
-
 TEST(ConfigurationFile, HooksWriteWhenMissingAndFeedNewDocuments)
 {
     TemporaryConfigHome home;

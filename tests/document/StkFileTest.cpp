@@ -255,8 +255,12 @@ TEST(StkFile, AtomicSaveAndItsFailures)
     EXPECT_EQ(document->_fileTypeName, "stk");
     EXPECT_EQ(document->fileURL(), target.string());
     EXPECT_TRUE(document->canRevert());
+    // Saving again replaces the file but keeps its permissions.
+    const fs::perms ownerOnly = fs::perms::owner_read | fs::perms::owner_write;
+    fs::permissions(target, ownerOnly);
     document->writeSafelyToURL(target.string(), "stk", &error);
     EXPECT_FALSE(document->isDocumentEdited());
+    EXPECT_EQ(fs::status(target).permissions() & fs::perms::all, ownerOnly);
 
     // A folder that does not exist: refused, with the file and the reason named.
     EXPECT_FALSE(document->writeSafelyToURL(folder / "missing/a.stk", "stk", &error));

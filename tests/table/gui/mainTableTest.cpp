@@ -84,32 +84,6 @@ TEST(mainTable, SetUpShowsNamesFramesAndHiddenRows)
     EXPECT_EQ(model->data(model->index(Row::av, 4), Qt::BackgroundRole).value<QColor>(), QColor(Qt::white));
 }
 
-TEST_F(TableOverNewDocument, TypedEntryThroughTheKeyboardClampsAndUndoes)
-{
-    QSignalSpy changed(table.get(), &mainTable::documentChanged);
-    type(3, Row::av, "9999");
-    EXPECT_EQ(value(3, Row::av), 87);
-    EXPECT_TRUE(table->_bSynthesize);
-    EXPECT_TRUE(doc.isDocumentEdited());
-    EXPECT_GE(changed.count(), 1);
-    type(5, Row::f1, "-5");
-    EXPECT_EQ(value(5, Row::f1), 200);
-    EXPECT_EQ(doc._arrayUndo.size(), 2u);
-
-    // Undo and redo through the table's commands restore the values and rebuild the view.
-    table->_bSynthesize = false;
-    table->undo();
-    EXPECT_EQ(value(5, Row::f1), 500);
-    EXPECT_EQ(shown(5, Row::f1), "500");
-    EXPECT_TRUE(table->_bSynthesize);
-    table->undo();
-    EXPECT_EQ(value(3, Row::av), 60);
-    table->redo();
-    table->redo();
-    EXPECT_EQ(shown(5, Row::f1), "200");
-    EXPECT_TRUE(alerts.empty());
-}
-
 TEST_F(TableOverNewDocument, AnchorsFromTheContextMenuFollowTheRules)
 {
     table->addAnchor(Row::f1, 4);
