@@ -8,6 +8,7 @@
 #include "options/optionSpectrogram.h"
 #include "options/optionsParameters.h"
 #include "options/parametersTableView.h"
+#include "support/ModalAnswers.h"
 
 #include <QButtonGroup>
 #include <QCheckBox>
@@ -16,21 +17,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QTimer>
 #include <gtest/gtest.h>
-
-namespace
-{
-// Once the panel's modal loop runs: what the user does in it, then a press of `which`.
-void pressLater(QDialog* panel, QDialogButtonBox::StandardButton which, std::function<void()> change = {})
-{
-    QTimer::singleShot(0, panel, [panel, which, change] {
-        if (change)
-            change();
-        panel->findChild<QDialogButtonBox*>()->button(which)->click();
-    });
-}
-} // namespace
 
 TEST(optionFile, ShowsTheChannelAndProposesOnlyOnOK)
 {
@@ -77,7 +64,8 @@ TEST(optionFile, RefusesSizesBeyondTheOneHourDocument)
     MyDocument doc;
     optionFile panel;
     QStringList refusals;
-    QTimer::singleShot(0, &panel, [&] {
+    // Each size refused keeps the panel open; an hour in frames of 10 ms is what a document holds.
+    pressLater(&panel, QDialogButtonBox::Ok, [&] {
         QPushButton* ok = panel.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok);
         // Longer than an hour (the field takes seven digits while they are typed).
         panel.m_nFileLength->setText("5000000");
@@ -88,9 +76,7 @@ TEST(optionFile, RefusesSizesBeyondTheOneHourDocument)
         panel.m_nInterval->setText("1");
         ok->click();
         refusals << (panel.isVisible() ? panel.m_pRefusal->text() : QString());
-        // An hour in frames of 10 ms is what a document holds.
         panel.m_nInterval->setText("10");
-        ok->click();
     });
     EXPECT_EQ(panel.showInWindow(nullptr, &doc), 1000);
     ASSERT_EQ(refusals.size(), 2);
