@@ -3,6 +3,7 @@
 #include "support/AudioFileProbe.h"
 #include "support/SignalProbe.h"
 #include "support/TestFiles.h"
+#include "support/TestSignals.h"
 
 #include "document/DocumentException.h"
 #include "stimulus/PendingStimuli.h"
@@ -52,7 +53,8 @@ TEST(StimulusFile, WaveAndFlacAtBothWidthsHoldTheQuantizedSamplesExactly)
 TEST(StimulusFile, AnAllowedClippingGainCountsTheSamplesAtTheLimits)
 {
     TempDir folder;
-    const std::vector<float> x = probe::sine(300, 11025, 2000, 0.5); // peak -6 dBFS, RMS -9 dBFS
+    const std::vector<float> x =
+        signals::toFloat(signals::sine(2000, 300, 11025, 0.5)); // peak -6 dBFS, RMS -9 dBFS
     StimulusOutput output;
     ASSERT_TRUE(output.set("normalize", "rms:-1", nullptr)); // +8 dB: the peak goes to +2 dBFS
     ASSERT_TRUE(output.set("allow-clip", "", nullptr));
