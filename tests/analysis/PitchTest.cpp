@@ -29,17 +29,6 @@ template <typename F> auto onFreshThread(F f)
 
 } // namespace
 
-TEST(Pitch, PulseTrainsAndVowelsAtKnownPitches)
-{
-    for (double f0 : {100.0, 150.0, 220.0}) {
-        const auto pulses = signals::toFloat(signals::pulseTrain(6000, f0, kRate));
-        EXPECT_NEAR(pitchOf(pulses, 2000.0), f0, f0 * 0.02) << "pulses " << f0;
-        const auto vowel = signals::toFloat(
-            signals::vowel(6000, f0, kRate, {{700.0, 130.0}, {1220.0, 70.0}, {2600.0, 160.0}}), 0.05);
-        EXPECT_NEAR(pitchOf(vowel, 2500.0), f0, f0 * 0.03) << "vowel " << f0;
-    }
-}
-
 TEST(Pitch, TransformSizesOtherThanPowersOfTwoFrom128To4096AreRefused)
 {
     const auto pulses = signals::toFloat(signals::pulseTrain(6000, 220.0, kRate));
