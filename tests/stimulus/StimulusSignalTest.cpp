@@ -105,6 +105,8 @@ TEST(StimulusGain, LevelRulesSharedGainAndClipping)
     EXPECT_EQ(quantizeSample(0.25f, 2.0, 16, clipped), 16384);
     EXPECT_FALSE(gainClips(l, 7.9, 16));
     EXPECT_TRUE(gainClips(l, 8.0, 16));
+    const std::vector<float> skewed = {-0.6f, 0.3f}; // +6 dB clips the negative extreme only
+    EXPECT_TRUE(gainClips(Stimulus(skewed, 11025).levels(), 6.0, 16));
     const std::string why = clipRefusal(output, l, 8.0);
     EXPECT_NE(why.find("+8.00 dB"), std::string::npos) << why;
     EXPECT_NE(why.find("--allow-clip"), std::string::npos) << why;
