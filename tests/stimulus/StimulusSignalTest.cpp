@@ -19,6 +19,8 @@ TEST(StimulusResampling, SinesKeepLevelFrequencyAndLengthWithoutImages)
         ASSERT_EQ(out.size(), 44100u) << frequency; // the same duration, to the sample
         // Level of the steady part (the filter's edges left aside) within 0.5 dB.
         EXPECT_NEAR(probe::rmsDb(out, 4000, 40000), probe::rmsDb(in, 1000, 10000), 0.5) << frequency;
+        // To the last samples: the filter's tail is flushed, not left silent.
+        EXPECT_NEAR(probe::rmsDb(out, 43600, 44100), probe::rmsDb(in, 1000, 10000), 0.5) << frequency;
         const std::vector<double> power = probe::powerSpectrum(out, 8000, 8192);
         const double binHz = double(to) / 8192;
         const auto peak = std::max_element(power.begin(), power.end()) - power.begin();
