@@ -2,7 +2,8 @@
 // changes go (closing the window or quitting), offered again after a crash.
 #include "app/WorkbenchFixtures.h"
 
-TEST(Recovery, AnEditIsCopiedAWhileAfterAndTheCopyGoesWithSaveOrClose)
+// (Closing without saving removes the copy too: QuitWithDontSaveLeavesNoCopyAndNoLock.)
+TEST(Recovery, AnEditIsCopiedWholeAWhileAfterAndTheCopyGoesWithASave)
 {
     StateFolder state;
     Workbench wb;
@@ -12,20 +13,12 @@ TEST(Recovery, AnEditIsCopiedAWhileAfterAndTheCopyGoesWithSaveOrClose)
     for (int i = 0; i < 250 && state.copies().isEmpty(); ++i)
         QTest::qWait(20);
     ASSERT_EQ(state.copies().size(), 1);
-    MyDocument back;
-    ASSERT_EQ(back.Read_STK_FileType(fileText(state.folder() + "/" + state.copies()[0])), 0);
-    EXPECT_EQ(back.getChannel(0)->m_snppDataImage_Col_Row[2][Row::f1], 700);
+    // Every row and every frame, the hidden ones too: what saving everything would write.
+    EXPECT_EQ(fileText(state.folder() + "/" + state.copies()[0]), w->document()->parameterDocumentText(true));
     EXPECT_TRUE(w->isWindowModified()) << "a copy is not a save";
 
     ASSERT_TRUE(w->saveDocumentTo(wb.path("v.stk")));
     EXPECT_TRUE(state.copies().isEmpty());
-
-    typeInto(w, Row::f1, 4, 800);
-    ASSERT_TRUE(w->autosaveNow());
-    EXPECT_EQ(state.copies().size(), 1);
-    dontSaveWhenAsked();
-    EXPECT_TRUE(w->close());
-    EXPECT_TRUE(state.copies().isEmpty()) << "closed without saving on purpose";
 }
 
 TEST(Recovery, CopiesLeftByAWorkbenchThatEndedAreRecoveredOrDiscarded)

@@ -1,25 +1,13 @@
 // tessaphon-cli copysynth run as a user runs it: the document it writes, the files it refuses,
 // and what it says about a damaged, empty or silent recording.
 #include "support/CliRunner.h"
+#include "support/DocumentTestSupport.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-
-namespace
-{
-
-std::unique_ptr<MyDocument> readDocument(const std::string& path)
-{
-    auto document = std::make_unique<MyDocument>();
-    int code = 0;
-    EXPECT_TRUE(document->readFromBytes(slurp(path), "stk", &code)) << path;
-    return document;
-}
-
-} // namespace
 
 TEST(CopySynthCommand, WritesADocumentOfTheRecordingsLengthAndRefusesWhatItCannotRead)
 {
@@ -31,9 +19,10 @@ TEST(CopySynthCommand, WritesADocumentOfTheRecordingsLengthAndRefusesWhatItCanno
     EXPECT_EQ(r.out, "");
     EXPECT_EQ(r.err, ""); // quiet on success, no bar when not on a terminal
     // Its values are the workbench's, byte for byte: CopySynthesisWindow.TheButtonApplies...
-    const auto document = readDocument(dir / "vowel.stk");
-    EXPECT_EQ(document->getChannel(0)->m_nColumnNum, 100);
-    EXPECT_EQ(document->synthesisSampleRate(), 11025);
+    MyDocument document, high;
+    ASSERT_TRUE(openBytes(document, slurp(dir / "vowel.stk")));
+    EXPECT_EQ(document.getChannel(0)->m_nColumnNum, 100);
+    EXPECT_EQ(document.synthesisSampleRate(), 11025);
 
     // The default output exists now: kept unless --force; -o names another one.
     r = runCli("copysynth " + wav);
@@ -41,7 +30,8 @@ TEST(CopySynthCommand, WritesADocumentOfTheRecordingsLengthAndRefusesWhatItCanno
     EXPECT_NE(r.err.find("vowel.stk"), std::string::npos) << r.err;
     EXPECT_EQ(runCli("copysynth " + wav + " --force").exitCode, 0);
     ASSERT_EQ(runCli("copysynth " + wav + " --rate 22050 -o " + (dir / "high.stk")).exitCode, 0);
-    EXPECT_EQ(readDocument(dir / "high.stk")->synthesisSampleRate(), 22050);
+    ASSERT_TRUE(openBytes(high, slurp(dir / "high.stk")));
+    EXPECT_EQ(high.synthesisSampleRate(), 22050);
     EXPECT_EQ(runCli("copysynth " + wav + " -o " + wav).exitCode, 2); // never over its input
     EXPECT_EQ(slurp(wav), recording);
 

@@ -1,6 +1,7 @@
 // tessaphon-cli phonemes as a user runs it: the document, its options, refusals, kept files.
 #include "document/MyDocument.h"
 #include "support/CliRunner.h"
+#include "support/DocumentTestSupport.h"
 
 #include <gtest/gtest.h>
 
@@ -14,18 +15,15 @@ TEST(PhonemesCommand, WritesTheDocumentRefusesBadInputAndKeepsFiles)
     ASSERT_EQ(made.exitCode, 0) << made.err;
     EXPECT_EQ(made.out, "phonemes: AX0 | B AE1 D | B EH1 D\n");
     EXPECT_EQ(made.err, "");
-    const std::string text = slurp(dir / "bad.stk");
-    MyDocument document;
-    int error = 0;
-    ASSERT_TRUE(document.readFromBytes(text, "stk", &error));
+    MyDocument document, slow;
+    ASSERT_TRUE(openBytes(document, slurp(dir / "bad.stk")));
     EXPECT_GT(document.getChannel(0)->m_nNumberofAnchors, 0);
     EXPECT_EQ(static_cast<int>(document.getChannel(0)->m_dSampleRate), 11025);
 
     // 22050 Hz, a slower speed and another f0 make another document.
     ASSERT_EQ(
         runCli("phonemes \"B AE1 D\" --rate 22050 --speed 0.5 --f0 200 -o " + dir / "slow.stk").exitCode, 0);
-    MyDocument slow;
-    ASSERT_TRUE(slow.readFromBytes(slurp(dir / "slow.stk"), "stk", &error));
+    ASSERT_TRUE(openBytes(slow, slurp(dir / "slow.stk")));
     EXPECT_EQ(static_cast<int>(slow.getChannel(0)->m_dSampleRate), 22050);
     EXPECT_EQ(slow.getChannel(0)->m_snppDataImage_Col_Row[0][Row::f0], 2000);
 

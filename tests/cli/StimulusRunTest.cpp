@@ -6,44 +6,8 @@
 
 #include <gtest/gtest.h>
 
-#include <map>
-#include <sstream>
-
-namespace
-{
-
 using Audio = probe::AudioFile;
 using probe::readAudioFile;
-
-// A CSV file as rows of named fields.
-std::vector<std::map<std::string, std::string>> readCsv(const std::string& path)
-{
-    std::istringstream in(slurp(path));
-    std::vector<std::string> names;
-    std::vector<std::map<std::string, std::string>> rows;
-    for (std::string line; std::getline(in, line);) {
-        std::vector<std::string> fields;
-        std::istringstream cells(line);
-        for (std::string cell; std::getline(cells, cell, ',');)
-            fields.push_back(cell);
-        if (names.empty()) {
-            names = fields;
-            continue;
-        }
-        std::map<std::string, std::string> row;
-        for (std::size_t i = 0; i < names.size(); ++i)
-            row[names[i]] = i < fields.size() ? fields[i] : "";
-        rows.push_back(row);
-    }
-    return rows;
-}
-
-std::string firstLine(const std::string& text)
-{
-    return text.substr(0, text.find('\n'));
-}
-
-} // namespace
 
 TEST(CliStimulusOutput, ContinuumWithOneGainRampsAndFiguresInANewFolder)
 {
@@ -58,7 +22,7 @@ TEST(CliStimulusOutput, ContinuumWithOneGainRampsAndFiguresInANewFolder)
     ASSERT_EQ(r.exitCode, 0) << r.err;
     const auto rows = readCsv(folder + "/manifest.csv");
     ASSERT_EQ(rows.size(), 4u);
-    EXPECT_EQ(firstLine(slurp(folder + "/manifest.csv")),
+    EXPECT_EQ(linesOf(slurp(folder + "/manifest.csv")).at(0),
               "step,weight,document,wave,f2,av,name,duration_ms,rate,rms_db,peak_db,clipped,gain_db");
     double loudest = -1e9;
     for (const auto& row : rows) {

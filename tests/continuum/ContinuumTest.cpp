@@ -8,20 +8,6 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
-#include <sstream>
-
-namespace
-{
-
-int cellValue(const MyDocument& document, int row, int frame)
-{
-    return document._dataTableDictionary.cellAt((frame + 1) * 10LL, row)->_nValue();
-}
-
-} // namespace
-
 TEST(Continuum, EndStepsAreTheDocumentsAndScalesConvertTheirUnits)
 {
     auto a = makeTestDocument(20);
@@ -54,17 +40,17 @@ TEST(Continuum, EndStepsAreTheDocumentsAndScalesConvertTheirUnits)
         const auto middle = continuum.makeStep(2);
         const auto last = continuum.makeStep(3);
         for (int row : continuum.rows())
-            for (int frame = 0; frame < 20; ++frame) {
-                ASSERT_EQ(cellValue(*first, row, frame), cellValue(*a, row, frame)) << row << "/" << frame;
-                ASSERT_EQ(cellValue(*last, row, frame), cellValue(*b, row, frame)) << row << "/" << frame;
+            for (int frame = 1; frame <= 20; ++frame) {
+                ASSERT_EQ(frameValue(*first, frame, row), frameValue(*a, frame, row)) << row << "/" << frame;
+                ASSERT_EQ(frameValue(*last, frame, row), frameValue(*b, frame, row)) << row << "/" << frame;
             }
         const char* scale = FrequencyScale::name(c.scale);
-        EXPECT_EQ(cellValue(*middle, Row::f0, 7), c.f0Mid) << scale;
-        EXPECT_EQ(cellValue(*middle, Row::f2, 7), c.f2Mid) << scale;
+        EXPECT_EQ(frameValue(*middle, 8, Row::f0), c.f0Mid) << scale;
+        EXPECT_EQ(frameValue(*middle, 8, Row::f2), c.f2Mid) << scale;
         // Bandwidths and amplitudes are linear on every scale (110.5 rounds away from zero).
-        EXPECT_EQ(cellValue(*middle, Row::b1, 7), 111) << scale;
-        EXPECT_EQ(cellValue(*middle, Row::av, 7), 56) << scale; // 60 .. 51
-        EXPECT_EQ(cellValue(*middle, Row::f1, 7), 500) << scale;
+        EXPECT_EQ(frameValue(*middle, 8, Row::b1), 111) << scale;
+        EXPECT_EQ(frameValue(*middle, 8, Row::av), 56) << scale; // 60 .. 51
+        EXPECT_EQ(frameValue(*middle, 8, Row::f1), 500) << scale;
     }
 }
 
@@ -85,10 +71,10 @@ TEST(Continuum, ChosenRowsLimitsAnchorsAndMismatches)
     ASSERT_EQ(continuum.rows(), std::vector<int>{Row::f1});
     for (int step = 1; step <= 5; ++step) {
         const auto document = continuum.makeStep(step);
-        EXPECT_EQ(cellValue(*document, Row::f0, 4), 1000) << "f0 is not chosen: A's value";
-        EXPECT_EQ(cellValue(*document, Row::f1, 4), std::min(900, 500 + (step - 1) * 175)) << step;
+        EXPECT_EQ(frameValue(*document, 5, Row::f0), 1000) << "f0 is not chosen: A's value";
+        EXPECT_EQ(frameValue(*document, 5, Row::f1), std::min(900, 500 + (step - 1) * 175)) << step;
         EXPECT_TRUE(document->_dataTableDictionary.cellAt(30, Row::f1)->_bAnchor()) << "A's anchor kept";
-        EXPECT_DOUBLE_EQ(continuum.rowMean(Row::f1, step), cellValue(*document, Row::f1, 0));
+        EXPECT_DOUBLE_EQ(continuum.rowMean(Row::f1, step), frameValue(*document, 1, Row::f1));
     }
 
     auto shorter = makeTestDocument(11);
@@ -119,29 +105,23 @@ TEST(ContinuumWriter, ManifestHoldsWhatTheDocumentsHold)
         writer.writeStep(step);
     writer.writeManifest();
 
-    std::ifstream manifest(writer.manifestPath());
-    std::string line;
-    std::getline(manifest, line);
-    EXPECT_EQ(line, "step,weight,document,wave,f2,a2f");
+    EXPECT_EQ(slurp(writer.manifestPath()).rfind("step,weight,document,wave,f2,a2f\n", 0), 0u);
+    const auto rows = readCsv(writer.manifestPath());
+    ASSERT_EQ(rows.size(), 11u);
     for (int step = 1; step <= 11; ++step) {
-        ASSERT_TRUE(std::getline(manifest, line)) << step;
-        std::istringstream fields(line);
-        std::string stepText, weight, name, wave, f2, a2f;
-        for (std::string* field : {&stepText, &weight, &name, &wave, &f2, &a2f})
-            std::getline(fields, *field, ',');
-        EXPECT_EQ(std::stoi(stepText), step);
-        EXPECT_NEAR(std::stod(weight), (step - 1) / 10.0, 1e-6);
-        EXPECT_EQ(wave, "");
+        const auto& row = rows[static_cast<std::size_t>(step - 1)];
+        EXPECT_EQ(std::stoi(row.at("step")), step);
+        EXPECT_NEAR(std::stod(row.at("weight")), (step - 1) / 10.0, 1e-6);
+        EXPECT_EQ(row.at("wave"), "");
         // Read the step's document back from its file and average its rows.
         MyDocument document;
-        ASSERT_TRUE(openBytes(document, slurp(folder / name))) << name;
+        ASSERT_TRUE(openBytes(document, slurp(folder / row.at("document")))) << step;
         double f2Sum = 0, a2fSum = 0;
-        for (int frame = 0; frame < 10; ++frame) {
-            f2Sum += cellValue(document, Row::f2, frame);
-            a2fSum += cellValue(document, Row::a2f, frame);
+        for (int frame = 1; frame <= 10; ++frame) {
+            f2Sum += frameValue(document, frame, Row::f2);
+            a2fSum += frameValue(document, frame, Row::a2f);
         }
-        EXPECT_NEAR(std::stod(f2), f2Sum / 10, 1e-3) << line;
-        EXPECT_NEAR(std::stod(a2f), a2fSum / 10, 1e-3) << line;
+        EXPECT_NEAR(std::stod(row.at("f2")), f2Sum / 10, 1e-3) << step;
+        EXPECT_NEAR(std::stod(row.at("a2f")), a2fSum / 10, 1e-3) << step;
     }
-    EXPECT_FALSE(std::getline(manifest, line));
 }

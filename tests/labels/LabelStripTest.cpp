@@ -15,24 +15,6 @@ TextGrid twoTiers()
     return grid;
 }
 
-std::vector<LabelStripItem> itemsOf(const std::vector<LabelStripItem>& items, LabelStripItem::Kind kind,
-                                    std::size_t row)
-{
-    std::vector<LabelStripItem> out;
-    for (const LabelStripItem& item : items)
-        if (item.kind == kind && item.row == row)
-            out.push_back(item);
-    return out;
-}
-
-std::vector<double> xsOf(const std::vector<LabelStripItem>& items, LabelStripItem::Kind kind, std::size_t row)
-{
-    std::vector<double> xs;
-    for (const LabelStripItem& item : itemsOf(items, kind, row))
-        xs.push_back(item.x);
-    return xs;
-}
-
 // Every text inside the strip's width and its row, no two texts meeting, no boundary through one.
 void expectTextsClear(const std::vector<LabelStripItem>& items, const LabelStripFrame& frame,
                       double rowHeight)

@@ -1,8 +1,31 @@
 #pragma once
 // TextGrid texts for tests, made here in both layouts: two tiers ("words", an interval tier of
 // three intervals, one text with a doubled quote and one in IPA; "tones", a point tier of two
-// points) over 0 .. 1.5 s. Encoders give the UTF-16 files with their byte-order marks.
+// points) over 0 .. 1.5 s. Encoders give the UTF-16 files with their byte-order marks. The
+// items of one kind in one row of a label strip laid out over them, and their places.
+#include "labels/LabelStrip.h"
+
 #include <string>
+#include <vector>
+
+inline std::vector<LabelStripItem> itemsOf(const std::vector<LabelStripItem>& items,
+                                           LabelStripItem::Kind kind, std::size_t row)
+{
+    std::vector<LabelStripItem> out;
+    for (const LabelStripItem& item : items)
+        if (item.kind == kind && item.row == row)
+            out.push_back(item);
+    return out;
+}
+
+inline std::vector<double> xsOf(const std::vector<LabelStripItem>& items, LabelStripItem::Kind kind,
+                                std::size_t row)
+{
+    std::vector<double> xs;
+    for (const LabelStripItem& item : itemsOf(items, kind, row))
+        xs.push_back(item.x);
+    return xs;
+}
 
 inline std::string longTextGrid()
 {

@@ -1,3 +1,4 @@
+#include "configuration/ConfigurationFile.h"
 #include "document/MyDocument.h"
 #include "options/ColorWell.h"
 #include "options/optionFFTLPC.h"
@@ -7,6 +8,7 @@
 #include "options/optionSpectrogram.h"
 #include "options/optionsParameters.h"
 #include "options/parametersTableView.h"
+#include "support/ModalAnswers.h"
 
 #include <QButtonGroup>
 #include <QCheckBox>
@@ -15,23 +17,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QTimer>
 #include <gtest/gtest.h>
-
-#include <vector>
-
-namespace
-{
-// Once the panel's modal loop runs: what the user does in it, then a press of `which`.
-void pressLater(QDialog* panel, QDialogButtonBox::StandardButton which, std::function<void()> change = {})
-{
-    QTimer::singleShot(0, panel, [panel, which, change] {
-        if (change)
-            change();
-        panel->findChild<QDialogButtonBox*>()->button(which)->click();
-    });
-}
-} // namespace
 
 TEST(optionFile, ShowsTheChannelAndProposesOnlyOnOK)
 {
@@ -78,7 +64,8 @@ TEST(optionFile, RefusesSizesBeyondTheOneHourDocument)
     MyDocument doc;
     optionFile panel;
     QStringList refusals;
-    QTimer::singleShot(0, &panel, [&] {
+    // Each size refused keeps the panel open; an hour in frames of 10 ms is what a document holds.
+    pressLater(&panel, QDialogButtonBox::Ok, [&] {
         QPushButton* ok = panel.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok);
         // Longer than an hour (the field takes seven digits while they are typed).
         panel.m_nFileLength->setText("5000000");
@@ -89,9 +76,7 @@ TEST(optionFile, RefusesSizesBeyondTheOneHourDocument)
         panel.m_nInterval->setText("1");
         ok->click();
         refusals << (panel.isVisible() ? panel.m_pRefusal->text() : QString());
-        // An hour in frames of 10 ms is what a document holds.
         panel.m_nInterval->setText("10");
-        ok->click();
     });
     EXPECT_EQ(panel.showInWindow(nullptr, &doc), 1000);
     ASSERT_EQ(refusals.size(), 2);
@@ -305,23 +290,8 @@ TEST(optionAnalysis, OkWithoutAChangeKeepsEverySetting)
     doc.m_dPitchTrackingThreshHold = 12, doc.m_dCalculationLow = 65, doc.m_dCalculationHigh = 420;
     doc.m_nPitchDisplayLow = 65, doc.m_nPitchDisplayHigh = 420, doc.m_bPitchDrawFreqGrid = 1;
     doc.m_nPitchFreqGrid = 75, doc.m_bPitchDrawTimeGrid = 0, doc.m_nPitchTimeGrid = 250;
-    const auto settings = [&doc] {
-        const auto numbers = [](auto... v) { return std::vector<double>{double(v)...}; };
-        return numbers(
-            doc.m_nFFTWindowLengthSelector, doc.m_nFFTWindowLength, doc.m_nFFTAppliedWindowLength,
-            doc.m_nFFTfrequencyRange, doc.m_nFFTAverageStepSize, doc.m_nLPCNumberofCoefficients,
-            doc.m_bFFTDrawLPC, doc.m_bFFTAbsolute, doc.m_nFFTAbsoluteRange, doc.m_bFFTInches, doc.m_bFFTColor,
-            doc.m_dFFTWidth, doc.m_dFFTHeight, doc.m_bFFTDrawFrequencyGrid, doc.m_nFFTFrequencyGrid,
-            doc.m_bFFTDrawDBGrid, doc.m_nFFTDBGrid, doc.m_nSpecWindowLengthSelector, doc.m_nSpecWindowLength,
-            doc.m_nSpecDynamicRange, doc.m_nSpecfrequencyRange, doc.m_dPreEmphasis,
-            doc.m_bSpecDrawFormantTracking, doc.m_nSpecLPCNumberofCoefficients, doc.m_bSpecDrawFrequencyGrid,
-            doc.m_nSpecFrequencyGrid, doc.m_bSpecDrawTimeGrid, doc.m_nSpecTimeGrid, doc.m_bSpecInches,
-            doc.m_dSpecWidth, doc.m_dSpecHeight, doc.m_dPitchWindowLength, doc.m_dPitchStepSize,
-            doc.m_dFreqDeviation, doc.m_dPitchTrackingThreshHold, doc.m_dCalculationLow,
-            doc.m_dCalculationHigh, doc.m_nPitchDisplayLow, doc.m_nPitchDisplayHigh, doc.m_bPitchDrawFreqGrid,
-            doc.m_nPitchFreqGrid, doc.m_bPitchDrawTimeGrid, doc.m_nPitchTimeGrid);
-    };
-    const std::vector<double> before = settings();
+    // The configuration image holds every one of them.
+    const std::string before = ConfigurationFile::encode(doc);
     optionFFTLPC fft;
     pressLater(&fft, QDialogButtonBox::Ok);
     EXPECT_EQ(fft.showInWindow(nullptr, &doc), 1000);
@@ -331,7 +301,6 @@ TEST(optionAnalysis, OkWithoutAChangeKeepsEverySetting)
     optionPitch pitch;
     pressLater(&pitch, QDialogButtonBox::Ok);
     EXPECT_EQ(pitch.showInWindow(nullptr, &doc), 1000);
-    const std::vector<double> after = settings();
-    for (std::size_t i = 0; i < before.size(); ++i)
-        EXPECT_EQ(after[i], before[i]) << "setting " << i;
+    EXPECT_TRUE(ConfigurationFile::encode(doc) == before)
+        << "a setting changed on its way through the panels";
 }

@@ -1,5 +1,6 @@
 // The resampler, the ramps, the silence and the gain rules, measured on generated signals.
 #include "support/SignalProbe.h"
+#include "support/TestSignals.h"
 
 #include "document/DocumentException.h"
 #include "stimulus/Stimulus.h"
@@ -13,7 +14,7 @@ TEST(StimulusResampling, SinesKeepLevelFrequencyAndLengthWithoutImages)
     const int from = 11025, to = 44100;
     const std::size_t count = 11025; // one second
     for (const double frequency : {100.0, 440.0, 1000.0, 2500.0, 4000.0, 4500.0}) {
-        const std::vector<float> in = probe::sine(frequency, from, count, 0.5);
+        const std::vector<float> in = signals::toFloat(signals::sine(count, frequency, from, 0.5));
         const std::vector<float> out = resampleSignal(in.data(), in.size(), from, to);
         ASSERT_EQ(out.size(), 44100u) << frequency; // the same duration, to the sample
         // Level of the steady part (the filter's edges left aside) within 0.5 dB.
@@ -28,7 +29,7 @@ TEST(StimulusResampling, SinesKeepLevelFrequencyAndLengthWithoutImages)
         EXPECT_LT(probe::db(image) - probe::db(power[peak]), -70.0) << frequency;
     }
     // Other ratios: the length follows the rate, rounded.
-    const std::vector<float> in = probe::sine(300, 22050, 2205, 0.3);
+    const std::vector<float> in = signals::toFloat(signals::sine(2205, 300, 22050, 0.3));
     EXPECT_EQ(resampleSignal(in.data(), in.size(), 22050, 48000).size(), 4800u);
     EXPECT_EQ(resampleSignal(in.data(), 1001, 22050, 8000).size(), 363u);
     EXPECT_EQ(resampleSignal(in.data(), in.size(), 22050, 22050), in);
@@ -69,8 +70,8 @@ TEST(StimulusShaping, RampsAtBothEndsThenSilenceAroundThem)
 
 TEST(StimulusGain, LevelRulesSharedGainAndClipping)
 {
-    const std::vector<float> quiet = probe::sine(500, 11025, 11025, 0.1);
-    const std::vector<float> loud = probe::sine(500, 11025, 11025, 0.4);
+    const std::vector<float> quiet = signals::toFloat(signals::sine(11025, 500, 11025, 0.1));
+    const std::vector<float> loud = signals::toFloat(signals::sine(11025, 500, 11025, 0.4));
     const StimulusLevels q = Stimulus(quiet, 11025).levels();
     const StimulusLevels l = Stimulus(loud, 11025).levels();
     EXPECT_NEAR(q.rmsDb, 20 * std::log10(0.1 / std::sqrt(2.0)), 0.01);

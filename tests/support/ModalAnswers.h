@@ -4,8 +4,11 @@
 #include <QAction>
 #include <QApplication>
 #include <QDialog>
+#include <QDialogButtonBox>
 #include <QMessageBox>
 #include <QPointer>
+#include <QPushButton>
+#include <QTest>
 #include <QTimer>
 #include <QWidget>
 #include <gtest/gtest.h>
@@ -71,4 +74,16 @@ template <typename T> void whenModal(std::function<void(T*)> answer)
             ADD_FAILURE() << "no dialog came up";
     });
     poll->start(20);
+}
+
+// Once the panel's own modal loop runs: what the user does in it (`change`), then a click on its
+// button `which`.
+inline void pressLater(QDialog* panel, QDialogButtonBox::StandardButton which,
+                       std::function<void()> change = {})
+{
+    QTimer::singleShot(0, panel, [panel, which, change] {
+        if (change)
+            change();
+        QTest::mouseClick(panel->findChild<QDialogButtonBox*>()->button(which), Qt::LeftButton);
+    });
 }

@@ -1,10 +1,9 @@
 #pragma once
-// Measuring test signals from outside: a sine of known frequency, a windowed power spectrum
-// (4-term Blackman-Harris, side lobes below -92 dB) and levels in dB. For the resampler and the
-// stimulus file tests.
+// Measuring test signals from outside: a windowed power spectrum (4-term Blackman-Harris, side
+// lobes below -92 dB) and levels in dB. For the resampler and the stimulus file tests (their sines:
+// TestSignals.h).
 #include "analysis/SpectrumSupport.h"
 
-#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstddef>
@@ -14,14 +13,6 @@ namespace probe
 {
 
 constexpr double kPi = 3.14159265358979323846;
-
-inline std::vector<float> sine(double frequency, double rate, std::size_t count, double amplitude)
-{
-    std::vector<float> s(count);
-    for (std::size_t i = 0; i < count; ++i)
-        s[i] = static_cast<float>(amplitude * std::sin(2.0 * kPi * frequency * double(i) / rate));
-    return s;
-}
 
 // Power spectrum (linear) of `size` (a power of two, 2 to 8192) samples from `first`, bins
 // 0..size/2, by the analysis library's transform of real input (itself checked against a direct
@@ -44,15 +35,6 @@ inline std::vector<double> powerSpectrum(const std::vector<float>& x, std::size_
 inline double db(double power)
 {
     return 10.0 * std::log10(power + 1e-300);
-}
-
-// Peak in dB re full scale.
-inline double peakDb(const std::vector<float>& x)
-{
-    double peak = 0.0;
-    for (const float v : x)
-        peak = std::max(peak, std::fabs(double(v)));
-    return 20.0 * std::log10(peak);
 }
 
 // RMS in dB re full scale of samples [first, last).

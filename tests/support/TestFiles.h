@@ -1,13 +1,15 @@
 #pragma once
 // Files of a test: a fresh temporary folder removed with the test, a whole file read back as
-// bytes (empty when it cannot be read), and a raw capture of 32-bit float samples (what the ALSA
-// file plugin records).
+// bytes (empty when it cannot be read), a raw capture of 32-bit float samples (what the ALSA file
+// plugin records), and a CSV file (a manifest) as rows of named fields.
 #include <unistd.h>
 
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <map>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -38,4 +40,26 @@ inline std::vector<float> slurpFloats(const std::string& path)
     std::vector<float> samples(bytes.size() / sizeof(float));
     std::memcpy(samples.data(), bytes.data(), samples.size() * sizeof(float));
     return samples;
+}
+
+inline std::vector<std::map<std::string, std::string>> readCsv(const std::string& path)
+{
+    std::istringstream in(slurp(path));
+    std::vector<std::string> names;
+    std::vector<std::map<std::string, std::string>> rows;
+    for (std::string line; std::getline(in, line);) {
+        std::vector<std::string> fields;
+        std::istringstream cells(line);
+        for (std::string cell; std::getline(cells, cell, ',');)
+            fields.push_back(cell);
+        if (names.empty()) {
+            names = fields;
+            continue;
+        }
+        std::map<std::string, std::string> row;
+        for (std::size_t i = 0; i < names.size(); ++i)
+            row[names[i]] = i < fields.size() ? fields[i] : "";
+        rows.push_back(row);
+    }
+    return rows;
 }

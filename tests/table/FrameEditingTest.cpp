@@ -1,4 +1,5 @@
-// Inserting and removing frames and clearing anchors on a document's table data.
+// Inserting and removing frames on a document's table data. (Clearing anchors: the selection tests
+// and the hour of UndoHistoryTest.cpp.)
 #include "table/FrameEditing.h"
 
 #include "document/DocumentException.h"
@@ -73,10 +74,6 @@ TEST_F(FiveFrames, AddingAtTheEndAddsWholeIntervalsWithRecordValues)
     doc.getChannel(0)->m_Parameters[Row::av].nValue = 47;
     addFrames(FramesAtEnd, 35);
     EXPECT_EQ(layout(), (Origins{1, 2, 3, 4, 5, 0, 0, 0}));
-    EXPECT_EQ(frameCount(), 8);
-    EXPECT_DOUBLE_EQ(lengthMS(), 80.0);
-    ASSERT_NE(doc._dataTableDictionary.objectForKey("80"), nullptr);
-    EXPECT_EQ(doc._dataTableDictionary.objectForKey("90"), nullptr);
 
     // New frames: one cell per parameter row, the record's current value as value and text,
     // limits and default of the record, no anchor; every frame has cells of its own.
@@ -182,34 +179,4 @@ TEST_F(FiveFrames, RemovingTakesTheWholeSpanOfTheSelection)
         EXPECT_EQ(doc._dataTableDictionary.count(), c.expected.size() + 1);
         EXPECT_NE(doc._dataTableDictionary.objectForKey("0"), nullptr); // the name column stays
     }
-}
-
-TEST_F(FiveFrames, RemovingAnchorsClearsOnlyFlagsOfTheRowSpan)
-{
-    for (int k = 1; k <= 5; ++k)
-        for (const CellRef& cell : *doc._dataTableDictionary.objectForKey(k * 10))
-            cell->set_bAnchor(true);
-    // Per row: 'a' anchored in every frame, '-' in none, '?' in some.
-    auto anchoredRows = [&] {
-        std::string rows;
-        for (int row = 0; row < kParameterCount; ++row) {
-            int n = 0;
-            for (int k = 1; k <= 5; ++k)
-                n += frameCell(doc, k, row)->_bAnchor() ? 1 : 0;
-            rows += n == 5 ? 'a' : n == 0 ? '-' : '?';
-        }
-        return rows;
-    };
-
-    removeAnchors(doc, 2, 7);
-    EXPECT_EQ(anchoredRows(), "aa------" + std::string(40, 'a'));
-    for (int k = 1; k <= 5; ++k)
-        EXPECT_EQ(frameValue(doc, k, Row::f0), 1000 + k);
-    // Rows past the table's end are left out of a span; reversed or negative spans do nothing.
-    removeAnchors(doc, 40, 1000);
-    removeAnchors(doc, 1, 0);
-    removeAnchors(doc, -5, -1);
-    EXPECT_EQ(anchoredRows(), "aa------" + std::string(32, 'a') + std::string(8, '-'));
-    removeAllAnchors(doc);
-    EXPECT_EQ(anchoredRows(), std::string(kParameterCount, '-'));
 }

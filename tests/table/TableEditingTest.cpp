@@ -184,7 +184,9 @@ TEST(TableEditing, AdjustSampleRateFollowsTheHighFormants)
         c.m_Parameters[row].bSelected = 1;
         AdjustSampleRate(d.doc, false);
         EXPECT_DOUBLE_EQ(c.m_dSampleRate, 22050.0) << "row " << row;
+        EXPECT_EQ(c.m_bIncraseSampleRate, 1);
         EXPECT_EQ(d.doc.m_nFFTfrequencyRange, 11000);
+        EXPECT_EQ(d.doc.m_nLPCNumberofCoefficients, 26);
         EXPECT_EQ(d.doc.m_nSpecLPCNumberofCoefficients, 26);
         c.m_Parameters[row].bSelected = 0;
     }

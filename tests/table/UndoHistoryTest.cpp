@@ -302,31 +302,13 @@ TEST(UndoHistory, AnEditOnAnHourCostsTheBlocksItChangesAndMakesNoColumns)
     EXPECT_GT(data.pendingCount(), pending - 10) << "a restore makes no columns either";
 }
 
-TEST(UndoHistory, ValuesBeyondSixteenBitsAndRunsOfEqualFramesAreKept)
+TEST(UndoHistory, RunsOfEqualFramesShareOneBlock)
 {
-    // A value no 16-bit grid cell holds comes back through undo clamped to its row's limit, as
-    // reading the snapshot text gives it; equal stretches of frames share one block.
-    Twins t(7, 2000);
-    t.both([&](MyDocument& d) {
-        asOneUndoStep(d, [&] {
-            for (int k : {1, 700, 1999}) {
-                CellRef cell = d._dataTableDictionary.cellAt(10LL * k, Row::f0);
-                cell->set_nValue(k == 700 ? -70000 : 70000);
-                cell->setInttoStringValue(cell->_nValue());
-            }
-        });
-        return true;
-    });
-    t.doc.doUndo();
-    t.reference.undo(t.twin);
-    t.doc.doRedo();
-    t.reference.redo(t.twin);
-    EXPECT_EQ(describe(t.doc), describe(t.twin));
-    EXPECT_EQ(t.doc._dataTableDictionary.cellAt(7000, Row::f0)->_nValue(),
-              t.doc.getChannel(0)->m_Parameters[Row::f0].nMinValue);
-    EXPECT_TRUE(t.doc._arrayRedo[0].frames().hasWideValues());
     // 2000 frames are eight blocks: the undo image of an untouched new document holds one.
-    EXPECT_EQ(t.doc._arrayUndo[0].frames().bytesNotIn(FrameImage{}), sizeof(FrameImage::Block));
+    MyDocument doc;
+    setTestFrames(doc, 2000, 10, 1);
+    ASSERT_EQ(typeValue(doc, Row::f0, 700, 1234), TypedEntryOutcome::Stored);
+    EXPECT_EQ(doc._arrayUndo[0].frames().bytesNotIn(FrameImage{}), sizeof(FrameImage::Block));
 }
 
 TEST(UndoHistory, FramesAddedAndRemovedOnAnHourMoveTheFramesAndMakeNoColumns)
@@ -419,4 +401,9 @@ TEST(UndoHistory, InterpolatingCopyingPastingAndClearingAnchorsOnAnHourMakeNoCol
     // A frame removed before them moves the wide values not made yet into new blocks.
     ASSERT_TRUE(removeColumns(doc, 50000, 50000));
     EXPECT_EQ(data.cellAt(1000030, Row::f3)->_nValue(), 20000001) << "frame 100004 moved down";
+    // Narrow values replace the wide ones between the anchors (now at 99999 and 100005).
+    for (long long column : {99999LL, 100005LL})
+        data.cellAt(column * 10, Row::f3)->set_nValue(column == 99999LL ? 100 : 106);
+    interpolateRows(doc, Row::f3, Row::f3);
+    EXPECT_EQ(data.cellAt(1000020, Row::f3)->_nValue(), 103);
 }

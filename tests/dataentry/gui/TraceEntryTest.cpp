@@ -61,29 +61,6 @@ struct TraceWindow : ::testing::Test {
         });
     }
     int value(int column, int row) { return frameValue(doc, column, row); }
-    // The document as it stands, saved, against what `tessaphon-cli trace` makes of the same
-    // recording (`seconds` of the vowel): the same bytes.
-    void expectSameAsCommandLine(double seconds)
-    {
-        const TempDir folder;
-        std::string error;
-        ASSERT_TRUE(doc.writeSafelyToURL(folder / "window.stk", "stk", &error)) << error;
-        const std::string wav = writeVowel(folder / "vowel.wav", seconds);
-        ASSERT_EQ(runCli("trace " + wav + " -o " + folder / "cli.stk").exitCode, 0);
-        const std::string a = slurp(folder / "window.stk");
-        EXPECT_FALSE(a.empty());
-        EXPECT_TRUE(a == slurp(folder / "cli.stk"));
-    }
-    // A press and one move at the same point; the release comes separately.
-    static void drag(QWidget& view, QPointF at)
-    {
-        sendMouse(view, QEvent::MouseButtonPress, at, Qt::LeftButton, Qt::LeftButton);
-        sendMouse(view, QEvent::MouseMove, at, Qt::NoButton, Qt::LeftButton);
-    }
-    static void release(QWidget& view, QPointF at)
-    {
-        sendMouse(view, QEvent::MouseButtonRelease, at, Qt::LeftButton, Qt::NoButton);
-    }
 };
 
 } // namespace
@@ -120,14 +97,15 @@ TEST_F(TraceWindow, OpensInF0ModeButtonsChooseTheTracksAndDragsWriteTheirRowsAnd
     viewAmplitudes& amplitudes = *controller->_viewAmplitudes();
     const int columns = doc.getChannel(0)->m_nColumnNum;
 
-    // A press and a release at one point in table column c of a view; the value of `row` while
-    // the button is down (the release clamps it to the row's limits).
+    // A press and a move, then a release, at one point in table column c of a view; the value of
+    // `row` while the button is down (the release clamps it to the row's limits).
     const auto trace = [&](QWidget& view, int column, double y, int row) {
         const QPointF at((column - 0.5) * view.width() / columns, y);
-        drag(view, at);
+        sendMouse(view, QEvent::MouseButtonPress, at, Qt::LeftButton, Qt::LeftButton);
+        sendMouse(view, QEvent::MouseMove, at, Qt::NoButton, Qt::LeftButton);
         const int drawn = value(column, row);
         EXPECT_EQ(table->selectedColumnSpan(), std::make_pair(column, column));
-        release(view, at);
+        sendMouse(view, QEvent::MouseButtonRelease, at, Qt::LeftButton, Qt::NoButton);
         return drawn;
     };
     const auto cell = [&](int column, int row) { return frameCell(doc, column, row); };
@@ -180,8 +158,7 @@ TEST_F(TraceWindow, EnterAllDataAndEachDragAreOneUndoStepEach)
     // shared plot's, checked by GraphicalEntry and LongDocumentEntry).
     viewPitch& pitch = *controller->_viewPitch();
     const QPointF at(19.5 * pitch.width() / doc.getChannel(0)->m_nColumnNum, 0.0);
-    drag(pitch, at);
-    release(pitch, at);
+    dragThrough(pitch, {at, at});
     const int drawn = value(20, Row::f0);
     ASSERT_NE(drawn, enteredF0);
 
@@ -223,8 +200,15 @@ TEST_F(TraceWindow, EnterAllDataFillsEveryFrameWhateverTheWidthAndEqualsTheComma
     for (int k = 1; k <= columns; ++k)
         untouched += value(k, Row::f1) == kUntouched;
     EXPECT_EQ(untouched, 0) << "of " << columns << " frames";
-    // The command line enters the same values, byte for byte.
-    expectSameAsCommandLine(8.0);
+    // The document saved is what `tessaphon-cli trace` makes of the same recording, byte for byte.
+    const TempDir folder;
+    std::string error;
+    ASSERT_TRUE(doc.writeSafelyToURL(folder / "window.stk", "stk", &error)) << error;
+    const std::string wav = writeVowel(folder / "vowel.wav", 8.0);
+    ASSERT_EQ(runCli("trace " + wav + " -o " + folder / "cli.stk").exitCode, 0);
+    const std::string saved = slurp(folder / "window.stk");
+    EXPECT_FALSE(saved.empty());
+    EXPECT_TRUE(saved == slurp(folder / "cli.stk"));
 }
 
 TEST_F(TraceWindow, FormantTrackingOffShowsItsSheetAndSwitchedOnWhileOpenIsEnteredAndReportedTruly)

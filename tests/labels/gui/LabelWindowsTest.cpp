@@ -44,15 +44,6 @@ DocumentWindow* openLabelledRecording(Workbench& wb)
     return wb.app.openFile(wb.path("rec.wav"));
 }
 
-std::vector<double> xsOf(const std::vector<LabelStripItem>& items, LabelStripItem::Kind kind, std::size_t row)
-{
-    std::vector<double> xs;
-    for (const LabelStripItem& item : items)
-        if (item.kind == kind && item.row == row)
-            xs.push_back(item.x);
-    return xs;
-}
-
 // The strip's boundaries lie where the views draw the frames of their times, at any zoom (the
 // texts stay inside the frame the strip is given: LabelStrip.PlacesBoundariesTextsAndTicksAtEveryZoom).
 void expectStripOnTheAxis(const LabelStripView& strip, const TraceView& view, const TimeAxisZoom& axis,

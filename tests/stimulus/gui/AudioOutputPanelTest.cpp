@@ -2,6 +2,7 @@
 // a rate out of range refused in the panel, the settings kept in their file.
 #include "stimulus/gui/AudioOutputPanel.h"
 #include "stimulus/StimulusOutputFile.h"
+#include "support/ModalAnswers.h"
 #include "support/TestFiles.h"
 
 #include <QComboBox>
@@ -11,10 +12,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTest>
-#include <QTimer>
 #include <gtest/gtest.h>
-
-#include <functional>
 
 namespace
 {
@@ -37,15 +35,6 @@ void typeInto(QWidget* field, const QString& text)
     QTest::keyClicks(field, text);
 }
 
-// Once the panel's modal loop runs: what the user does, then a press of `which`.
-void actLater(AudioOutputPanel& panel, std::function<void()> act, QDialogButtonBox::StandardButton which)
-{
-    QTimer::singleShot(0, &panel, [&panel, act, which] {
-        act();
-        QTest::mouseClick(panel.findChild<QDialogButtonBox*>()->button(which), Qt::LeftButton);
-    });
-}
-
 template <typename T> T* child(AudioOutputPanel& panel, const char* name)
 {
     return panel.findChild<T*>(QString::fromLatin1(name));
@@ -58,22 +47,19 @@ TEST(AudioOutputPanel, TypedSettingsAreKeptOnOKOnlyAndShownAgain)
     SettingsFile settings;
     {
         AudioOutputPanel panel;
-        actLater(
-            panel,
-            [&] {
-                typeInto(child<QComboBox>(panel, "rate")->lineEdit(), QStringLiteral("44100"));
-                child<QComboBox>(panel, "level")->setFocus();
-                QTest::keyClick(child<QComboBox>(panel, "level"), Qt::Key_Down); // RMS
-                typeInto(child<QDoubleSpinBox>(panel, "levelDb"), QStringLiteral("-20"));
-                typeInto(child<QDoubleSpinBox>(panel, "ramp"), QStringLiteral("10"));
-                typeInto(child<QDoubleSpinBox>(panel, "padAfter"), QStringLiteral("250"));
-                child<QComboBox>(panel, "format")->setFocus();
-                QTest::keyClick(child<QComboBox>(panel, "format"), Qt::Key_Down); // FLAC
-                EXPECT_EQ(child<QLabel>(panel, "summary")->text().toStdString(),
-                          "Save Audio writes: 44100 Hz, RMS -20 dBFS, 10 ms ramps, 0/250 ms silence, "
-                          "16-bit FLAC");
-            },
-            QDialogButtonBox::Ok);
+        pressLater(&panel, QDialogButtonBox::Ok, [&] {
+            typeInto(child<QComboBox>(panel, "rate")->lineEdit(), QStringLiteral("44100"));
+            child<QComboBox>(panel, "level")->setFocus();
+            QTest::keyClick(child<QComboBox>(panel, "level"), Qt::Key_Down); // RMS
+            typeInto(child<QDoubleSpinBox>(panel, "levelDb"), QStringLiteral("-20"));
+            typeInto(child<QDoubleSpinBox>(panel, "ramp"), QStringLiteral("10"));
+            typeInto(child<QDoubleSpinBox>(panel, "padAfter"), QStringLiteral("250"));
+            child<QComboBox>(panel, "format")->setFocus();
+            QTest::keyClick(child<QComboBox>(panel, "format"), Qt::Key_Down); // FLAC
+            EXPECT_EQ(child<QLabel>(panel, "summary")->text().toStdString(),
+                      "Save Audio writes: 44100 Hz, RMS -20 dBFS, 10 ms ramps, 0/250 ms silence, "
+                      "16-bit FLAC");
+        });
         EXPECT_EQ(panel.run(nullptr), 1000);
     }
     EXPECT_EQ(StimulusOutputFile::load().commandLine(),
@@ -81,14 +67,11 @@ TEST(AudioOutputPanel, TypedSettingsAreKeptOnOKOnlyAndShownAgain)
 
     // Opened again it shows what was kept; changes then cancelled are not kept.
     AudioOutputPanel again;
-    actLater(
-        again,
-        [&] {
-            EXPECT_EQ(child<QComboBox>(again, "rate")->currentText(), QStringLiteral("44100"));
-            EXPECT_EQ(child<QDoubleSpinBox>(again, "ramp")->value(), 10.0);
-            typeInto(child<QDoubleSpinBox>(again, "ramp"), QStringLiteral("50"));
-        },
-        QDialogButtonBox::Cancel);
+    pressLater(&again, QDialogButtonBox::Cancel, [&] {
+        EXPECT_EQ(child<QComboBox>(again, "rate")->currentText(), QStringLiteral("44100"));
+        EXPECT_EQ(child<QDoubleSpinBox>(again, "ramp")->value(), 10.0);
+        typeInto(child<QDoubleSpinBox>(again, "ramp"), QStringLiteral("50"));
+    });
     EXPECT_EQ(again.run(nullptr), 1001);
     EXPECT_EQ(StimulusOutputFile::load().rampMS, 10.0);
 }
@@ -97,15 +80,14 @@ TEST(AudioOutputPanel, ARateOutOfRangeIsRefusedInThePanel)
 {
     SettingsFile settings;
     AudioOutputPanel panel;
-    QTimer::singleShot(0, &panel, [&] {
+    // Refused, then back to the synthesis rate: accepted, and plain output is what is kept.
+    pressLater(&panel, QDialogButtonBox::Ok, [&] {
         typeInto(child<QComboBox>(panel, "rate")->lineEdit(), QStringLiteral("7000"));
         QTest::mouseClick(panel.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok), Qt::LeftButton);
         EXPECT_TRUE(panel.isVisible()); // still open, saying why
         EXPECT_TRUE(child<QLabel>(panel, "refusal")->isVisible());
         EXPECT_TRUE(child<QLabel>(panel, "refusal")->text().contains(QStringLiteral("8000")));
-        // Back to the synthesis rate: accepted, and plain output is what is kept.
         child<QComboBox>(panel, "rate")->setCurrentIndex(0);
-        QTest::mouseClick(panel.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok), Qt::LeftButton);
     });
     EXPECT_EQ(panel.run(nullptr), 1000);
     EXPECT_TRUE(StimulusOutputFile::load().plain());

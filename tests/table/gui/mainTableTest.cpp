@@ -100,8 +100,11 @@ TEST_F(TableOverNewDocument, AnchorsFromTheContextMenuFollowTheRules)
     doc.getChannel(0)->m_bDoAnchor = 1;
     doc.getChannel(0)->m_bDoInterpolate = 1;
     type(2, Row::f2, "1000");
-    type(6, Row::f2, "2000");
-    EXPECT_EQ(shown(4, Row::f2), "1500");
+    QSignalSpy redrawn(table->model(), &QAbstractItemModel::dataChanged);
+    type(6, Row::f2, "2200");
+    EXPECT_EQ(shown(4, Row::f2), "1600");
+    ASSERT_FALSE(redrawn.isEmpty());
+    EXPECT_LE(redrawn.last()[0].toModelIndex().column(), 4) << "the interpolated frames are redrawn";
 }
 
 // (Selecting a frame for the data-entry windows: SelectionTest.cpp.)
