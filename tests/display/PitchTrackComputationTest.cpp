@@ -65,8 +65,8 @@ TEST(PitchTrackComputation, FramesWindowStepAndEdges)
 
 TEST(PitchTrackComputation, JumpsAreRemovedAndTheMeanRunsForward)
 {
-    // Frame 3 jumps by 200 Hz: it and both neighbours go; the ends stay 0.
-    const std::vector<double> raw = {100, 100, 100, 300, 100, 100, 100, 100};
+    // Frame 3 jumps by the deviation itself: it and both neighbours go; the ends stay 0.
+    const std::vector<double> raw = {100, 100, 100, 200, 100, 100, 100, 100};
     PitchTrackComputation t = trackOf(std::vector<double>(8, 0.0));
     t.removeJumps(raw, 100.0);
     EXPECT_EQ(t.m_hdPitchFile, (std::vector<double>{0, 100, 0, 0, 0, 100, 100, 0}));

@@ -96,6 +96,7 @@ TEST(SpectrogramComputation, FormantSlotsAreGatedAndPacked)
     SpectrogramComputation s(defaults());
     s.SetupDisplay(30, 10, kRate);
     s.GetStorage();
+    EXPECT_EQ(s.m_nAllocatedStorageAmount, 30); // a formant record per column
     s.frame(3)[5] = 14.9;
     s.frame(4)[5] = 15.0;
     for (auto& r : s.m_phsnFormants)

@@ -130,6 +130,7 @@ TEST(KlpExport, RoundTripsEveryRowTheLayoutHolds)
         setValue(*document, frame, Row::anv, 33);
         setValue(*document, frame, Row::bnz, 100 + frame);
     }
+    setValue(*document, 2, Row::b2f, 333); // one frame apart is not a constant
     const std::string klp = exportDocument(*document, InterchangeFormat::Klp);
     EXPECT_NE(klp.find("du 120\nui 5\n"), std::string::npos) << klp;
     EXPECT_NE(klp.find("\nanv 33\n"), std::string::npos) << klp; // constant rows are constants

@@ -19,6 +19,8 @@ TEST(StimulusResampling, SinesKeepLevelFrequencyAndLengthWithoutImages)
         ASSERT_EQ(out.size(), 44100u) << frequency; // the same duration, to the sample
         // Level of the steady part (the filter's edges left aside) within 0.5 dB.
         EXPECT_NEAR(probe::rmsDb(out, 4000, 40000), probe::rmsDb(in, 1000, 10000), 0.5) << frequency;
+        // To the last samples: the filter's tail is flushed, not left silent.
+        EXPECT_NEAR(probe::rmsDb(out, 43600, 44100), probe::rmsDb(in, 1000, 10000), 0.5) << frequency;
         const std::vector<double> power = probe::powerSpectrum(out, 8000, 8192);
         const double binHz = double(to) / 8192;
         const auto peak = std::max_element(power.begin(), power.end()) - power.begin();
@@ -105,6 +107,8 @@ TEST(StimulusGain, LevelRulesSharedGainAndClipping)
     EXPECT_EQ(quantizeSample(0.25f, 2.0, 16, clipped), 16384);
     EXPECT_FALSE(gainClips(l, 7.9, 16));
     EXPECT_TRUE(gainClips(l, 8.0, 16));
+    const std::vector<float> skewed = {-0.6f, 0.3f}; // +6 dB clips the negative extreme only
+    EXPECT_TRUE(gainClips(Stimulus(skewed, 11025).levels(), 6.0, 16));
     const std::string why = clipRefusal(output, l, 8.0);
     EXPECT_NE(why.find("+8.00 dB"), std::string::npos) << why;
     EXPECT_NE(why.find("--allow-clip"), std::string::npos) << why;

@@ -59,8 +59,10 @@ TEST_F(GraphicalZoom, ZoomedDragWritesTheFrameUnderThePointerAndFitAllRestoresTh
     EXPECT_EQ(f0(1500), factory); // the frame x = 100 shows when all fits is untouched
     EXPECT_EQ(f0(2061), factory);
     EXPECT_EQ(f0(2063), factory);
-    // The three plots share the axis: the same x is the same frame in each.
+    // The three plots share the axis: the same x is the same frame in each; in the picture of the
+    // whole (what the trace window reads amplitudes from) it is x = 1100 x 400 / 3200.
     EXPECT_EQ(controller->_viewOthers()->frameAt(100.0), 2062);
+    EXPECT_DOUBLE_EQ(axis().fitAllX(100.0, 400), 137.5);
     EXPECT_EQ(controller->_viewFormants()->frameAt(399.0), (1000 + 399) * 6000 / 3200);
 
     key(Qt::Key_0);

@@ -136,7 +136,7 @@ TEST_F(AnalysisWindows, SpectrogramWindowFindsTheVowelAndItsPitch)
     const SpectrogramWorker::Result* result = window->spectrogram()->result();
     ASSERT_NE(result, nullptr);
     EXPECT_EQ(result->width, window->spectrogram()->plotArea().width());
-    // The synthesis of the table is analysed (the formants' own figures: SynthesizedSpeech).
+    // The synthesis of the table is analysed (the formants' own figures: CopySynthesisFigures).
     std::vector<double> f1, voiced;
     for (const FormantRecord& r : result->computation.m_phsnFormants)
         if (r[0] > 0)

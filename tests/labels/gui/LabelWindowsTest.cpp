@@ -54,7 +54,9 @@ void expectStripOnTheAxis(const LabelStripView& strip, const TraceView& view, co
     const int offset = view.mapTo(view.window(), QPoint()).x() - strip.mapTo(strip.window(), QPoint()).x();
     std::vector<double> expected;
     for (const double seconds : {0.0, 0.25, 0.8, 1.5}) {
-        const double x = axis.xOf(seconds * 100.0, frames, view.width()) + offset; // 10 ms frames
+        // 10 ms frames over the content's width, scrolled by the offset.
+        const double x =
+            seconds * 100.0 * std::llround(view.width() * axis.zoom()) / frames - axis.offset() + offset;
         if (x >= 0.0 && x <= strip.width())
             expected.push_back(x);
     }
