@@ -7,8 +7,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
 #include <random>
 #include <vector>
 

@@ -169,16 +169,8 @@ TEST(LargeBuffers, TheWaveImageInPiecesIsTheWholeImageAndAFailedPieceStopsTheFil
     const std::string image = document->save_Wave_FileType();
     ASSERT_EQ(image.size(), 48u + 2 * 33076u);
     EXPECT_EQ(image.substr(image.size() - 2), std::string(2, '\0'));
-    std::string pieces;
-    int count = 0;
-    EXPECT_TRUE(document->writeWave(0, [&](const char* bytes, std::size_t size) {
-        pieces.append(bytes, size);
-        ++count;
-        return true;
-    }));
-    EXPECT_EQ(pieces, image);
-    EXPECT_GT(count, 2);
 
+    // Written in pieces straight into the file.
     const TempDir folder;
     const std::string target = folder / "out.wav";
     ASSERT_EQ(

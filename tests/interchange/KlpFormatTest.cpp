@@ -37,7 +37,7 @@ const char* const kStimulus = "# da-ta continuum, step 3\n"
                               "_msec  f0    av   f1   f2   oq  notes\n"
                               "0      1200  0    300  1700 50  burst here\n"
                               "# a comment inside the table\n"
-                              "20     1100  60   500  1500 50\n"
+                              "20     1100  60   501  1500 50\n"
                               "40     1000  60   700  1200 50  steady   vowel\n";
 } // namespace
 
@@ -54,7 +54,7 @@ TEST(KlpImport, ReadsConstantsAndInterpolatesTheTableOntoTheFrames)
     EXPECT_EQ(frameValue(d, 2, Row::f0), 1150);
     EXPECT_EQ(frameValue(d, 3, Row::f0), 1100);
     EXPECT_EQ(frameValue(d, 2, Row::av), 30);
-    EXPECT_EQ(frameValue(d, 4, Row::f1), 600);
+    EXPECT_EQ(frameValue(d, 4, Row::f1), 601); // 600.5, rounded
     EXPECT_EQ(frameValue(d, 4, Row::f2), 1350);
     // After the last row the values are held.
     EXPECT_EQ(frameValue(d, 6, Row::f2), 1200);
@@ -93,6 +93,9 @@ TEST(KlpImport, TakesEitherMarkerTheLengthFromTheLastRowAndCountsClampedValues)
     EXPECT_EQ(d.document->getChannel(0)->m_nColumnNum, 6);
     EXPECT_EQ(frameValue(*d.document, 6, Row::a3f), 45);
     EXPECT_EQ(frameValue(*d.document, 6, Row::anv), 12);
+    // A table that starts late holds its first row before it.
+    ImportedDocument late = importKlp("du 30\n__varied_params__\n_msec f1\n15 400\n25 600\n");
+    EXPECT_EQ(frameValue(*late.document, 1, Row::f1), 400);
 }
 
 TEST(KlpImport, RefusesWhatItCannotReadNamingTheLine)

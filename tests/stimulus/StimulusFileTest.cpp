@@ -34,10 +34,8 @@ TEST(StimulusFile, WaveAndFlacAtBothWidthsHoldTheQuantizedSamplesExactly)
             const double scale = bits == 24 ? 8388608.0 : 32768.0;
             for (std::size_t i = 0; i < x.size(); ++i)
                 EXPECT_EQ(r.values[i] >> (32 - bits), std::lrint(x[i] * scale)) << format << bits << " " << i;
-            EXPECT_EQ(figures.clipped, 0);
-            EXPECT_EQ(figures.rate, 48000);
+            // To the sample (the other figures: the clipping and command-line tests).
             EXPECT_NEAR(figures.durationMS, 7000.0 / 48000, 1e-9);
-            EXPECT_NEAR(figures.peakDb, 20 * std::log10(0.99999), 1e-3);
         }
     // The 24-bit WAVE header as other programs expect it: RIFF size = file size - 8, and the 21
     // data bytes get a pad byte.
