@@ -36,13 +36,15 @@ TEST(Recovery, CopiesLeftByAWorkbenchThatEndedAreRecoveredOrDiscarded)
         DocumentWindow* b = crashed.newDocument(); // "Untitled 2"
         typeInto(b, Row::f2, 5, 1700);
         crashed.newDocument(); // nothing to copy
+        writeRecording(files.filePath("rec.wav"));
+        ASSERT_NE(crashed.openFile(files.filePath("rec.wav")), nullptr); // a new document with a model
         crashed.autosaveAll();
-        EXPECT_EQ(state.copies().size(), 2);
+        EXPECT_EQ(state.copies().size(), 3);
         WorkbenchApplication running;
         EXPECT_TRUE(running.autosave()->leftBehind().isEmpty())
             << "the copies of a running workbench stay its own";
     } // gone without closing its windows, as in a crash
-    ASSERT_EQ(state.copies().size(), 2);
+    ASSERT_EQ(state.copies().size(), 3);
     std::ofstream((state.folder() + "/999.1-1.stk").toStdString()) << "not a document";
 
     const QStringList old = state.copies();
@@ -51,7 +53,7 @@ TEST(Recovery, CopiesLeftByAWorkbenchThatEndedAreRecoveredOrDiscarded)
         next.setQuietAlerts(true);
         whenModal<RecoveryDialog>([](RecoveryDialog* dialog) {
             EXPECT_EQ(dialog->windowTitle(), "Recover Unsaved Documents");
-            EXPECT_EQ(dialog->list()->count(), 3);
+            EXPECT_EQ(dialog->list()->count(), 4);
             QStringList lines;
             for (int i = 0; i < dialog->list()->count(); ++i)
                 lines << dialog->list()->item(i)->text();
@@ -59,7 +61,7 @@ TEST(Recovery, CopiesLeftByAWorkbenchThatEndedAreRecoveredOrDiscarded)
             EXPECT_EQ(lines.filter("vowel.stk — changed").size(), 1);
             dialog->recoverButton()->click();
         });
-        EXPECT_EQ(next.offerRecovery(), 2);
+        EXPECT_EQ(next.offerRecovery(), 3);
         EXPECT_TRUE(next.lastAlert().contains("could not be recovered")) << next.lastAlert().toStdString();
         DocumentWindow* vowel = windowNamed(next, "vowel.stk");
         ASSERT_NE(vowel, nullptr);
@@ -70,9 +72,14 @@ TEST(Recovery, CopiesLeftByAWorkbenchThatEndedAreRecoveredOrDiscarded)
         ASSERT_NE(untitled, nullptr);
         EXPECT_TRUE(untitled->filePath().isEmpty());
         EXPECT_EQ(value(untitled, Row::f2, 5), 1700);
+        // With its model recording, and its name still only proposed (a save asks before replacing).
+        DocumentWindow* recording = windowNamed(next, "rec.stk");
+        ASSERT_NE(recording, nullptr);
+        EXPECT_TRUE(recording->document()->getChannel(2)->hasAudio());
+        EXPECT_TRUE(recording->isFileNameProposed());
         // The recovered documents have copies of their own; the unreadable one is kept.
         const QStringList now = state.copies();
-        EXPECT_EQ(now.size(), 3);
+        EXPECT_EQ(now.size(), 4);
         EXPECT_TRUE(now.contains("999.1-1.stk"));
         for (const QString& copy : old) {
             if (copy != "999.1-1.stk") {

@@ -144,7 +144,8 @@ TEST(CopySynthesisFigures, ClippedSamplesAreThoseAtFullScaleInTheFile)
     ASSERT_EQ(reader.Read_WAVE_FileType(waveFileBytes(loud, kRate)), 0);
     const Channels& back = *reader.getChannel(2);
     ASSERT_EQ(back.sampleCount(), loud.size());
-    EXPECT_EQ(CopySynthesisFigures::clippedSamples(back.samples(), back.sampleCount()), beyond);
+    const std::vector<float> readBack(back.samples(), back.samples() + back.sampleCount());
+    EXPECT_EQ(figuresOf(readBack, readBack).m_nClippedSamples, beyond); // the copy's figure
 
     const std::vector<float> safe = signals::toFloat(signals::sine(11025, 200.0, kRate, 0.99));
     EXPECT_EQ(CopySynthesisFigures::clippedSamples(safe.data(), safe.size()), 0);

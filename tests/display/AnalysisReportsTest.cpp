@@ -15,8 +15,8 @@ TEST(AnalysisReports, PitchAndFormantCsv)
     track.m_hdPitchFile = {0.0, 123.5, 100.22727272727273};
     EXPECT_EQ(pitchTrackCsv(track, 12.5), "time_ms,f0_hz\n0,0\n12.5,123.5\n25,100.22727272727273\n");
 
-    // 22050 samples at 11025 Hz over 100 columns: column c starts at c x 20 ms.
-    const auto channel = channelOf(signals::toFloat(signals::noise(22050, 2, 0.2)), 11025.0);
+    // 44100 samples at 22050 Hz over 100 columns: column c starts at c x 20 ms.
+    const auto channel = channelOf(signals::toFloat(signals::noise(44100, 2, 0.2)), 22050.0);
     SpectrogramComputation s;
     s.m_settings.m_nSpecLPCNumberofCoefficients = 14;
     ASSERT_TRUE(s.compute(*channel, 100, 32));

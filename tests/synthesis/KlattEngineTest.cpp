@@ -77,11 +77,11 @@ TEST(KlattEngine, FlutterMovesF0OnlyWhenAsked)
 
 TEST(KlattEngine, NoiseRoutingOutputSelectionAndSilence)
 {
-    // Unvoiced, parallel amplitudes and bypass off: aspiration still reaches the output through
-    // the cascade, frication (parallel branch only) does not.
+    // Unvoiced, parallel amplitudes (the nasal's too) and bypass off: aspiration still reaches
+    // the output through the cascade, frication (parallel branch only) does not.
     klatt_frame_t f = quietFactoryFrame();
     f.f0 = 0;
-    f.ab = 0;
+    f.ab = f.anv = 0;
     for (int row = Row::a8f; row <= Row::a1f; ++row)
         f[row] = 0;
     klatt_frame_t aspirated = f, fricated = f;
