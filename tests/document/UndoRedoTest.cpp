@@ -149,8 +149,8 @@ TEST(UndoRedo, RevertGoesBackToTheLastSave)
     EXPECT_EQ(frameValue(*document, 1, Row::f1), 500);
     // The reverted document starts a new history and is unchanged.
     EXPECT_FALSE(document->canUndo());
-    EXPECT_FALSE(document->canRedo());
     EXPECT_TRUE(document->_arrayUndo.empty());
+    EXPECT_TRUE(document->_arrayRedo.empty());
     EXPECT_FALSE(document->isDocumentEdited());
     EXPECT_TRUE(document->canRevert());
 
