@@ -2,25 +2,27 @@
 // Files of a test: a fresh temporary folder removed with the test, a whole file read back as
 // bytes (empty when it cannot be read), a raw capture of 32-bit float samples (what the ALSA file
 // plugin records), and a CSV file (a manifest) as rows of named fields.
-#include <unistd.h>
-
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <map>
 #include <sstream>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
 struct TempDir {
     std::filesystem::path path;
+    // mkdtemp gives a folder nobody else holds, not even one a crashed run left behind under a
+    // process id that came round again.
     TempDir()
     {
-        static int made = 0;
-        path = std::filesystem::temp_directory_path() /
-               ("tessaphon-test-" + std::to_string(::getpid()) + "-" + std::to_string(made++));
-        std::filesystem::create_directories(path);
+        std::string name = (std::filesystem::temp_directory_path() / "tessaphon-test-XXXXXX").string();
+        if (::mkdtemp(name.data()) == nullptr)
+            throw std::runtime_error("cannot make a temporary folder in " + name);
+        path = name;
     }
     ~TempDir() { std::filesystem::remove_all(path); }
     TempDir(const TempDir&) = delete;
