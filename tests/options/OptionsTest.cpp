@@ -66,15 +66,14 @@ TEST(optionFile, RefusesSizesBeyondTheOneHourDocument)
     QStringList refusals;
     // Each size refused keeps the panel open; an hour in frames of 10 ms is what a document holds.
     pressLater(&panel, QDialogButtonBox::Ok, [&] {
-        QPushButton* ok = panel.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok);
         // Longer than an hour (the field takes seven digits while they are typed).
         panel.m_nFileLength->setText("5000000");
-        ok->click();
+        press(&panel, QDialogButtonBox::Ok);
         refusals << (panel.isVisible() ? panel.m_pRefusal->text() : QString());
         // An hour in frames of 1 ms: 3600000 frames.
         panel.m_nFileLength->setText("3600000");
         panel.m_nInterval->setText("1");
-        ok->click();
+        press(&panel, QDialogButtonBox::Ok);
         refusals << (panel.isVisible() ? panel.m_pRefusal->text() : QString());
         panel.m_nInterval->setText("10");
     });

@@ -76,6 +76,12 @@ template <typename T> void whenModal(std::function<void(T*)> answer)
     poll->start(20);
 }
 
+// A click on the panel's button `which`.
+inline void press(QDialog* panel, QDialogButtonBox::StandardButton which)
+{
+    QTest::mouseClick(panel->findChild<QDialogButtonBox*>()->button(which), Qt::LeftButton);
+}
+
 // Once the panel's own modal loop runs: what the user does in it (`change`), then a click on its
 // button `which`.
 inline void pressLater(QDialog* panel, QDialogButtonBox::StandardButton which,
@@ -84,6 +90,6 @@ inline void pressLater(QDialog* panel, QDialogButtonBox::StandardButton which,
     QTimer::singleShot(0, panel, [panel, which, change] {
         if (change)
             change();
-        QTest::mouseClick(panel->findChild<QDialogButtonBox*>()->button(which), Qt::LeftButton);
+        press(panel, which);
     });
 }

@@ -83,7 +83,7 @@ TEST(AudioOutputPanel, ARateOutOfRangeIsRefusedInThePanel)
     // Refused, then back to the synthesis rate: accepted, and plain output is what is kept.
     pressLater(&panel, QDialogButtonBox::Ok, [&] {
         typeInto(child<QComboBox>(panel, "rate")->lineEdit(), QStringLiteral("7000"));
-        QTest::mouseClick(panel.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok), Qt::LeftButton);
+        press(&panel, QDialogButtonBox::Ok);
         EXPECT_TRUE(panel.isVisible()); // still open, saying why
         EXPECT_TRUE(child<QLabel>(panel, "refusal")->isVisible());
         EXPECT_TRUE(child<QLabel>(panel, "refusal")->text().contains(QStringLiteral("8000")));
