@@ -61,16 +61,14 @@ TEST(PhonemeInventory, TheBuiltInTableHoldsThePublishedValuesWithinTheLimits)
         EXPECT_LE(p.minimumMS, p.inherentMS);
         EXPECT_EQ(p.kind == Phoneme::Diphthong, p.fEnd[0] > 0);
     }
-    // Vowels of the 1952 averages of men, a diphthong onset of the 1995 tables, fricative and
-    // burst amplitudes and durations of the 1980 and 1979 tables.
+    // Vowels of the 1952 averages of men, a diphthong onset of the 1995 tables, fricative
+    // amplitudes of the 1980 tables (durations: PhonemeRules.DurationsFollowTheRules).
     EXPECT_EQ(table.find("iy")->f, (std::array<int, 3>{270, 2290, 3010}));
     EXPECT_EQ(table.find("AA")->f, (std::array<int, 3>{730, 1090, 2440}));
     EXPECT_EQ(table.find("ER")->f, (std::array<int, 3>{490, 1350, 1690}));
     EXPECT_EQ(table.find("EY")->f, (std::array<int, 3>{476, 2089, 2691}));
     EXPECT_EQ(table.find("S")->a[4], 52);
     EXPECT_EQ(table.find("SH")->a[1], 57);
-    EXPECT_EQ(table.find("AE")->inherentMS, 230);
-    EXPECT_EQ(table.find("AE")->minimumMS, 80);
     // IPA spellings, the silence, and what is not there.
     EXPECT_EQ(table.findIpa("æ"), table.find("AE"));
     EXPECT_EQ(table.findIpa("tʃ"), table.find("CH"));
