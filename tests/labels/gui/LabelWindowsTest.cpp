@@ -33,16 +33,22 @@
 namespace
 {
 
-// 1.5 s of a buzz (the length of the test TextGrid) with the TextGrid beside it.
-DocumentWindow* openLabelledRecording(Workbench& wb)
-{
-    std::vector<float> buzz(16538);
-    for (std::size_t i = 0; i < buzz.size(); ++i)
-        buzz[i] = static_cast<float>(i % 92) / 400.0f;
-    std::ofstream(wb.path("rec.wav").toStdString(), std::ios::binary) << waveFileBytes(buzz, 11025);
-    std::ofstream(wb.path("rec.TextGrid").toStdString(), std::ios::binary) << toUtf16(longTextGrid(), false);
-    return wb.app.openFile(wb.path("rec.wav"));
-}
+// 1.5 s of a buzz (the length of the test TextGrid) opened with the TextGrid beside it.
+struct LabelWindows : ::testing::Test {
+    Workbench wb;
+    DocumentWindow* w = nullptr;
+    void SetUp() override
+    {
+        std::vector<float> buzz(16538);
+        for (std::size_t i = 0; i < buzz.size(); ++i)
+            buzz[i] = static_cast<float>(i % 92) / 400.0f;
+        std::ofstream(wb.path("rec.wav").toStdString(), std::ios::binary) << waveFileBytes(buzz, 11025);
+        std::ofstream(wb.path("rec.TextGrid").toStdString(), std::ios::binary)
+            << toUtf16(longTextGrid(), false);
+        w = wb.app.openFile(wb.path("rec.wav"));
+        ASSERT_NE(w, nullptr) << wb.app.lastAlert().toStdString();
+    }
+};
 
 // The strip's boundaries lie where the views draw the frames of their times, at any zoom (the
 // texts stay inside the frame the strip is given: LabelStrip.PlacesBoundariesTextsAndTicksAtEveryZoom).
@@ -66,11 +72,8 @@ void expectStripOnTheAxis(const LabelStripView& strip, const TraceView& view, co
 }
 } // namespace
 
-TEST(LabelWindows, TraceWindowStripFollowsTheZoomAndTheTiersChosen)
+TEST_F(LabelWindows, TraceWindowStripFollowsTheZoomAndTheTiersChosen)
 {
-    Workbench wb;
-    DocumentWindow* w = openLabelledRecording(wb);
-    ASSERT_NE(w, nullptr) << wb.app.lastAlert().toStdString();
     DocumentLabels* labels = DocumentLabels::of(w->table());
     ASSERT_TRUE(labels->hasLabels()) << "the TextGrid beside the recording loads with it";
     EXPECT_EQ(labels->grid().tiers.size(), 2u);
@@ -113,11 +116,8 @@ TEST(LabelWindows, TraceWindowStripFollowsTheZoomAndTheTiersChosen)
     EXPECT_GT(trace->_viewAmplitudes()->geometry().bottom(), lower.bottom());
 }
 
-TEST(LabelWindows, GraphicalAndSliceWindowsAndTableHeadersShowTheLabels)
+TEST_F(LabelWindows, GraphicalAndSliceWindowsAndTableHeadersShowTheLabels)
 {
-    Workbench wb;
-    DocumentWindow* w = openLabelledRecording(wb);
-    ASSERT_NE(w, nullptr);
     w->table()->_dataentryGraphical();
     auto* graphical = dynamic_cast<dataentryGraphicalController*>(w->table()->graphicalDataEntry());
     ASSERT_NE(graphical, nullptr);
@@ -157,11 +157,8 @@ TEST(LabelWindows, GraphicalAndSliceWindowsAndTableHeadersShowTheLabels)
 
 // The spectrogram and pitch picture carries the label strip as the window shows it: the texts
 // under the views and the boundaries through them; without labels the views take the picture.
-TEST(LabelWindows, ExportedSpectrogramPictureCarriesTheLabelStripAndExportWritesItsFormat)
+TEST_F(LabelWindows, ExportedSpectrogramPictureCarriesTheLabelStripAndExportWritesItsFormat)
 {
-    Workbench wb;
-    DocumentWindow* w = openLabelledRecording(wb);
-    ASSERT_NE(w, nullptr);
     // Export writes what the writer of the format its extension names makes of the document.
     for (const auto& [name, format] :
          {std::pair{"out.tsv", InterchangeFormat::Tsv}, {"out.klp", InterchangeFormat::Klp}}) {
