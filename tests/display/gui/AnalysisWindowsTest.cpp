@@ -36,6 +36,7 @@ constexpr double kRate = 11025.0;
 struct AnalysisWindows : ::testing::Test {
     MyDocument doc;
     std::unique_ptr<mainTable> table;
+    SpectrogramPitchWindow* spectrogramWindow = nullptr; // the last the table's command opened
 
     void SetUp() override
     {
@@ -47,8 +48,8 @@ struct AnalysisWindows : ::testing::Test {
         table = std::make_unique<mainTable>(&doc);
         mainTable::setAnalysisWindowFactories(
             [](mainTable* t, double start) -> QWidget* { return new FFTLPCWindow(t, start, nullptr); },
-            [](mainTable* t, int channel) -> QWidget* {
-                return new SpectrogramPitchWindow(t, channel, nullptr);
+            [this](mainTable* t, int channel) -> QWidget* {
+                return spectrogramWindow = new SpectrogramPitchWindow(t, channel, nullptr);
             });
     }
 
@@ -124,11 +125,7 @@ TEST_F(AnalysisWindows, SliceOfASinePeaksAtItAndTheModelIsLaidOver)
 TEST_F(AnalysisWindows, SpectrogramWindowFindsTheVowelAndItsPitch)
 {
     table->_analysisSpectrogramPitch();
-    auto windows = QApplication::topLevelWidgets();
-    SpectrogramPitchWindow* window = nullptr;
-    for (QWidget* w : windows)
-        if (auto* s = qobject_cast<SpectrogramPitchWindow*>(w))
-            window = s;
+    SpectrogramPitchWindow* window = spectrogramWindow;
     ASSERT_NE(window, nullptr);
     EXPECT_TRUE(window->windowTitle().startsWith(QStringLiteral("Spectrogram and Pitch of table data:: ")));
     QSignalSpy ready(window->spectrogram(), &spectrogramView::pictureReady);
