@@ -74,7 +74,6 @@ TEST_F(AnalysisWindows, FFTLPCCommandStartsAtTheSelectedFrameAndStepsByFrames)
     EXPECT_EQ(table->fftlpcWindow(), nullptr);
 
     table->selectaColumn(5);
-    EXPECT_EQ(table->FFTLPCStartSample(), std::trunc(4 * c.m_dwFileLength / c.m_nColumnNum));
     table->_analysisFFTLPC();
     auto* window = qobject_cast<FFTLPCWindow*>(table->fftlpcWindow());
     ASSERT_NE(window, nullptr);
@@ -183,6 +182,7 @@ TEST_F(AnalysisWindows, AxisLabelsStayInTheWindowAndClearOfEachOther)
         expectLabelsClear(times, pitch.rect(), {}, "pitch time axis");
         EXPECT_EQ(times.front().box.left(), pitchArea.left()) << width;
         EXPECT_LE(times.back().box.right(), pitchArea.right()) << width;
+        EXPECT_EQ(times.back().text.toStdString(), "10000") << width; // moved in, not left out
 
         // The frequency labels stand in the strip left of the plot, not over the picture.
         const QRect area = spectrogram.plotArea();
