@@ -59,7 +59,7 @@ std::string runOnTerminal(const std::vector<std::string>& arguments, int& exitCo
 TEST(CliConventions, OutputsAreNeverWrittenOverBySurprise)
 {
     TempDir dir;
-    ASSERT_EQ(runCli("new --length 300 -o " + dir / "a.stk").exitCode, 0);
+    runCliOk("new --length 300 -o " + dir / "a.stk");
     const std::string document = slurp(dir / "a.stk");
 
     // A default output that exists is kept, named, and --force suggested.
@@ -72,11 +72,11 @@ TEST(CliConventions, OutputsAreNeverWrittenOverBySurprise)
     EXPECT_EQ(slurp(dir / "a.wav"), "yesterday's synthesis");
 
     // --force and an explicit -o replace it.
-    ASSERT_EQ(runCli("synth --force " + dir / "a.stk").exitCode, 0);
+    runCliOk("synth --force " + dir / "a.stk");
     const std::string wave = slurp(dir / "a.wav");
     EXPECT_EQ(wave.substr(0, 4), "RIFF");
     std::ofstream(dir / "a.wav") << "stale";
-    ASSERT_EQ(runCli("synth " + dir / "a.stk" + " -o " + dir / "a.wav").exitCode, 0);
+    runCliOk("synth " + dir / "a.stk" + " -o " + dir / "a.wav");
     EXPECT_TRUE(slurp(dir / "a.wav") == wave);
 
     // No command writes to a file it reads, however the path is spelled, with or without --force:
@@ -106,7 +106,7 @@ TEST(CliConventions, AllocationFailureIsOneLineNamingTheFile)
     GTEST_SKIP() << "the sanitizer's shadow memory does not fit under an address-space limit";
 #endif
     TempDir dir;
-    ASSERT_EQ(runCli("new --length 600000 -o " + dir / "long.stk").exitCode, 0);
+    runCliOk("new --length 600000 -o " + dir / "long.stk");
     // 40 MB of address space: the program starts, the synthesis of ten minutes does not fit.
     CliResult r = runCliAfter("ulimit -v 40000;", "synth " + dir / "long.stk");
     EXPECT_EQ(r.exitCode, 2) << r.err;
@@ -121,7 +121,7 @@ TEST(CliConventions, ProgressBarOnlyOnATerminal)
     TempDir dir;
     std::vector<std::string> args{"synth", "-j", "2"};
     for (const char* name : {"a", "b", "c"}) {
-        ASSERT_EQ(runCli(std::string("new -o ") + dir / (std::string(name) + ".stk")).exitCode, 0);
+        runCliOk(std::string("new -o ") + dir / (std::string(name) + ".stk"));
         args.push_back(dir / (std::string(name) + ".stk"));
     }
     int exitCode = -1;

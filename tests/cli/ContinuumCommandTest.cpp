@@ -10,8 +10,8 @@ TEST(CliContinuum, StepsWavesAndManifestInTheDefaultFolderAndRefusals)
     TempDir dir;
     saveTestDocument(dir / "ba.stk", 30, {{Row::f2, 1200}, {Row::f0, 1000}});
     saveTestDocument(dir / "da.stk", 30, {{Row::f2, 2200}, {Row::f0, 1200}});
-    CliResult made = runCli("continuum " + dir / "ba.stk " + dir / "da.stk" + " --steps 3 --scale bark -j 2");
-    ASSERT_EQ(made.exitCode, 0) << made.err;
+    CliResult made =
+        runCliOk("continuum " + dir / "ba.stk " + dir / "da.stk" + " --steps 3 --scale bark -j 2");
     EXPECT_EQ(made.err, "");
     const std::string folder = dir / "ba-continuum";
     EXPECT_EQ(linesOf(slurp(folder + "/manifest.csv")),
@@ -21,7 +21,7 @@ TEST(CliContinuum, StepsWavesAndManifestInTheDefaultFolderAndRefusals)
     // Each WAVE file is what synth makes of its document.
     for (const char* step : {"ba_1", "ba_2", "ba_3"}) {
         const std::string document = folder + "/" + step + ".stk";
-        ASSERT_EQ(runCli("synth " + document + " -o " + dir / "single.wav").exitCode, 0) << step;
+        runCliOk("synth " + document + " -o " + dir / "single.wav");
         EXPECT_TRUE(slurp(folder + "/" + step + ".wav") == slurp(dir / "single.wav")) << step;
     }
 
@@ -32,9 +32,8 @@ TEST(CliContinuum, StepsWavesAndManifestInTheDefaultFolderAndRefusals)
     EXPECT_NE(again.err.find("ba_1.stk"), std::string::npos) << again.err;
     EXPECT_EQ(slurp(folder + "/ba_2.wav"), "listened to yesterday");
     // An explicit folder, documents only, chosen rows.
-    CliResult chosen = runCli("continuum " + dir / "ba.stk " + dir / "da.stk" +
-                              " --steps 2 --rows f2 --no-wav -o " + dir / "only-f2");
-    ASSERT_EQ(chosen.exitCode, 0) << chosen.err;
+    CliResult chosen = runCliOk("continuum " + dir / "ba.stk " + dir / "da.stk" +
+                                " --steps 2 --rows f2 --no-wav -o " + dir / "only-f2");
     EXPECT_EQ(linesOf(slurp(dir / "only-f2/manifest.csv"))[2], "2,1,ba_2.stk,,2200.000");
     EXPECT_FALSE(std::filesystem::exists(dir / "only-f2/ba_2.wav"));
 

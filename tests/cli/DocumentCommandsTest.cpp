@@ -37,12 +37,10 @@ std::vector<std::string> linesWith(const std::string& text, const std::string& w
 TEST(CliDocumentCommands, NewThenInfoThenSynth)
 {
     TempDir dir;
-    CliResult made = runCli("new --length 500 --interval 5 -o " + dir / "u.stk");
-    ASSERT_EQ(made.exitCode, 0) << made.err;
+    CliResult made = runCliOk("new --length 500 --interval 5 -o " + dir / "u.stk");
     EXPECT_TRUE(made.out.empty()); // results only; nothing to report
 
-    CliResult info = runCli("info " + dir / "u.stk");
-    ASSERT_EQ(info.exitCode, 0) << info.err;
+    CliResult info = runCliOk("info " + dir / "u.stk");
     expectInfo(info.out, {{"type", "stk"},
                           {"length_ms", "500"},
                           {"interval_ms", "5"},
@@ -55,16 +53,13 @@ TEST(CliDocumentCommands, NewThenInfoThenSynth)
 
     // Default output: the input with the extension .wav; quiet on success, the core's log lines
     // only with --verbose (which may stand after the command's own arguments), never on stdout.
-    CliResult synth = runCli("synth " + dir / "u.stk");
-    ASSERT_EQ(synth.exitCode, 0) << synth.err;
+    CliResult synth = runCliOk("synth " + dir / "u.stk");
     EXPECT_EQ(synth.out, "");
     EXPECT_EQ(synth.err, "");
-    CliResult verbose = runCli("synth " + dir / "u.stk" + " --force --verbose");
-    ASSERT_EQ(verbose.exitCode, 0) << verbose.err;
+    CliResult verbose = runCliOk("synth " + dir / "u.stk" + " --force --verbose");
     EXPECT_NE(verbose.err.find("synthesize"), std::string::npos) << verbose.err;
     EXPECT_EQ(verbose.out, "");
-    CliResult wave = runCli("info " + dir / "u.wav");
-    ASSERT_EQ(wave.exitCode, 0) << wave.err;
+    CliResult wave = runCliOk("info " + dir / "u.wav");
     // 11025 x 0.5 s, truncated.
     expectInfo(wave.out, {{"type", "wave"},
                           {"format", "1"},
@@ -100,7 +95,7 @@ TEST(CliDocumentCommands, ErrorsHaveTheirExitCodesAndOneLine)
 TEST(CliDocumentCommands, ClampedValuesTruncationAndClippingAreOneWarningEach)
 {
     TempDir dir;
-    ASSERT_EQ(runCli("new --length 300 -o " + dir / "u.stk").exitCode, 0);
+    runCliOk("new --length 300 -o " + dir / "u.stk");
     // Every frame: an f0 too large for the table, voicing and gain at their maximum. The last four
     // value lines dropped: 26 of 30 frames are left.
     saveTestDocument(dir / "loud.stk", 30, {{Row::f0, 99999}, {Row::av, 87}, {Row::gain, 87}});
@@ -109,8 +104,7 @@ TEST(CliDocumentCommands, ClampedValuesTruncationAndClippingAreOneWarningEach)
         text.erase(text.rfind("\r\n", text.size() - 3) + 2);
     std::ofstream(dir / "loud.stk", std::ios::binary) << text;
 
-    CliResult info = runCli("info " + dir / "loud.stk");
-    ASSERT_EQ(info.exitCode, 0) << info.err;
+    CliResult info = runCliOk("info " + dir / "loud.stk");
     expectInfo(info.out, {{"frames", "30"}, {"frames_in_file", "26"}, {"clamped_values", "26"}});
     const auto warnings = linesOf(info.err);
     ASSERT_EQ(warnings.size(), 2u) << info.err;
@@ -123,8 +117,7 @@ TEST(CliDocumentCommands, ClampedValuesTruncationAndClippingAreOneWarningEach)
     EXPECT_TRUE(whole.err.empty()) << whole.err;
 
     // The synthesis is written all the same (exit 0), with one line about its clipping.
-    CliResult synth = runCli("synth " + dir / "loud.stk" + " -o " + dir / "loud.wav");
-    ASSERT_EQ(synth.exitCode, 0) << synth.err;
+    CliResult synth = runCliOk("synth " + dir / "loud.stk" + " -o " + dir / "loud.wav");
     EXPECT_TRUE(synth.out.empty());
     EXPECT_EQ(linesWith(synth.err, "26 of 30").size(), 1u) << synth.err;
     const auto clipped = linesWith(synth.err, "samples clipped (peak ");
@@ -148,17 +141,12 @@ TEST(CliBatchSynth, IdenticalBytesAndFailuresAmongSuccesses)
     CliResult batch = runCli("synth -j 2 --out-dir " + dir / "out" + inputs + " " + dir / "broken.stk " +
                              dir / "missing.stk");
     EXPECT_EQ(batch.exitCode, 2);
-    const std::vector<std::string> errors = linesOf(batch.err);
-    ASSERT_EQ(errors.size(), 2u) << batch.err;
-    EXPECT_EQ(std::count_if(errors.begin(), errors.end(),
-                            [](const std::string& l) { return l.find("broken.stk") != std::string::npos; }),
-              1);
-    EXPECT_EQ(std::count_if(errors.begin(), errors.end(),
-                            [](const std::string& l) { return l.find("missing.stk") != std::string::npos; }),
-              1);
+    ASSERT_EQ(linesOf(batch.err).size(), 2u) << batch.err;
+    EXPECT_EQ(linesWith(batch.err, "broken.stk").size(), 1u) << batch.err;
+    EXPECT_EQ(linesWith(batch.err, "missing.stk").size(), 1u) << batch.err;
     for (int i = 0; i < 5; ++i) {
         const std::string stem = "s" + std::to_string(i);
-        ASSERT_EQ(runCli("synth " + dir / (stem + ".stk")).exitCode, 0) << stem;
+        runCliOk("synth " + dir / (stem + ".stk"));
         const std::string single = slurp(dir / (stem + ".wav"));
         ASSERT_GT(single.size(), 44u);
         EXPECT_TRUE(slurp(dir / ("out/" + stem + ".wav")) == single) << stem;
@@ -166,7 +154,7 @@ TEST(CliBatchSynth, IdenticalBytesAndFailuresAmongSuccesses)
     // One job gives the same bytes; a rerun keeps what exists unless --force.
     std::filesystem::remove_all(dir.path / "out");
     std::filesystem::create_directories(dir.path / "out");
-    ASSERT_EQ(runCli("synth -j 1 --out-dir " + dir / "out" + inputs).exitCode, 0);
+    runCliOk("synth -j 1 --out-dir " + dir / "out" + inputs);
     EXPECT_TRUE(slurp(dir / "out/s3.wav") == slurp(dir / "s3.wav"));
     CliResult rerun = runCli("synth --out-dir " + dir / "out" + inputs);
     EXPECT_EQ(rerun.exitCode, 2);
@@ -182,13 +170,8 @@ TEST(CliBatchSynth, IdenticalBytesAndFailuresAmongSuccesses)
     CliResult clash = runCli("synth --force --out-dir " + dir / "out " + dir / "s1.stk " +
                              dir / "sub/s1.stk " + dir / "out/rec.wav");
     EXPECT_EQ(clash.exitCode, 2);
-    const std::vector<std::string> refused = linesOf(clash.err);
-    ASSERT_EQ(refused.size(), 2u) << clash.err;
-    EXPECT_EQ(
-        std::count_if(refused.begin(), refused.end(),
-                      [](const std::string& l) { return l.find("also the output of") != std::string::npos; }),
-        1)
-        << clash.err;
+    ASSERT_EQ(linesOf(clash.err).size(), 2u) << clash.err;
+    EXPECT_EQ(linesWith(clash.err, "also the output of").size(), 1u) << clash.err;
     EXPECT_TRUE(slurp(dir / "out/s1.wav") == slurp(dir / "s1.wav"));
     EXPECT_TRUE(slurp(dir / "out/rec.wav") == slurp(dir / "s3.wav"));
 }

@@ -57,29 +57,26 @@ TEST(SliceCommands, SliceRowsAndPicturesHaveTheShapeTheOptionsAskForAndBadInputI
 {
     TempDir dir;
     const std::string wav = writeVowel(dir / "a.wav", 1.0);
-    CliResult r = runCli("slice " + wav + " --at 300 --lpc");
-    ASSERT_EQ(r.exitCode, 0) << r.err;
+    CliResult r = runCliOk("slice " + wav + " --at 300 --lpc");
     std::string header;
     EXPECT_EQ(rowsOf(r.out, &header), 117u); // bins of 11025 / 256 Hz up to 5000 Hz
     EXPECT_EQ(header, "freq_hz,fft_db,lpc_db");
 
-    r = runCli("slice " + wav + " --at 300 --window 512 --range 3000");
-    ASSERT_EQ(r.exitCode, 0) << r.err;
+    r = runCliOk("slice " + wav + " --at 300 --window 512 --range 3000");
     EXPECT_EQ(rowsOf(r.out, &header), 140u); // floor(3000 / 21.5) + 1
     EXPECT_EQ(header, "freq_hz,fft_db");
 
     // Pictures: PNG by libpng at 100 pixels an inch, SVG stating its size; -o replaces.
     const std::string png = dir / "a.png", svg = dir / "a.svg";
     std::ofstream(png) << "old";
-    r = runCli("slice " + wav + " --at 300 --lpc -o " + png);
-    ASSERT_EQ(r.exitCode, 0) << r.err;
+    r = runCliOk("slice " + wav + " --at 300 --lpc -o " + png);
     EXPECT_TRUE(r.out.empty());
     const std::string bytes = slurp(png);
     ASSERT_GT(bytes.size(), 24u);
     EXPECT_EQ(bytes.substr(1, 3), "PNG");
     EXPECT_EQ(bigEndian32(bytes, 16), 600u);
     EXPECT_EQ(bigEndian32(bytes, 20), 400u);
-    ASSERT_EQ(runCli("slice " + wav + " --at 300 -o " + svg).exitCode, 0);
+    runCliOk("slice " + wav + " --at 300 -o " + svg);
     EXPECT_NE(slurp(svg).find("width=\"6.00in\" height=\"4.00in\""), std::string::npos);
 
     // Times past the end, missing or bad options, outputs that cannot be written or would
@@ -109,8 +106,7 @@ TEST(SliceCommands, CompareMeasuresTwoRecordingsOfOneRate)
     const std::string b = sineWave(dir, "b.wav", 1500.0, 11025.0, 5512);
     // One line of time and distance a frame, up to the shorter recording; the times and the
     // distances to the thousandth are the analysis module's (tests/python, test_compare...).
-    CliResult r = runCli("compare " + a + " " + b);
-    ASSERT_EQ(r.exitCode, 0) << r.err;
+    CliResult r = runCliOk("compare " + a + " " + b);
     EXPECT_EQ(linesOf(r.out).at(0), "time_ms,distance_db");
 
     const std::string fast = sineWave(dir, "fast.wav", 440.0, 22050.0, 22050);
@@ -126,8 +122,7 @@ TEST(CompareSummary, OneLineOfFiguresItsOwnCopyPerfectAndTheReferenceMelCepstral
 {
     TempDir dir;
     const std::string original = writeWave(dir / "orig.wav", utterance(110, 650, 1150, 11025, 1), 11025);
-    CliResult r = runCli("compare " + original + " " + original + " --summary");
-    ASSERT_EQ(r.exitCode, 0) << r.err;
+    CliResult r = runCliOk("compare " + original + " " + original + " --summary");
     EXPECT_EQ(r.out.rfind("mcd_db=0.00 level_db=0.00 f0_err_pct=0.00 f0_gross_pct=0.0 f1_err_pct=0.00 "
                           "f2_err_pct=0.00 clipped=0 covoiced=",
                           0),
@@ -141,8 +136,7 @@ TEST(CompareSummary, OneLineOfFiguresItsOwnCopyPerfectAndTheReferenceMelCepstral
     EXPECT_TRUE(r.out.empty());
 
     const std::string copy = writeWave(dir / "copy.wav", utterance(116, 560, 1350, 22050, 2), 22050);
-    r = runCli("compare " + original + " " + copy + " --summary");
-    ASSERT_EQ(r.exitCode, 0) << r.err;
+    r = runCliOk("compare " + original + " " + copy + " --summary");
     ASSERT_EQ(std::count(r.out.begin(), r.out.end(), '\n'), 1) << r.out;
     std::map<std::string, std::string> f = figuresOf(r.out);
     EXPECT_GT(std::atof(f["mcd_db"].c_str()), 1.0);

@@ -15,11 +15,10 @@ TEST(CliStimulusOutput, ContinuumWithOneGainRampsAndFiguresInANewFolder)
     saveTestDocument(dir / "a.stk", 40, {{Row::f2, 1100}, {Row::av, 50}});
     saveTestDocument(dir / "b.stk", 40, {{Row::f2, 1900}, {Row::av, 60}});
     const std::string folder = dir / "new/deeper/steps";
-    CliResult r = runCli("continuum " + dir / "a.stk " + dir / "b.stk" +
-                         " --steps 4 --rows f2,av --rate 48000 --normalize rms:-20 --same-gain --ramp 10 "
-                         "--pad 5,20 -j 2 --out-dir " +
-                         folder);
-    ASSERT_EQ(r.exitCode, 0) << r.err;
+    CliResult r = runCliOk("continuum " + dir / "a.stk " + dir / "b.stk" +
+                           " --steps 4 --rows f2,av --rate 48000 --normalize rms:-20 --same-gain --ramp 10 "
+                           "--pad 5,20 -j 2 --out-dir " +
+                           folder);
     const auto rows = readCsv(folder + "/manifest.csv");
     ASSERT_EQ(rows.size(), 4u);
     EXPECT_EQ(linesOf(slurp(folder + "/manifest.csv")).at(0),
@@ -49,10 +48,9 @@ TEST(CliStimulusOutput, BatchManifestFlacAndEachFileAtItsOwnLevel)
     TempDir dir;
     saveTestDocument(dir / "a.stk", 30, {{Row::f2, 1100}, {Row::av, 50}});
     saveTestDocument(dir / "b.stk", 50, {{Row::f2, 1900}, {Row::av, 60}});
-    CliResult r = runCli("synth " + dir / "a.stk " + dir / "b.stk" +
-                         " --normalize peak:-1 --format flac --bits 24 --rate 22050 -j 2 --out-dir " +
-                         dir / "flac" + " --manifest " + dir / "m.csv");
-    ASSERT_EQ(r.exitCode, 0) << r.err;
+    CliResult r = runCliOk("synth " + dir / "a.stk " + dir / "b.stk" +
+                           " --normalize peak:-1 --format flac --bits 24 --rate 22050 -j 2 --out-dir " +
+                           dir / "flac" + " --manifest " + dir / "m.csv");
     const auto rows = readCsv(dir / "m.csv");
     ASSERT_EQ(rows.size(), 2u);
     for (const auto& row : rows) {
@@ -67,9 +65,8 @@ TEST(CliStimulusOutput, BatchManifestFlacAndEachFileAtItsOwnLevel)
     EXPECT_NE(rows[0].at("gain_db"), rows[1].at("gain_db"));
 
     // Plain output with a manifest: the WAVE bytes are synth's own, the figures describe them.
-    ASSERT_EQ(runCli("synth " + dir / "a.stk").exitCode, 0);
-    r = runCli("synth " + dir / "a.stk --out-dir " + dir / "plain --manifest " + dir / "p.csv");
-    ASSERT_EQ(r.exitCode, 0) << r.err;
+    runCliOk("synth " + dir / "a.stk");
+    r = runCliOk("synth " + dir / "a.stk --out-dir " + dir / "plain --manifest " + dir / "p.csv");
     EXPECT_TRUE(slurp(dir / "plain/a.wav") == slurp(dir / "a.wav"));
     const Audio plain = readAudioFile(dir / "a.wav");
     EXPECT_NEAR(std::stod(readCsv(dir / "p.csv")[0].at("rms_db")),

@@ -33,19 +33,10 @@ TEST(CopySynthesis, RefusesWhatItCannotAnalyse)
     refuses(15, kRate, {}); // shorter than two frames
     refuses(samples.size(), 4000.0, {});
     refuses(samples.size(), std::nan(""), {});
-    CopySynthesisOptions o;
-    o.outputRate = 16000;
-    refuses(samples.size(), kRate, o);
-    o = {};
-    o.pitchLowHz = 400.0;
-    o.pitchHighHz = 100.0;
-    refuses(samples.size(), kRate, o);
-    o = {};
-    o.intervalMS = 0;
-    refuses(samples.size(), kRate, o);
-    o = {};
-    o.maxFormantHz = 100.0;
-    refuses(samples.size(), kRate, o);
+    refuses(samples.size(), kRate, {.outputRate = 16000});
+    refuses(samples.size(), kRate, {.pitchLowHz = 400.0, .pitchHighHz = 100.0});
+    refuses(samples.size(), kRate, {.intervalMS = 0});
+    refuses(samples.size(), kRate, {.maxFormantHz = 100.0});
 }
 
 TEST(CopySynthesis, SilentRecordingGivesASilentDocument)

@@ -104,8 +104,10 @@ TEST(PhonemeRules, StopPlacesStartTheirTransitionsWhereTheLociPutThem)
         for (int i = 0; i < 3; ++i) {
             const RuleFrames frames = framesOf(std::string(stops[i]) + " " + vowel + "1");
             const Segment& stop = segmentOf(frames, stops[i]);
-            // The first voiced frame after the release.
+            // At the release F2 starts from the locus C + k (V - C), then the first voiced frame.
             int frame = static_cast<int>(stop.releaseMS() / 10.0);
+            const Phoneme &c = *stop.phoneme, &v = *PhonemeInventory::americanEnglish().find(vowel);
+            EXPECT_EQ(frames.value(Row::f2, frame), std::lround(c.f[1] + c.k * (v.f[1] - c.f[1])));
             while (frames.value(Row::av, frame) == 0)
                 ++frame;
             f2[i] = frames.value(Row::f2, frame);

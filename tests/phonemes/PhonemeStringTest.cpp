@@ -34,22 +34,15 @@ std::string errorOf(const std::string& text)
 TEST(PhonemeString, ArpabetCarriesStressWordsPunctuationAndHeldDurations)
 {
     const auto tokens = PhonemeString::parseArpabet("B AE1 D | b eh2 d, AA1:300?", table());
-    ASSERT_EQ(tokens.size(), 9u);
-    EXPECT_EQ(tokens[1].phoneme->arpa, "AE");
-    EXPECT_EQ(tokens[1].stress, 1);
-    EXPECT_EQ(tokens[4].stress, 2);
-    EXPECT_TRUE(tokens[0].wordStart);
-    EXPECT_FALSE(tokens[1].wordStart);
-    EXPECT_TRUE(tokens[3].wordStart);
-    EXPECT_EQ(tokens[6].mark, ',');
-    EXPECT_EQ(tokens[6].phoneme, nullptr);
-    EXPECT_TRUE(tokens[7].wordStart);
-    EXPECT_EQ(tokens[7].durationMS, 300);
-    EXPECT_EQ(tokens[8].mark, '?');
-    EXPECT_EQ(tokens[7].position, 20u);
-    // What the user is shown reads back as the same string; a vowel without digit is stressed.
+    // What the user is shown holds each token's phoneme, stress, duration, mark and a word's start
+    // after a phoneme; the starts the text does not show are checked on their own.
     const std::string shown = PhonemeString::describe(tokens);
     EXPECT_EQ(shown, "B AE1 D | B EH2 D , AA1:300 ?");
+    ASSERT_EQ(tokens.size(), 9u);
+    EXPECT_TRUE(tokens[0].wordStart);
+    EXPECT_TRUE(tokens[7].wordStart);
+    EXPECT_EQ(tokens[7].position, 20u);
+    // It reads back as the same string; a vowel without digit is stressed.
     EXPECT_EQ(arpabetOf(shown), shown);
     EXPECT_EQ(arpabetOf("HH AH L OW"), "HH AH1 L OW1");
 

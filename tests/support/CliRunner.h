@@ -14,6 +14,7 @@
 #include <filesystem>
 #include <fstream>
 #include <sstream>
+#include <stdexcept>
 #include <string>
 #include <sys/wait.h>
 #include <vector>
@@ -48,6 +49,15 @@ inline CliResult runCliAfter(const std::string& shellPrefix, const std::string& 
 inline CliResult runCli(const std::string& arguments)
 {
     return runCliAfter("", arguments);
+}
+
+// Runs a command that must succeed: when it does not, its exit code and error output end the test.
+inline CliResult runCliOk(const std::string& arguments)
+{
+    CliResult result = runCli(arguments);
+    if (result.exitCode != 0)
+        throw std::runtime_error(arguments + ": exit " + std::to_string(result.exitCode) + ", " + result.err);
+    return result;
 }
 
 // The lines of `text`, without their line ends.

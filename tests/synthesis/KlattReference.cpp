@@ -2,6 +2,7 @@
 
 #include "document/ParameterDefinition.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace
@@ -53,28 +54,17 @@ void KlattReference::setResonator(Resonator& r, int frequency, int bandwidth) co
 
 void KlattReference::setAntiresonator(Resonator& r, int frequency, int bandwidth) const
 {
-    int negated = -frequency;
-    if (negated >= 0)
-        negated = -1;
-    setResonator(r, negated, bandwidth);
+    setResonator(r, std::min(-frequency, -1), bandwidth);
     r.a = 1.0 / r.a;
     r.b = -r.b * r.a;
     r.c = -r.c * r.a;
 }
 
-double KlattReference::resonate(Resonator& r, double x)
+double KlattReference::resonate(Resonator& r, double x, bool zero)
 {
     const double y = r.a * x + r.b * r.p1 + r.c * r.p2;
     r.p2 = r.p1;
-    r.p1 = y;
-    return y;
-}
-
-double KlattReference::antiresonate(Resonator& r, double x)
-{
-    const double y = r.a * x + r.b * r.p1 + r.c * r.p2;
-    r.p2 = r.p1;
-    r.p1 = x;
+    r.p1 = zero ? x : y;
     return y;
 }
 
@@ -197,7 +187,7 @@ std::vector<int> KlattReference::frame(klatt_frame_t f)
 
         double cascadeOut = 0.0;
         if (m_run.model != 2) {
-            cascadeOut = resonate(m_cascadeNasalPole, antiresonate(m_nasalZero, glot));
+            cascadeOut = resonate(m_cascadeNasalPole, resonate(m_nasalZero, glot, true));
             for (int k = m_run.cascade_formants; k >= 1; --k)
                 cascadeOut = resonate(m_cascade[k], cascadeOut);
         }
@@ -217,14 +207,7 @@ std::vector<int> KlattReference::frame(klatt_frame_t f)
         const int select = m_run.output_select;
         const double value =
             resonate(m_outputLowpass, select >= 1 && select <= 7 ? taps[select] : sum) * m_dGainOverall;
-        int sample = 0;
-        if (value < -32768.0)
-            sample = -32768;
-        else if (value > 32767.0)
-            sample = 32767;
-        else
-            sample = static_cast<int>(value);
-        out.push_back(sample);
+        out.push_back(static_cast<int>(std::clamp(value, -32768.0, 32767.0)));
     }
     return out;
 }

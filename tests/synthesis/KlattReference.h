@@ -33,8 +33,8 @@ private:
     };
     void setResonator(Resonator& r, int frequency, int bandwidth) const;
     void setAntiresonator(Resonator& r, int frequency, int bandwidth) const;
-    static double resonate(Resonator& r, double x);
-    static double antiresonate(Resonator& r, double x);
+    // One step of a resonator, or with `zero` of an antiresonator (it feeds back its inputs).
+    static double resonate(Resonator& r, double x, bool zero = false);
 
     double glottalSourceValue();
     void pitchPeriodStart(klatt_frame_t& f, int sampleIndex);

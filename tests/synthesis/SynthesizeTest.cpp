@@ -235,9 +235,10 @@ TEST_F(SynthesizeTest, SilentSynthesisIsReportedAsClippingIs)
     EXPECT_EQ(doc.clippingReport(), "");
 }
 
-TEST_F(SynthesizeTest, ADocumentWithoutTableDataIsSynthesizedFromItsGrid)
+TEST_F(SynthesizeTest, ADocumentWithoutTableDataIsSynthesizedFromItsGridOrItsParameters)
 {
-    // A read document whose table data was never built sounds as it does once it is built.
+    // A read document whose table data was never built sounds as it does once it is built: from
+    // its grid, or without one from the parameters' own values.
     auto source = makeTestDocument(30, 10, 1);
     for (int k = 1; k <= 30; ++k) {
         setValue(*source, k, Row::f0, 900 + 13 * k);
@@ -245,20 +246,27 @@ TEST_F(SynthesizeTest, ADocumentWithoutTableDataIsSynthesizedFromItsGrid)
         setValue(*source, k, Row::atu, 0);
     }
     const std::string text = source->parameterDocumentText(true);
-    MyDocument unbuilt, built;
-    ASSERT_EQ(unbuilt.Read_STK_FileType(text), 0);
-    ASSERT_EQ(built.Read_STK_FileType(text), 0);
-    built.m_bReadFile = 1;
-    built.buildDataTableDictionary();
-    unbuilt.Synthesize();
-    built.Synthesize();
-    EXPECT_TRUE(unbuilt._dataTableDictionary.empty());
-    const Channels& a = *unbuilt.getChannel(0);
-    const Channels& b = *built.getChannel(0);
-    ASSERT_EQ(a.sampleCount(), 3307u);
-    ASSERT_EQ(b.sampleCount(), a.sampleCount());
-    EXPECT_TRUE(std::equal(a.samples(), a.samples() + a.sampleCount(), b.samples()));
-    EXPECT_NE(*std::max_element(a.samples(), a.samples() + a.sampleCount()), 0.0f);
+    for (const bool withGrid : {true, false}) {
+        MyDocument unbuilt, built;
+        for (MyDocument* d : {&unbuilt, &built}) {
+            ASSERT_EQ(d->Read_STK_FileType(text), 0);
+            if (!withGrid) {
+                d->getChannel(0)->m_snppDataImage_Col_Row.clear();
+                d->getChannel(0)->m_Parameters[Row::atu].nValue = 0; // no noise
+            }
+        }
+        built.m_bReadFile = 1;
+        built.buildDataTableDictionary();
+        unbuilt.Synthesize();
+        built.Synthesize();
+        EXPECT_TRUE(unbuilt._dataTableDictionary.empty());
+        const Channels& a = *unbuilt.getChannel(0);
+        const Channels& b = *built.getChannel(0);
+        ASSERT_EQ(a.sampleCount(), 3307u);
+        ASSERT_EQ(b.sampleCount(), a.sampleCount());
+        EXPECT_TRUE(std::equal(a.samples(), a.samples() + a.sampleCount(), b.samples())) << withGrid;
+        EXPECT_NE(*std::max_element(a.samples(), a.samples() + a.sampleCount()), 0.0f);
+    }
 }
 
 TEST_F(SynthesizeTest, PreviousSynthesisMovesToChannelOneAndTheTailIsSilentWhateverTheMemoryHeld)

@@ -65,7 +65,7 @@ TEST_F(CopySynthesisWindow, TheButtonAppliesOneUndoStepThatEqualsTheCommandLine)
     const std::string window = saved("window.stk");
 
     const std::string cli = folder / "cli.stk";
-    ASSERT_EQ(runCli("copysynth " + wav + " -o " + cli).exitCode, 0);
+    runCliOk("copysynth " + wav + " -o " + cli);
     EXPECT_FALSE(window.empty());
     EXPECT_TRUE(window == slurp(cli));
     EXPECT_FALSE(window == before);
