@@ -54,11 +54,10 @@ TEST(Recovery, CopiesLeftByAWorkbenchThatEndedAreRecoveredOrDiscarded)
         whenModal<RecoveryDialog>([](RecoveryDialog* dialog) {
             EXPECT_EQ(dialog->windowTitle(), "Recover Unsaved Documents");
             EXPECT_EQ(dialog->list()->count(), 4);
-            QStringList lines;
-            for (int i = 0; i < dialog->list()->count(); ++i)
-                lines << dialog->list()->item(i)->text();
-            EXPECT_EQ(lines.filter("Untitled 2 — changed").size(), 1) << lines.join("|").toStdString();
-            EXPECT_EQ(lines.filter("vowel.stk — changed").size(), 1);
+            for (const char* line : {"Untitled 2 — changed", "vowel.stk — changed"})
+                EXPECT_EQ(dialog->list()->findItems(line, Qt::MatchContains | Qt::MatchCaseSensitive).size(),
+                          1)
+                    << line;
             dialog->recoverButton()->click();
         });
         EXPECT_EQ(next.offerRecovery(), 3);
@@ -81,11 +80,8 @@ TEST(Recovery, CopiesLeftByAWorkbenchThatEndedAreRecoveredOrDiscarded)
         const QStringList now = state.copies();
         EXPECT_EQ(now.size(), 4);
         EXPECT_TRUE(now.contains("999.1-1.stk"));
-        for (const QString& copy : old) {
-            if (copy != "999.1-1.stk") {
-                EXPECT_FALSE(now.contains(copy)) << copy.toStdString();
-            }
-        }
+        for (const QString& copy : old)
+            EXPECT_TRUE(copy == "999.1-1.stk" || !now.contains(copy)) << copy.toStdString();
     }
 
     WorkbenchApplication last;

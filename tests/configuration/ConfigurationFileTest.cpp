@@ -32,19 +32,13 @@ void customize(MyDocument& doc)
     doc.m_dPreEmphasis = 0.5;
 }
 
-struct TemporaryConfigHome {
-    std::filesystem::path folder;
-    TemporaryConfigHome()
-    {
-        char name[] = "/tmp/tessaphon-config-XXXXXX";
-        folder = mkdtemp(name);
-        setenv("XDG_CONFIG_HOME", folder.c_str(), 1);
-    }
+// A configuration folder of the test's own; the hooks go with it.
+struct TemporaryConfigHome : TempDir {
+    TemporaryConfigHome() { setenv("XDG_CONFIG_HOME", path.c_str(), 1); }
     ~TemporaryConfigHome()
     {
         MyDocument::setConfigurationLoader({});
         MyDocument::setConfigurationWriter({});
-        std::filesystem::remove_all(folder);
     }
 };
 } // namespace
@@ -151,7 +145,7 @@ TEST(ConfigurationFile, HooksWriteWhenMissingAndFeedNewDocuments)
 {
     TemporaryConfigHome home;
     const std::string path = ConfigurationFile::defaultPath();
-    EXPECT_EQ(path, home.folder.string() + "/Tessaphon/TessaphonConf.cfg");
+    EXPECT_EQ(path, home / "Tessaphon/TessaphonConf.cfg");
     ConfigurationFile::install();
 
     MyDocument first; // no file yet: one is written with the factory values
@@ -171,7 +165,7 @@ TEST(ConfigurationFile, HooksWriteWhenMissingAndFeedNewDocuments)
     EXPECT_EQ(slurp(path), "garbage");
 
     // Named configurations: write where asked, refuse an unwritable place with a reason.
-    const std::string named = (home.folder / "named" / "config.cfg").string();
+    const std::string named = home / "named/config.cfg";
     ASSERT_TRUE(ConfigurationFile::write(named, first));
     MyDocument fourth;
     ASSERT_TRUE(ConfigurationFile::read(named, fourth, ConfigurationFile::Scope::Everything));
@@ -179,6 +173,5 @@ TEST(ConfigurationFile, HooksWriteWhenMissingAndFeedNewDocuments)
     std::string error;
     EXPECT_FALSE(ConfigurationFile::write("/proc/tessaphon/config.cfg", first, &error));
     EXPECT_FALSE(error.empty());
-    EXPECT_FALSE(ConfigurationFile::read(home.folder.string() + "/missing.cfg", fourth,
-                                         ConfigurationFile::Scope::Everything));
+    EXPECT_FALSE(ConfigurationFile::read(home / "missing.cfg", fourth, ConfigurationFile::Scope::Everything));
 }

@@ -116,14 +116,13 @@ TEST(LargeBuffers, ALengthDeclaredFarBeyondTheTextCostsOnlyTheFramesItHolds)
     EXPECT_EQ(c->m_nColumnNum, 360000);
     EXPECT_EQ(grid.size(), 360002u);
     EXPECT_EQ(document.framesInFile(), 3);
-    EXPECT_LE(grid.storedColumns(), 3u); // about 300 bytes, not the hour's 36 MB
     EXPECT_EQ(grid[1][Row::f1], 777);
     // The frames the text lacks read as the defaults, the two spare columns as zeros.
     EXPECT_EQ(grid[200000][Row::f0], c->m_Parameters[Row::f0].nDefaultValue);
     EXPECT_EQ(grid[359999][Row::gain], c->m_Parameters[Row::gain].nDefaultValue);
     EXPECT_EQ(grid[360000][Row::f0], 0);
     EXPECT_EQ(grid[360001][Row::f0], 0);
-    EXPECT_EQ(grid.storedColumns(), 3u) << "reading stores nothing";
+    EXPECT_EQ(grid.storedColumns(), 3u) << "reading stores nothing"; // about 300 bytes, not 36 MB
     // Copying the columns as a vector reads them the same way.
     const std::vector<GridColumn> firstFive(grid.begin(), grid.begin() + 5);
     ASSERT_EQ(firstFive.size(), 5u);

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 
 namespace
@@ -28,13 +29,10 @@ TEST(WaveFile, WrittenHeaderIsByteExactAndSamplesWrapWithoutClipping)
                                       0,    0,    0,   0,   'd',  'a',  't', 'a', 14,  0,   0,   0};
     ASSERT_EQ(image.size(), 48u + 14u);
     EXPECT_EQ(std::memcmp(image.data(), golden, 48), 0);
-    EXPECT_EQ(sampleAt(image, 0), 16384);
-    EXPECT_EQ(sampleAt(image, 1), -8192);
-    EXPECT_EQ(sampleAt(image, 2), -32768); // +1.0 wraps
-    EXPECT_EQ(sampleAt(image, 3), -32768);
-    EXPECT_EQ(sampleAt(image, 4), -16384); // 1.5 -> 49152 -> low 16 bits
-    EXPECT_EQ(sampleAt(image, 5), 32767);
-    EXPECT_EQ(sampleAt(image, 6), 0); // truncation toward zero, not rounding
+    // +1.0 wraps; 1.5 -> 49152 -> its low 16 bits; the last truncates toward zero, not rounding.
+    const std::int16_t expected[] = {16384, -8192, -32768, -32768, -16384, 32767, 0};
+    for (std::size_t i = 0; i < 7; ++i)
+        EXPECT_EQ(sampleAt(image, i), expected[i]) << i;
 
     // A fractional length writes the sample the loop reaches beyond the counted ones, as zero
     // when the block does not hold it.
@@ -52,9 +50,8 @@ TEST(WaveFile, WrittenFileReadsBackAsModelWithGridAndStkLocation)
 {
     // One second at 8000 Hz: 100 frames of 10 ms.
     std::vector<float> samples(8000, 0.0f);
-    samples[0] = 0.25f;
-    samples[1] = -0.5f;
-    samples[2] = 0.125f;
+    const float first[] = {0.25f, -0.5f, 0.125f};
+    std::copy(first, first + 3, samples.begin());
     const std::string image = waveFileBytes(samples, 8000.0);
 
     MyDocument document;
@@ -67,9 +64,7 @@ TEST(WaveFile, WrittenFileReadsBackAsModelWithGridAndStkLocation)
     EXPECT_DOUBLE_EQ(model->m_dwFileLength, 8000.0);
     EXPECT_DOUBLE_EQ(model->m_dLengthMS, 1000.0);
     ASSERT_EQ(model->sampleCount(), 8000u);
-    EXPECT_FLOAT_EQ(model->samples()[0], 0.25f);
-    EXPECT_FLOAT_EQ(model->samples()[1], -0.5f);
-    EXPECT_FLOAT_EQ(model->samples()[2], 0.125f);
+    EXPECT_TRUE(std::equal(first, first + 3, model->samples()));
     EXPECT_EQ(model->m_hData->size(), 8000u * 4u + 100u);
     EXPECT_EQ(model->m_nChannelsinFile, 1);
     EXPECT_EQ(model->m_nDataType, 3);

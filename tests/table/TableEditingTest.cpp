@@ -221,38 +221,48 @@ TEST(TableEditing, SaveParametersAppliesSettingsKeepingValues)
     EXPECT_TRUE(d.doc.isDocumentEdited());
 }
 
-// The hour of HourDocument.h, in which one made cell has a definition of its own.
+// The hour of HourDocument.h, in which one made cell has a definition of its own, and its twin,
+// which has every column made first: what the document answers must be what the twin answers.
 namespace
 {
-void openHourWithOwnCell(MyDocument& doc)
-{
-    openHour(doc);
-    doc._dataTableDictionary.cellAt(300, Row::f1)->set_strName("f1*");
-}
+struct HourAndTwin : ::testing::Test {
+    MyDocument doc, twin;
+    std::size_t pending = 0;
 
-// The document's cells of `columns` against the twin's, every field.
-void expectSameCells(MyDocument& doc, MyDocument& twin, std::initializer_list<long long> columns)
-{
-    for (long long column : columns)
-        for (int row = 0; row < kParameterCount; ++row) {
-            const CellRef got = doc._dataTableDictionary.cellAt(column * 10, row),
-                          want = twin._dataTableDictionary.cellAt(column * 10, row);
-            ASSERT_TRUE(got && want) << column;
-            EXPECT_TRUE(got->definition() == want->definition()) << column << " " << row;
-            EXPECT_EQ(got->_nValue(), want->_nValue()) << column << " " << row;
-            EXPECT_EQ(got->_bSelected(), want->_bSelected()) << column << " " << row;
-            EXPECT_EQ(got->_bAnchor(), want->_bAnchor()) << column << " " << row;
+    void SetUp() override
+    {
+        for (MyDocument* d : {&doc, &twin}) {
+            openHour(*d);
+            d->_dataTableDictionary.cellAt(300, Row::f1)->set_strName("f1*");
         }
-}
+        twin._dataTableDictionary.map();
+        pending = doc._dataTableDictionary.pendingCount();
+    }
+
+    // The whole text (whose writing makes no column), then the document's cells of `columns`
+    // against the twin's, every field.
+    void expectSameCells(std::initializer_list<long long> columns)
+    {
+        const std::size_t notMade = doc._dataTableDictionary.pendingCount();
+        // (Compared whole, not through a diff of two hour-long texts, which takes gigabytes.)
+        EXPECT_TRUE(doc.parameterDocumentText(true) == twin.parameterDocumentText(true));
+        EXPECT_EQ(doc._dataTableDictionary.pendingCount(), notMade);
+        for (long long column : columns)
+            for (int row = 0; row < kParameterCount; ++row) {
+                const CellRef got = doc._dataTableDictionary.cellAt(column * 10, row),
+                              want = twin._dataTableDictionary.cellAt(column * 10, row);
+                ASSERT_TRUE(got && want) << column;
+                EXPECT_TRUE(got->definition() == want->definition()) << column << " " << row;
+                EXPECT_EQ(got->_nValue(), want->_nValue()) << column << " " << row;
+                EXPECT_EQ(got->_bSelected(), want->_bSelected()) << column << " " << row;
+                EXPECT_EQ(got->_bAnchor(), want->_bAnchor()) << column << " " << row;
+            }
+    }
+};
 } // namespace
 
-TEST(TableEditing, SaveParametersOnAnHourMakesNoColumnAndGivesEveryColumnTheSettings)
+TEST_F(HourAndTwin, SaveParametersMakesNoColumnAndGivesEveryColumnTheSettings)
 {
-    // The twin has every column made first: what the document answers must be what it answers.
-    MyDocument doc, twin;
-    openHourWithOwnCell(doc);
-    openHourWithOwnCell(twin);
-    twin._dataTableDictionary.map();
     for (MyDocument* d : {&doc, &twin}) {
         auto& p = d->getChannel(0)->m_Parameters;
         p[Row::f1].nMaxValue = 1200;
@@ -263,11 +273,10 @@ TEST(TableEditing, SaveParametersOnAnHourMakesNoColumnAndGivesEveryColumnTheSett
         p[Row::f1].nValue = 999; // the records' values are not the frames'
     }
     const DataTableDictionary& data = doc._dataTableDictionary;
-    const std::size_t pending = data.pendingCount();
     // The engine carries its state on from one synthesis to the next on a thread: each
     // document synthesizes on a fresh one, so that both start alike.
-    std::thread([&doc] { saveParameters(doc); }).join();
-    std::thread([&twin] { saveParameters(twin); }).join();
+    std::thread([this] { saveParameters(doc); }).join();
+    std::thread([this] { saveParameters(twin); }).join();
     EXPECT_EQ(data.pendingCount(), pending) << "no column made";
 
     Channels &a = *doc.getChannel(0), &b = *twin.getChannel(0);
@@ -276,10 +285,7 @@ TEST(TableEditing, SaveParametersOnAnHourMakesNoColumnAndGivesEveryColumnTheSett
     EXPECT_TRUE(
         std::equal(a.samples(), a.samples() + static_cast<std::size_t>(a.m_dwFileLength), b.samples()))
         << "the synthesis of the columns not made";
-    EXPECT_EQ(doc.parameterDocumentText(true), twin.parameterDocumentText(true));
-    EXPECT_EQ(data.pendingCount(), pending);
-
-    expectSameCells(doc, twin, {0, 1, 30, 40, 41, 250000, 360000});
+    expectSameCells({0, 1, 30, 40, 41, 250000, 360000});
     const CellRef made = data.cellAt(400, Row::f1), later = data.cellAt(3000000, Row::f1);
     EXPECT_EQ(later->_nMaxValue(), 1200);
     EXPECT_EQ(later->_nValue(), 300 + 299999 % 400);
@@ -288,13 +294,8 @@ TEST(TableEditing, SaveParametersOnAnHourMakesNoColumnAndGivesEveryColumnTheSett
     EXPECT_EQ(data.cellAt(3000000, Row::av)->_nsbgColor(), Color::rgb(1, 0, 0));
 }
 
-TEST(TableEditing, SaveOptionsFileAtTheSameIntervalOnAnHourKeepsTheColumnsNotMade)
+TEST_F(HourAndTwin, SaveOptionsFileAtTheSameIntervalKeepsTheColumnsNotMade)
 {
-    MyDocument doc, twin;
-    openHourWithOwnCell(doc);
-    openHourWithOwnCell(twin);
-    twin._dataTableDictionary.map();
-    const std::size_t pending = doc._dataTableDictionary.pendingCount();
     // Shortened by 10 s (the question asked first), then lengthened again: the frames added are
     // fresh ones.
     for (double length : {3590000.0, 3600000.0}) {
@@ -313,8 +314,7 @@ TEST(TableEditing, SaveOptionsFileAtTheSameIntervalOnAnHourKeepsTheColumnsNotMad
     }
     EXPECT_GE(doc._dataTableDictionary.pendingCount(), pending - 1000);
     EXPECT_EQ(doc.getChannel(0)->m_nColumnNum, 360000);
-    EXPECT_EQ(doc.parameterDocumentText(true), twin.parameterDocumentText(true));
-    expectSameCells(doc, twin, {0, 1, 30, 41, 250000, 358999, 359000, 359001, 360000});
+    expectSameCells({0, 1, 30, 41, 250000, 358999, 359000, 359001, 360000});
     EXPECT_EQ(doc._dataTableDictionary.cellAt(3590010, Row::f1)->_nValue(), 999);
 }
 

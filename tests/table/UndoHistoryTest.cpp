@@ -279,15 +279,7 @@ TEST(UndoHistory, AnEditOnAnHourCostsTheBlocksItChangesAndMakesNoColumns)
     EXPECT_EQ(doc._arrayRedo[0].frames().bytesNotIn(doc._arrayUndo[0].frames()), block);
     EXPECT_EQ(doc._arrayUndo[1].frames().bytesNotIn(doc._arrayRedo[0].frames()), 0u);
     EXPECT_EQ(doc._arrayRedo[1].frames().bytesNotIn(doc._arrayUndo[1].frames()), block);
-    // Writing the document reads the columns not made without making them.
-    const std::string text = doc.parameterDocumentText(true);
-    EXPECT_EQ(data.pendingCount(), pending - 1);
-    EXPECT_NE(text.find("\t1234\t"), std::string::npos);
-    std::istringstream lastLine(text.substr(text.rfind("\r\n", text.size() - 3) + 2));
-    std::string field;
-    for (int row = 0; row <= Row::f1; ++row)
-        std::getline(lastLine, field, '\t');
-    EXPECT_EQ(field, std::to_string(300 + 359999 % 400)) << "the last frame, never made";
+    // (Writing the document reads the columns not made without making them: TableEditingTest.cpp.)
 
     doc.doUndo();
     doc.doUndo();

@@ -194,7 +194,6 @@ TEST_F(TableOverNewDocument, SaveAudioWritesTheSynthesis)
     ASSERT_FALSE(table->_bSynthesize);
     ASSERT_TRUE(table->saveAudioTo(QString::fromStdString(path)));
     const std::string bytes = slurp(path);
-    ASSERT_GE(bytes.size(), 48u);
     EXPECT_EQ(bytes.substr(0, 4), "RIFF");
     EXPECT_EQ(bytes.size(), 48u + 2 * 2205);
     EXPECT_EQ(logged("strat synthesize"), 1);
