@@ -76,11 +76,9 @@ TEST(TraceDataEntry, PitchEntersWholeHertzAndATrackLongerThanTheGridFails)
     pitch.m_hdPitchFile = {123.9, 0.0, 99.99, 250.5, 80.0};
     pitch.m_nFrameCount = 5;
     TraceDataEntry::enterPitch(grid.doc, lists, pitch);
-    EXPECT_EQ(grid.value(1, Row::f0), 1230);
-    EXPECT_EQ(grid.value(2, Row::f0), 0);
-    EXPECT_EQ(grid.value(3, Row::f0), 990);
-    EXPECT_EQ(grid.value(4, Row::f0), 2500);
-    EXPECT_EQ(grid.value(5, Row::f0), 800);
+    const int tenthsOfHertz[] = {1230, 0, 990, 2500, 800};
+    for (int column = 1; column <= 5; ++column)
+        EXPECT_EQ(grid.value(column, Row::f0), tenthsOfHertz[column - 1]) << column;
     EXPECT_EQ(grid.text(1, Row::f0), "1230");
 
     // Six frames on five columns: columns 1 .. 5 are set, then index 5 is out of range.

@@ -18,9 +18,11 @@ constexpr double kRate = 11025.0;
 
 using signals::toFloat;
 
+// Five formants below 4000 Hz: an envelope of half its LPC order cannot show them all.
 std::vector<float> vowelSamples(int n, double f1, double f2)
 {
-    return toFloat(signals::vowel(n, 120.0, kRate, {{f1, 80.0}, {f2, 100.0}, {2600.0, 150.0}}), 0.02);
+    return toFloat(
+        signals::vowel(n, 120.0, kRate, {{f1, 80}, {f2, 100}, {2600, 150}, {3300, 150}, {3800, 150}}), 0.02);
 }
 
 // Frequencies of the local maxima of `levels`, ascending.

@@ -23,8 +23,7 @@ SpectrogramSettings defaults()
 
 TEST(SpectrogramComputation, SineLevelsAndAmplitudeUnderAPoint)
 {
-    const auto x = signals::toFloat(signals::sine(11025, 1000.0, kRate, 0.5));
-    const auto channel = channelOf(x, kRate);
+    const auto channel = channelOf(signals::toFloat(signals::sine(11025, 1000.0, kRate, 0.5)), kRate);
     SpectrogramSettings settings = defaults();
     settings.m_dPreEmphasis = 0.0;
     SpectrogramComputation s(settings);
@@ -53,8 +52,7 @@ TEST(SpectrogramComputation, SineLevelsAndAmplitudeUnderAPoint)
 
 TEST(SpectrogramComputation, EdgesNarrowDisplaysAndTheDoubledSubtractionNearTheEnd)
 {
-    const auto x = signals::toFloat(signals::noise(2000, 4, 0.3));
-    const auto channel = channelOf(x, kRate);
+    const auto channel = channelOf(signals::toFloat(signals::noise(2000, 4, 0.3)), kRate);
     SpectrogramComputation s(defaults());
     ASSERT_TRUE(s.compute(*channel, 100, 64));
     // Column 94 starts at 1880: 1880 + 138 > 2000, so it copies below 2000 - 1880 = 120, that
@@ -76,14 +74,9 @@ TEST(SpectrogramComputation, EdgesNarrowDisplaysAndTheDoubledSubtractionNearTheE
 
 TEST(SpectrogramComputation, FormantSlotsAreGatedAndPacked)
 {
-    RootRecord roots;
-    roots.formantCount = 5;
-    const double frequencies[] = {300.0, 500.0, 500.0, 2400.0, 3000.0};
-    const double bandwidths[] = {100.0, 300.0, 200.0, 1300.0, 90.0};
-    for (int i = 0; i < 5; ++i) {
-        roots.frequency[i] = frequencies[i];
-        roots.bandwidth[i] = bandwidths[i];
-    }
+    const RootRecord roots{.formantCount = 5,
+                           .frequency = {300.0, 500.0, 500.0, 2400.0, 3000.0},
+                           .bandwidth = {100.0, 300.0, 200.0, 1300.0, 90.0}};
     FormantRecord record{};
     record[5] = 7;
     SpectrogramComputation::packFormants(&roots, record);

@@ -1,3 +1,4 @@
+#include "InterchangeRefusal.h"
 #include "document/ParameterDefinition.h"
 #include "interchange/Interchange.h"
 #include "support/DocumentTestSupport.h"
@@ -10,17 +11,6 @@ namespace
 ImportedDocument importKlp(const std::string& text)
 {
     return importDocument(text, "stimulus.klp");
-}
-
-InterchangeError klpRefusal(const std::string& text)
-{
-    try {
-        importKlp(text);
-    } catch (const InterchangeError& e) {
-        return e;
-    }
-    ADD_FAILURE() << "accepted:\n" << text;
-    return {};
 }
 
 // A stimulus as the older tools write it: comments, constants (some with no row here), a
@@ -100,26 +90,18 @@ TEST(KlpImport, TakesEitherMarkerTheLengthFromTheLastRowAndCountsClampedValues)
 
 TEST(KlpImport, RefusesWhatItCannotReadNamingTheLine)
 {
-    InterchangeError e = klpRefusal("du 50\n__varied_params__\ntime f0\n0 1000\n");
-    EXPECT_EQ(e.line, 3);
-    EXPECT_NE(e.what.find("not msec"), std::string::npos);
-    e = klpRefusal("du 50\n__varied_params__\nmsec f0 f1\n0 1000 500\n10 1000\n");
-    EXPECT_EQ(e.line, 5);
-    EXPECT_NE(e.what.find("2 values where the header names 3"), std::string::npos) << e.what;
-    e = klpRefusal("__varied_params__\nmsec f0\n0 1000\n20 1000\n10 1000\n");
-    EXPECT_EQ(e.line, 5);
-    EXPECT_NE(e.what.find("goes back"), std::string::npos);
-    e = klpRefusal("__varied_params__\nmsec f0\n0 abc\n");
-    EXPECT_EQ(e.line, 3);
-    EXPECT_NE(e.what.find("\"abc\""), std::string::npos);
-    e = klpRefusal("du 50\nf0 1000 extra\n");
-    EXPECT_EQ(e.line, 2);
-    EXPECT_NE(klpRefusal("# nothing\n__varied_params__\n").what.find("no header"), std::string::npos);
-    EXPECT_NE(klpRefusal("f0 1000\n").what.find("no length"), std::string::npos);
-    EXPECT_NE(klpRefusal("du 7200000\nf0 1000\n").what.find("one hour"), std::string::npos);
-    EXPECT_NE(klpRefusal("du 3\n").what.find("shorter than one frame"), std::string::npos);
-    EXPECT_NE(klpRefusal("ui 0\ndu 30\n").what.find("ui"), std::string::npos);
-    EXPECT_NE(klpRefusal("__varied_params__\nmsec f1 F1\n0 1 2\n").what.find("twice"), std::string::npos);
+    expectRefused("du 50\n__varied_params__\ntime f0\n0 1000\n", "stimulus.klp", 3, "not msec");
+    expectRefused("du 50\n__varied_params__\nmsec f0 f1\n0 1000 500\n10 1000\n", "stimulus.klp", 5,
+                  "2 values where the header names 3");
+    expectRefused("__varied_params__\nmsec f0\n0 1000\n20 1000\n10 1000\n", "stimulus.klp", 5, "goes back");
+    expectRefused("__varied_params__\nmsec f0\n0 abc\n", "stimulus.klp", 3, "\"abc\"");
+    expectRefused("du 50\nf0 1000 extra\n", "stimulus.klp", 2, "");
+    expectRefused("# nothing\n__varied_params__\n", "stimulus.klp", 0, "no header");
+    expectRefused("f0 1000\n", "stimulus.klp", 0, "no length");
+    expectRefused("du 7200000\nf0 1000\n", "stimulus.klp", 0, "one hour");
+    expectRefused("du 3\n", "stimulus.klp", 0, "shorter than one frame");
+    expectRefused("ui 0\ndu 30\n", "stimulus.klp", 0, "ui");
+    expectRefused("__varied_params__\nmsec f1 F1\n0 1 2\n", "stimulus.klp", 0, "twice");
 }
 
 TEST(KlpExport, RoundTripsEveryRowTheLayoutHolds)

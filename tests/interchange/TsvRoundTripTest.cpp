@@ -1,3 +1,4 @@
+#include "InterchangeRefusal.h"
 #include "document/ParameterDefinition.h"
 #include "interchange/Interchange.h"
 #include "support/DocumentTestSupport.h"
@@ -70,19 +71,10 @@ TEST(TsvInterchange, ReadsSpreadsheetTablesAndRefusesBrokenOnes)
     ASSERT_EQ(imported.warnings.size(), 1u);
     EXPECT_NE(imported.warnings[0].find("comment"), std::string::npos);
 
-    const auto refusal = [](const std::string& bad) {
-        try {
-            importDocument(bad, "bad.tsv");
-        } catch (const InterchangeError& e) {
-            return e;
-        }
-        ADD_FAILURE() << bad;
-        return InterchangeError{};
-    };
-    EXPECT_EQ(refusal("f0\tav\n1000\t60\n").line, 1);
-    EXPECT_EQ(refusal("time_ms\tf0\n0\t1000\n10\n").line, 3);
-    EXPECT_EQ(refusal("time_ms\tf0\n0\t1000\n10\tx\n").line, 3);
-    EXPECT_EQ(refusal("time_ms\tf0\n10\t1000\n0\t1000\n").line, 3);
-    EXPECT_NE(refusal("").what.find("empty"), std::string::npos);
-    EXPECT_NE(refusal("time_ms\tf0\n").what.find("no length"), std::string::npos);
+    expectRefused("f0\tav\n1000\t60\n", "bad.tsv", 1, "");
+    expectRefused("time_ms\tf0\n0\t1000\n10\n", "bad.tsv", 3, "");
+    expectRefused("time_ms\tf0\n0\t1000\n10\tx\n", "bad.tsv", 3, "");
+    expectRefused("time_ms\tf0\n10\t1000\n0\t1000\n", "bad.tsv", 3, "");
+    expectRefused("", "bad.tsv", 0, "empty");
+    expectRefused("time_ms\tf0\n", "bad.tsv", 0, "no length");
 }

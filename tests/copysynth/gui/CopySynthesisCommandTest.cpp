@@ -66,7 +66,6 @@ TEST_F(CopySynthesisWindow, TheButtonAppliesOneUndoStepThatEqualsTheCommandLine)
 
     const std::string cli = folder / "cli.stk";
     runCliOk("copysynth " + wav + " -o " + cli);
-    EXPECT_FALSE(window.empty());
     EXPECT_TRUE(window == slurp(cli));
     EXPECT_FALSE(window == before);
 

@@ -56,24 +56,17 @@ template <typename Controller> void strokeUndoRedo(QWidget& (*plotOf)(Controller
     EXPECT_EQ(changedFrames(doc, Row::f0, usual), stroke);
 }
 
-QWidget& graphicalPlot(dataentryGraphicalController& c)
-{
-    return *c._viewF0();
-}
-
-QWidget& tracePlot(dataentryTraceContoller& c)
-{
-    return *c._viewPitch(); // f0 is the pitch view's track when the window opens
-}
-
 } // namespace
 
 TEST(LongDocumentEntry, TheGraphicalWindowOnAnHourCostsWhatItsStrokeChanges)
 {
-    strokeUndoRedo<dataentryGraphicalController>(graphicalPlot);
+    strokeUndoRedo<dataentryGraphicalController>(
+        [](dataentryGraphicalController& c) -> QWidget& { return *c._viewF0(); });
 }
 
 TEST(LongDocumentEntry, TheTraceWindowOnAnHourCostsWhatItsStrokeChanges)
 {
-    strokeUndoRedo<dataentryTraceContoller>(tracePlot);
+    // f0 is the pitch view's track when the window opens.
+    strokeUndoRedo<dataentryTraceContoller>(
+        [](dataentryTraceContoller& c) -> QWidget& { return *c._viewPitch(); });
 }
