@@ -26,7 +26,6 @@ TEST(InterchangeCommands, ImportAndExportWriteWhatTheFormatsHoldAndRefusalsAreOn
     CliResult r = runCliOk("import " + dir / "stim.klp");
     EXPECT_NE(r.err.find("stim.klp: warning: no parameter here is named xx"), std::string::npos) << r.err;
     const std::string stk = slurp(dir / "stim.stk"); // the default output beside the input
-    ASSERT_FALSE(stk.empty());
     EXPECT_EQ(stk.substr(0, 4), "50\t1");
 
     // The default output exists now: kept unless --force; -o replaces.
