@@ -291,15 +291,13 @@ TEST(optionAnalysis, OkWithoutAChangeKeepsEverySetting)
     doc.m_nPitchFreqGrid = 75, doc.m_bPitchDrawTimeGrid = 0, doc.m_nPitchTimeGrid = 250;
     // The configuration image holds every one of them.
     const std::string before = ConfigurationFile::encode(doc);
-    optionFFTLPC fft;
-    pressLater(&fft, QDialogButtonBox::Ok);
-    EXPECT_EQ(fft.showInWindow(nullptr, &doc), 1000);
-    optionSpectrogram spectrogram;
-    pressLater(&spectrogram, QDialogButtonBox::Ok);
-    EXPECT_EQ(spectrogram.showInWindow(nullptr, &doc), 1000);
-    optionPitch pitch;
-    pressLater(&pitch, QDialogButtonBox::Ok);
-    EXPECT_EQ(pitch.showInWindow(nullptr, &doc), 1000);
+    const auto okUnchanged = [&doc](OptionPanel&& panel) {
+        pressLater(&panel, QDialogButtonBox::Ok);
+        EXPECT_EQ(panel.showInWindow(nullptr, &doc), 1000);
+    };
+    okUnchanged(optionFFTLPC());
+    okUnchanged(optionSpectrogram());
+    okUnchanged(optionPitch());
     EXPECT_TRUE(ConfigurationFile::encode(doc) == before)
         << "a setting changed on its way through the panels";
 }
