@@ -74,7 +74,6 @@ TEST(CliConventions, OutputsAreNeverWrittenOverBySurprise)
     // --force and an explicit -o replace it.
     runCliOk("synth --force " + dir / "a.stk");
     const std::string wave = slurp(dir / "a.wav");
-    EXPECT_EQ(wave.substr(0, 4), "RIFF");
     std::ofstream(dir / "a.wav") << "stale";
     runCliOk("synth " + dir / "a.stk" + " -o " + dir / "a.wav");
     EXPECT_TRUE(slurp(dir / "a.wav") == wave);

@@ -20,14 +20,6 @@ std::string sineWave(const TempDir& dir, const std::string& name, double hz, dou
     return writeWave(dir / name, signals::toFloat(signals::sine(samples, hz, rate, 0.5)), rate);
 }
 
-// The CSV's header line and how many rows follow it.
-std::size_t rowsOf(const std::string& csv, std::string* header)
-{
-    const std::vector<std::string> lines = linesOf(csv);
-    *header = lines.empty() ? "" : lines[0];
-    return lines.empty() ? 0 : lines.size() - 1;
-}
-
 // 1.2 s at `rate`: a vowel, then a quieter hiss that begins under its end.
 std::vector<float> utterance(double f0, double f1, double f2, double rate, unsigned seed)
 {
@@ -57,19 +49,18 @@ TEST(SliceCommands, SliceRowsAndPicturesHaveTheShapeTheOptionsAskForAndBadInputI
 {
     TempDir dir;
     const std::string wav = writeVowel(dir / "a.wav", 1.0);
-    CliResult r = runCliOk("slice " + wav + " --at 300 --lpc");
-    std::string header;
-    EXPECT_EQ(rowsOf(r.out, &header), 117u); // bins of 11025 / 256 Hz up to 5000 Hz
-    EXPECT_EQ(header, "freq_hz,fft_db,lpc_db");
+    std::vector<std::string> lines = linesOf(runCliOk("slice " + wav + " --at 300 --lpc").out);
+    EXPECT_EQ(lines.size(), 1 + 117u); // the header, then bins of 11025 / 256 Hz up to 5000 Hz
+    EXPECT_EQ(lines.at(0), "freq_hz,fft_db,lpc_db");
 
-    r = runCliOk("slice " + wav + " --at 300 --window 512 --range 3000");
-    EXPECT_EQ(rowsOf(r.out, &header), 140u); // floor(3000 / 21.5) + 1
-    EXPECT_EQ(header, "freq_hz,fft_db");
+    lines = linesOf(runCliOk("slice " + wav + " --at 300 --window 512 --range 3000").out);
+    EXPECT_EQ(lines.size(), 1 + 140u); // floor(3000 / 21.5) + 1
+    EXPECT_EQ(lines.at(0), "freq_hz,fft_db");
 
     // Pictures: PNG by libpng at 100 pixels an inch, SVG stating its size; -o replaces.
     const std::string png = dir / "a.png", svg = dir / "a.svg";
     std::ofstream(png) << "old";
-    r = runCliOk("slice " + wav + " --at 300 --lpc -o " + png);
+    CliResult r = runCliOk("slice " + wav + " --at 300 --lpc -o " + png);
     EXPECT_TRUE(r.out.empty());
     const std::string bytes = slurp(png);
     ASSERT_GT(bytes.size(), 24u);

@@ -68,7 +68,6 @@ TEST(Continuum, ChosenRowsLimitsAnchorsAndMismatches)
     settings.steps = 5;
     settings.rows = {Row::f1};
     const Continuum continuum(*a, *b, settings);
-    ASSERT_EQ(continuum.rows(), std::vector<int>{Row::f1});
     for (int step = 1; step <= 5; ++step) {
         const auto document = continuum.makeStep(step);
         EXPECT_EQ(frameValue(*document, 5, Row::f0), 1000) << "f0 is not chosen: A's value";

@@ -57,9 +57,7 @@ TEST(MelCepstralDistance, ZeroForTheSameEnvelopeWhateverTheLevelAndQuietFramesLe
     EXPECT_EQ(r.distanceDB, 0.0);
 
     // A level change moves only c0, which is left out.
-    std::vector<float> louder(a);
-    for (float& v : louder)
-        v *= 4.0f;
+    const std::vector<float> louder = vowelOf(120, 600, 1200, kRate, 0.2);
     r = MelCepstralDistance::compute(a.data(), louder.data(), a.size(), kRate);
     EXPECT_NEAR(r.distanceDB, 0.0, 0.01);
 
@@ -119,9 +117,7 @@ TEST(CopySynthesisFigures, ResamplingAndLevelsMeasureWhatTheyShould)
 
     // Half the amplitude is 6.02 dB down in every frame; silent frames of the original do not count.
     std::vector<float> a = vowelOf(120, 600, 1200);
-    std::vector<float> b(a);
-    for (float& v : b)
-        v *= 0.5f;
+    const std::vector<float> b = vowelOf(120, 600, 1200, kRate, 0.025);
     std::fill(a.begin() + 5 * 220, a.begin() + 10 * 220, 0.0f);
     int frames = 0;
     EXPECT_NEAR(CopySynthesisFigures::levelDifference(a.data(), b.data(), a.size(), kRate, frames), 6.02,

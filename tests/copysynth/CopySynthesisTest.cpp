@@ -96,28 +96,27 @@ TEST(CopySynthesis, ConcurrentEstimationsAgreeWithOneAloneAndProgressRisesUntilC
     EXPECT_TRUE(std::is_sorted(seen.begin(), seen.end()));
     EXPECT_DOUBLE_EQ(seen.back(), 1.0);
     EXPECT_FALSE(alone.cancelled);
+    // Cancelled at the given progress call: it stops there, with no frames.
+    const auto cancelledAt = [&samples](int last) {
+        int calls = 0;
+        const CopySynthesisResult r =
+            copySynthesize(samples.data(), samples.size(), kRate, {}, [&](double) { return ++calls < last; });
+        EXPECT_TRUE(r.cancelled) << last;
+        EXPECT_TRUE(r.frames.empty()) << last;
+        EXPECT_EQ(calls, last);
+    };
     std::vector<CopySynthesisResult> results(3);
     std::vector<std::thread> threads;
     for (CopySynthesisResult& r : results)
         threads.emplace_back([&samples, &r] { r = estimate(samples); });
-    int calls = 0;
-    const CopySynthesisResult stopped =
-        copySynthesize(samples.data(), samples.size(), kRate, {}, [&](double) { return ++calls < 3; });
+    cancelledAt(3);
     for (std::thread& t : threads)
         t.join();
     for (const CopySynthesisResult& r : results) {
         EXPECT_EQ(r.frames, alone.frames);
         EXPECT_EQ(r.report.maxFormantHz, alone.report.maxFormantHz);
     }
-    EXPECT_TRUE(stopped.cancelled);
-    EXPECT_TRUE(stopped.frames.empty());
-    EXPECT_EQ(calls, 3);
-    calls = 0;
-    const CopySynthesisResult early =
-        copySynthesize(samples.data(), samples.size(), kRate, {}, [&](double) { return ++calls < 2; });
-    EXPECT_TRUE(early.cancelled);
-    EXPECT_TRUE(early.frames.empty());
-    EXPECT_EQ(calls, 2);
+    cancelledAt(2);
 }
 
 // At 22050 Hz the sixth to eighth formants are in use (so the document synthesizes at that rate)

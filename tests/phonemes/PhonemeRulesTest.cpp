@@ -125,8 +125,8 @@ TEST(PhonemeRules, HeldVowelsAndFricativesTakeTheTablesValues)
     // Between the transitions (50 ms at each end) a held segment has the table's formants,
     // bandwidths and sources at any sample rate; what the synthesizer makes of these values is
     // the synthesis and display tests' to check.
-    const int formants[3] = {Row::f1, Row::f2, Row::f3}, bandwidths[3] = {Row::b1, Row::b2, Row::b3};
-    const int parallel[5] = {Row::a2f, Row::a3f, Row::a4f, Row::a5f, Row::a6f};
+    const int rows[] = {Row::f1,  Row::f2,  Row::f3, Row::b1, Row::b2, Row::b3, Row::a2f, Row::a3f, Row::a4f,
+                        Row::a5f, Row::a6f, Row::av, Row::ah, Row::af, Row::ab, Row::fnz, Row::fnp, Row::b6f};
     for (const std::string arpa : {"IY", "IH", "EH", "AE", "AA", "AO", "UH", "UW", "AH", "ER", "S", "SH"}) {
         const bool fricative = arpa[0] == 'S';
         RuleSettings settings;
@@ -134,22 +134,15 @@ TEST(PhonemeRules, HeldVowelsAndFricativesTakeTheTablesValues)
         const RuleFrames frames = framesOf(arpa + (fricative ? ":300" : "1:300"), settings);
         const Segment& s = segmentOf(frames, arpa);
         const Phoneme& p = *s.phoneme;
+        const std::vector<int> table = {p.f[0], p.f[1], p.f[2], p.b[0], p.b[1], p.b[2],
+                                        p.a[0], p.a[1], p.a[2], p.a[3], p.a[4], p.av,
+                                        p.ah,   p.af,   p.ab,   p.fnz,  270,    p.b6f};
         for (int frame = static_cast<int>(s.startMS / 10) + 5; frame < static_cast<int>(s.endMS() / 10) - 5;
              ++frame) {
-            SCOPED_TRACE(arpa + " frame " + std::to_string(frame));
-            for (int i = 0; i < 3; ++i) {
-                ASSERT_EQ(frames.value(formants[i], frame), p.f[i]);
-                ASSERT_EQ(frames.value(bandwidths[i], frame), p.b[i]);
-            }
-            for (int i = 0; i < 5; ++i)
-                ASSERT_EQ(frames.value(parallel[i], frame), p.a[i]);
-            ASSERT_EQ(frames.value(Row::av, frame), p.av);
-            ASSERT_EQ(frames.value(Row::ah, frame), p.ah);
-            ASSERT_EQ(frames.value(Row::af, frame), p.af);
-            ASSERT_EQ(frames.value(Row::ab, frame), p.ab);
-            ASSERT_EQ(frames.value(Row::fnz, frame), p.fnz);
-            ASSERT_EQ(frames.value(Row::fnp, frame), 270);
-            ASSERT_EQ(frames.value(Row::b6f, frame), p.b6f);
+            std::vector<int> held;
+            for (int row : rows)
+                held.push_back(frames.value(row, frame));
+            ASSERT_EQ(held, table) << arpa << " frame " << frame;
         }
     }
 }
@@ -175,15 +168,14 @@ TEST(PhonemeRules, PitchRisesOnStressFallsAtTheEndRisesForAQuestionAndTheOpenPha
 
     // The open phase is half the period wherever f0 goes (within the rounding of its line), and
     // stays within its row at 22050 Hz, where half a 100 Hz period would be 110 samples.
-    for (int frame = 0; frame < question.frames; ++frame) {
-        const double halfPeriod = 0.5 * 11025.0 / (question.value(Row::f0, frame) / 10.0);
-        EXPECT_NEAR(question.value(Row::oq, frame), halfPeriod, 0.05 * halfPeriod + 1.0) << frame;
-    }
-    settings.sampleRate = 22050;
-    const RuleFrames high = framesOf("B AE1 D ?", settings);
-    for (int frame = 0; frame < high.frames; ++frame) {
-        const double halfPeriod = 0.5 * 22050.0 / (high.value(Row::f0, frame) / 10.0);
-        EXPECT_NEAR(high.value(Row::oq, frame), std::min(halfPeriod, 65.0), 0.05 * halfPeriod + 1.0) << frame;
+    for (const int rate : {11025, 22050}) {
+        settings.sampleRate = rate;
+        const RuleFrames frames = framesOf("B AE1 D ?", settings);
+        for (int frame = 0; frame < frames.frames; ++frame) {
+            const double halfPeriod = 0.5 * rate / (frames.value(Row::f0, frame) / 10.0);
+            EXPECT_NEAR(frames.value(Row::oq, frame), std::min(halfPeriod, 65.0), 0.05 * halfPeriod + 1.0)
+                << rate << " Hz, frame " << frame;
+        }
     }
 }
 

@@ -27,7 +27,6 @@ TEST(StimulusFile, WaveAndFlacAtBothWidthsHoldTheQuantizedSamplesExactly)
             const probe::AudioFile r = probe::readAudioFile(path);
             ASSERT_EQ(r.info.frames, 7) << format << bits;
             EXPECT_EQ(r.info.samplerate, 48000);
-            EXPECT_EQ(r.info.channels, 1);
             EXPECT_EQ(r.info.format & SF_FORMAT_SUBMASK, bits == 24 ? SF_FORMAT_PCM_24 : SF_FORMAT_PCM_16);
             EXPECT_EQ(r.info.format & SF_FORMAT_TYPEMASK,
                       std::string(format) == "flac" ? SF_FORMAT_FLAC : SF_FORMAT_WAV);

@@ -12,8 +12,6 @@
 namespace probe
 {
 
-constexpr double kPi = 3.14159265358979323846;
-
 // Power spectrum (linear) of `size` (a power of two, 2 to 8192) samples from `first`, bins
 // 0..size/2, by the analysis library's transform of real input (itself checked against a direct
 // DFT by the spectrum tests).
@@ -21,7 +19,7 @@ inline std::vector<double> powerSpectrum(const std::vector<float>& x, std::size_
 {
     std::vector<double> a(size), re(size / 2 + 1), im(size / 2 + 1), power(size / 2 + 1);
     for (std::size_t i = 0; i < size; ++i) {
-        const double t = 2.0 * kPi * double(i) / double(size);
+        const double t = 2.0 * M_PI * double(i) / double(size);
         const double w =
             0.35875 - 0.48829 * std::cos(t) + 0.14128 * std::cos(2 * t) - 0.01168 * std::cos(3 * t);
         a[i] = first + i < x.size() ? w * x[first + i] : 0.0;
