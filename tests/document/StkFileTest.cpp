@@ -241,10 +241,8 @@ TEST(StkFile, AtomicSaveAndItsFailures)
     ASSERT_TRUE(document->writeSafelyToURL(target.string(), "stk", &error)) << error;
     const std::string saved = slurp(target);
     EXPECT_EQ(saved, document->Save_STK_FileType50(true));
-    EXPECT_EQ(document->_fileData, saved);
     EXPECT_EQ(document->_fileTypeName, "stk");
     EXPECT_EQ(document->fileURL(), target.string());
-    EXPECT_TRUE(document->canRevert());
     // Saving again replaces the file but keeps its permissions.
     const fs::perms ownerOnly = fs::perms::owner_read | fs::perms::owner_write;
     fs::permissions(target, ownerOnly);

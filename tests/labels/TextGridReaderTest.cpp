@@ -5,6 +5,7 @@
 
 #include <cstdio>
 #include <fstream>
+#include <regex>
 
 namespace
 {
@@ -43,10 +44,7 @@ void expectTheTwoTiers(const TextGrid& grid, const char* layout)
 
 std::string withCrLf(const std::string& text)
 {
-    std::string out;
-    for (const char c : text)
-        out += c == '\n' ? std::string("\r\n") : std::string(1, c);
-    return out;
+    return std::regex_replace(text, std::regex("\n"), "\r\n");
 }
 
 TextGridError refusal(const std::string& bytes)
