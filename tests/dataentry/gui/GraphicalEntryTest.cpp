@@ -89,7 +89,6 @@ TEST_F(GraphicalEntry, ButtonsChooseTheActiveTracksAndStoreTheSwitches)
     viewOthers& others = *controller->_viewOthers();
 
     // The window opens in F0 mode; F2 activates the formant and its amplitude, AV only itself.
-    EXPECT_TRUE(f0View()._bActiveF0());
     EXPECT_FALSE(formants.hasActiveTrack() || others.hasActiveTrack());
     controller->button(dataentryGraphicalController::F2)->click();
     EXPECT_FALSE(f0View().hasActiveTrack());
