@@ -86,7 +86,6 @@ TEST(SliceCommands, SliceRowsAndPicturesHaveTheShapeTheOptionsAskForAndBadInputI
     EXPECT_EQ(slurp(disguised).substr(0, 4), "RIFF");
     r = runCli("slice " + dir / "missing.wav --at 10");
     EXPECT_EQ(r.exitCode, 2);
-    EXPECT_NE(r.err.find("missing.wav"), std::string::npos);
     EXPECT_EQ(runCli("slice --help").exitCode, 0);
 }
 
