@@ -68,12 +68,11 @@ TEST(Roots, RealRootsCloseAndDistantRootsAreFactoredOut)
     EXPECT_NEAR(found[2], 2400.0, 1.0);
 
     // The reciprocal scan returns the distant root itself, with a monic quotient.
-    std::vector<double> cubic =
-        signals::withRealRoot(signals::polynomialOfPoles({{800.0, 70.0}}, kRate), 3.0);
+    const std::vector<double> pair = signals::polynomialOfPoles({{800.0, 70.0}}, kRate);
+    std::vector<double> cubic = signals::withRealRoot(pair, 3.0);
     double quotient[4] = {}, root = 0.0;
     ASSERT_EQ(math.rfactr(3, cubic.data(), quotient, &root, 1e-4), 1);
     EXPECT_NEAR(root, 3.0, 1e-3);
-    const std::vector<double> pair = signals::polynomialOfPoles({{800.0, 70.0}}, kRate);
     for (int i = 0; i < 3; ++i)
         EXPECT_NEAR(quotient[i], pair[i], 1e-3) << i;
 }

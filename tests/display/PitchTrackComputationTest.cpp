@@ -59,8 +59,7 @@ TEST(PitchTrackComputation, FramesWindowStepAndEdges)
     silent.m_dwFileLength = 2205.0;
     ASSERT_TRUE(t.DoPitchCepstral(silent, PitchSettings{}));
     EXPECT_EQ(t.m_nFrameCount, 19);
-    for (double v : t.m_hdPitchFile)
-        EXPECT_EQ(v, 0.0);
+    EXPECT_EQ(t.m_hdPitchFile, std::vector<double>(19, 0.0));
 }
 
 TEST(PitchTrackComputation, JumpsAreRemovedAndTheMeanRunsForward)

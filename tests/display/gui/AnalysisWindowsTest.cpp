@@ -232,7 +232,6 @@ TEST_F(AnalysisWindows, PicturesAreWrittenAtTheSetSizeWithTextInPoints)
                 PictureExport::kPngPixelsPerInch, 0.5);
 
     const QSizeF inches = PictureExport::sizeInInches(15.24, 10.16, false); // centimetres
-    EXPECT_NEAR(inches.width(), 6.0, 1e-9);
     ASSERT_TRUE(PictureExport::writePicture(dir.filePath("s.svg"), draw, inches, &error))
         << error.toStdString();
     QSvgRenderer svg(dir.filePath("s.svg"));

@@ -40,7 +40,6 @@ TEST(PhonemeTextDialog, ShowsThePhonemesAsTypedPlaysAndMakesTheDocument)
     dialog.f0Field()->setValue(200);
     dialog.rateField()->setCurrentIndex(1);
     QTest::mouseClick(dialog.playButton(), Qt::LeftButton);
-    ASSERT_FALSE(dialog.playedSamples().empty());
     float peak = 0.0f;
     for (float s : dialog.playedSamples())
         peak = std::max(peak, std::abs(s));
