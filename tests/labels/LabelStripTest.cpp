@@ -57,6 +57,10 @@ TEST(LabelStrip, PlacesBoundariesTextsAndTicksAtEveryZoom)
     EXPECT_EQ(xsOf(items, LabelStripItem::Tick, 1), (std::vector<double>{260.0, 580.0}));
     EXPECT_EQ(itemsOf(items, LabelStripItem::Text, 1).size(), 2u);
     expectTextsClear(items, whole, h);
+    // Points closer than their texts are wide: each text takes at most half the way to a neighbour.
+    TextGrid close = twoTiers();
+    close.tiers[1].points = {{0.4, "accented"}, {0.5, "accented"}, {0.6, "accented"}};
+    expectTextsClear(LabelStrip(close, {1}).layout(canvas, whole), whole, h);
 
     // Zoomed in on 0.5 .. 1.0 s over the same width: 1200 px per second. The second interval
     // starts before the view, so its text is centred in the part that shows.
