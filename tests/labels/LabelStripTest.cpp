@@ -46,7 +46,6 @@ TEST(LabelStrip, PlacesBoundariesTextsAndTicksAtEveryZoom)
     RasterCanvas canvas(800, 100);
     const LabelStrip strip(twoTiers(), {0, 1});
     const double h = LabelStrip::rowHeight(canvas);
-    EXPECT_GE(h, canvas.textAscent() + 4.0);
     // The whole 1.5 s over 600 px: 400 px per second.
     LabelStripFrame whole{100.0, 600.0, 10.0, 0.0, 1.5};
     auto items = strip.layout(canvas, whole);
