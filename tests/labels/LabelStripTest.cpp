@@ -7,14 +7,6 @@
 
 namespace
 {
-TextGrid twoTiers()
-{
-    TextGrid grid;
-    TextGridError error;
-    EXPECT_TRUE(readTextGrid(longTextGrid(), grid, error));
-    return grid;
-}
-
 // Every text inside the strip's width and its row, no two texts meeting, no boundary through one.
 void expectTextsClear(const std::vector<LabelStripItem>& items, const LabelStripFrame& frame,
                       double rowHeight)
@@ -44,7 +36,7 @@ void expectTextsClear(const std::vector<LabelStripItem>& items, const LabelStrip
 TEST(LabelStrip, PlacesBoundariesTextsAndTicksAtEveryZoom)
 {
     RasterCanvas canvas(800, 100);
-    const LabelStrip strip(twoTiers(), {0, 1});
+    const LabelStrip strip(read(longTextGrid()), {0, 1});
     const double h = LabelStrip::rowHeight(canvas);
     // The whole 1.5 s over 600 px: 400 px per second.
     LabelStripFrame whole{100.0, 600.0, 10.0, 0.0, 1.5};
@@ -57,7 +49,7 @@ TEST(LabelStrip, PlacesBoundariesTextsAndTicksAtEveryZoom)
     EXPECT_EQ(itemsOf(items, LabelStripItem::Text, 1).size(), 2u);
     expectTextsClear(items, whole, h);
     // Points closer than their texts are wide: each text takes at most half the way to a neighbour.
-    TextGrid close = twoTiers();
+    TextGrid close = read(longTextGrid());
     close.tiers[1].points = {{0.4, "accented"}, {0.5, "accented"}, {0.6, "accented"}};
     expectTextsClear(LabelStrip(close, {1}).layout(canvas, whole), whole, h);
 
@@ -105,7 +97,7 @@ TEST(LabelStrip, ShortensTextsInWholeCharacters)
 TEST(LabelStrip, DrawsIntoTheCanvasWhereItsLayoutSays)
 {
     RasterCanvas canvas(300, 60);
-    const LabelStrip strip(twoTiers(), {1, 0, 7}); // tiers in any order; a missing one is left out
+    const LabelStrip strip(read(longTextGrid()), {1, 0, 7}); // tiers in any order; a missing one is left out
     ASSERT_EQ(strip.rows(), 2u);
     const LabelStripFrame frame{0.0, 300.0, 5.0, 0.0, 1.5};
     strip.draw(canvas, frame);
