@@ -37,8 +37,7 @@ TEST(PhonemesCommand, WritesTheDocumentRefusesBadInputAndKeepsFiles)
     // A user's table replaces the built-in one; a damaged one is named with its line.
     std::string table = slurp(std::string(TESSAPHON_SOURCE_DIR) + "/data/phonemes/american-english.tsv");
     std::ofstream(dir / "mine.tsv", std::ios::binary) << table;
-    EXPECT_EQ(runCli("phonemes \"B AE1 D\" --table " + dir / "mine.tsv" + " -o " + dir / "own.stk").exitCode,
-              0);
+    runCliOk("phonemes \"B AE1 D\" --table " + dir / "mine.tsv" + " -o " + dir / "own.stk");
     table.replace(table.find("\nAE\t"), 4, "\nAE\tæ\tvowel\tx\t");
     std::ofstream(dir / "bad.tsv", std::ios::binary) << table;
     const CliResult damaged =
