@@ -138,7 +138,6 @@ TEST(RecordingComparison, SameIsZeroDifferentVowelsAreFarAndQuietFramesAreSkippe
     ASSERT_TRUE(same.compare(*ca, *ca));
     // Frames every 10 ms while a window and one sample fit: trunc((11025 - 129) / 110.25) + 1.
     EXPECT_EQ(same.m_nFramesWalked, 99);
-    ASSERT_FALSE(same.m_frames.empty());
     EXPECT_EQ(same.m_frames.size(), 99u - 8u); // the frames wholly within the silence are gone
     for (const FrameDistance& f : same.m_frames) {
         EXPECT_EQ(f.distanceDB, 0.0);

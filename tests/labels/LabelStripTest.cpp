@@ -7,14 +7,6 @@
 
 namespace
 {
-TextGrid twoTiers()
-{
-    TextGrid grid;
-    TextGridError error;
-    EXPECT_TRUE(readTextGrid(longTextGrid(), grid, error));
-    return grid;
-}
-
 // Every text inside the strip's width and its row, no two texts meeting, no boundary through one.
 void expectTextsClear(const std::vector<LabelStripItem>& items, const LabelStripFrame& frame,
                       double rowHeight)
@@ -44,9 +36,8 @@ void expectTextsClear(const std::vector<LabelStripItem>& items, const LabelStrip
 TEST(LabelStrip, PlacesBoundariesTextsAndTicksAtEveryZoom)
 {
     RasterCanvas canvas(800, 100);
-    const LabelStrip strip(twoTiers(), {0, 1});
+    const LabelStrip strip(read(longTextGrid()), {0, 1});
     const double h = LabelStrip::rowHeight(canvas);
-    EXPECT_GE(h, canvas.textAscent() + 4.0);
     // The whole 1.5 s over 600 px: 400 px per second.
     LabelStripFrame whole{100.0, 600.0, 10.0, 0.0, 1.5};
     auto items = strip.layout(canvas, whole);
@@ -57,6 +48,10 @@ TEST(LabelStrip, PlacesBoundariesTextsAndTicksAtEveryZoom)
     EXPECT_EQ(xsOf(items, LabelStripItem::Tick, 1), (std::vector<double>{260.0, 580.0}));
     EXPECT_EQ(itemsOf(items, LabelStripItem::Text, 1).size(), 2u);
     expectTextsClear(items, whole, h);
+    // Points closer than their texts are wide: each text takes at most half the way to a neighbour.
+    TextGrid close = read(longTextGrid());
+    close.tiers[1].points = {{0.4, "accented"}, {0.5, "accented"}, {0.6, "accented"}};
+    expectTextsClear(LabelStrip(close, {1}).layout(canvas, whole), whole, h);
 
     // Zoomed in on 0.5 .. 1.0 s over the same width: 1200 px per second. The second interval
     // starts before the view, so its text is centred in the part that shows.
@@ -102,7 +97,7 @@ TEST(LabelStrip, ShortensTextsInWholeCharacters)
 TEST(LabelStrip, DrawsIntoTheCanvasWhereItsLayoutSays)
 {
     RasterCanvas canvas(300, 60);
-    const LabelStrip strip(twoTiers(), {1, 0, 7}); // tiers in any order; a missing one is left out
+    const LabelStrip strip(read(longTextGrid()), {1, 0, 7}); // tiers in any order; a missing one is left out
     ASSERT_EQ(strip.rows(), 2u);
     const LabelStripFrame frame{0.0, 300.0, 5.0, 0.0, 1.5};
     strip.draw(canvas, frame);

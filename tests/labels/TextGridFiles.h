@@ -2,11 +2,23 @@
 // TextGrid texts for tests, made here in both layouts: two tiers ("words", an interval tier of
 // three intervals, one text with a doubled quote and one in IPA; "tones", a point tier of two
 // points) over 0 .. 1.5 s. Encoders give the UTF-16 files with their byte-order marks. The
-// items of one kind in one row of a label strip laid out over them, and their places.
+// items of one kind in one row of a label strip laid out over them, and their places; a text
+// read as a TextGrid that must be accepted.
 #include "labels/LabelStrip.h"
+#include "labels/TextGridReader.h"
+
+#include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
+
+inline TextGrid read(const std::string& bytes)
+{
+    TextGrid grid;
+    TextGridError error;
+    EXPECT_TRUE(readTextGrid(bytes, grid, error)) << error.message("test");
+    return grid;
+}
 
 inline std::vector<LabelStripItem> itemsOf(const std::vector<LabelStripItem>& items,
                                            LabelStripItem::Kind kind, std::size_t row)

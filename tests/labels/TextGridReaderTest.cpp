@@ -9,14 +9,6 @@
 
 namespace
 {
-TextGrid read(const std::string& bytes)
-{
-    TextGrid grid;
-    TextGridError error;
-    EXPECT_TRUE(readTextGrid(bytes, grid, error)) << error.message("test");
-    return grid;
-}
-
 void expectTheTwoTiers(const TextGrid& grid, const char* layout)
 {
     SCOPED_TRACE(layout);
@@ -142,8 +134,7 @@ TEST(TextGridReader, RefusesDamagedFilesNamingTheReasonAndTheLine)
     for (const Case& c : cases) {
         const TextGridError error = refusal(c.bytes);
         EXPECT_NE(error.what.find(c.reason), std::string::npos) << c.reason << ": " << error.what;
-        if (c.line != 0)
-            EXPECT_EQ(error.line, c.line) << c.reason;
+        EXPECT_TRUE(c.line == 0 || error.line == c.line) << c.reason << ": line " << error.line;
     }
 }
 

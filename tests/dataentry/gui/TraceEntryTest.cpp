@@ -274,7 +274,6 @@ TEST_F(TraceWindow, ViewOldDataShowsPlaceholdersAndIsRemembered)
     const std::string config = ConfigurationFile::defaultPath();
     ASSERT_TRUE(ConfigurationFile::write(config, doc));
     QTest::mouseClick(controller->_ViewOldData(), Qt::LeftButton);
-    EXPECT_FALSE(controller->_ViewOldData()->isChecked());
     EXPECT_EQ(doc._bShowGridData, 0);
     TraceTrackLists& lists = controller->_viewAmplitudes()->lists();
     ASSERT_GT(lists.columnCount(0), 2);

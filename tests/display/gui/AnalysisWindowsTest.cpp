@@ -79,7 +79,6 @@ TEST_F(AnalysisWindows, FFTLPCCommandStartsAtTheSelectedFrameAndStepsByFrames)
     ASSERT_NE(window, nullptr);
     EXPECT_TRUE(window->windowTitle().startsWith(QStringLiteral("FFT/LPC:: ")));
     EXPECT_EQ(window->startSample(), std::trunc(4 * c.m_dwFileLength / c.m_nColumnNum));
-    EXPECT_EQ(window->frameOf(window->startSample()), 5);
 
     // Right and Left step one frame; the ends hold.
     QTest::keyClick(window, Qt::Key_Right);
