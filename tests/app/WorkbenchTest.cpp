@@ -103,9 +103,7 @@ TEST(Workbench, LoadModelRecordingKeepsTheTableAndItsHistory)
     const std::string before = w->document()->Save_STK_FileType50(true);
 
     ASSERT_TRUE(w->loadModelRecordingFrom(file)) << wb.app.lastAlert().toStdString();
-    const Channels& model = *w->document()->getChannel(2);
-    EXPECT_EQ(model.m_dwFileLength, 4410.0);
-    EXPECT_NEAR(model.samples()[49], 49 / 200.0f, 1e-3);
+    EXPECT_NEAR(w->document()->getChannel(2)->samples()[49], 49 / 200.0f, 1e-3);
     EXPECT_EQ(w->table()->model()->columnCount(), columns);
     EXPECT_EQ(w->document()->Save_STK_FileType50(true), before);
     EXPECT_TRUE(w->document()->canUndo());
