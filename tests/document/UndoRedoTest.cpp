@@ -142,11 +142,9 @@ TEST(UndoRedo, RevertGoesBackToTheLastSave)
     EXPECT_TRUE(document->canRevert());
 
     edit(*document, 3, Row::f2, 900);
-    edit(*document, 1, Row::f1, 700);
     ASSERT_TRUE(document->doRevertDocumentToSaved()) << document->lastReadError();
     EXPECT_EQ(frameValue(*document, 3, Row::f2), 1800);
     EXPECT_TRUE(frameCell(*document, 3, Row::f2)->_bAnchor());
-    EXPECT_EQ(frameValue(*document, 1, Row::f1), 500);
     // The reverted document starts a new history and is unchanged.
     EXPECT_FALSE(document->canUndo());
     EXPECT_TRUE(document->_arrayUndo.empty());
