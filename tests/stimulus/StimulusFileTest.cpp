@@ -91,8 +91,7 @@ TEST(StimulusOutputFile, SettingsRoundTripAndADamagedFileChangesNothing)
         ASSERT_TRUE(o.set(name, value, nullptr)) << name;
     StimulusOutput back;
     ASSERT_TRUE(StimulusOutputFile::decode(StimulusOutputFile::encode(o), back));
-    EXPECT_EQ(back.commandLine(), o.commandLine());
-    EXPECT_EQ(back.summary(), o.summary());
+    EXPECT_EQ(back.commandLine(), o.commandLine()); // it names every setting
     // The defaults written out read back as plain output: Save Audio keeps its own bytes.
     StimulusOutput plain;
     ASSERT_TRUE(StimulusOutputFile::decode(StimulusOutputFile::encode(StimulusOutput{}), plain));
