@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <cstring>
 #include <fstream>
 
 namespace
@@ -50,12 +49,10 @@ TEST(ConfigurationFile, RoundTripReplacesExactlyTheNewDocumentSettings)
     EXPECT_EQ(ConfigurationFile::versionText().rfind("Tessaphon ", 0), 0u);
     ASSERT_EQ(std::string(bytes.c_str()), ConfigurationFile::versionText())
         << "the file starts with the version";
-    std::int32_t showGrid = -1;
-    std::memcpy(&showGrid, bytes.data() + 284, 4);
-    EXPECT_EQ(showGrid, 0);
+    // The grid switch, an int32 at byte 284: off, and on in a second image.
+    EXPECT_EQ(bytes.substr(284, 4), std::string(4, '\0'));
     source._bShowGridData = 1;
-    std::memcpy(&showGrid, ConfigurationFile::encode(source).data() + 284, 4);
-    EXPECT_EQ(showGrid, 1);
+    EXPECT_EQ(ConfigurationFile::encode(source).substr(284, 4), std::string("\1\0\0\0", 4));
     source._bShowGridData = 0;
 
     // A new document takes every setting but the analysis ones, in channels 0 to 2 and not 3.

@@ -195,7 +195,6 @@ TEST(StkFile, AbsurdDocumentsAreRefusedAndLeaveTheDocumentAlone)
     };
     for (const auto& c : cases) {
         auto document = makeTestDocument(30, 10, 1);
-        setValue(*document, 2, Row::f2, 1777);
         document->getChannel(0)->m_snppDataImage_Col_Row[1][Row::f2] = 1777;
         EXPECT_EQ(document->Read_STK_FileType(c.text), -1) << c.text;
         EXPECT_NE(document->lastReadError().find(c.reasonPart), std::string::npos)

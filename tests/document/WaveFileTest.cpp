@@ -77,8 +77,6 @@ TEST(WaveFile, WrittenFileReadsBackAsModelWithGridAndStkLocation)
     EXPECT_EQ(c->m_nColumnNum, 100);
     ASSERT_EQ(c->m_snppDataImage_Col_Row.size(), 102u);
     EXPECT_EQ(c->m_snppDataImage_Col_Row[99][Row::f0], 1000);
-    document.buildDataTableDictionary();
-    EXPECT_EQ(document._dataTableDictionary.count(), 101u);
 
     EXPECT_EQ(document.fileURL(), "/some/folder/take.1.stk");
     EXPECT_EQ(document.fileType(), "stk");

