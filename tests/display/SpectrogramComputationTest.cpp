@@ -99,6 +99,19 @@ TEST(SpectrogramComputation, FormantSlotsAreGatedAndPacked)
     EXPECT_EQ(s.m_phsnFormants[4], (FormantRecord{1, 2, 3, 4, 5, 0}));
 }
 
+TEST(SpectrogramComputation, TheFirstFormantOfAHighPitchedIIsFound)
+{
+    // At f0 200 Hz the first formant of /i/ lies between the first two harmonics: the LPC finds it
+    // only with its pre-emphasis, its window and its full order (without, slot 0 holds F2).
+    const auto x = signals::vowel(11025, 200.0, kRate, {{300, 60}, {2300, 100}, {3000, 150}});
+    SpectrogramComputation s(defaults());
+    ASSERT_TRUE(s.compute(*channelOf(signals::toFloat(x, 0.05), kRate), 100, 100));
+    std::vector<double> f1;
+    for (int i = 10; i < 90; ++i)
+        f1.push_back(s.m_phsnFormants[i][0]);
+    EXPECT_NEAR(signals::median(f1), 300.0, 150.0);
+}
+
 TEST(SpectrogramComputation, TrackingOffCancelAndBadInput)
 {
     const auto x = signals::toFloat(signals::noise(5000, 6, 0.2));
