@@ -53,10 +53,9 @@ TEST(Recovery, CopiesLeftByAWorkbenchThatEndedAreRecoveredOrDiscarded)
         whenModal<RecoveryDialog>([](RecoveryDialog* dialog) {
             EXPECT_EQ(dialog->windowTitle(), "Recover Unsaved Documents");
             EXPECT_EQ(dialog->list()->count(), 4);
+            const Qt::MatchFlags part = Qt::MatchContains | Qt::MatchCaseSensitive;
             for (const char* line : {"Untitled 2 — changed", "vowel.stk — changed"})
-                EXPECT_EQ(dialog->list()->findItems(line, Qt::MatchContains | Qt::MatchCaseSensitive).size(),
-                          1)
-                    << line;
+                EXPECT_EQ(dialog->list()->findItems(line, part).size(), 1) << line;
             dialog->recoverButton()->click();
         });
         EXPECT_EQ(next.offerRecovery(), 3);
