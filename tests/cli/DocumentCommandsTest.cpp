@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <fstream>
 #include <map>
-#include <sstream>
 #include <vector>
 
 namespace
@@ -14,8 +13,7 @@ namespace
 void expectInfo(const std::string& text, const std::map<std::string, std::string>& expected)
 {
     std::map<std::string, std::string> info;
-    std::istringstream lines(text);
-    for (std::string line; std::getline(lines, line);)
+    for (const std::string& line : linesOf(text))
         if (const auto colon = line.find(": "); colon != std::string::npos)
             info[line.substr(0, colon)] = line.substr(colon + 2);
     for (const auto& [key, value] : expected)
@@ -26,8 +24,7 @@ void expectInfo(const std::string& text, const std::map<std::string, std::string
 std::vector<std::string> linesWith(const std::string& text, const std::string& word)
 {
     std::vector<std::string> found;
-    std::istringstream lines(text);
-    for (std::string line; std::getline(lines, line);)
+    for (const std::string& line : linesOf(text))
         if (line.find(word) != std::string::npos)
             found.push_back(line);
     return found;
